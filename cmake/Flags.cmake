@@ -1,0 +1,29 @@
+include(CheckPIESupported)
+check_pie_supported()
+
+# What every target of the project compiles and links with: link olt_flags privately.
+add_library(olt_flags INTERFACE)
+target_include_directories(olt_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(olt_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wundef -Wcast-qual
+  -Wformat=2 -Werror
+  # Designated initialisers name what matters; the rest is meant to be zero.
+  -Wno-missing-field-initializers
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
+  $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes -Wmissing-prototypes>)
+
+if(OLT_SANITIZE)
+  add_compile_options(-fsanitize=${OLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${OLT_SANITIZE})
+endif()
+
+# Programs and their libraries, as opposed to liboltmgmt: hardened.
+add_library(olt_program_flags INTERFACE)
+target_link_libraries(olt_program_flags INTERFACE olt_flags)
+target_compile_options(olt_program_flags INTERFACE -fstack-protector-strong)
+target_link_options(olt_program_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+if(NOT OLT_SANITIZE)
+  target_compile_definitions(olt_program_flags INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+  target_compile_options(olt_program_flags INTERFACE -U_FORTIFY_SOURCE)
+endif()

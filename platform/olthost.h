@@ -1,0 +1,159 @@
+/// liboltplatform: the five calls of oltplatform.h on a development host, and what goes with them.
+///
+/// Requests travel over Unix stream sockets named module-N in a run directory. Front ends need
+/// nothing of this header: they call liboltmgmt and link against liboltplatform. It serves those
+/// who write a module (the serving side), and tools that watch or redirect exchanges.
+///
+/// Environment:
+///   OLT_RUN_DIR       run directory; default $XDG_RUNTIME_DIR/oltmgmt, else /run/oltmgmt
+///   OLT_GROUP         a group whose members are accepted as peers, by name or number
+///   OLT_ALLOC_DEBUG   1: ___MALLOC checks tags, double releases and overruns, and reports at exit
+///   OLT_LOG           stderr (default) or syslog: where log_log writes
+#ifndef OLTHOST_H
+#define OLTHOST_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "oltplatform.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// What platmsg_syn_result returns when an exchange fails. The lower 16 bits are zero, so that a
+/// result OR-ed with a status word shows both.
+enum olt_transport_result {
+  OLT_TRANSPORT_OK = 0,
+  OLT_TRANSPORT_TIMED_OUT = 0x00010000,  ///< no answer within the time-out
+  OLT_TRANSPORT_NO_MODULE = 0x00020000,  ///< nothing serves the module
+  OLT_TRANSPORT_LOST = 0x00030000,       ///< the module went away before it answered
+  OLT_TRANSPORT_REFUSED = 0x00040000,    ///< one side runs as a user that the other does not accept
+  OLT_TRANSPORT_GARBLED = 0x00050000,    ///< the answer is not a well-formed frame
+  OLT_TRANSPORT_TOO_LONG = 0x00060000,   ///< request longer than OLT_REQUEST_LIMIT
+  OLT_TRANSPORT_NO_RESOURCES = 0x00070000,  ///< out of memory, descriptors or reply handles
+  OLT_TRANSPORT_BAD_CALL = 0x00080000       ///< a null pointer where one must be given
+};
+
+/// Longest request that is sent, in bytes. Far above what any operation builds.
+#define OLT_REQUEST_LIMIT (16u * 1024u * 1024u)
+/// Longest reply, in bytes: its length travels in 16 bits.
+#define OLT_REPLY_LIMIT 65535u
+
+/// One line for a transport result ("no answer within the time-out"); never null. Bits below 16
+/// are ignored.
+const char *olt_transport_text(int32_t result);
+
+/// Writes the run directory that the environment selects into path.
+/// @return 0, or -1 when it does not fit (path is then empty).
+int olt_run_dir(char *path, size_t size);
+
+/// One finished exchange, as its caller saw it. Pointers are valid during the call of the watcher.
+struct olt_exchange {
+  uint32_t module;
+  uint32_t message_type;
+  const void *request;
+  uint32_t request_length;
+  uint32_t no_reply;
+  uint32_t timeout;        ///< seconds
+  int32_t result;          ///< enum olt_transport_result
+  uint16_t status;         ///< meaningful when result is 0
+  uint16_t reply_length;   ///< 0 without a reply
+  const void *reply;
+  uint64_t elapsed_ns;
+};
+
+typedef void (*olt_watcher)(void *context, const struct olt_exchange *exchange);
+
+/// Calls the watcher after every exchange of this process, on the thread that made it; null ends
+/// it. Set it while no other thread is in an exchange.
+void olt_watch_exchanges(olt_watcher watcher, void *context);
+
+/// Gives a connected stream socket to the module, or -1 with errno (ECONNREFUSED or ENOENT:
+/// nothing serves it).
+typedef int (*olt_connector)(void *context, uint32_t module);
+
+/// Obtains connections from the connector instead of from the run directory; null goes back. Peer
+/// credentials are checked all the same. Set it while no other thread is in an exchange.
+void olt_connect_through(olt_connector connector, void *context);
+
+// The serving side: give a module number and a handler, get a server.
+
+typedef struct olt_server olt_server;
+
+struct olt_request {
+  uint32_t module;
+  uint32_t message_type;
+  const void *data;  ///< any alignment; valid during the handler's call
+  uint32_t length;
+  uint32_t no_reply;  ///< 1: only the status travels back
+};
+
+enum olt_answer_action {
+  OLT_ANSWER_SEND = 0,        ///< send status and reply, after delay_ms
+  OLT_ANSWER_WITHHOLD = 1,    ///< never answer this request
+  OLT_ANSWER_DISCONNECT = 2,  ///< close the connection instead, after delay_ms
+};
+
+struct olt_answer {
+  uint16_t status;
+  const void *reply;      ///< copied when the handler returns; ignored when no_reply is 1
+  uint32_t reply_length;  ///< at most OLT_REPLY_LIMIT
+  enum olt_answer_action action;
+  uint32_t delay_ms;  ///< other connections are served meanwhile
+};
+
+/// Answers one request. The answer is zeroed beforehand: returning at once means status 0 and no
+/// reply. Runs on the thread of olt_server_run, one call at a time.
+typedef void (*olt_handler)(void *context, const struct olt_request *request,
+                            struct olt_answer *answer);
+
+struct olt_server_options {
+  const char *run_dir;  ///< where the sockets go; null: none, only olt_server_connect reaches it
+  const char *group;    ///< group that may connect beside the own user and root; null: none
+  uint32_t stall_ms;    ///< a client that stops half-way in a frame is dropped after this; 0: 10,000
+  void (*on_event)(void *context, const char *line);  ///< told of each counted mishap; may be null
+  void *context;
+};
+
+/// What has happened since the server was created.
+struct olt_server_counters {
+  uint64_t exchanges;
+  uint64_t connections;
+  uint64_t refused_peers;
+  uint64_t broken_frames;     ///< framing that is not ours, or too long
+  uint64_t stalled_clients;   ///< dropped for stopping half-way
+  uint64_t vanished_clients;  ///< gone in the middle of a frame or before their answer
+};
+
+/// Creates a server. The run directory is created with mode 0700 (0750 with a group); an existing
+/// one is taken when it belongs to the user and is empty or closed to others.
+/// @param[out] error one line, when the result is null
+olt_server *olt_server_create(const struct olt_server_options *options, char error[256]);
+
+/// Serves a module, under the socket module-N with mode 0600 (0660 with a group). A socket left by
+/// a process that died is taken over; one that is being served is not.
+/// @return 0, or -1 and a line in error.
+int olt_server_add(olt_server *server, uint32_t module, olt_handler handler, void *context,
+                   char error[256]);
+
+/// Serves on the calling thread until olt_server_stop. @return 0, or -1 and a line in error.
+int olt_server_run(olt_server *server, char error[256]);
+
+/// Ends olt_server_run within 100 ms. May be called from any thread and from a signal handler.
+void olt_server_stop(olt_server *server);
+
+/// A new connection to one of the server's modules, as olt_connector wants it; from any thread.
+int olt_server_connect(olt_server *server, uint32_t module);
+
+/// Copies the counters; from any thread.
+void olt_server_count(const olt_server *server, struct olt_server_counters *counters);
+
+/// Closes all connections, removes the sockets and releases the server. Not while it runs.
+void olt_server_destroy(olt_server *server);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
