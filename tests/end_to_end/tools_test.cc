@@ -13,7 +13,6 @@ using olt::tests::Finished;
 using olt::tests::PrivateFolder;
 using olt::tests::run;
 using olt::tests::RunningBox;
-using testing::Test;
 
 bool holds(const std::string &text, const std::string &part) {
   return text.find(part) != std::string::npos;
