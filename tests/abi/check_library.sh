@@ -1,0 +1,77 @@
+#!/bin/sh
+# Checks what a built liboltmgmt asks of the system that loads it. Prints a line for each
+# complaint; READELF names the tool to read it with.
+set -eu
+
+if [ $# -ne 3 ]; then
+  echo "usage: check_library.sh LIBRARY SONAME IMPORTS" >&2
+  exit 2
+fi
+library=$1
+soname=$2
+imports=$3
+readelf=${READELF:-readelf}
+
+header=$("$readelf" -hW "$library")
+dynamic=$("$readelf" -dW "$library")
+segments=$("$readelf" -lW "$library")
+sections=$("$readelf" -SW "$library")
+symbols=$("$readelf" -W --dyn-syms "$library")
+
+complaints=0
+complain() {
+  echo "$(basename "$library"): $*"
+  complaints=$((complaints + 1))
+}
+
+dynamic_values() {
+  echo "$dynamic" | sed -n "s/.*($1).*\[\(.*\)\]$/\1/p"
+}
+
+has_dynamic_tag() {
+  echo "$dynamic" | grep -q "($1)"
+}
+
+for needed in $(dynamic_values NEEDED); do
+  case $needed in
+    libc.so | libc.so.[0-9]) ;;
+    *) complain "needs $needed, but may need the C library alone" ;;
+  esac
+done
+
+actual=$(dynamic_values SONAME)
+[ "$actual" = "$soname" ] || complain "its SONAME is \"$actual\", expected \"$soname\""
+
+undefined=$(echo "$symbols" |
+  awk '$7 == "UND" && $8 != "" { sub(/@.*/, "", $8); print $8 }' | sort -u)
+for name in $undefined; do
+  grep -qx "$name" "$imports" || complain "imports $name, which $(basename "$imports") does not list"
+done
+
+writable=$(echo "$sections" | sed -n 's/^ *\[ *[0-9]*\] *//p' |
+  awk '$7 ~ /W/ && $7 ~ /A/ && $1 !~ /^\.(dynamic|got)$/ { print $1 }')
+for section in $writable; do
+  complain "has writable data of its own in $section"
+done
+
+for tag in INIT INIT_ARRAY PREINIT_ARRAY FINI FINI_ARRAY; do
+  ! has_dynamic_tag "$tag" || complain "runs code when it is loaded or unloaded ($tag)"
+done
+
+echo "$dynamic" | grep -Eq '\(FLAGS\).*BIND_NOW|\(BIND_NOW\)' || complain "is bound lazily (no BIND_NOW)"
+
+if has_dynamic_tag TEXTREL || echo "$dynamic" | grep -q '(FLAGS).*TEXTREL'; then
+  complain "has relocations in its code (TEXTREL)"
+fi
+
+# The linker for MIPS cannot make read-only after relocation.
+if ! echo "$header" | grep -q 'Machine:.*MIPS'; then
+  echo "$segments" | grep -q GNU_RELRO || complain "stays writable after relocation (no RELRO)"
+fi
+
+stack=$(echo "$segments" | awk '$1 == "GNU_STACK" { print $7 $8 }')
+case $stack in
+  "" | *E*) complain "asks for an executable stack" ;;
+esac
+
+[ "$complaints" -eq 0 ]

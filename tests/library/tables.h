@@ -1,0 +1,13 @@
+/// The operation tables, one per family.
+#ifndef OLT_TESTS_LIBRARY_TABLES_H
+#define OLT_TESTS_LIBRARY_TABLES_H
+
+#include "tests/library/operation_table.h"
+
+namespace olt::test {
+
+Table system_table();
+
+}  // namespace olt::test
+
+#endif
