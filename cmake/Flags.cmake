@@ -23,7 +23,6 @@ target_link_libraries(olt_program_flags INTERFACE olt_flags)
 target_compile_options(olt_program_flags INTERFACE -fstack-protector-strong)
 target_link_options(olt_program_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 if(NOT OLT_SANITIZE)
-  target_compile_definitions(olt_program_flags INTERFACE
-    $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
-  target_compile_options(olt_program_flags INTERFACE -U_FORTIFY_SOURCE)
+  target_compile_options(olt_program_flags INTERFACE
+    -U_FORTIFY_SOURCE $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
 endif()
