@@ -55,10 +55,10 @@ struct olt_exchange {
   const void *request;
   uint32_t request_length;
   uint32_t no_reply;
-  uint32_t timeout;        ///< seconds
-  int32_t result;          ///< enum olt_transport_result
-  uint16_t status;         ///< meaningful when result is 0
-  uint16_t reply_length;   ///< 0 without a reply
+  uint32_t timeout;       ///< seconds
+  int32_t result;         ///< enum olt_transport_result
+  uint16_t status;        ///< meaningful when result is 0
+  uint16_t reply_length;  ///< 0 without a reply
   const void *reply;
   uint64_t elapsed_ns;
 };
@@ -111,7 +111,7 @@ typedef void (*olt_handler)(void *context, const struct olt_request *request,
 struct olt_server_options {
   const char *run_dir;  ///< where the sockets go; null: none, only olt_server_connect reaches it
   const char *group;    ///< group that may connect beside the own user and root; null: none
-  uint32_t stall_ms;    ///< a client that stops half-way in a frame is dropped after this; 0: 10,000
+  uint32_t stall_ms;  ///< a client that stops half-way in a frame is dropped after this; 0: 10,000
   void (*on_event)(void *context, const char *line);  ///< told of each counted mishap; may be null
   void *context;
 };

@@ -1,0 +1,205 @@
+// The tagged allocator. Plain malloc, unless OLT_ALLOC_DEBUG asks for every block to be watched.
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <new>
+#include <string>
+#include <unordered_map>
+
+#include "platform/fork_safety.h"
+#include "platform/log.h"
+#include "platform/olthost.h"
+
+namespace olt::platform {
+namespace {
+
+constexpr std::size_t kGuardSize = 16;
+constexpr unsigned char kGuardByte = 0xb7;
+constexpr unsigned char kReleasedByte = 0xdd;
+// Released blocks are kept back, so that a second release still finds what it is about.
+constexpr std::size_t kMostKeptBlocks = 4096;
+constexpr std::size_t kMostKeptBytes = 8 * 1024 * 1024;
+
+struct Block {
+  std::string tag;
+  int line;
+  uint32_t size;
+  bool released = false;
+};
+
+struct Watch {
+  std::unordered_map<const unsigned char *, Block> blocks;
+  std::deque<unsigned char *> kept;
+  std::size_t kept_bytes = 0;
+};
+
+constinit std::mutex lock;
+[[maybe_unused]] const int registered = hold_across_fork<lock>();
+
+// Never destroyed: blocks are released up to the very end of the process.
+Watch &watch() {
+  static Watch &instance = *new Watch;
+  return instance;
+}
+
+const char *name(const char *tag) {
+  return tag != nullptr ? tag : "?";
+}
+
+std::string describe(const Block &block) {
+  return std::to_string(block.size) + " bytes allocated by \"" + block.tag + "\" at line " +
+         std::to_string(block.line);
+}
+
+void report(const char *tag, int line, const std::string &message) {
+  log_log(kErrorLevel, name(tag), line, message.c_str());
+}
+
+bool guard_intact(const unsigned char *guard) {
+  return std::all_of(guard, guard + kGuardSize, [](unsigned char c) { return c == kGuardByte; });
+}
+
+void *allocate_watched(uint32_t size, const char *tag, int line) {
+  std::size_t total = 0;
+  if (__builtin_add_overflow(size, 2 * kGuardSize, &total)) {
+    return nullptr;
+  }
+  auto *start = static_cast<unsigned char *>(std::malloc(total));
+  if (start == nullptr) {
+    return nullptr;
+  }
+  unsigned char *data = start + kGuardSize;
+  std::memset(start, kGuardByte, kGuardSize);
+  std::memset(data + size, kGuardByte, kGuardSize);
+  try {
+    const std::lock_guard guard(lock);
+    watch().blocks[data] = {.tag = name(tag), .line = line, .size = size};
+  } catch (const std::bad_alloc &) {
+    std::free(start);
+    return nullptr;
+  }
+  return data;
+}
+
+void keep_back(Watch &all, unsigned char *data, Block &block) {
+  std::memset(data, kReleasedByte, block.size);
+  block.released = true;
+  all.kept.push_back(data);
+  all.kept_bytes += block.size;
+  while (all.kept.size() > kMostKeptBlocks || all.kept_bytes > kMostKeptBytes) {
+    unsigned char *oldest = all.kept.front();
+    all.kept.pop_front();
+    const auto found = all.blocks.find(oldest);
+    all.kept_bytes -= found->second.size;
+    all.blocks.erase(found);
+    std::free(oldest - kGuardSize);
+  }
+}
+
+void release_watched(void *pointer, const char *tag, int line) {
+  auto *data = static_cast<unsigned char *>(pointer);
+  const std::lock_guard guard(lock);
+  Watch &all = watch();
+  const auto found = all.blocks.find(data);
+  if (found == all.blocks.end()) {
+    report(tag, line, "released a block that ___MALLOC did not give");
+    return;
+  }
+  Block &block = found->second;
+  if (block.released) {
+    report(tag, line, "released a second time: " + describe(block));
+    return;
+  }
+  if (block.tag != name(tag)) {
+    report(tag, line, "released under another tag: " + describe(block));
+  }
+  if (!guard_intact(data - kGuardSize)) {
+    report(tag, line, "bytes before the block were overwritten: " + describe(block));
+  }
+  if (!guard_intact(data + block.size)) {
+    report(tag, line, "bytes behind the block were overwritten: " + describe(block));
+  }
+  keep_back(all, data, block);
+}
+
+bool read_switch() {
+  const char *value = environment("OLT_ALLOC_DEBUG");
+  if (value == nullptr || std::strcmp(value, "0") == 0) {
+    return false;
+  }
+  if (std::strcmp(value, "1") == 0) {
+    return true;
+  }
+  const std::string message =
+      std::string("OLT_ALLOC_DEBUG is \"") + value + "\"; expected 0 or 1; using 0";
+  log_log(kWarningLevel, "___MALLOC", __LINE__, message.c_str());
+  return false;
+}
+
+enum class Mode { kUndecided, kPlain, kWatching };
+
+std::atomic<Mode> mode{Mode::kUndecided};
+
+// Decided by the first allocation; the lock keeps two threads from deciding, and warning, at once.
+bool watching() {
+  Mode now = mode.load(std::memory_order_acquire);
+  if (now == Mode::kUndecided) {
+    const std::lock_guard guard(lock);
+    now = mode.load(std::memory_order_relaxed);
+    if (now == Mode::kUndecided) {
+      now = read_switch() ? Mode::kWatching : Mode::kPlain;
+      mode.store(now, std::memory_order_release);
+    }
+  }
+  return now == Mode::kWatching;
+}
+
+struct Unreleased {
+  std::size_t count = 0;
+  uint64_t bytes = 0;
+};
+
+// A destructor of the library: it runs after those of the programs and libraries that use it.
+[[gnu::destructor]] void report_unreleased() {
+  if (mode.load() != Mode::kWatching) {
+    return;
+  }
+  const std::lock_guard guard(lock);
+  std::map<std::string, Unreleased> by_tag;
+  for (const auto &[data, block] : watch().blocks) {
+    if (!block.released) {
+      Unreleased &sum = by_tag[block.tag];
+      ++sum.count;
+      sum.bytes += block.size;
+    }
+  }
+  for (const auto &[tag, sum] : by_tag) {
+    report(tag.c_str(), 0,
+           "never released: " + std::to_string(sum.count) + " blocks, " +
+               std::to_string(sum.bytes) + " bytes");
+  }
+}
+
+}  // namespace
+}  // namespace olt::platform
+
+void *___MALLOC(uint32_t size, const char *tag, int line) {
+  using namespace olt::platform;
+  if (watching()) {
+    return allocate_watched(size, tag, line);
+  }
+  return std::malloc(std::max<uint32_t>(size, 1));
+}
+
+void ___FREE(void *block, const char *tag, int line) {
+  using namespace olt::platform;
+  if (block != nullptr && watching()) {
+    release_watched(block, tag, line);
+  } else {
+    std::free(block);
+  }
+}

@@ -1,0 +1,111 @@
+// The way to a module: its socket in the run directory, or what the process's connector gives.
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "platform/connection.h"
+#include "platform/credentials.h"
+#include "platform/failure.h"
+#include "platform/log.h"
+#include "platform/run_dir.h"
+
+namespace olt::platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Connector {
+  olt_connector call = nullptr;
+  void *context = nullptr;
+};
+constinit Connector connector;
+
+int32_t result_of(int error) {
+  switch (error) {
+    case EACCES:
+    case EPERM:
+      return OLT_TRANSPORT_REFUSED;
+    case EMFILE:
+    case ENFILE:
+    case ENOBUFS:
+    case ENOMEM:
+      return OLT_TRANSPORT_NO_RESOURCES;
+    default:
+      return OLT_TRANSPORT_NO_MODULE;
+  }
+}
+
+// A full queue of the module's socket gives no sign when it has room again: ask now and then.
+int32_t connect_through_run_dir(uint32_t module, const Deadline &deadline, Descriptor &socket) {
+  const std::string path = socket_path(selected_run_dir(), module);
+  const auto address = socket_address(path);
+  if (!address) {
+    complain(too_long_for_socket(path));
+    return OLT_TRANSPORT_NO_MODULE;
+  }
+  socket = Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!socket.is_open()) {
+    return result_of(errno);
+  }
+  while (::connect(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address)) {
+    if (errno != EAGAIN && errno != EINTR) {
+      const int32_t result = result_of(errno);
+      if (result == OLT_TRANSPORT_REFUSED) {
+        complain("\"" + path + "\" is closed to user " + user_name(::geteuid()) +
+                 "; expected its owner, root or a member of its group");
+      }
+      return result;
+    }
+    if (!deadline.nap(2ms)) {
+      return OLT_TRANSPORT_TIMED_OUT;
+    }
+  }
+  return OLT_TRANSPORT_OK;
+}
+
+int32_t connect_through_connector(uint32_t module, Descriptor &socket) {
+  socket = Descriptor(connector.call(connector.context, module));
+  return socket.is_open() ? OLT_TRANSPORT_OK : result_of(errno);
+}
+
+std::optional<gid_t> allowed_group() {
+  const char *group = environment("OLT_GROUP");
+  if (group == nullptr) {
+    return std::nullopt;
+  }
+  try {
+    return find_group(group);
+  } catch (const Failure &failure) {
+    complain(std::string("OLT_GROUP: ") + failure.what() + "; using none");
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor &socket) {
+  const int32_t result = connector.call != nullptr
+                             ? connect_through_connector(module, socket)
+                             : connect_through_run_dir(module, deadline, socket);
+  if (result != OLT_TRANSPORT_OK) {
+    return result;
+  }
+  if (const std::string refusal = refusal_of_peer(socket.get(), allowed_group());
+      !refusal.empty()) {
+    complain("module " + std::to_string(module) + ": " + refusal);
+    return OLT_TRANSPORT_REFUSED;
+  }
+  ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
+  ::fcntl(socket.get(), F_SETFL, ::fcntl(socket.get(), F_GETFL) & ~O_NONBLOCK);
+  return OLT_TRANSPORT_OK;
+}
+
+void set_connector(olt_connector call, void *context) {
+  connector = {.call = call, .context = context};
+}
+
+}  // namespace olt::platform

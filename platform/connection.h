@@ -1,0 +1,76 @@
+/// The client's end of a stream to a module.
+#ifndef OLT_PLATFORM_CONNECTION_H
+#define OLT_PLATFORM_CONNECTION_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/deadline.h"
+#include "platform/descriptor.h"
+#include "platform/olthost.h"
+#include "platform/replies.h"
+
+namespace olt::platform {
+
+struct Request {
+  uint32_t message_type;
+  const void *data;
+  uint32_t length;
+  bool no_reply;
+};
+
+struct Answer {
+  uint16_t status = 0;
+  uint16_t length = 0;
+  ReplyBlock reply;  ///< null when only the status was wanted
+};
+
+/// How much of a request the kernel took.
+enum class Sent {
+  kAll,
+  kPart,     ///< the module closed the stream in the middle
+  kNothing,  ///< the module had closed the stream before
+  kTooLate,  ///< the deadline passed
+  kNoResources,
+};
+
+/// One stream, used by one thread at a time. Closed by itself in the child of a fork.
+class Connection {
+ public:
+  explicit Connection(Descriptor socket);
+  Connection(const Connection &) = delete;
+  Connection &operator=(const Connection &) = delete;
+  ~Connection();
+
+  /// False in the child of a fork, for a connection of its parent.
+  bool is_open() const { return socket_.is_open(); }
+
+  /// Sends a request, without a second try of any byte.
+  Sent send(const Request &request, const Deadline &deadline);
+
+  /// Receives the answer to the request sent last.
+  /// @return OLT_TRANSPORT_OK, or why there is no answer; the connection is then of no more use
+  int32_t receive(bool no_reply, const Deadline &deadline, Answer &answer);
+
+  /// Closes the streams of the parent, in the child of a fork.
+  static void close_all();
+
+ private:
+  int32_t receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
+                       std::size_t &received);
+
+  Descriptor socket_;
+  uint32_t sequence_ = 0;
+};
+
+/// Connects to a module, through the run directory of the environment or the process's connector,
+/// and checks who serves it.
+/// @return OLT_TRANSPORT_OK and an open socket, or why there is none
+int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor &socket);
+
+/// Changes the way to the modules; null goes back to the run directory.
+void set_connector(olt_connector connector, void *context);
+
+}  // namespace olt::platform
+
+#endif

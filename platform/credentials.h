@@ -1,0 +1,25 @@
+/// Who may be at the other end of a socket.
+#ifndef OLT_PLATFORM_CREDENTIALS_H
+#define OLT_PLATFORM_CREDENTIALS_H
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+
+namespace olt::platform {
+
+/// Number of a group given by name or by number; throws Failure when there is none of the name.
+gid_t find_group(const std::string &name_or_number);
+
+/// "alice (1001)", or the number alone when it has no name.
+std::string user_name(uid_t user);
+std::string group_name(gid_t group);
+
+/// Empty when the peer of the socket is the own user, root or a member of the allowed group; else
+/// a line that tells who it is and who is expected.
+std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group);
+
+}  // namespace olt::platform
+
+#endif

@@ -1,0 +1,34 @@
+/// The moment at which an exchange has taken too long.
+#ifndef OLT_PLATFORM_DEADLINE_H
+#define OLT_PLATFORM_DEADLINE_H
+
+#include <chrono>
+#include <cstdint>
+
+namespace olt::platform {
+
+/// Counts on the monotonic clock from its construction.
+class Deadline {
+ public:
+  explicit Deadline(uint32_t seconds);
+
+  std::chrono::nanoseconds elapsed() const;
+  /// Zero or less when the deadline has passed.
+  std::chrono::nanoseconds remaining() const;
+
+  /// Waits until the socket is ready for the poll events, whatever signals arrive. Errors count
+  /// as ready: the next call on the socket tells them.
+  /// @return false when the deadline passed first
+  bool wait(int socket, short events) const;
+
+  /// Sleeps for a moment, at most up to the deadline. @return false when it has passed
+  bool nap(std::chrono::nanoseconds duration) const;
+
+ private:
+  std::chrono::steady_clock::time_point start_;
+  std::chrono::seconds limit_;
+};
+
+}  // namespace olt::platform
+
+#endif

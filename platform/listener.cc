@@ -1,0 +1,147 @@
+#include "platform/listener.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+#include "platform/credentials.h"
+#include "platform/failure.h"
+#include "platform/run_dir.h"
+
+namespace olt::platform {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kPauseWithoutDescriptors = 100ms;
+
+bool is_same_file(int file, const std::string &path) {
+  struct stat open_one {};
+  struct stat named_one {};
+  return ::fstat(file, &open_one) == 0 && ::stat(path.c_str(), &named_one) == 0 &&
+         open_one.st_dev == named_one.st_dev && open_one.st_ino == named_one.st_ino;
+}
+
+// The file may be removed by its last owner between being opened and being locked: look again.
+Descriptor lock_module(const std::string &path, uint32_t module, const std::string &run_dir) {
+  for (;;) {
+    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!file.is_open()) {
+      throw system_failure("lock file \"" + path + "\" cannot be opened", errno);
+    }
+    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno == EWOULDBLOCK) {
+        throw Failure("module " + std::to_string(module) + " is already being served in \"" +
+                      run_dir + "\"; expected a free module or another run directory");
+      }
+      throw system_failure("lock file \"" + path + "\" cannot be locked", errno);
+    }
+    if (is_same_file(file.get(), path)) {
+      return file;
+    }
+  }
+}
+
+// The lock is held, so that whoever left a socket there is gone.
+void remove_stale_socket(const std::string &path) {
+  struct stat found {};
+  if (::lstat(path.c_str(), &found) != 0) {
+    return;
+  }
+  if (!S_ISSOCK(found.st_mode)) {
+    throw Failure("\"" + path + "\" is in the way; expected a socket or nothing");
+  }
+  if (::unlink(path.c_str()) != 0) {
+    throw system_failure("\"" + path + "\" cannot be removed", errno);
+  }
+}
+
+void open_to(const std::string &path, std::optional<gid_t> allowed_group) {
+  if (allowed_group && ::chown(path.c_str(), static_cast<uid_t>(-1), *allowed_group) != 0) {
+    throw system_failure("\"" + path + "\" cannot be given to group " + group_name(*allowed_group),
+                         errno);
+  }
+  if (::chmod(path.c_str(), allowed_group ? 0660 : 0600) != 0) {
+    throw system_failure("\"" + path + "\" cannot be closed to others", errno);
+  }
+}
+
+// Not listening before its permissions are right.
+int listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
+  const auto address = socket_address(path);
+  if (!address) {
+    throw Failure(too_long_for_socket(path));
+  }
+  remove_stale_socket(path);
+  Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+  if (!socket.is_open() ||
+      ::bind(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address) != 0) {
+    throw system_failure("\"" + path + "\" cannot be bound", errno);
+  }
+  open_to(path, allowed_group);
+  if (::listen(socket.get(), SOMAXCONN) != 0) {
+    throw system_failure("\"" + path + "\" cannot be listened on", errno);
+  }
+  return socket.release();
+}
+
+}  // namespace
+
+Listener::Listener(asio::io_context &loop, const std::string &run_dir, uint32_t module,
+                   std::optional<gid_t> allowed_group, Ledger &ledger, Accept accept)
+    : lock_(lock_module(socket_path(run_dir, module) + ".lock", module, run_dir)),
+      lock_file_(socket_path(run_dir, module) + ".lock"),
+      socket_(loop, listen_on(socket_path(run_dir, module), allowed_group)),
+      socket_file_(socket_path(run_dir, module)),
+      timer_(loop),
+      ledger_(ledger),
+      accept_(std::move(accept)),
+      name_("module " + std::to_string(module)) {
+  await_client();
+}
+
+void Listener::await_client() {
+  socket_.async_wait(asio::posix::stream_descriptor::wait_read,
+                     [this](const std::error_code &error) {
+                       if (!error) {
+                         accept_all();
+                       }
+                     });
+}
+
+void Listener::accept_all() {
+  for (;;) {
+    Descriptor client(
+        ::accept4(socket_.native_handle(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (client.is_open()) {
+      paused_ = false;
+      accept_(std::move(client));
+    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      return await_client();
+    } else if (errno != EINTR && errno != ECONNABORTED) {
+      return pause(errno);
+    }
+  }
+}
+
+// Out of descriptors or memory, most likely: the clients wait in the queue of the socket.
+void Listener::pause(int error) {
+  if (!paused_) {
+    ledger_.tell(name_ + ": new clients have to wait: " + std::strerror(error));
+    paused_ = true;
+  }
+  timer_.expires_after(kPauseWithoutDescriptors);
+  timer_.async_wait([this](const std::error_code &cancelled) {
+    if (!cancelled) {
+      accept_all();
+    }
+  });
+}
+
+}  // namespace olt::platform

@@ -1,0 +1,64 @@
+#include "platform/replies.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/fork_safety.h"
+#include "platform/log.h"
+#include "platform/olthost.h"
+
+namespace olt::platform {
+namespace {
+
+constexpr std::size_t kSmallestBlock = 256;
+
+/// Handles are given out in turn, so that one which was released stays unknown for four billion
+/// replies.
+struct Replies {
+  std::unordered_map<uint32_t, ReplyBlock> held;
+  uint32_t last_handle = 0;
+  unsigned wrong_releases = 0;
+};
+
+constinit std::mutex lock;
+[[maybe_unused]] const int registered = hold_across_fork<lock>();
+
+// Never destroyed: threads may still be in an exchange while the process exits.
+Replies &replies() {
+  static Replies &instance = *new Replies;
+  return instance;
+}
+
+}  // namespace
+
+ReplyBlock make_reply_block(std::size_t length) {
+  return ReplyBlock(static_cast<std::byte *>(std::calloc(1, std::max(length + 1, kSmallestBlock))));
+}
+
+uint32_t hand_out(ReplyBlock reply) {
+  const std::lock_guard guard(lock);
+  Replies &all = replies();
+  do {
+    ++all.last_handle;
+  } while (all.last_handle == 0 || all.held.contains(all.last_handle));
+  all.held.emplace(all.last_handle, std::move(reply));
+  return all.last_handle;
+}
+
+}  // namespace olt::platform
+
+void IPC_Free(uint32_t reply_handle) {
+  using namespace olt::platform;
+  const std::lock_guard guard(lock);
+  Replies &all = replies();
+  if (all.held.erase(reply_handle) == 0) {
+    char message[96];
+    std::snprintf(message, sizeof message,
+                  "reply handle %u is unknown or already released (%u such calls so far)",
+                  static_cast<unsigned>(reply_handle), ++all.wrong_releases);
+    log_log(kErrorLevel, "IPC_Free", __LINE__, message);
+  }
+}

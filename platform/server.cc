@@ -1,0 +1,168 @@
+#include "platform/server.h"
+
+#include <sys/eventfd.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "platform/credentials.h"
+#include "platform/failure.h"
+#include "platform/frame.h"
+#include "platform/run_dir.h"
+
+namespace olt::platform {
+namespace {
+
+constexpr uint32_t kDefaultStallMs = 10'000;
+
+// As many clients as the system allows.
+void raise_descriptor_limit() {
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+}
+
+int make_event() {
+  const int event = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+  if (event < 0) {
+    throw system_failure("no event descriptor is to be had", errno);
+  }
+  return event;
+}
+
+std::optional<gid_t> group_of(const olt_server_options &options) {
+  return options.group != nullptr ? std::optional(find_group(options.group)) : std::nullopt;
+}
+
+// The client learns why its connection is closed.
+void send_refusal(int socket) {
+  const auto frame = encode(AnswerHeader{.sequence = 0, .status = 0, .refused = true, .length = 0});
+  ::send(socket, frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+}  // namespace
+
+Server::Server(const olt_server_options &options)
+    : run_dir_(options.run_dir != nullptr ? options.run_dir : ""),
+      allowed_group_(group_of(options)),
+      stall_limit_(options.stall_ms != 0 ? options.stall_ms : kDefaultStallMs),
+      ledger_(options.on_event, options.context),
+      waker_(loop_, make_event()) {
+  if (options.run_dir != nullptr) {
+    raise_descriptor_limit();
+    prepare_run_dir(run_dir_, allowed_group_);
+  }
+  await_wake_up();
+}
+
+void Server::add(const Service &service) {
+  const std::lock_guard guard(lock_);
+  const auto [place, added] = services_.emplace(service.module, service);
+  if (!added) {
+    throw Failure("module " + std::to_string(service.module) +
+                  " was added before; expected each module once");
+  }
+  if (run_dir_.empty()) {
+    return;
+  }
+  try {
+    listeners_.emplace_back(
+        loop_, run_dir_, service.module, allowed_group_, ledger_,
+        [this, &kept = place->second](Descriptor socket) { admit(std::move(socket), kept); });
+  } catch (...) {
+    services_.erase(place);
+    throw;
+  }
+}
+
+// A connection for which there is no memory is lost, and nothing else.
+void Server::run() {
+  loop_.restart();
+  while (!loop_.stopped()) {
+    try {
+      loop_.run();
+    } catch (const std::bad_alloc &) {
+      ledger_.tell("out of memory: a connection was dropped");
+    }
+  }
+}
+
+void Server::stop() {
+  stop_ = true;
+  wake_up();
+}
+
+int Server::connect(uint32_t module) {
+  const std::lock_guard guard(lock_);
+  const auto service = services_.find(module);
+  if (service == services_.end()) {
+    errno = ECONNREFUSED;
+    return -1;
+  }
+  std::array<int, 2> ends{};
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    return -1;
+  }
+  Descriptor own(ends[0]);
+  Descriptor other(ends[1]);
+  arrivals_.push_back({.socket = std::move(own), .service = &service->second});
+  wake_up();
+  return other.release();
+}
+
+// Only system calls: signal handlers come here.
+void Server::wake_up() {
+  const int error = errno;
+  const uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = ::write(waker_.native_handle(), &one, sizeof one);
+  errno = error;
+}
+
+void Server::await_wake_up() {
+  waker_.async_wait(
+      asio::posix::stream_descriptor::wait_read, [this](const std::error_code &error) {
+        if (error) {
+          return;
+        }
+        uint64_t count = 0;
+        [[maybe_unused]] const ssize_t got = ::read(waker_.native_handle(), &count, sizeof count);
+        await_wake_up();
+        admit_arrivals();
+        if (stop_.exchange(false)) {
+          loop_.stop();
+        }
+      });
+}
+
+void Server::admit_arrivals() {
+  std::vector<Arrival> arrivals;
+  {
+    const std::lock_guard guard(lock_);
+    arrivals.swap(arrivals_);
+  }
+  for (Arrival &arrival : arrivals) {
+    admit(std::move(arrival.socket), *arrival.service);
+  }
+}
+
+void Server::admit(Descriptor socket, const Service &service) {
+  const std::string refusal = refusal_of_peer(socket.get(), allowed_group_);
+  if (!refusal.empty()) {
+    send_refusal(socket.get());
+    ledger_.count(&olt_server_counters::refused_peers,
+                  "module " + std::to_string(service.module) + ": " + refusal);
+    return;
+  }
+  ledger_.count(&olt_server_counters::connections);
+  std::make_shared<Session>(loop_, std::move(socket), service, ledger_, stall_limit_)->start();
+}
+
+}  // namespace olt::platform

@@ -1,0 +1,268 @@
+#include "platform/session.h"
+
+#include <asio/buffer.hpp>
+#include <asio/error.hpp>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <exception>
+#include <system_error>
+#include <utility>
+
+namespace olt::platform {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::size_t kFirstBuffer = 4096;
+constexpr std::size_t kLargestIdleBuffer = 64 * 1024;
+
+bool would_block(const std::error_code &error) {
+  return error == asio::error::would_block || error == asio::error::try_again;
+}
+
+}  // namespace
+
+Session::Session(asio::io_context &loop, Descriptor socket, const Service &service, Ledger &ledger,
+                 milliseconds stall_limit)
+    : socket_(loop, asio::local::stream_protocol(), socket.get()),
+      timer_(loop),
+      service_(service),
+      ledger_(ledger),
+      stall_limit_(stall_limit),
+      buffer_(kFirstBuffer) {
+  socket.release();
+  socket_.non_blocking(true);
+}
+
+void Session::serve() {
+  while (filled_ > 0) {
+    if (!may_be_request(buffer_.data(), filled_)) {
+      return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
+    }
+    if (filled_ < kRequestHeaderSize) {
+      break;
+    }
+    const auto header = decode_request(buffer_.data());
+    if (!header) {
+      return drop(&olt_server_counters::broken_frames,
+                  "sent a request with unknown flags or of more than " +
+                      std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
+    }
+    const std::size_t frame_size = kRequestHeaderSize + header->length;
+    if (filled_ < frame_size) {
+      make_room(frame_size);
+      break;
+    }
+    const bool goes_on = answer(*header);
+    consume(frame_size);
+    if (!goes_on) {
+      return;
+    }
+  }
+  await_bytes();
+}
+
+void Session::await_bytes() {
+  if (filled_ > 0) {
+    after(stall_limit_, &Session::stalled);
+  }
+  socket_.async_receive(
+      asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
+      [self = shared_from_this()](const std::error_code &error, std::size_t count) {
+        if (!self->socket_.is_open()) {
+          return;
+        }
+        self->stop_timer();
+        if (error) {
+          return self->end();
+        }
+        self->filled_ += count;
+        self->serve();
+      });
+}
+
+// Grows with what has come, not with what is claimed.
+void Session::make_room(std::size_t frame_size) {
+  if (filled_ == buffer_.size()) {
+    buffer_.resize(std::min(frame_size, 2 * buffer_.size()));
+  }
+}
+
+void Session::consume(std::size_t frame_size) {
+  std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(frame_size),
+            buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
+  filled_ -= frame_size;
+  if (filled_ == 0 && buffer_.size() > kLargestIdleBuffer) {
+    buffer_ = std::vector<std::byte>(kFirstBuffer);
+  }
+}
+
+bool Session::answer(const RequestHeader &header) {
+  owes_answer_ = true;
+  const olt_answer answer = call_handler(header);
+  const milliseconds delay(answer.delay_ms);
+  if (answer.action == OLT_ANSWER_WITHHOLD) {
+    return true;
+  }
+  if (answer.action == OLT_ANSWER_DISCONNECT) {
+    await_hangup();
+    after(delay, &Session::close);
+    return false;
+  }
+  const uint32_t length = header.no_reply ? 0 : answer.reply_length;
+  const auto bytes = encode(AnswerHeader{
+      .sequence = header.sequence, .status = answer.status, .refused = false, .length = length});
+  const auto *reply = static_cast<const std::byte *>(answer.reply);
+  if (delay.count() > 0) {
+    send_later(bytes, reply, length, delay);
+    return false;
+  }
+  return send(bytes, reply, length);
+}
+
+olt_answer Session::call_handler(const RequestHeader &header) {
+  const olt_request request{.module = service_.module,
+                            .message_type = header.message_type,
+                            .data = &buffer_[kRequestHeaderSize],
+                            .length = header.length,
+                            .no_reply = header.no_reply ? 1u : 0u};
+  std::string fault;
+  try {
+    olt_answer answer{};
+    service_.handler(service_.context, &request, &answer);
+    if (answer.reply_length <= OLT_REPLY_LIMIT &&
+        (answer.reply != nullptr || answer.reply_length == 0)) {
+      return answer;
+    }
+    fault = answer.reply == nullptr
+                ? "gave no reply record for a length of "
+                : "gave a reply longer than " + std::to_string(OLT_REPLY_LIMIT) + " bytes: ";
+    fault += std::to_string(answer.reply_length);
+  } catch (const std::exception &exception) {
+    fault = std::string("threw an exception: ") + exception.what();
+  }
+  ledger_.tell("module " + std::to_string(service_.module) + ": the handler of message type " +
+               std::to_string(header.message_type) + " " + fault);
+  return {.status = kHandlerFailed};
+}
+
+bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
+                   std::size_t length) {
+  std::error_code error;
+  const std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
+  const std::size_t count = socket_.send(pieces, 0, error);
+  if (!error && count == header.size() + length) {
+    answered();
+    return true;
+  }
+  send_later(header, reply, length, milliseconds(0));
+  sent_ = error ? 0 : count;
+  return false;
+}
+
+void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
+                         const std::byte *reply, std::size_t length, milliseconds delay) {
+  outgoing_.assign(header.begin(), header.end());
+  outgoing_.insert(outgoing_.end(), reply, reply + length);
+  sent_ = 0;
+  await_hangup();
+  after(delay, &Session::flush);
+}
+
+void Session::flush() {
+  std::error_code error;
+  sent_ += socket_.send(asio::buffer(outgoing_) + sent_, 0, error);
+  if (error && !would_block(error)) {
+    return end();
+  }
+  if (sent_ < outgoing_.size()) {
+    after(stall_limit_, &Session::stalled);
+    socket_.async_wait(asio::socket_base::wait_write,
+                       [self = shared_from_this()](const std::error_code &failure) {
+                         if (!failure && self->socket_.is_open()) {
+                           self->stop_timer();
+                           self->flush();
+                         }
+                       });
+    return;
+  }
+  outgoing_ = {};
+  answered();
+  serve();
+}
+
+void Session::answered() {
+  owes_answer_ = false;
+  ledger_.count(&olt_server_counters::exchanges);
+}
+
+// A client that leaves while its answer is delayed is not kept until the delay is over.
+void Session::await_hangup() {
+  socket_.async_wait(asio::socket_base::wait_read,
+                     [self = shared_from_this()](const std::error_code &error) {
+                       if (!error && self->socket_.is_open() && self->owes_answer_) {
+                         self->notice_hangup();
+                       }
+                     });
+}
+
+void Session::notice_hangup() {
+  std::byte next;
+  const ssize_t count =
+      ::recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK)) {
+    end();
+  }
+}
+
+void Session::after(milliseconds delay, void (Session::*then)()) {
+  timer_runs_ = true;
+  timer_.expires_after(delay);
+  timer_.async_wait(
+      [self = shared_from_this(), then, turn = ++timer_turn_](const std::error_code &) {
+        if (turn == self->timer_turn_ && self->socket_.is_open()) {
+          self->timer_runs_ = false;
+          (self.get()->*then)();
+        }
+      });
+}
+
+void Session::stop_timer() {
+  if (timer_runs_) {
+    timer_runs_ = false;
+    ++timer_turn_;
+    timer_.cancel();
+  }
+}
+
+void Session::end() {
+  if (filled_ > 0 && !owes_answer_) {
+    drop(&olt_server_counters::vanished_clients, "vanished in the middle of a request");
+  } else if (owes_answer_) {
+    drop(&olt_server_counters::vanished_clients, "vanished before its answer");
+  } else {
+    close();
+  }
+}
+
+void Session::stalled() {
+  drop(&olt_server_counters::stalled_clients,
+       std::string("stopped in the middle of ") + (owes_answer_ ? "its answer" : "a request") +
+           "; dropped after " + std::to_string(stall_limit_.count()) + " ms");
+}
+
+void Session::drop(Ledger::Counter counter, const std::string &what) {
+  ledger_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
+  close();
+}
+
+void Session::close() {
+  stop_timer();
+  std::error_code ignored;
+  socket_.close(ignored);
+}
+
+}  // namespace olt::platform
