@@ -125,7 +125,7 @@ void exchange_bare(int socket) {
   require(read_all(socket, reply.data(), reply.size()), "read");
 }
 
-void answer(void *, const olt_request *request, olt_answer *answer) {
+void answer(void * /*context*/, const olt_request *request, olt_answer *answer) {
   static constexpr std::array<char, kReplySize> kReply{};
   answer->status = request->length == kRequestSize ? 0 : 1;
   answer->reply = kReply.data();

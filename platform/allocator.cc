@@ -22,7 +22,7 @@ constexpr unsigned char kGuardByte = 0xb7;
 constexpr unsigned char kReleasedByte = 0xdd;
 // Released blocks are kept back, so that a second release still finds what it is about.
 constexpr std::size_t kMostKeptBlocks = 4096;
-constexpr std::size_t kMostKeptBytes = 8 * 1024 * 1024;
+constexpr std::size_t kMostKeptBytes = std::size_t{8} * 1024 * 1024;
 
 struct Block {
   std::string tag;

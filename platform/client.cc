@@ -194,9 +194,8 @@ int32_t platmsg_syn_result(uint32_t message_type, uint32_t module, void *request
   return outcome.result;
 }
 
-void olt_watch_exchanges(olt_watcher call, void *context) {
-  using namespace olt::platform;
-  watcher = {.call = call, .context = context};
+void olt_watch_exchanges(olt_watcher watcher, void *context) {
+  olt::platform::watcher = {.call = watcher, .context = context};
 }
 
 void olt_connect_through(olt_connector connector, void *context) {

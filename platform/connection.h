@@ -69,7 +69,7 @@ class Connection {
 int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor &socket);
 
 /// Changes the way to the modules; null goes back to the run directory.
-void set_connector(olt_connector connector, void *context);
+void set_connector(olt_connector call, void *context);
 
 }  // namespace olt::platform
 

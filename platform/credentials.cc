@@ -15,7 +15,7 @@
 namespace olt::platform {
 namespace {
 
-constexpr std::size_t kMostNameBytes = 1024 * 1024;
+constexpr std::size_t kMostNameBytes = std::size_t{1024} * 1024;
 
 // The lookups of the user database share one way of asking: grow the buffer until it fits.
 template <typename Entry, typename Lookup>

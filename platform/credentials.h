@@ -14,7 +14,7 @@ gid_t find_group(const std::string &name_or_number);
 
 /// "alice (1001)", or the number alone when it has no name.
 std::string user_name(uid_t user);
-std::string group_name(gid_t group);
+std::string group_name(gid_t number);
 
 /// Empty when the peer of the socket is the own user, root or a member of the allowed group; else
 /// a line that tells who it is and who is expected.

@@ -29,7 +29,7 @@ timespec to_timespec(nanoseconds duration) {
 
 }  // namespace
 
-Deadline::Deadline(uint32_t limit) : start_(std::chrono::steady_clock::now()), limit_(limit) {}
+Deadline::Deadline(uint32_t seconds) : start_(std::chrono::steady_clock::now()), limit_(seconds) {}
 
 nanoseconds Deadline::elapsed() const {
   return std::chrono::steady_clock::now() - start_;

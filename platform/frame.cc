@@ -36,7 +36,7 @@ uint32_t get32(const std::byte *from) {
 
 std::array<std::byte, kRequestHeaderSize> encode(const RequestHeader &header) {
   std::array<std::byte, kRequestHeaderSize> bytes;
-  put32(&bytes[0], kRequestMagic);
+  put32(bytes.data(), kRequestMagic);
   put32(&bytes[4], header.sequence);
   put32(&bytes[8], header.message_type);
   put32(&bytes[12], header.no_reply ? kNoReplyFlag : 0);
@@ -46,7 +46,7 @@ std::array<std::byte, kRequestHeaderSize> encode(const RequestHeader &header) {
 
 std::array<std::byte, kAnswerHeaderSize> encode(const AnswerHeader &header) {
   std::array<std::byte, kAnswerHeaderSize> bytes;
-  put32(&bytes[0], kAnswerMagic);
+  put32(bytes.data(), kAnswerMagic);
   put32(&bytes[4], header.sequence);
   put16(&bytes[8], header.status);
   put16(&bytes[10], header.refused ? kRefusalKind : kAnswerKind);

@@ -17,7 +17,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr std::size_t kFirstBuffer = 4096;
-constexpr std::size_t kLargestIdleBuffer = 64 * 1024;
+constexpr std::size_t kLargestIdleBuffer = std::size_t{64} * 1024;
 
 bool would_block(const std::error_code &error) {
   return error == asio::error::would_block || error == asio::error::try_again;
@@ -210,7 +210,7 @@ void Session::await_hangup() {
 }
 
 void Session::notice_hangup() {
-  std::byte next;
+  std::byte next{};
   const ssize_t count =
       ::recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
   if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK)) {

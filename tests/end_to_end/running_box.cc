@@ -105,7 +105,8 @@ RunningBox::RunningBox() : run_dir_(folder_.path() + "/run") {
 }
 
 RunningBox::~RunningBox() {
-  if (pid_ > 0) end(SIGKILL);
+  if (pid_ > 0) kill(pid_, SIGKILL);
+  if (pid_ > 0) waitpid(pid_, nullptr, 0);
 }
 
 void RunningBox::start(const std::vector<std::string> &options) {
