@@ -2,11 +2,17 @@
 #ifndef OLT_BOX_BOX_H
 #define OLT_BOX_BOX_H
 
+#include <sys/types.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/olthost.h"
 
@@ -16,10 +22,21 @@ namespace olt::box {
 /// simulates. Beyond the 8 bits that an operation can name.
 inline constexpr uint32_t kControlModule = 1000;
 
+/// A topology or a fault that the user got wrong: one line with the place, what is wrong and what
+/// is expected.
+class BadInput : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The command for the control module that arms the fault described by the text, for example
+/// "type=12 status=5 from=2 count=3". Throws BadInput.
+std::string fault_add_command(std::string_view text);
+
 struct Options {
   /// Where configurations live; created when missing. Locked while the box exists.
   std::filesystem::path state_dir;
-  /// Where listings are written; created when missing.
+  /// Where listings are written; created when missing, with the first one.
   std::filesystem::path listing_dir;
   /// JSON topology; empty for the default one.
   std::filesystem::path topology_file;
@@ -27,6 +44,10 @@ struct Options {
   bool keep_running_state = false;
   /// Forget saved and kept state first.
   bool fresh = false;
+  /// Faults armed from the start, as fault_add_command takes them.
+  std::vector<std::string> faults;
+  /// Group whose members may read the listings too.
+  std::optional<gid_t> listing_group;
   /// Takes a line per exchange; empty for none.
   std::function<void(std::string_view)> trace;
 };
@@ -35,13 +56,15 @@ struct Options {
 /// runs the server.
 class Box {
  public:
-  /// Throws std::runtime_error with one line that says what is wrong and what is expected.
+  /// Throws std::runtime_error with one line that says what is wrong and what is expected; BadInput
+  /// when that is the topology file or a fault.
   explicit Box(Options options);
   Box(const Box &) = delete;
   Box &operator=(const Box &) = delete;
   ~Box();
 
-  /// Adds the box's modules and its control module to the server. Throws as the constructor does.
+  /// Adds the box's modules and its control module to the server, which must not run any more when
+  /// the box is gone. Throws as the constructor does.
   void serve(olt_server *server);
 
   /// Writes the running state, when the options ask for it. Throws as the constructor does.

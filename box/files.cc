@@ -1,0 +1,134 @@
+#include "box/files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace olt::box {
+
+namespace {
+
+std::string why(int error) {
+  return std::generic_category().message(error);
+}
+
+[[noreturn]] void fail(const std::string &what) {
+  int error = errno;
+  throw StorageFailure(what + ": " + why(error));
+}
+
+void make_directories(const std::filesystem::path &path) {
+  if (path.empty() || std::filesystem::exists(path)) return;
+  make_directories(path.parent_path());
+  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) fail(path.string());
+}
+
+void write_all(int fd, std::string_view content, const std::string &name) {
+  while (!content.empty()) {
+    ssize_t count = write(fd, content.data(), content.size());
+    if (count < 0 && errno != EINTR) fail(name);
+    if (count > 0) content.remove_prefix(static_cast<size_t>(count));
+  }
+}
+
+std::string read_all(int fd, const std::string &name) {
+  std::string content;
+  char part[16 * 1024];
+  for (;;) {
+    ssize_t count = read(fd, part, sizeof part);
+    if (count == 0) return content;
+    if (count < 0 && errno != EINTR) fail(name);
+    if (count > 0) content.append(part, static_cast<size_t>(count));
+  }
+}
+
+void fill(int directory, const std::string &name, std::string_view content,
+          const Placement &placement) {
+  Descriptor file(
+      openat(directory, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (file.get() < 0) fail(name);
+  if (placement.group && fchown(file.get(), static_cast<uid_t>(-1), *placement.group) != 0) {
+    fail(name);
+  }
+  if (fchmod(file.get(), placement.mode) != 0) fail(name);
+  write_all(file.get(), content, name);
+  if (placement.durable && fsync(file.get()) != 0) fail(name);
+}
+
+}  // namespace
+
+Descriptor::Descriptor(Descriptor &&other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+
+Descriptor::~Descriptor() {
+  if (fd_ >= 0) close(fd_);
+}
+
+Descriptor open_directory(const std::filesystem::path &path) {
+  make_directories(path);
+  Descriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directory.get() < 0) fail(path.string());
+  return directory;
+}
+
+std::string read_file(const std::filesystem::path &path) {
+  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) fail("cannot be read");
+  return read_all(file.get(), "cannot be read");
+}
+
+void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
+                  const Placement &placement) {
+  // One writer a directory: a left-over of a process that was killed is nobody's.
+  const std::string temporary = ".new";
+  unlinkat(directory.get(), temporary.c_str(), 0);
+  try {
+    fill(directory.get(), temporary, content, placement);
+    if (renameat(directory.get(), temporary.c_str(), directory.get(), name.c_str()) != 0) {
+      fail(name);
+    }
+  } catch (const StorageFailure &) {
+    unlinkat(directory.get(), temporary.c_str(), 0);
+    throw;
+  }
+  if (placement.durable && fsync(directory.get()) != 0) fail(name);
+}
+
+StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience)
+    : path_(std::move(path)), directory_(open_directory(path_)) {
+  auto deadline = std::chrono::steady_clock::now() + patience;
+  while (flock(directory_.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) fail(path_.string());
+    if (std::chrono::steady_clock::now() >= deadline) {
+      throw StorageFailure(path_.string() +
+                           ": another box uses this state directory; end it or name another one");
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
+std::optional<std::string> StateDirectory::read(const std::string &name) const {
+  Descriptor file(openat(directory_.get(), name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0 && errno == ENOENT) return std::nullopt;
+  if (file.get() < 0) fail(path_of(name));
+  return read_all(file.get(), path_of(name));
+}
+
+void StateDirectory::write(const std::string &name, std::string_view content) {
+  try {
+    replace_file(directory_, name, content, {});
+  } catch (const StorageFailure &failure) {
+    throw StorageFailure(path_.string() + '/' + failure.what());
+  }
+}
+
+void StateDirectory::remove(const std::string &name) {
+  if (unlinkat(directory_.get(), name.c_str(), 0) != 0 && errno != ENOENT) fail(path_of(name));
+}
+
+}  // namespace olt::box

@@ -1,0 +1,58 @@
+/// The box without sockets: a request in, an answer out.
+#ifndef OLT_BOX_SIMULATOR_H
+#define OLT_BOX_SIMULATOR_H
+
+#include <chrono>
+#include <map>
+#include <span>
+#include <utility>
+
+#include "box/box.h"
+#include "box/chassis.h"
+#include "box/control.h"
+#include "box/counters.h"
+#include "box/faults.h"
+#include "box/files.h"
+#include "box/message.h"
+#include "box/trace.h"
+
+namespace olt::box {
+
+class Simulator {
+ public:
+  /// Throws as Box does. Waits so long for another box to release the state directory.
+  explicit Simulator(Options options, Clock clock = std::chrono::system_clock::now,
+                     std::chrono::milliseconds patience = std::chrono::seconds(5));
+
+  Answer handle(uint32_t module, uint32_t type, std::span<const uint8_t> request);
+  void keep();
+  Control &control() { return control_; }
+
+ private:
+  using Key = std::pair<uint32_t, uint32_t>;
+
+  void add_messages();
+  /// @return false when there is nothing to go on from.
+  bool resume();
+
+  Answer answer_control(uint32_t type, std::span<const uint8_t> request);
+  Answer answer_module(uint32_t module, uint32_t type, std::span<const uint8_t> request);
+  Status serve(const Message &message, std::span<const uint8_t> request, Reply &reply);
+  void count(uint32_t module, uint32_t type, const Answer &answer, const Fault *fault);
+  void trace(Exchange exchange, const Answer &answer) const;
+
+  Options options_;
+  Clock clock_;
+  Topology topology_;
+  StateDirectory state_;
+  Chassis chassis_;
+  FaultTable faults_;
+  Counters counters_;
+  Control control_;
+  std::map<Key, Message> messages_;
+  std::map<uint32_t, ByteRange> secrets_;  ///< by type, whatever the module: a slip must not tell
+};
+
+}  // namespace olt::box
+
+#endif

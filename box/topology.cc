@@ -1,0 +1,92 @@
+#include "box/topology.h"
+
+#include <algorithm>
+
+#include "box/files.h"
+#include "box/json.h"
+#include "box/text.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kTextLimit = 31;
+
+std::string read_text(ObjectReader &object, std::string_view key, const std::string &fallback) {
+  std::string text = object.text(key, fallback);
+  if (text.empty() || text.size() > kTextLimit || text != printable(text)) {
+    refuse(object.place_of(key), text, "1 to 31 printable ASCII characters");
+  }
+  return text;
+}
+
+std::array<uint8_t, 6> read_mac(ObjectReader &object, std::array<uint8_t, 6> fallback) {
+  const Json *member = object.find("mac");
+  if (member == nullptr) return fallback;
+  std::string text = member->is_string() ? member->get<std::string>() : "";
+  std::string digits;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (i % 3 != 2) {
+      digits += text[i];
+    } else if (text[i] != ':') {
+      digits.clear();
+      break;
+    }
+  }
+  auto bytes = from_hex(digits);
+  bool group_address = bytes && !bytes->empty() && (bytes->front() & 1) != 0;
+  if (text.size() != 17 || !bytes || bytes->size() != 6 || group_address) {
+    refuse(object.place_of("mac"), *member,
+           "the MAC address of one device, such as \"02:00:00:00:00:01\"");
+  }
+  std::array<uint8_t, 6> mac = {};
+  std::copy(bytes->begin(), bytes->end(), mac.begin());
+  return mac;
+}
+
+void read_number(ObjectReader &object, std::string_view key, NumberRange range, uint32_t &field) {
+  field = static_cast<uint32_t>(object.number(key, range, field));
+}
+
+void read_olt(const Json &value, Topology &topology) {
+  ObjectReader olt(value, "/olt");
+  topology.name = read_text(olt, "name", topology.name);
+  topology.mac = read_mac(olt, topology.mac);
+  topology.serial = read_text(olt, "serial", topology.serial);
+  topology.software_version = read_text(olt, "software_version", topology.software_version);
+  read_number(olt, "oam_support", kAnyU32, topology.oam_support);
+  read_number(olt, "ethernet_ports", {1, 64}, topology.ethernet_ports);
+  olt.finish();
+}
+
+void read_pon(const Json &value, Topology &topology) {
+  ObjectReader pon(value, "/pon");
+  read_number(pon, "interfaces", {1, 16}, topology.pon_interfaces);
+  read_number(pon, "onus_per_interface", {1, 1024}, topology.onus_per_interface);
+  read_number(pon, "uni_ports_per_onu", {1, 32}, topology.uni_ports_per_onu);
+  pon.finish();
+}
+
+}  // namespace
+
+Topology parse_topology(std::string_view text) {
+  Json value = parse_json(text);
+  ObjectReader root(value, "");
+  Topology topology;
+  root.number("version", {1, 1}, 1);
+  if (const Json *olt = root.find("olt")) read_olt(*olt, topology);
+  if (const Json *pon = root.find("pon")) read_pon(*pon, topology);
+  root.finish();
+  return topology;
+}
+
+Topology load_topology(const std::filesystem::path &file) {
+  if (file.empty()) return {};
+  try {
+    return parse_topology(read_file(file));
+  } catch (const std::exception &error) {
+    throw BadInput(file.string() + ": " + error.what());
+  }
+}
+
+}  // namespace olt::box

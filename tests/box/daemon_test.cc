@@ -1,0 +1,356 @@
+// The daemon as a process: starting, serving through sockets, faults on the wire, ending.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+#include "platform/olthost.h"
+#include "tests/box/support.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using olt::tests::Bytes;
+using olt::tests::hex;
+using olt::tests::PrivateFolder;
+using olt::tests::read_file;
+using olt::tests::text;
+using olt::tests::write_file;
+using std::chrono::steady_clock;
+
+/// An oltbox process in private directories, with what it prints in files.
+class Daemon {
+ public:
+  Daemon() { setenv("OLT_RUN_DIR", run_dir().c_str(), 1); }
+  Daemon(const Daemon &) = delete;
+  Daemon &operator=(const Daemon &) = delete;
+  ~Daemon() {
+    if (pid_ > 0) kill(SIGKILL);
+  }
+
+  std::string run_dir() const { return folder / "run"; }
+  std::string output() const { return read_file(folder / "output"); }
+  std::string errors() const { return read_file(folder / "errors"); }
+
+  void launch(std::vector<std::string> options) {
+    options.insert(options.begin(), OLTBOX);
+    std::vector<char *> arguments;
+    for (std::string &option : options) arguments.push_back(option.data());
+    arguments.push_back(nullptr);
+    std::string output = folder / "output";
+    std::string errors = folder / "errors";
+    std::filesystem::remove(output);
+    pid_ = fork();
+    if (pid_ != 0) return;
+    dup2(open(output.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+    dup2(open(errors.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
+    execv(OLTBOX, arguments.data());
+    _exit(127);
+  }
+
+  /// Launches it in its directories and waits until it says that it serves.
+  void start(std::vector<std::string> options = {}) {
+    for (const char *argument : {"--run-dir", "--state-dir"}) {
+      options.push_back(argument);
+      options.push_back(folder / (argument == std::string("--run-dir") ? "run" : "state"));
+    }
+    launch(std::move(options));
+    auto deadline = steady_clock::now() + 30s;
+    while (output().find("oltbox: serving") == std::string::npos) {
+      if (steady_clock::now() > deadline) throw std::runtime_error("not ready: " + errors());
+      std::this_thread::sleep_for(2ms);
+    }
+  }
+
+  /// @return its exit status, or 128 + the signal that ended it.
+  int wait() {
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    pid_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+
+  int kill(int signal) {
+    ::kill(pid_, signal);
+    return wait();
+  }
+
+  int run(const std::vector<std::string> &options) {
+    launch(options);
+    return wait();
+  }
+
+  PrivateFolder folder;
+
+ private:
+  pid_t pid_ = -1;
+};
+
+struct Result {
+  int32_t transport = -1;
+  uint32_t status = 0;
+  Bytes reply;
+};
+
+Result ask(uint32_t module, uint32_t type, Bytes request = {}, uint32_t timeout = 20) {
+  void *reply = nullptr;
+  uint16_t length = 0;
+  uint32_t handle = 0;
+  uint16_t status = 0;
+  Result result;
+  result.transport =
+      platmsg_syn_result(type, module, request.data(), static_cast<uint32_t>(request.size()),
+                         &reply, &length, &handle, &status, 0, timeout);
+  result.status = status;
+  if (handle == 0) return result;
+  const auto *bytes = static_cast<const uint8_t *>(reply);
+  result.reply.assign(bytes, bytes + length);
+  IPC_Free(handle);
+  return result;
+}
+
+std::string command(std::string_view json) {
+  return olt::tests::characters(ask(1000, 1, text(json)).reply);
+}
+
+std::vector<std::string> sockets_in(const std::string &directory) {
+  std::vector<std::string> names;
+  for (const auto &entry : std::filesystem::directory_iterator(directory)) {
+    if (entry.is_socket()) names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(Daemon, SaysThatItServesAndServesEachModule) {
+  Daemon daemon;
+  daemon.start();
+  EXPECT_EQ(daemon.output(), "oltbox: serving modules 2, 18, 22, 23 in " + daemon.run_dir() + "\n");
+  EXPECT_EQ(
+      sockets_in(daemon.run_dir()),
+      (std::vector<std::string>{"module-1000", "module-18", "module-2", "module-22", "module-23"}));
+  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(ask(18, 4).reply, hex("01 00 00 00"));
+  EXPECT_EQ(ask(22, 83, hex("05 00 00 00")).status, 0U);
+  EXPECT_EQ(ask(23, 2, hex("05 00 00 00")).status, 0U);
+  EXPECT_EQ(ask(23, 4).status, 1U);
+}
+
+TEST(Daemon, WritesListingsIntoTheRunDirectory) {
+  Daemon daemon;
+  daemon.start();
+  Bytes reply = ask(2, 53).reply;
+  ASSERT_EQ(reply.size(), 80U);
+  std::string name = olt::tests::characters(olt::tests::slice(reply, 48, 70));
+  EXPECT_EQ(name, "basicinfo-00000001.txt");
+  EXPECT_EQ(read_file(std::filesystem::path(daemon.run_dir()) / name).find("Basic information"),
+            0U);
+}
+
+TEST(Daemon, StopsCleanlyAndSoonOnSignals) {
+  for (int signal : {SIGTERM, SIGINT}) {
+    Daemon daemon;
+    daemon.start({"--fault", "type=5 silence"});
+    std::thread client([] {
+      int32_t transport = ask(2, 5).transport;
+      EXPECT_EQ(transport, 0x00030000) << "the request was not under way when the box ended";
+    });
+    std::this_thread::sleep_for(100ms);
+    auto begin = steady_clock::now();
+    EXPECT_EQ(daemon.kill(signal), 0);
+    EXPECT_LT(steady_clock::now() - begin, 1s);
+    client.join();
+    EXPECT_EQ(sockets_in(daemon.run_dir()), std::vector<std::string>());
+    EXPECT_EQ(daemon.errors(), "");
+  }
+}
+
+TEST(Daemon, TakesOverAfterAKillAndKeepsWhatWasSaved) {
+  Daemon daemon;
+  daemon.start();
+  EXPECT_EQ(ask(2, 56, Bytes(136, 0x11)).status, 0U);
+  EXPECT_EQ(ask(2, 8).status, 0U);
+  EXPECT_EQ(ask(2, 56, Bytes(136, 0x22)).status, 0U);
+  EXPECT_EQ(daemon.kill(SIGKILL), 128 + SIGKILL);
+  EXPECT_EQ(sockets_in(daemon.run_dir()).size(), 5U);
+  EXPECT_NE(ask(2, 57).transport, 0);
+  daemon.start();
+  EXPECT_EQ(ask(2, 57).reply, Bytes(136, 0x11));
+  EXPECT_EQ(daemon.kill(SIGTERM), 0);
+  daemon.start({"--fresh"});
+  EXPECT_EQ(ask(2, 57).reply, Bytes(136, 0));
+}
+
+TEST(Daemon, PutsFaultsOnTheWireWhileOthersAreServed) {
+  Daemon daemon;
+  daemon.start({"--fault", "type=12 status=300 count=1", "--fault", "type=57 drop count=1",
+                "--fault", "type=60 delay_ms=300 count=1", "--fault", "type=61 silence"});
+  EXPECT_EQ(ask(2, 12).status, 300U);
+  EXPECT_EQ(ask(2, 12).status, 0U);
+  EXPECT_EQ(ask(2, 57).transport, 0x00030000);
+  EXPECT_EQ(ask(2, 57).transport, 0);
+
+  auto begin = steady_clock::now();
+  EXPECT_EQ(ask(2, 60).reply, Bytes(196));
+  EXPECT_GE(steady_clock::now() - begin, 300ms);
+
+  std::atomic<bool> waiting = true;
+  std::thread silenced([&waiting] {
+    EXPECT_EQ(ask(2, 61, {}, 1).transport, 0x00010000);
+    waiting = false;
+  });
+  int served = 0;
+  while (waiting) served += ask(2, 12).status == 0 ? 1 : 0;
+  silenced.join();
+  EXPECT_GT(served, 10);
+
+  EXPECT_EQ(command(R"({"command":"fault_clear"})"), R"({"ok":true,"cleared":4})");
+  EXPECT_EQ(ask(2, 61).reply, hex("00 00 00 00"));
+}
+
+TEST(Daemon, CountsWhatItsServerSees) {
+  Daemon daemon;
+  daemon.start();
+  ask(2, 12);
+  ask(2, 13);
+  std::string counters = command(R"({"command":"counters"})");
+  EXPECT_EQ(counters.find(R"({"ok":true,"counters":{"exchanges":2,"refused":1,"unserved":1,)"), 0U)
+      << counters;
+  EXPECT_NE(counters.find(R"("server":{"exchanges":)"), std::string::npos) << counters;
+  EXPECT_NE(counters.find(R"("refused_peers":0,"broken_frames":0,)"), std::string::npos)
+      << counters;
+}
+
+TEST(Daemon, SurvivesClientsThatTalkRubbishAndVanish) {
+  Daemon daemon;
+  daemon.start();
+  std::vector<int> clients;
+  for (int i = 0; i < 20; ++i) {
+    int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    (daemon.run_dir() + "/module-2").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(connect(client, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    Bytes rubbish(static_cast<size_t>(1 + 7 * i), static_cast<uint8_t>(i * 13));
+    EXPECT_GT(send(client, rubbish.data(), rubbish.size(), MSG_NOSIGNAL), 0);
+    if (i % 2 == 0) {
+      close(client);
+    } else {
+      clients.push_back(client);
+    }
+  }
+  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+  for (int client : clients) close(client);
+  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+}
+
+TEST(Daemon, TracesWhenAsked) {
+  Daemon daemon;
+  daemon.start({"--trace"});
+  ask(2, 12);
+  std::string output = daemon.output();
+  EXPECT_NE(output.find("Z module 2 type 12 olt-mac: request 0, status 0 ok, reply 6 "
+                        "[020000000001]\n"),
+            std::string::npos)
+      << output;
+}
+
+TEST(Daemon, LetsAGroupReadListings) {
+  Daemon daemon;
+  daemon.start({"--group", std::to_string(getegid())});
+  ask(2, 53);
+  struct stat status = {};
+  ASSERT_EQ(stat((daemon.run_dir() + "/basicinfo-00000001.txt").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(status.st_gid, getegid());
+}
+
+TEST(Daemon, TakesItsTopologyFromAFile) {
+  Daemon daemon;
+  write_file(daemon.folder / "box.json", R"({"olt":{"mac":"00:11:22:33:44:56"}})");
+  daemon.start({"--topology", daemon.folder / "box.json"});
+  EXPECT_EQ(ask(2, 12).reply, hex("00 11 22 33 44 56"));
+}
+
+TEST(Daemon, UsesTheUsersDirectoriesByDefault) {
+  Daemon daemon;
+  setenv("XDG_STATE_HOME", (daemon.folder / "home").c_str(), 1);
+  daemon.launch({});
+  auto deadline = steady_clock::now() + 30s;
+  while (ask(2, 8).transport != 0 && steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(5ms);
+  }
+  EXPECT_TRUE(std::filesystem::exists(daemon.folder / "home" / "oltmgmt" / "box" / "saved.json"));
+  EXPECT_EQ(sockets_in(daemon.run_dir()).size(), 5U);
+}
+
+TEST(Daemon, RefusesWrongUsageInOneLine) {
+  Daemon daemon;
+  write_file(daemon.folder / "box.json", R"({"pon":{"interfaces":99}})");
+  const std::pair<std::vector<std::string>, std::string> kMistakes[] = {
+      {{"--frehs"}, "The following argument was not expected: --frehs"},
+      {{"--run-dir"}, "--run-dir: 1 required TEXT missing"},
+      {{"--fault", "type=12"},
+       "fault \"type=12\": /: has no effect, expected a status, a delay_ms, or the action silence "
+       "or drop"},
+      {{"--group", "no such group"},
+       "--group no such group: is no group, expected a name or a number of one"},
+      {{"--topology", daemon.folder / "box.json"},
+       (daemon.folder / "box.json").string() +
+           ": /pon/interfaces: is 99, expected an integer from 1 to 16"},
+  };
+  for (auto [options, line] : kMistakes) {
+    options.insert(options.begin(), {"--state-dir", daemon.folder / "state"});
+    EXPECT_EQ(daemon.run(options), 2);
+    EXPECT_EQ(daemon.errors(), "oltbox: " + line + "\n");
+    EXPECT_EQ(daemon.output(), "");
+  }
+  EXPECT_FALSE(std::filesystem::exists(daemon.run_dir()));
+  EXPECT_FALSE(std::filesystem::exists(daemon.folder / "state"));
+}
+
+TEST(Daemon, HelpsAndTellsItsVersion) {
+  Daemon daemon;
+  EXPECT_EQ(daemon.run({"--version"}), 0);
+  EXPECT_EQ(daemon.output().find("oltbox 0."), 0U) << daemon.output();
+  EXPECT_EQ(daemon.run({"--help"}), 0);
+  for (const char *option : {"--run-dir", "--state-dir", "--topology", "--group", "--fault",
+                             "--trace", "--fresh", "--version", "--help"}) {
+    EXPECT_NE(daemon.output().find(option), std::string::npos) << option;
+  }
+}
+
+TEST(Daemon, LeavesARunDirectoryThatIsServedAlone) {
+  Daemon daemon;
+  daemon.start();
+  Daemon second;
+  EXPECT_EQ(second.run({"--run-dir", daemon.run_dir(), "--state-dir", second.folder / "state"}), 1);
+  std::string errors = second.errors();
+  EXPECT_EQ(errors.find("oltbox: "), 0U) << errors;
+  EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+  setenv("OLT_RUN_DIR", daemon.run_dir().c_str(), 1);
+  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+}
+
+TEST(Daemon, WaitsAWhileForAStateDirectoryInUse) {
+  Daemon daemon;
+  daemon.start();
+  Daemon second;
+  auto begin = steady_clock::now();
+  EXPECT_EQ(second.run({"--run-dir", second.run_dir(), "--state-dir", daemon.folder / "state"}), 1);
+  EXPECT_GE(steady_clock::now() - begin, 5s);
+  EXPECT_EQ(second.errors(), "oltbox: " + (daemon.folder / "state").string() +
+                                 ": another box uses this state directory; end it or name another "
+                                 "one\n");
+}
+
+}  // namespace
