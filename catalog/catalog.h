@@ -1,0 +1,38 @@
+/// The catalog: one row for each operation that liboltmgmt exports, in the order of its header.
+#ifndef OLT_CATALOG_CATALOG_H
+#define OLT_CATALOG_CATALOG_H
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "catalog/operation.h"
+
+namespace olt::catalog {
+
+/// Operations that belong together.
+struct Family {
+  const char *title;
+  std::span<const Operation> operations;
+};
+
+std::span<const Family> families();
+
+/// The operation of that name, or null.
+const Operation *find(std::string_view name);
+
+/// The first operation that sends that message type, or null.
+const Operation *find_sender(uint32_t message_type);
+
+/// Where requests and replies of a message type carry a secret.
+struct WireSecret {
+  uint16_t message_type;
+  uint16_t offset;
+  uint16_t length;
+};
+
+std::span<const WireSecret> wire_secrets();
+
+}  // namespace olt::catalog
+
+#endif

@@ -1,0 +1,162 @@
+/// How a row of the catalog is written: the function and the names of its arguments. What an
+/// argument is follows from the type of its parameter; marks say the rest.
+#ifndef OLT_CATALOG_ROW_H
+#define OLT_CATALOG_ROW_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <type_traits>
+#include <utility>
+
+#include "catalog/operation.h"
+#include "catalog/records.h"
+
+namespace olt::catalog {
+
+/// An argument's name with what its type cannot tell.
+struct Mark {
+  constexpr Mark(const char *argument) : name(argument) {}
+
+  const char *name;
+  uint32_t longest = UINT32_MAX;
+  bool is_secret = false;
+  bool has_direction = false;
+  Direction direction = Direction::kOut;
+};
+
+/// A text of at most that many bytes: what the library or the record takes.
+constexpr Mark up_to(uint32_t longest, Mark mark) {
+  mark.longest = longest;
+  return mark;
+}
+
+constexpr Mark secret(Mark mark) {
+  mark.is_secret = true;
+  return mark;
+}
+
+/// A record that the library may write to, but that says nothing new afterwards.
+constexpr Mark in(Mark mark) {
+  mark.has_direction = true;
+  mark.direction = Direction::kIn;
+  return mark;
+}
+
+/// A record that is sent as it stands and filled from the answer.
+constexpr Mark in_out(Mark mark) {
+  mark.has_direction = true;
+  mark.direction = Direction::kInOut;
+  return mark;
+}
+
+/// What the type of a parameter says.
+struct Parameter {
+  Kind kind;
+  Direction direction;
+  uint32_t size = 0;
+  std::span<const Field> fields{};
+};
+
+template <typename Type>
+struct ParameterOf;
+
+template <>
+struct ParameterOf<const char *> {
+  static constexpr Parameter kValue{Kind::kText, Direction::kIn};
+};
+template <>
+struct ParameterOf<uint32_t> {
+  static constexpr Parameter kValue{Kind::kWord, Direction::kIn, sizeof(uint32_t)};
+};
+template <>
+struct ParameterOf<uint32_t *> {
+  static constexpr Parameter kValue{Kind::kWord, Direction::kOut, sizeof(uint32_t)};
+};
+template <>
+struct ParameterOf<char *> {
+  static constexpr Parameter kValue{Kind::kName, Direction::kOut, 32};
+};
+template <>
+struct ParameterOf<const void *> {
+  static constexpr Parameter kValue{Kind::kStream, Direction::kIn};
+};
+template <>
+struct ParameterOf<void **> {
+  static constexpr Parameter kValue{Kind::kBlock, Direction::kOut};
+};
+template <typename Record>
+struct ParameterOf<const Record *> {
+  static constexpr Parameter kValue{Kind::kRecord, Direction::kIn, sizeof(Record),
+                                    kFieldsOf<Record>};
+};
+template <typename Record>
+struct ParameterOf<Record *> {
+  static constexpr Parameter kValue{Kind::kRecord, Direction::kOut, sizeof(Record),
+                                    kFieldsOf<Record>};
+};
+
+template <typename Type>
+Type from_slot(void *slot) {
+  if constexpr (std::is_pointer_v<Type>) {
+    return static_cast<Type>(slot);
+  } else {
+    return *static_cast<Type *>(slot);
+  }
+}
+
+constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
+  return {.name = mark.name,
+          .kind = parameter.kind,
+          .direction = mark.has_direction ? mark.direction : parameter.direction,
+          .size = parameter.size,
+          .fields = parameter.fields,
+          .longest = mark.longest,
+          .secret = mark.is_secret};
+}
+
+template <auto Function>
+struct Binding;
+
+template <typename... Parameters, int32_t (*Function)(Parameters...)>
+struct Binding<Function> {
+  /// A row that does not fit its function does not compile: the throws are for the compiler.
+  static constexpr Operation row(const char *name, Address address, const char *summary,
+                                 std::initializer_list<Mark> marks = {}) {
+    Operation operation{.name = name, .address = address, .summary = summary, .call = call};
+    const std::array<Parameter, kCount> parameters{ParameterOf<Parameters>::kValue...};
+    const Mark *mark = marks.begin();
+    for (size_t i = 0; i < kCount; ++i) {
+      if (mark == marks.end()) throw "a parameter without a name";
+      const Parameter &parameter = parameters[i];
+      operation.argument_room[operation.argument_count++] = argument(parameter, *mark++);
+      if (parameter.kind != Kind::kStream && parameter.kind != Kind::kBlock) continue;
+      if (++i == kCount || parameters[i].kind != Kind::kWord ||
+          parameters[i].direction != parameter.direction) {
+        throw "bytes without their length";
+      }
+    }
+    if (mark != marks.end()) throw "a name without a parameter";
+    return operation;
+  }
+
+ private:
+  static constexpr size_t kCount = sizeof...(Parameters);
+
+  static int32_t call(void *const *slots) {
+    return [slots]<size_t... I>(std::index_sequence<I...>) {
+      static_cast<void>(slots);  // a function without parameters does not look at them
+      return Function(from_slot<Parameters>(slots[I])...);
+    }
+    (std::index_sequence_for<Parameters...>{});
+  }
+};
+
+}  // namespace olt::catalog
+
+/// One row: the function, its address, a summary, and the names of its arguments in braces.
+#define OLT_OPERATION(function, ...) olt::catalog::Binding<&function>::row(#function, __VA_ARGS__)
+
+#endif

@@ -1,0 +1,93 @@
+/// The rows of system administration.
+#ifndef OLT_CATALOG_SYSTEM_H
+#define OLT_CATALOG_SYSTEM_H
+
+#include <cstddef>
+
+#include "catalog/catalog.h"
+#include "catalog/row.h"
+#include "oltmgmt.h"
+
+namespace olt::catalog {
+
+/// The library sends no more of a user's name or password than this.
+inline constexpr uint32_t kUserText = 31;
+inline constexpr uint8_t kOamModule = 18;
+inline constexpr uint8_t kLogModule = 22;
+
+inline constexpr Operation kSystemControl[] = {
+    OLT_OPERATION(do_set_ukernel_inserver, 5, "Sets the micro-kernel in-service state"),
+    OLT_OPERATION(do_information_system_running_will_start, 6,
+                  "Announces that the system is about to start running"),
+    OLT_OPERATION(do_reboot_system, 7, "Reboots the box"),
+    OLT_OPERATION(save_system_config, 8, "Saves the running configuration for the next start"),
+    OLT_OPERATION(default_system_config, 9, "Restores the default configuration"),
+    OLT_OPERATION(set_system_ipaddress, 50, "Sets the management IP settings", {"network"}),
+    OLT_OPERATION(set_system_dns, 51, "Sets the DNS settings", {"network"}),
+    OLT_OPERATION(Cl_Set_SntpCfg_apply, 52, "Applies an SNTP configuration", {"config"}),
+};
+
+inline constexpr Operation kUserAccounts[] = {
+    OLT_OPERATION(
+        get_user_level, 10, "Checks a user's name and password and reads the levels",
+        {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"}),
+    OLT_OPERATION(
+        add_user_level, 10, "Adds a user",
+        {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"}),
+    OLT_OPERATION(delete_user_level, 10, "Deletes a user", {up_to(kUserText, "name")}),
+    OLT_OPERATION(modify_user_level, 10, "Changes a user to what the record says", {in("user")}),
+    OLT_OPERATION(get_system_next_user, 62, "Reads the user that follows the one in the record",
+                  {in_out("user")}),
+    OLT_OPERATION(get_system_user_byindex, 63, "Reads the user at the position in the record",
+                  {in_out("user")}),
+};
+
+inline constexpr WireSecret kUserPasswords[] = {
+    {10, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
+    {62, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
+    {63, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
+};
+
+inline constexpr Operation kSystemInformation[] = {
+    OLT_OPERATION(get_olt_mac, 12, "Reads the OLT's MAC address", {"mac"}),
+    OLT_OPERATION(show_running_configuration_file, 33, "Lists the running configuration", {"name"}),
+    OLT_OPERATION(get_system_basicinfofile, 53, "Lists the basic system information", {"name"}),
+    OLT_OPERATION(set_snmp_param, 56, "Sets the SNMP agent's parameters", {"param"}),
+    OLT_OPERATION(get_snmp_param, 57, "Reads the SNMP agent's parameters", {"param"}),
+    OLT_OPERATION(get_system_network, 58, "Reads the management network settings",
+                  {in_out("network")}),
+    OLT_OPERATION(set_snmp_systeminfo, 59, "Sets the SNMP system information", {"info"}),
+    OLT_OPERATION(get_snmp_systeminfo, 60, "Reads the SNMP system information", {"info"}),
+};
+
+inline constexpr Operation kLogAndDebug[] = {
+    OLT_OPERATION(set_debug_enable, {2, Address::kNamedByCaller},
+                  "Sets the debug switches of one module", {"module", "value"}),
+    OLT_OPERATION(show_memory_info, {3, Address::kNamedByCaller},
+                  "Lists one module's use of memory", {"module", "name"}),
+    OLT_OPERATION(get_olt_support_oam, {4, kOamModule}, "Reads which OAM the OLT supports",
+                  {"value"}),
+    OLT_OPERATION(process_debug_value, 39, "Writes (debug_op not 0) or reads a debug value",
+                  {in_out("value")}),
+    OLT_OPERATION(process_switchdebug_value, 40,
+                  "Writes (debug_op not 0) or reads a debug value of the switch",
+                  {in_out("value")}),
+    OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log", {"name", "value"}),
+    OLT_OPERATION(set_system_logfilesize, {82, kLogModule, Address::kMain},
+                  "Sets the size of the log files", {"value"}),
+    OLT_OPERATION(set_system_loglevel, {83, kLogModule, Address::kMain},
+                  "Sets the level from which messages are logged", {"value"}),
+};
+
+inline constexpr Operation kFirmwareUpdate[] = {
+    OLT_OPERATION(do_handle_epon_updatestream, 11, "Hands over a piece of an OLT firmware update",
+                  {"request", "answer"}),
+    OLT_OPERATION(do_handle_epon_updatestream_onu, 64,
+                  "Hands over a piece of an ONU firmware update", {"request", "answer"}),
+    OLT_OPERATION(get_card_updatestatus, 61, "Reads how far the card's firmware update has come",
+                  {"value"}),
+};
+
+}  // namespace olt::catalog
+
+#endif

@@ -1,0 +1,33 @@
+/// The box that operations reach: a running one, or the embedded one.
+#ifndef OLT_CLI_BOX_ACCESS_H
+#define OLT_CLI_BOX_ACCESS_H
+
+#include <filesystem>
+#include <optional>
+
+#include "cli/embedded_box.h"
+#include "cli/options.h"
+
+namespace olt::cli {
+
+class BoxAccess {
+ public:
+  explicit BoxAccess(const Options &options) : options_(options) {}
+
+  /// Must come before an exchange; starts the embedded box at the first one. Throws Error.
+  void open();
+
+  /// Keeps the embedded box. Throws Error.
+  void close();
+
+  /// Where the box that has been opened writes listings.
+  std::filesystem::path listing_dir() const;
+
+ private:
+  const Options &options_;
+  std::optional<EmbeddedBox> embedded_;
+};
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,89 @@
+#include "cli/bytes_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <system_error>
+
+namespace olt::cli {
+
+namespace {
+
+constexpr size_t kLine = 16;
+
+bool is_plain(uint8_t byte) {
+  return byte >= 0x20 && byte < 0x7F;
+}
+
+void append_line(std::string &dump, ByteView bytes, size_t begin, Hidden hidden) {
+  size_t end = std::min(begin + kLine, bytes.size());
+  std::string characters;
+  fmt::format_to(std::back_inserter(dump), "  {:04x} ", begin);
+  for (size_t at = begin; at < end; ++at) {
+    if (hidden.covers(at)) {
+      dump += " **";
+      characters += '*';
+    } else {
+      fmt::format_to(std::back_inserter(dump), " {:02x}", bytes[at]);
+      characters += is_plain(bytes[at]) ? static_cast<char>(bytes[at]) : '.';
+    }
+  }
+  dump.append(3 * (begin + kLine - end), ' ');
+  dump += "  ";
+  dump += characters;
+  dump += '\n';
+}
+
+}  // namespace
+
+std::optional<Bytes> parse_hex(std::string_view text) {
+  Bytes bytes;
+  const char *at = text.data();
+  const char *end = at + text.size();
+  while (at != end) {
+    if (*at == ' ') {
+      ++at;
+      continue;
+    }
+    uint8_t byte = 0;
+    if (end - at < 2) return std::nullopt;
+    auto [stop, error] = std::from_chars(at, at + 2, byte, 16);
+    if (error != std::errc{} || stop != at + 2) return std::nullopt;
+    bytes.push_back(byte);
+    at = stop;
+  }
+  return bytes;
+}
+
+std::string plain_hex(ByteView bytes) {
+  return fmt::format("{:02x}", fmt::join(bytes, ""));
+}
+
+std::string spaced_hex(ByteView bytes) {
+  return fmt::format("{:02x}", fmt::join(bytes, " "));
+}
+
+std::string hex_dump(ByteView bytes, Hidden hidden) {
+  std::string dump;
+  for (size_t begin = 0; begin < bytes.size(); begin += kLine) {
+    append_line(dump, bytes, begin, hidden);
+  }
+  return dump;
+}
+
+std::string printable(std::string_view text) {
+  std::string shown;
+  for (char character : text) {
+    auto byte = static_cast<uint8_t>(character);
+    if (byte < 0x20 || byte == 0x7F) {
+      fmt::format_to(std::back_inserter(shown), "\\x{:02x}", byte);
+    } else {
+      shown += character;
+    }
+  }
+  return shown;
+}
+
+}  // namespace olt::cli

@@ -1,0 +1,43 @@
+/// Bytes as people write and read them.
+#ifndef OLT_CLI_BYTES_TEXT_H
+#define OLT_CLI_BYTES_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace olt::cli {
+
+using Bytes = std::vector<uint8_t>;
+using ByteView = std::span<const uint8_t>;
+
+/// Bytes that must not be shown.
+struct Hidden {
+  size_t offset = 0;
+  size_t length = 0;
+
+  bool covers(size_t at) const { return at >= offset && at - offset < length; }
+};
+
+/// Reads "02005e10" or, grouped, "02 00 5e 10".
+std::optional<Bytes> parse_hex(std::string_view text);
+
+/// Writes "02005e10".
+std::string plain_hex(ByteView bytes);
+
+/// Writes "02 00 5e 10".
+std::string spaced_hex(ByteView bytes);
+
+/// Writes 16 bytes a line: offset, bytes, characters. Each line begins with two blanks.
+std::string hex_dump(ByteView bytes, Hidden hidden = {});
+
+/// The text with anything that could move a terminal's cursor written as \xNN.
+std::string printable(std::string_view text);
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,17 @@
+/// Whole files.
+#ifndef OLT_CLI_FILE_H
+#define OLT_CLI_FILE_H
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+
+namespace olt::cli {
+
+/// Reads a file of at most that many bytes; a longer one is EFBIG. The error, if any, says why
+/// nothing is returned.
+std::string read_file(const std::string &path, size_t most, std::error_code &error);
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,18 @@
+/// What the shell remembers of a line.
+#ifndef OLT_CLI_HISTORY_LINE_H
+#define OLT_CLI_HISTORY_LINE_H
+
+#include <optional>
+#include <span>
+#include <string>
+
+namespace olt::cli {
+
+/// The line with '-' in the place of secrets, so that it asks for them when it is used again.
+/// Nothing when a secret may hide in it: in a record given as a whole, or in words that belong to
+/// no known operation.
+std::optional<std::string> history_line(std::span<const std::string> words);
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,36 @@
+/// What a call brought, as text or as JSON. docs/oltctl.md describes both forms.
+#ifndef OLT_CLI_PRINTER_H
+#define OLT_CLI_PRINTER_H
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "cli/call.h"
+
+namespace olt::cli {
+
+/// The version that every JSON object carries.
+inline constexpr int kJsonVersion = 1;
+
+struct Shown {
+  const Call &call;
+  int32_t result;
+  std::optional<std::string> listing;  ///< the listing's text, once it could be read
+  bool secrets;                        ///< show them, or mask them
+};
+
+/// Lines for the outputs and the listing. Of a call that succeeded.
+std::string as_text(const Shown &shown);
+
+/// One object, outputs only when the call succeeded.
+nlohmann::ordered_json as_json(const Shown &shown);
+
+/// The object on one line. Bytes that are not UTF-8 become U+FFFD.
+std::string json_line(const nlohmann::ordered_json &object);
+
+}  // namespace olt::cli
+
+#endif

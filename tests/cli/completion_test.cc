@@ -1,0 +1,126 @@
+#include "cli/completion.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/cli/program.h"
+#include "tests/cli/terminal.h"
+
+namespace {
+
+using olt::cli::candidates;
+using olt::tests::Folder;
+using olt::tests::private_environment;
+using olt::tests::read_file;
+using olt::tests::run;
+using olt::tests::Terminal;
+using Words = std::vector<std::string>;
+
+TEST(Completion, OffersOperationsAndCommandsFirst) {
+  EXPECT_EQ(candidates(Words{}, "get_olt"), (Words{"get_olt_mac", "get_olt_support_oam"}));
+  EXPECT_EQ(candidates(Words{}, "co"), (Words{"counters", "completion"}));
+  EXPECT_EQ(candidates(Words{}, "").size(), 33U + 6U);
+  EXPECT_EQ(candidates(Words{}, "x"), Words{});
+}
+
+TEST(Completion, OffersTheArgumentsOfAnOperation) {
+  EXPECT_EQ(candidates(Words{"add_user_level"}, ""),
+            (Words{"name=", "password=", "level_a=", "level_b="}));
+  EXPECT_EQ(candidates(Words{"get_user_level", "name=x"}, ""), (Words{"name=", "password="}));
+  EXPECT_EQ(candidates(Words{"process_debug_value"}, "debug_"),
+            (Words{"debug_op=", "debug_value="}));
+  EXPECT_EQ(candidates(Words{"get_olt_mac"}, ""), Words{});
+  EXPECT_EQ(candidates(Words{"no_such_operation"}, ""), Words{});
+}
+
+TEST(Completion, OffersTheWordsOfACommand) {
+  EXPECT_EQ(candidates(Words{"fault"}, ""), (Words{"add", "list", "clear"}));
+  EXPECT_EQ(candidates(Words{"fault", "add"}, "d"), Words{"delay_ms="});
+  EXPECT_EQ(candidates(Words{"fault", "list"}, ""), Words{});
+  EXPECT_EQ(candidates(Words{"help"}, "get_olt_m"), Words{"get_olt_mac"});
+  EXPECT_EQ(candidates(Words{"completion"}, ""), Words{"bash"});
+  EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});
+}
+
+/// An interactive bash in which oltctl is found and its completion is loaded by the command.
+class BashCompletion : public testing::Test {
+ protected:
+  void load(const std::string &command) {
+    ASSERT_TRUE(bash_.shows("ready> "));
+    bash_.type(command + "\r");
+    ASSERT_TRUE(bash_.shows("ready> "));
+  }
+
+  Words environment() const {
+    Words all = private_environment(folder_);
+    all.insert(all.end(), {std::string("PATH=") + OLTCTL_FOLDER + ":/usr/bin:/bin", "PS1=ready> ",
+                           "HISTFILE=/dev/null"});
+    return all;
+  }
+
+  Folder folder_;
+  Terminal bash_{{"bash", "--norc", "--noprofile", "-i"}, environment()};
+};
+
+TEST_F(BashCompletion, IsValidBash) {
+  EXPECT_EQ(run({"bash", "-n", "-c", olt::cli::bash_completion()}, {}).status, 0);
+}
+
+TEST_F(BashCompletion, CompletesOperationsAndArguments) {
+  load("eval \"$(oltctl completion bash)\"");
+  bash_.type("oltctl --json get_olt_m\t");
+  EXPECT_TRUE(bash_.shows("get_olt_mac "));
+  bash_.type("\x15oltctl add_user_level na\t");
+  EXPECT_TRUE(bash_.shows("name="));
+  bash_.type("op level_a\t");
+  EXPECT_TRUE(bash_.shows("level_a="));
+  bash_.type("1 pass\t");
+  EXPECT_TRUE(bash_.shows("password="));
+  bash_.type("\x15oltctl fault ad\t");
+  EXPECT_TRUE(bash_.shows("add "));
+  bash_.type("sta\t");
+  EXPECT_TRUE(bash_.shows("status="));
+  bash_.type("\x15oltctl help save\t");
+  EXPECT_TRUE(bash_.shows("save_system_config "));
+}
+
+TEST_F(BashCompletion, CompletesFilesAndOptions) {
+  folder_.write("topology-file.json", "{}");
+  load("eval \"$(oltctl completion bash)\"; cd " + folder_.path());
+  bash_.type("oltctl --topo\t");
+  EXPECT_TRUE(bash_.shows("--topology "));
+  bash_.type("topo\t");
+  EXPECT_TRUE(bash_.shows("topology-file.json"));
+}
+
+std::set<std::string> options_in(const std::string &text) {
+  std::set<std::string> options;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    size_t begin = word.find("--");
+    if (begin != std::string::npos) options.insert(word.substr(begin));
+  }
+  return options;
+}
+
+TEST(Completion, OffersTheOptionsThatThereAre) {
+  std::string offered = olt::cli::bash_completion();
+  offered.erase(0, offered.find("words='--") + 7);
+  offered.erase(offered.find('\''));
+  std::set<std::string> options = options_in(offered);
+  EXPECT_EQ(options.size(), 9U);
+  EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
+}
+
+TEST_F(BashCompletion, IsLoadedByThePackagedFile) {
+  EXPECT_EQ(read_file(PACKAGED_COMPLETION).find("get_"), std::string::npos);
+  load(std::string("source ") + PACKAGED_COMPLETION);
+  bash_.type("oltctl get_card\t");
+  EXPECT_TRUE(bash_.shows("get_card_updatestatus "));
+}
+
+}  // namespace

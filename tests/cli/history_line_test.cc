@@ -1,0 +1,39 @@
+#include "cli/history_line.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using olt::cli::history_line;
+using Words = std::vector<std::string>;
+
+TEST(HistoryLine, KeepsWhatHoldsNoSecret) {
+  EXPECT_EQ(history_line(Words{"get_olt_mac"}), "get_olt_mac");
+  EXPECT_EQ(history_line(Words{"delete_user_level", "two words"}), "delete_user_level 'two words'");
+  EXPECT_EQ(history_line(Words{"fault", "add", "type=12"}), "fault add type=12");
+  EXPECT_EQ(history_line(Words{"process_debug_value", "value=0:01"}),
+            "process_debug_value value=0:01");
+}
+
+TEST(HistoryLine, PutsADashInThePlaceOfSecrets) {
+  EXPECT_EQ(history_line(Words{"add_user_level", "bob", "s3cret", "1", "2"}),
+            "add_user_level bob - 1 2");
+  EXPECT_EQ(history_line(Words{"add_user_level", "password=s3cret", "bob", "1", "2"}),
+            "add_user_level password=- bob 1 2");
+  EXPECT_EQ(history_line(Words{"modify_user_level", "user_name=bob", "user.user_password=s3cret"}),
+            "modify_user_level user_name=bob user.user_password=-");
+  EXPECT_EQ(history_line(Words{"get_user_level", "bob", ""}), "get_user_level bob -");
+}
+
+TEST(HistoryLine, ForgetsLinesThatMayHideASecret) {
+  EXPECT_EQ(history_line(Words{"modify_user_level", "40:733363726574"}), std::nullopt);
+  EXPECT_EQ(history_line(Words{"add_user_levle", "bob", "s3cret", "1", "2"}), std::nullopt);
+  EXPECT_EQ(history_line(Words{"add_user_level", "pasword=s3cret"}), std::nullopt);
+  EXPECT_EQ(history_line(Words{"get_user_level", "bob", "two", "words"}), std::nullopt);
+}
+
+}  // namespace

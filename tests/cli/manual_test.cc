@@ -1,0 +1,146 @@
+#include "cli/manual.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cli/error.h"
+
+namespace {
+
+using olt::cli::help_text;
+using olt::cli::list_text;
+using olt::cli::operation_named;
+
+std::string error_of(const std::string &name) {
+  try {
+    operation_named(name);
+  } catch (const olt::cli::Error &error) {
+    EXPECT_EQ(error.status(), 2);
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(Manual, SuggestsNearNames) {
+  EXPECT_EQ(error_of("get_olt_mca"),
+            "oltctl: there is no operation 'get_olt_mca'; did you mean get_olt_mac?");
+  EXPECT_EQ(error_of("GET_OLT_MAC"),
+            "oltctl: there is no operation 'GET_OLT_MAC'; did you mean get_olt_mac?");
+  EXPECT_EQ(error_of("set_snmp_parm"),
+            "oltctl: there is no operation 'set_snmp_parm'; did you mean set_snmp_param or "
+            "get_snmp_param?");
+  EXPECT_EQ(error_of("hlep"), "oltctl: there is no operation 'hlep'; did you mean help?");
+  EXPECT_EQ(error_of("frobnicate"),
+            "oltctl: there is no operation 'frobnicate'; 'oltctl list' shows all of them");
+}
+
+TEST(Manual, ListsByFamilyWhatHasTheWord) {
+  EXPECT_EQ(list_text("SNTP"),
+            "System control\n"
+            "  Cl_Set_SntpCfg_apply                      Applies an SNTP configuration\n");
+  EXPECT_EQ(list_text("oam"),
+            "Log and debug controls\n"
+            "  get_olt_support_oam                       Reads which OAM the OLT supports\n");
+  std::string all = list_text("");
+  EXPECT_NE(all.find("\n\nUser accounts\n  get_user_level "), std::string::npos);
+  EXPECT_NE(all.find("\n\nFirmware update\n"), std::string::npos);
+  EXPECT_THROW(list_text("nothing like it"), olt::cli::Error);
+}
+
+TEST(Manual, SaysWhatAnOperationTakes) {
+  EXPECT_EQ(help_text("get_user_level"),
+            "get_user_level name password\n"
+            "  Checks a user's name and password and reads the levels.\n"
+            "\n"
+            "Arguments:\n"
+            "  name            text of at most 31 bytes\n"
+            "  password        text of at most 31 bytes; '-' reads it without echo\n"
+            "\n"
+            "Results:\n"
+            "  level_a         a number\n"
+            "  level_b         a number\n"
+            "\n"
+            "Sends message type 10 to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl get_user_level name=operator password=-\n");
+  EXPECT_EQ(help_text("process_switchdebug_value"),
+            "process_switchdebug_value [value]\n"
+            "  Writes (debug_op not 0) or reads a debug value of the switch.\n"
+            "\n"
+            "Arguments:\n"
+            "  value           28 bytes as HEX, @FILE or OFFSET:HEX[,OFFSET:HEX...]; zeros when "
+            "left out\n"
+            "    debug_op        a number from 0 to 4294967295\n"
+            "    reserved_04     20 bytes as HEX\n"
+            "    debug_value     a number from 0 to 65535\n"
+            "    reserved_1a     2 bytes as HEX\n"
+            "\n"
+            "Results:\n"
+            "  value           the record's fields\n"
+            "\n"
+            "Sends message type 40 to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl process_switchdebug_value debug_op=1\n");
+  EXPECT_EQ(help_text("set_system_loglevel"),
+            "set_system_loglevel value\n"
+            "  Sets the level from which messages are logged.\n"
+            "\n"
+            "Arguments:\n"
+            "  value           a number from 0 to 4294967295\n"
+            "\n"
+            "Sends message type 83 to module 22, then to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl set_system_loglevel value=1\n");
+}
+
+TEST(Manual, SaysWhatComesBack) {
+  EXPECT_EQ(help_text("do_reboot_system"),
+            "do_reboot_system\n"
+            "  Reboots the box.\n"
+            "\n"
+            "Sends message type 7 to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl do_reboot_system\n");
+  EXPECT_EQ(help_text("show_memory_info"),
+            "show_memory_info module\n"
+            "  Lists one module's use of memory.\n"
+            "\n"
+            "Arguments:\n"
+            "  module          a number from 0 to 4294967295\n"
+            "\n"
+            "Results:\n"
+            "  name            the name of a listing, followed by its text\n"
+            "\n"
+            "Sends message type 3 to the module that the first argument names.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl show_memory_info module=1\n");
+  EXPECT_EQ(help_text("do_handle_epon_updatestream"),
+            "do_handle_epon_updatestream request\n"
+            "  Hands over a piece of an OLT firmware update.\n"
+            "\n"
+            "Arguments:\n"
+            "  request         bytes as HEX or @FILE\n"
+            "\n"
+            "Results:\n"
+            "  answer          the answer's bytes\n"
+            "\n"
+            "Sends message type 11 to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl do_handle_epon_updatestream request=@request.bin\n");
+}
+
+TEST(Manual, SaysWhatACommandTakes) {
+  EXPECT_EQ(help_text("counters"), "counters\n  Shows what has happened in the box\n");
+  std::string all = help_text("");
+  EXPECT_NE(all.find("fault add type=TYPE|OPERATION"), std::string::npos);
+  EXPECT_NE(all.find("list [WORD]\n"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,320 @@
+// oltctl as a user meets it, with its embedded box.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/cli/program.h"
+
+namespace {
+
+using olt::tests::Finished;
+using olt::tests::Oltctl;
+using olt::tests::private_environment;
+using olt::tests::run;
+
+bool holds(const std::string &text, const std::string &part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST(OltctlRun, OneInvocationSetsAndTheNextReads) {
+  Oltctl oltctl;
+  Finished added =
+      oltctl({"add_user_level", "name=operator", "password=secret", "level_a=1", "level_b=0x20"});
+  EXPECT_EQ(added.status, 0) << added.errors;
+  EXPECT_EQ(added.output, "");
+  Finished read = oltctl({"get_user_level", "operator", "secret"});
+  EXPECT_EQ(read.status, 0) << read.errors;
+  EXPECT_EQ(read.output, "level_a = 1\nlevel_b = 32\n");
+  EXPECT_EQ(read.errors, "");
+}
+
+TEST(OltctlRun, FreshStartsAnew) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"add_user_level", "operator", "secret", "1", "2"}).status, 0);
+  EXPECT_EQ(oltctl({"--fresh", "get_user_level", "operator", "secret"}).status, 1);
+  EXPECT_EQ(oltctl({"get_user_level", "operator", "secret"}).status, 1);
+}
+
+TEST(OltctlRun, RecordsAreSetAndReadBack) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"set_snmp_param", "0:0102,0x87:ff"}).status, 0);
+  std::string bytes = "0102" + std::string(266, '0') + "ff";
+  Finished read = oltctl({"--json", "get_snmp_param"});
+  EXPECT_EQ(read.output, R"({"version":1,"operation":"get_snmp_param","result":0,"failed":false,)"
+                         R"("transport":null,"status":0,"outputs":{"param":")" +
+                             bytes + "\"},\"listing\":null}\n");
+  std::string text = oltctl({"get_snmp_param"}).output;
+  EXPECT_TRUE(holds(text,
+                    "param = 136 bytes\n"
+                    "  0000  01 02 00 00 00 00 00 00 00 00 00 00 00 00 00 00  ................\n"))
+      << text;
+  EXPECT_TRUE(holds(text, "  0080  00 00 00 00 00 00 00 ff                          ........\n"))
+      << text;
+
+  std::string file = oltctl.folder().write("record", std::string(196, 'i'));
+  EXPECT_EQ(oltctl({"set_snmp_systeminfo", "info=@" + file}).status, 0);
+  EXPECT_TRUE(holds(oltctl({"get_snmp_systeminfo"}).output, "  00c0  69 69 69 69 "));
+}
+
+TEST(OltctlRun, RecordsWithFieldsAreShownByField) {
+  Oltctl oltctl;
+  Finished written = oltctl({"process_switchdebug_value", "debug_op=1", "debug_value=0x1234"});
+  EXPECT_EQ(written.status, 0) << written.errors;
+  EXPECT_EQ(oltctl({"process_switchdebug_value"}).output,
+            "debug_op = 0\n"
+            "reserved_04 = 20 bytes\n"
+            "  0000  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  ................\n"
+            "  0010  00 00 00 00                                      ....\n"
+            "debug_value = 4660\n"
+            "reserved_1a = 00 00\n");
+}
+
+TEST(OltctlRun, ListingsAreShownBehindTheirName) {
+  Oltctl oltctl;
+  Finished shown = oltctl({"get_system_basicinfofile"});
+  EXPECT_EQ(shown.status, 0) << shown.errors;
+  EXPECT_EQ(shown.output.substr(0, 7), "name = ");
+  std::string name = shown.output.substr(7, shown.output.find('\n') - 7);
+  std::string listing =
+      olt::tests::read_file(oltctl.folder().path() + "/oltmgmt/embedded/listings/" + name);
+  EXPECT_FALSE(listing.empty());
+  EXPECT_EQ(shown.output, "name = " + name + "\n" + listing);
+  Finished json = oltctl({"--json", "show_memory_info", "18"});
+  EXPECT_TRUE(holds(json.output, R"("listing":{"name":")")) << json.output;
+  EXPECT_TRUE(holds(json.output, R"(","text":")")) << json.output;
+}
+
+TEST(OltctlRun, StreamsComeBackAsBlocks) {
+  Oltctl oltctl;
+  std::string image = oltctl.folder().write(
+      "image", std::string("\x00\x10\x00\x00\x00\x00\x00\x00", 8) + std::string(4096, 'e'));
+  Finished sent = oltctl({"do_handle_epon_updatestream", "@" + image});
+  EXPECT_EQ(sent.status, 0) << sent.errors;
+  EXPECT_EQ(sent.output.substr(0, 9), "answer = ");
+  EXPECT_EQ(oltctl({"get_card_updatestatus"}).output, "value = 100\n");
+}
+
+TEST(OltctlRun, AFailureIsOneLineAndStatusOne) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"fault", "add", "type=12", "status=5", "from=2", "count=1"}).output,
+            "id = 1\n");
+  EXPECT_EQ(oltctl({"get_olt_mac"}).status, 0);
+  Finished failed = oltctl({"get_olt_mac"});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.output, "");
+  EXPECT_EQ(failed.errors, "get_olt_mac failed: result 5 (0x00000005): status 5\n");
+  EXPECT_EQ(oltctl({"get_olt_mac"}).status, 0);
+}
+
+TEST(OltctlRun, ALostExchangeSaysHow) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"fault", "add", "type=get_olt_mac", "action=drop"}).status, 0);
+  Finished failed = oltctl({"--json", "get_olt_mac"});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.errors.substr(0, 55), "get_olt_mac failed: result 196608 (0x00030000): the mod");
+  EXPECT_TRUE(holds(failed.output, R"("result":196608,"failed":true,"transport":")"))
+      << failed.output;
+}
+
+TEST(OltctlRun, FaultsAreListedAndCleared) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"fault", "list"}).output, "faults: none\n");
+  ASSERT_EQ(oltctl({"fault", "add", "type=set_system_loglevel", "module=22", "delay_ms=1",
+                    "action=status"})
+                .output,
+            "id = 1\n");
+  ASSERT_EQ(oltctl({"fault", "add", "type=7", "status=0xffff"}).output, "id = 2\n");
+  std::string list = oltctl({"fault", "list"}).output;
+  EXPECT_TRUE(holds(list, "  id=1 module=22 type=83 ")) << list;
+  EXPECT_TRUE(holds(list, " type=7 status=65535 ")) << list;
+  EXPECT_EQ(oltctl({"fault", "clear", "1"}).output, "cleared = 1\n");
+  Finished gone = oltctl({"fault", "clear", "1"});
+  EXPECT_EQ(gone.status, 1);
+  EXPECT_EQ(gone.errors.substr(0, 20), "fault_clear failed: ");
+  EXPECT_EQ(oltctl({"fault", "clear"}).output, "cleared = 1\n");
+  EXPECT_EQ(oltctl({"--json", "fault", "list"}).output,
+            "{\"version\":1,\"command\":\"fault_list\",\"faults\":[]}\n");
+}
+
+TEST(OltctlRun, CountersTellWhatHappened) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"get_olt_mac"}).status, 0);
+  std::string counters = oltctl({"counters"}).output;
+  EXPECT_TRUE(holds(counters, "exchanges = ")) << counters;
+  EXPECT_TRUE(holds(counters, "  module=2 type=12 exchanges=1 ")) << counters;
+}
+
+TEST(OltctlRun, TracesOnStandardErrorWithoutSecrets) {
+  Oltctl oltctl;
+  Finished traced = oltctl({"--trace", "add_user_level", "operator", "s3cret", "1", "2"});
+  EXPECT_EQ(traced.output, "");
+  EXPECT_TRUE(holds(traced.errors, "> type 10 to module 2, 80 bytes\n")) << traced.errors;
+  EXPECT_TRUE(holds(traced.errors,
+                    "  0000  01 00 00 00 00 00 00 00 6f 70 65 72 61 74 6f 72  ........operator\n"
+                    "  0010  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  ................\n"
+                    "  0020  00 00 00 00 00 00 00 00 ** ** ** ** ** ** ** **  ........********\n"
+                    "  0030  ** ** ** ** ** ** ** ** ** ** ** ** ** ** ** **  ****************\n"
+                    "  0040  ** ** ** ** ** ** ** ** 01 00 00 00 02 00 00 00  ********........\n"
+                    "< status 0 after "))
+      << traced.errors;
+  Finished next = oltctl({"--trace", "--show-secrets", "get_system_next_user", "user_name=admin"});
+  EXPECT_TRUE(holds(next.output, "user_password = s3cret\n")) << next.output;
+  EXPECT_FALSE(holds(next.errors, "s3cret")) << next.errors;
+  EXPECT_FALSE(holds(next.errors, "73 33 63")) << next.errors;
+}
+
+TEST(OltctlRun, SecretsAreMaskedInResults) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"add_user_level", "operator", "s3cret", "1", "2"}).status, 0);
+  EXPECT_EQ(oltctl({"get_system_user_byindex", "user_index=1"}).output,
+            "user_op = 0\n"
+            "user_index = 1\n"
+            "user_name = operator\n"
+            "user_password = ********\n"
+            "level_a = 1\n"
+            "level_b = 2\n");
+  EXPECT_FALSE(
+      holds(oltctl({"--json", "get_system_user_byindex", "user_index=1"}).output, "s3cret"));
+}
+
+TEST(OltctlRun, APasswordIsReadFromStandardInput) {
+  Oltctl oltctl;
+  EXPECT_EQ(
+      oltctl({"add_user_level", "operator", "password=-", "1", "2"}, "s3 cret\nmore\n").status, 0);
+  EXPECT_EQ(oltctl({"get_user_level", "operator", "s3 cret"}).status, 0);
+  Finished ended = oltctl({"get_user_level", "operator", "-"});
+  EXPECT_EQ(ended.status, 2);
+  EXPECT_EQ(ended.errors, "password: standard input ended; expected a line with it\n");
+  Finished longer = oltctl({"get_user_level", "operator", "-"}, std::string(32, 'p') + "\n");
+  EXPECT_EQ(longer.errors,
+            "get_user_level: password: 32 bytes given; expected text of at most 31 bytes\n");
+}
+
+struct Wrong {
+  std::vector<std::string> arguments;
+  std::string line;
+};
+
+TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
+  const Wrong wrongs[] = {
+      {{},
+       "oltctl: no operation is given; expected one, for example get_olt_mac; see oltctl --help "
+       "and oltctl list"},
+      {{"get_olt_mca"}, "oltctl: there is no operation 'get_olt_mca'; did you mean get_olt_mac?"},
+      {{"--jsn", "get_olt_mac"},
+       "oltctl: there is no option '--jsn'; expected one of oltctl --help, or NAME=--jsn for a "
+       "value"},
+      {{"--box"}, "oltctl: --box: 1 required DIR missing; expected what oltctl --help says"},
+      {{"--box", "/nowhere", "--fresh", "get_olt_mac"},
+       "oltctl: --fresh and --topology are for the embedded box, but the box in /nowhere is used; "
+       "expected --box embedded beside them"},
+      {{"delete_user_level"},
+       "delete_user_level: name is missing; expected text of at most 31 bytes"},
+      {{"get_user_level", "operator"},
+       "get_user_level: password is missing; expected text of at most 31 bytes, or '-' to read it "
+       "from standard input"},
+      {{"delete_user_level", "name=12345678901234567890123456789012"},
+       "delete_user_level: name: 32 bytes given; expected text of at most 31 bytes"},
+      {{"set_debug_enable", "2", "on"},
+       "set_debug_enable: value: 'on' given; expected a number from 0 to 4294967295"},
+      {{"set_system_dns", "00"},
+       "set_system_dns: network: 1 bytes given; expected 172 bytes as HEX, @FILE or "
+       "OFFSET:HEX[,OFFSET:HEX...]"},
+      {{"shell", "x"}, "shell: not possible here; expected the command line 'oltctl shell', alone"},
+      {{"list", "a", "b"}, "list: 'b' is one argument too many; expected at most one"},
+      {{"list", "nonsense"},
+       "list: no operation has 'nonsense' in its name or summary; expected another word, or none "
+       "for all"},
+      {{"help", "get_olt_mca"},
+       "oltctl: there is no operation 'get_olt_mca'; did you mean get_olt_mac?"},
+      {{"completion"}, "completion: '' given; expected bash"},
+      {{"fault"}, "fault: '' given; expected add, list or clear"},
+      {{"fault", "remove"}, "fault: 'remove' given; expected add, list or clear"},
+      {{"fault", "add"},
+       "fault add: type is missing; expected a message type or an operation's name"},
+      {{"fault", "add", "12"},
+       "fault add: '12' given; expected NAME=VALUE with one of: module, type, status, delay_ms, "
+       "action, from, count"},
+      {{"fault", "add", "type=get_olt_mca"},
+       "fault add: type: 'get_olt_mca' given; expected a message type or an operation's name"},
+      {{"fault", "add", "type=12", "status=65536"},
+       "fault add: status: '65536' given; expected a number from 0 to 65535"},
+      {{"fault", "add", "type=12", "action=explode"},
+       "fault add: action: 'explode' given; expected status, silence or drop"},
+      {{"fault", "add", "type=12", "type=13"}, "fault add: type is given twice; expected once"},
+      {{"fault", "add", "kind=12"},
+       "fault add: there is no argument 'kind'; expected: module, type, status, delay_ms, action, "
+       "from, count"},
+      {{"fault", "clear", "x"}, "fault clear: 'x' given; expected a number from 0 to 4294967295"},
+      {{"fault", "list", "x"}, "fault list: 'x' is one argument too many; see oltctl help fault"},
+      {{"counters", "x"}, "counters: 'x' is one argument too many; see oltctl help counters"},
+  };
+  Oltctl oltctl;
+  for (const Wrong &wrong : wrongs) {
+    Finished finished = oltctl(wrong.arguments);
+    EXPECT_EQ(finished.status, 2) << wrong.line;
+    EXPECT_EQ(finished.errors, wrong.line + "\n");
+    EXPECT_EQ(finished.output, "");
+  }
+  EXPECT_FALSE(std::filesystem::exists(oltctl.folder().path() + "/oltmgmt/embedded"));
+}
+
+TEST(OltctlRun, HelpNeedsNoBox) {
+  Oltctl oltctl;
+  Finished help = oltctl({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.output.substr(0, 55), "Usage: oltctl [OPTION...] OPERATION [ARGUMENT...]\n     ");
+  EXPECT_TRUE(holds(help.output, "\nExamples:\n  oltctl get_system_basicinfofile\n"));
+  EXPECT_FALSE(holds(help.output, "--timeout"));
+  EXPECT_EQ(oltctl({"--version"}).output.substr(0, 7), "oltctl ");
+  EXPECT_EQ(oltctl({"--version"}).output.back(), '\n');
+  EXPECT_EQ(oltctl({"list"}).status, 0);
+  EXPECT_EQ(oltctl({"help", "get_olt_mac"}).status, 0);
+  EXPECT_EQ(oltctl({"completion", "bash"}).status, 0);
+  EXPECT_FALSE(std::filesystem::exists(oltctl.folder().path() + "/oltmgmt"));
+}
+
+TEST(OltctlRun, ARunDirectoryIsTakenFromTheEnvironment) {
+  Oltctl oltctl;
+  auto environment = private_environment(oltctl.folder());
+  environment.push_back("OLT_RUN_DIR=" + oltctl.folder().path() + "/run");
+  Finished missing = run({OLTCTL, "get_olt_mac"}, environment);
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.errors.substr(0, 48), "get_olt_mac failed: result 131072 (0x00020000): ");
+  EXPECT_EQ(run({OLTCTL, "--box", "embedded", "get_olt_mac"}, environment).status, 0);
+}
+
+TEST(OltctlRun, TheEmbeddedBoxNeedsAPlace) {
+  Finished lost = run({"env", "-u", "HOME", "-u", "XDG_STATE_HOME", OLTCTL, "get_olt_mac"}, {});
+  EXPECT_EQ(lost.status, 1);
+  EXPECT_EQ(lost.errors,
+            "oltctl: no place for the embedded box; expected XDG_STATE_HOME or HOME to name an "
+            "absolute path\n");
+  Oltctl oltctl;
+  std::string file = oltctl.folder().write("file", "");
+  Finished refused = run({OLTCTL, "get_olt_mac"}, {"XDG_STATE_HOME=" + file});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.errors, "oltctl: cannot create " + file + "/oltmgmt: Not a directory\n");
+}
+
+TEST(OltctlRun, ABadTopologyIsOneLine) {
+  Oltctl oltctl;
+  std::string file = oltctl.folder().write("topology", "{\"ports\": }");
+  Finished refused = oltctl({"--topology", file, "get_olt_mac"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.errors.substr(0, 41), "oltctl: the embedded box does not start: ");
+  EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1);
+}
+
+TEST(OltctlRun, OutputThatCannotBeWrittenIsAFailure) {
+  Oltctl oltctl;
+  Finished full = run({"sh", "-c", std::string(OLTCTL) + " get_olt_mac >/dev/full"},
+                      private_environment(oltctl.folder()));
+  EXPECT_EQ(full.status, 1);
+  EXPECT_EQ(full.errors, "oltctl: cannot write the output: No space left on device\n");
+}
+
+}  // namespace

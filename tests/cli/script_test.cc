@@ -1,0 +1,92 @@
+// oltctl -f: a command a line.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/cli/program.h"
+
+namespace {
+
+using olt::tests::Finished;
+using olt::tests::Oltctl;
+
+TEST(Script, RunsACommandALine) {
+  Oltctl oltctl;
+  std::string path = oltctl.folder().write("script",
+                                           "# two users\n"
+                                           "\n"
+                                           "add_user_level 'first user' pw 1 2  # with a blank\n"
+                                           "get_user_level \"first user\" pw\n"
+                                           "fault list\n");
+  Finished done = oltctl({"-f", path});
+  EXPECT_EQ(done.status, 0) << done.errors;
+  EXPECT_EQ(done.output, "level_a = 1\nlevel_b = 2\nfaults: none\n");
+  EXPECT_EQ(done.errors, "");
+}
+
+TEST(Script, StopsAtTheFirstFailureAndKeepsWhatWasDone) {
+  Oltctl oltctl;
+  std::string path = oltctl.folder().write("script",
+                                           "add_user_level kept pw 3 4\n"
+                                           "fault add type=get_olt_mac status=9 count=1\n"
+                                           "get_olt_mac\n"
+                                           "add_user_level lost pw 5 6\n");
+  Finished failed = oltctl({"-f", path});
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.output, "id = 1\n");
+  EXPECT_EQ(failed.errors, path + ":3: get_olt_mac failed: result 9 (0x00000009): status 9\n");
+  EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).output, "level_a = 3\nlevel_b = 4\n");
+  EXPECT_EQ(oltctl({"get_user_level", "lost", "pw"}).status, 1);
+}
+
+TEST(Script, SaysWhereALineIsWrong) {
+  Oltctl oltctl;
+  Finished wrong = oltctl({"-f", "-"}, "get_olt_support_oam\nset_system_loglevel high\n");
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.errors,
+            "standard input:2: set_system_loglevel: value: 'high' given; expected a number from 0 "
+            "to 4294967295\n");
+  Finished open = oltctl({"-f", "-"}, "delete_user_level 'x\n");
+  EXPECT_EQ(open.status, 2);
+  EXPECT_EQ(open.errors, "standard input:1: the line ends too early; expected a closing '\n");
+}
+
+TEST(Script, ALastLineNeedsNoNewline) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"-f", "-"}, "get_olt_support_oam").output, "value = 1\n");
+  EXPECT_EQ(oltctl({"-f", "-"}, "").status, 0);
+}
+
+TEST(Script, WritesJsonLines) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"--json", "-f", "-"}, "save_system_config\nget_card_updatestatus\n").output,
+            R"({"version":1,"operation":"save_system_config","result":0,"failed":false,)"
+            R"("transport":null,"status":0,"outputs":{},"listing":null})"
+            "\n"
+            R"({"version":1,"operation":"get_card_updatestatus","result":0,"failed":false,)"
+            R"("transport":null,"status":0,"outputs":{"value":0},"listing":null})"
+            "\n");
+}
+
+TEST(Script, MustBeReadable) {
+  Oltctl oltctl;
+  std::string missing = oltctl.folder().path() + "/none";
+  Finished wrong = oltctl({"-f", missing});
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.errors, "oltctl: cannot read the script " + missing +
+                              ": No such file or directory; expected a file with a command a "
+                              "line\n");
+  EXPECT_EQ(oltctl({"-f", oltctl.folder().path()}).errors,
+            "oltctl: cannot read the script " + oltctl.folder().path() +
+                ": Is a directory; expected a file with a command a line\n");
+}
+
+TEST(Script, ExcludesAnOperation) {
+  Oltctl oltctl;
+  Finished wrong = oltctl({"-f", "x", "get_olt_mac"});
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.errors, "oltctl: both -f x and an operation are given; expected one of them\n");
+}
+
+}  // namespace
