@@ -10,8 +10,7 @@ home=$(mktemp -d)
 box=
 
 finish() {
-  [ -z "$box" ] || kill "$box"
-  wait
+  end_box TERM
   rm -rf "$home"
 }
 trap finish EXIT
@@ -28,10 +27,17 @@ start_box() {
   : >"$home/ready"
   "$oltbox" --state-dir "$home/state" >"$home/ready" &
   box=$!
+  disown "$box"
   until [ -s "$home/ready" ]; do
     kill -0 "$box" 2>/dev/null || exit 1
     sleep 0.05
   done
+}
+
+# Sends oltbox a signal and waits for its end.
+end_box() {
+  kill -s "$1" "$box" 2>/dev/null || return 0
+  while kill -0 "$box" 2>/dev/null; do sleep 0.05; done
 }
 
 # Shows a command as a user would type it, then runs it.
@@ -62,10 +68,8 @@ try get_olt_mac
 
 say "6. Saved is saved: the box is killed, started again, and still knows its operator."
 try save_system_config
-kill -9 "$box"
-wait "$box" 2>/dev/null && exit 1
-box=
 printf '$ kill -9 %%oltbox\n'
+end_box KILL
 start_box
 try get_user_level operator secret
 
