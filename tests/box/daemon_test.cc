@@ -15,13 +15,14 @@
 
 #include "platform/olthost.h"
 #include "tests/box/support.h"
+#include "tests/support/program.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using olt::tests::Bytes;
+using olt::tests::Folder;
 using olt::tests::hex;
-using olt::tests::PrivateFolder;
 using olt::tests::read_file;
 using olt::tests::text;
 using olt::tests::write_file;
@@ -43,18 +44,13 @@ class Daemon {
 
   void launch(std::vector<std::string> options) {
     options.insert(options.begin(), OLTBOX);
-    std::vector<char *> arguments;
-    for (std::string &option : options) arguments.push_back(option.data());
-    arguments.push_back(nullptr);
-    std::string output = folder / "output";
-    std::string errors = folder / "errors";
-    std::filesystem::remove(output);
+    std::string output = folder.write("output", "");
+    std::string errors = folder.write("errors", "");
     pid_ = fork();
     if (pid_ != 0) return;
-    dup2(open(output.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
-    dup2(open(errors.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600), STDERR_FILENO);
-    execv(OLTBOX, arguments.data());
-    _exit(127);
+    dup2(open(output.c_str(), O_WRONLY), STDOUT_FILENO);
+    dup2(open(errors.c_str(), O_WRONLY), STDERR_FILENO);
+    olt::tests::execute(options, {});
   }
 
   /// Launches it in its directories and waits until it says that it serves.
@@ -73,10 +69,9 @@ class Daemon {
 
   /// @return its exit status, or 128 + the signal that ended it.
   int wait() {
-    int status = 0;
-    waitpid(pid_, &status, 0);
+    int status = olt::tests::wait_for(pid_);
     pid_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return status;
   }
 
   int kill(int signal) {
@@ -89,7 +84,7 @@ class Daemon {
     return wait();
   }
 
-  PrivateFolder folder;
+  Folder folder;
 
  private:
   pid_t pid_ = -1;
@@ -289,7 +284,7 @@ TEST(Daemon, UsesTheUsersDirectoriesByDefault) {
   while (ask(2, 8).transport != 0 && steady_clock::now() < deadline) {
     std::this_thread::sleep_for(5ms);
   }
-  EXPECT_TRUE(std::filesystem::exists(daemon.folder / "home" / "oltmgmt" / "box" / "saved.json"));
+  EXPECT_TRUE(std::filesystem::exists(daemon.folder / "home/oltmgmt/box/saved.json"));
   EXPECT_EQ(sockets_in(daemon.run_dir()).size(), 5U);
 }
 
@@ -305,8 +300,7 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
       {{"--group", "no such group"},
        "--group no such group: is no group, expected a name or a number of one"},
       {{"--topology", daemon.folder / "box.json"},
-       (daemon.folder / "box.json").string() +
-           ": /pon/interfaces: is 99, expected an integer from 1 to 16"},
+       (daemon.folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16"},
   };
   for (auto [options, line] : kMistakes) {
     options.insert(options.begin(), {"--state-dir", daemon.folder / "state"});
@@ -348,7 +342,7 @@ TEST(Daemon, WaitsAWhileForAStateDirectoryInUse) {
   auto begin = steady_clock::now();
   EXPECT_EQ(second.run({"--run-dir", second.run_dir(), "--state-dir", daemon.folder / "state"}), 1);
   EXPECT_GE(steady_clock::now() - begin, 5s);
-  EXPECT_EQ(second.errors(), "oltbox: " + (daemon.folder / "state").string() +
+  EXPECT_EQ(second.errors(), "oltbox: " + (daemon.folder / "state") +
                                  ": another box uses this state directory; end it or name another "
                                  "one\n");
 }

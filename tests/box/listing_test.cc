@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using olt::tests::Bytes;
 using olt::tests::characters;
-using olt::tests::PrivateFolder;
+using olt::tests::Folder;
 using olt::tests::read_file;
 using olt::tests::slice;
 using olt::tests::TestBox;
@@ -139,7 +139,7 @@ TEST(Listing, IsForTheOwnUserUnlessAGroupIsNamed) {
 }
 
 TEST(Listing, NumbersGoOnAfterWhatIsThere) {
-  PrivateFolder folder;
+  Folder folder;
   for (const char *name :
        {"log-00000041.txt", "basicinfo-00000007.txt", "log-9.txt", "notes.txt", "LOG-00000099.txt",
         "log-00000099.old", "-00000098.txt", "log-99999999999.txt", "log-0000004x.txt"}) {
@@ -153,7 +153,7 @@ TEST(Listing, NumbersGoOnAfterWhatIsThere) {
 }
 
 TEST(Listing, TheNewest1024AreKept) {
-  PrivateFolder folder;
+  Folder folder;
   write_file(folder / "log-00000005.txt", "old");
   write_file(folder / "unrelated.txt", "kept");
   {

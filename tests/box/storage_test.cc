@@ -233,10 +233,10 @@ TEST(Storage, OneBoxAtATimeUsesADirectory) {
 TEST(Storage, DirectoriesThatCannotBeAreReported) {
   TestBox box;
   write_file(box.folder / "file", "");
-  box.options.state_dir = box.folder / "file" / "state";
-  EXPECT_EQ(complaint(box), (box.folder / "file" / "state").string() + ": Not a directory");
+  box.options.state_dir = box.folder / "file/state";
+  EXPECT_EQ(complaint(box), (box.folder / "file/state") + ": Not a directory");
   box.options.state_dir = box.folder / "file";
-  EXPECT_EQ(complaint(box), (box.folder / "file").string() + ": Not a directory");
+  EXPECT_EQ(complaint(box), (box.folder / "file") + ": Not a directory");
 }
 
 TEST(RunningState, GoesOnInTheNextBox) {

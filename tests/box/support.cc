@@ -10,17 +10,6 @@
 
 namespace olt::tests {
 
-PrivateFolder::PrivateFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "olt-box-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no private folder");
-  path_ = pattern;
-}
-
-PrivateFolder::~PrivateFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 Bytes hex(std::string_view text) {
   Bytes bytes;
   std::string digits;
@@ -58,16 +47,6 @@ Bytes slice(const Bytes &bytes, size_t begin, size_t end) {
 
 std::string characters(const Bytes &bytes) {
   return {bytes.begin(), bytes.end()};
-}
-
-std::string read_file(const std::filesystem::path &path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void write_file(const std::filesystem::path &path, std::string_view content) {
-  std::ofstream file(path, std::ios::binary);
-  file << content;
 }
 
 TestBox::TestBox() {

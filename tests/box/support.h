@@ -12,25 +12,11 @@
 #include <vector>
 
 #include "box/simulator.h"
+#include "tests/support/folder.h"
 
 namespace olt::tests {
 
 using Bytes = std::vector<uint8_t>;
-
-/// A directory below the system's temporary one, removed with everything in it.
-class PrivateFolder {
- public:
-  PrivateFolder();
-  PrivateFolder(const PrivateFolder &) = delete;
-  PrivateFolder &operator=(const PrivateFolder &) = delete;
-  ~PrivateFolder();
-
-  const std::filesystem::path &path() const { return path_; }
-  std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
 
 /// "01 00 ff" as bytes.
 Bytes hex(std::string_view text);
@@ -41,9 +27,6 @@ Bytes text(std::string_view characters);
 Bytes word(uint32_t value);
 Bytes slice(const Bytes &bytes, size_t begin, size_t end);
 std::string characters(const Bytes &bytes);
-
-std::string read_file(const std::filesystem::path &path);
-void write_file(const std::filesystem::path &path, std::string_view content);
 
 /// A simulated box in private directories. Its clock stands at 2026-01-31 12:00:00 UTC until it is
 /// advanced.
@@ -71,7 +54,7 @@ class TestBox {
   box::Options options;
   bool traced = true;
   std::vector<std::string> trace;
-  PrivateFolder folder;
+  Folder folder;
 
  private:
   void start();

@@ -12,7 +12,7 @@ namespace {
 using olt::box::BadInput;
 using olt::box::parse_topology;
 using olt::box::Topology;
-using olt::tests::PrivateFolder;
+using olt::tests::Folder;
 using olt::tests::write_file;
 
 std::string complaint(std::string_view text) {
@@ -116,21 +116,20 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
 }
 
 TEST(TopologyFile, IsNamedInTheLine) {
-  PrivateFolder folder;
+  Folder folder;
   write_file(folder / "box.json", R"({"pon":{"interfaces":99}})");
   try {
     olt::box::load_topology(folder / "box.json");
     ADD_FAILURE() << "accepted";
   } catch (const BadInput &error) {
-    EXPECT_EQ(error.what(), (folder / "box.json").string() +
-                                ": /pon/interfaces: is 99, expected an integer from 1 to 16");
+    EXPECT_EQ(error.what(),
+              (folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16");
   }
   try {
     olt::box::load_topology(folder / "none.json");
     ADD_FAILURE() << "accepted";
   } catch (const BadInput &error) {
-    EXPECT_EQ(error.what(),
-              (folder / "none.json").string() + ": cannot be read: No such file or directory");
+    EXPECT_EQ(error.what(), (folder / "none.json") + ": cannot be read: No such file or directory");
   }
 }
 

@@ -7,31 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/folder.h"
+#include "tests/support/program.h"
+
 namespace olt::tests {
-
-/// What a program left behind when it ended.
-struct Finished {
-  int status = -1;  ///< exit status, or 128 + the signal that ended it
-  std::string output;
-  std::string errors;
-};
-
-/// Runs a program to its end, with these variables set on top of this process's environment.
-Finished run(const std::vector<std::string> &command,
-             const std::vector<std::string> &environment = {});
-
-/// A folder below the system's temporary one, removed with everything in it.
-class PrivateFolder {
- public:
-  PrivateFolder();
-  PrivateFolder(const PrivateFolder &) = delete;
-  PrivateFolder &operator=(const PrivateFolder &) = delete;
-  ~PrivateFolder();
-  const std::string &path() const { return path_; }
-
- private:
-  std::string path_;
-};
 
 /// An oltbox process. This process reaches it through the library: OLT_RUN_DIR is set.
 class RunningBox {
@@ -54,10 +33,9 @@ class RunningBox {
   Finished oltctl(const std::vector<std::string> &arguments) const;
 
  private:
-  PrivateFolder folder_;
+  Folder folder_;
   std::string run_dir_;
   pid_t pid_ = -1;
-  int ready_ = -1;
 };
 
 }  // namespace olt::tests

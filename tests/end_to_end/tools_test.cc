@@ -10,7 +10,7 @@
 namespace {
 
 using olt::tests::Finished;
-using olt::tests::PrivateFolder;
+using olt::tests::Folder;
 using olt::tests::run;
 using olt::tests::RunningBox;
 
@@ -40,7 +40,7 @@ TEST(Tools, AnInjectedFaultIsReported) {
 }
 
 TEST(Tools, AMissingBoxIsReportedAtOnce) {
-  PrivateFolder folder;
+  Folder folder;
   Finished failed = run({OLTCTL, "--box", folder.path(), "get_olt_mac"});
   EXPECT_EQ(failed.status, 1);
   EXPECT_TRUE(holds(failed.errors, "0x00020000")) << failed.errors;

@@ -1,0 +1,32 @@
+/// Programs as children of a test.
+#ifndef OLT_TESTS_SUPPORT_PROGRAM_H
+#define OLT_TESTS_SUPPORT_PROGRAM_H
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace olt::tests {
+
+/// What a program left behind when it ended.
+struct Finished {
+  int status = -1;  ///< exit status, or 128 + the signal that ended it
+  std::string output;
+  std::string errors;
+};
+
+/// Replaces this process, with these variables on top of its environment. For children.
+[[noreturn]] void execute(const std::vector<std::string> &command,
+                          const std::vector<std::string> &environment);
+
+/// Waits for the end of a child. @return as Finished::status.
+int wait_for(pid_t child);
+
+/// Runs a program to its end. The input must fit into a pipe.
+Finished run(const std::vector<std::string> &command,
+             const std::vector<std::string> &environment = {}, const std::string &input = "");
+
+}  // namespace olt::tests
+
+#endif
