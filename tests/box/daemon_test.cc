@@ -56,7 +56,7 @@ class Daemon {
   /// Launches it in its directories and waits until it says that it serves.
   void start(std::vector<std::string> options = {}) {
     for (const char *argument : {"--run-dir", "--state-dir"}) {
-      options.push_back(argument);
+      options.emplace_back(argument);
       options.push_back(folder / (argument == std::string("--run-dir") ? "run" : "state"));
     }
     launch(std::move(options));

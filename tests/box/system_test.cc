@@ -12,7 +12,6 @@ using namespace std::chrono_literals;
 using olt::tests::Bytes;
 using olt::tests::hex;
 using olt::tests::record;
-using olt::tests::slice;
 using olt::tests::TestBox;
 using olt::tests::text;
 using olt::tests::word;
