@@ -43,6 +43,7 @@ int give(const void *from, std::size_t size, void *to, socklen_t *room) {
 }  // namespace
 
 // The program's definition comes before the C library's.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" [[gnu::visibility("default")]] int getsockopt(int socket, int level, int option,
                                                          void *value, socklen_t *size) noexcept {
   if (fake_peer && level == SOL_SOCKET && option == SO_PEERCRED) {

@@ -17,6 +17,7 @@ namespace {
 [[gnu::format(printf, 2, 0)]] void syslog_to_stderr(int priority, const char *format,
                                                     va_list arguments) {
   char line[512];
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start is in the callers
   std::vsnprintf(line, sizeof line, format, arguments);
   ::dprintf(STDERR_FILENO, "syslog %d %s\n", priority, line);
 }
@@ -33,7 +34,7 @@ extern "C" [[gnu::visibility("default"), gnu::format(printf, 2, 3)]] void syslog
 }
 
 extern "C" [[gnu::visibility("default"), gnu::format(printf, 3, 4)]] void __syslog_chk(
-    int priority, int, const char *format, ...) {
+    int priority, int /*flag*/, const char *format, ...) {
   va_list arguments;
   va_start(arguments, format);
   syslog_to_stderr(priority, format, arguments);

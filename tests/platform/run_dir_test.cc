@@ -30,7 +30,7 @@ gid_t group_of(const std::string &path) {
 /// A server that does not run; null with a line when it cannot be had.
 struct Attempt {
   explicit Attempt(const std::string &run_dir, const char *group = nullptr,
-                   std::vector<uint32_t> modules = {2}) {
+                   const std::vector<uint32_t> &modules = {2}) {
     const olt_server_options options{.run_dir = run_dir.c_str(), .group = group};
     server = olt_server_create(&options, error.data());
     for (const uint32_t module : modules) {

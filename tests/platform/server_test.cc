@@ -24,7 +24,7 @@ class Serving : public testing::Test {
   TemporaryRunDir dir_;
   ServerThread server_{{.run_dir = dir_.path().c_str(), .stall_ms = 150, .modules = {2, 18}}};
 
-  void expect_still_serving() {
+  static void expect_still_serving() {
     EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("others")), bytes_of("others"));
   }
 };
