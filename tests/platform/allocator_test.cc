@@ -92,7 +92,7 @@ TEST(AllocatorDebug, TakesEqualTagsAtOtherAddressesForTheSame) {
   expect_lines(run_with_debug("1",
                               [] {
                                 const std::string tag = "do_handle_epon_updatestream";
-                                const std::string same = tag;
+                                const std::string same{tag.begin(), tag.end()};
                                 ___FREE(___MALLOC(8, tag.c_str(), 1), same.c_str(), 2);
                               }),
                {});

@@ -17,7 +17,6 @@ namespace {
 [[gnu::format(printf, 2, 0)]] void syslog_to_stderr(int priority, const char *format,
                                                     va_list arguments) {
   char line[512];
-  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start is in the callers
   std::vsnprintf(line, sizeof line, format, arguments);
   ::dprintf(STDERR_FILENO, "syslog %d %s\n", priority, line);
 }

@@ -127,7 +127,7 @@ TemporaryRunDir::~TemporaryRunDir() {
   std::filesystem::remove_all(base_, ignored);
 }
 
-void act(void *, const olt_request *request, olt_answer *answer) {
+void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
   static std::atomic<uint32_t> counted{0};
   switch (request->message_type) {
     case kEcho:
@@ -228,8 +228,8 @@ std::string ServerThread::events() const {
   return events_;
 }
 
-ServerProcess::ServerProcess(const std::string &run_dir, std::vector<uint32_t> modules,
-                             const char *group, std::function<void()> prepare) {
+ServerProcess::ServerProcess(const std::string &run_dir, const std::vector<uint32_t> &modules,
+                             const char *group, const std::function<void()> &prepare) {
   int ready[2];
   if (::pipe(ready) != 0) {
     throw std::runtime_error("pipe failed");

@@ -105,8 +105,8 @@ class ServerThread {
 class ServerProcess {
  public:
   explicit ServerProcess(
-      const std::string &run_dir, std::vector<uint32_t> modules = {2}, const char *group = nullptr,
-      std::function<void()> prepare = [] {});
+      const std::string &run_dir, const std::vector<uint32_t> &modules = {2},
+      const char *group = nullptr, const std::function<void()> &prepare = [] {});
   ServerProcess(const ServerProcess &) = delete;
   ServerProcess &operator=(const ServerProcess &) = delete;
   ~ServerProcess() { kill(); }
