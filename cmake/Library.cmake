@@ -1,12 +1,33 @@
 # liboltmgmt, shared and static: the seven library folders, transport/ and nothing but libc.
 add_library(oltmgmt_objects OBJECT
-  transport/request.cc
-  transport/shapes.cc
+  flash/board_record.cc
+  flash/partition.cc
+  ont/iptv.cc
+  ont/voice.cc
+  ont/wan.cc
+  pon/authentication.cc
+  pon/inventory.cc
+  pon/link.cc
+  pon/multicast.cc
+  pon/uni_port.cc
+  snmp/olt_tables.cc
+  snmp/onu_tables.cc
+  switch/multicast.cc
+  switch/port.cc
+  switch/rstp.cc
+  switch/statistics.cc
+  switch/trunk.cc
+  switch/vlan.cc
+  switch/vlan_list.cc
   system/control.cc
   system/debug.cc
   system/information.cc
   system/update.cc
-  system/user.cc)
+  system/user.cc
+  transport/interface_request.cc
+  transport/ont_target.cc
+  transport/request.cc
+  transport/shapes.cc)
 target_link_libraries(oltmgmt_objects PRIVATE olt_flags)
 target_compile_options(oltmgmt_objects PRIVATE
   -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables

@@ -30,6 +30,76 @@
 extern "C" {
 #endif
 
+// Flash storage: five regions of the flash device and the board's own record in region 2.
+//
+// These operations send no request and have no time-out. Each opens /dev/mtd0 for reading and
+// writing, uses it and closes it again. Nothing locks the device; callers that write to the same
+// region take turns.
+//
+//   region  start     bytes
+//   1       0x000000     65,536
+//   2       0x010000      4,096
+//   3       0x011000    720,896
+//   4       0x1C1000  2,355,200
+//   5       0x0C1000  1,048,576
+
+/// Reads from the start of a region, in one attempt.
+///
+/// @param[in]  region 1 to 5
+/// @param[out] buffer length bytes; those behind the bytes read stay untouched
+/// @param[in]  length bytes wanted; a number above the size of the region is cut to it
+/// @return the bytes read, which may be fewer than wanted; -1 when there is no such region; -2 when
+/// the device cannot be opened; the negative result of the seek or read that failed.
+OLT_API int32_t read_from_flash(uint32_t region, void *buffer, uint32_t length);
+
+/// Writes to the start of a region, after erasing the 4,096-byte blocks that the data touches.
+///
+/// @param[in] region 1 to 5
+/// @param[in] buffer length bytes
+/// @param[in] length bytes to write, at most the size of the region
+/// @return the bytes that the last write took; with length 0 the result of the erase, 0 when it
+/// succeeded; -1 when there is no such region or the data does not fit; -2 when the device cannot
+/// be opened; the negative result of the erase, seek or write that failed.
+/// Note: the last block is erased whole, also behind the data; the other blocks keep their
+/// contents. A failure after the erase leaves the blocks erased and partly written. When the device
+/// takes the data in pieces, the result counts the last piece only; a write that takes nothing is
+/// repeated without limit.
+OLT_API int32_t save_to_flash(uint32_t region, const void *buffer, uint32_t length);
+
+/// Erases a whole region.
+///
+/// @param[in] region   1 to 5
+/// @param[in] unused_a any value
+/// @param[in] unused_b any value
+/// @return the result of the erase, 0 when it succeeded; -1 when there is no such region; -2 when
+/// the device cannot be opened.
+OLT_API int32_t erase_to_flash(uint32_t region, uint32_t unused_a, uint32_t unused_b);
+
+// The board's record is read, changed and written back as a whole, which no lock protects.
+
+/// Reads the board's OAM type and takes up a pending change of it: the flag is cleared in flash.
+///
+/// @param[out] oam_type one word, the byte in the record
+/// @param[out] pending  one word; 1 when a change was pending, untouched otherwise
+/// @return 0; -1 when the record cannot be read or the cleared flag cannot be saved.
+/// Note: when the save fails, both words have been written.
+OLT_API int32_t read_oam_type(uint32_t *oam_type, uint32_t *pending);
+
+/// Sets the board's OAM type and the flag of a pending change.
+///
+/// @param[in] oam_type 0 to 2
+/// @param[in] pending  1 marks the change as pending, anything else does not; the lower 8 bits are
+///                     stored
+/// @return 0; -1 when the type is above 2, or the record cannot be read or saved.
+OLT_API int32_t write_oam_type(uint32_t oam_type, uint32_t pending);
+
+/// Reads the OLT's serial: three numbers of 0 to 255 in decimal, with nothing between them.
+///
+/// @param[out] serial 10 bytes; a text of 3 to 9 digits
+/// @return 0, always.
+/// Note: when the record cannot be read, the serial is "110100".
+OLT_API int32_t read_olt_serial(char serial[10]);
+
 // System control: acting on the box as a whole.
 
 /// Management network settings. Front ends and the main module agree on the layout; the library
@@ -357,6 +427,1602 @@ OLT_API int32_t do_handle_epon_updatestream_onu(const void *request, uint32_t le
 /// @param[out] value one word; the main module defines its values
 /// @return 0, or the transport result OR-ed with the status word.
 OLT_API int32_t get_card_updatestatus(uint32_t *value);
+
+// VLAN tables.
+//
+// Where a list is taken, its first count nodes are sent, in list order; nothing behind them is
+// read. Lists and nodes are aligned as the compiler lays them out.
+
+/// A node of a VLAN list, 48 bytes.
+typedef struct olt_vlan_node {
+  struct olt_vlan_node *next;  ///< not tested for null
+  uint8_t reserved[12 - sizeof(void *)];
+  uint16_t vlan_first;   ///< the main module defines its meaning
+  uint16_t vlan_second;  ///< the main module defines its meaning
+  char vlan_descr[32];   ///< sent as it stands, with or without a terminating zero
+} olt_vlan_node;
+
+/// A list of VLANs, 20 bytes, or 24 where pointers have 64 bits.
+typedef struct olt_vlan_list {
+  olt_vlan_node *head;
+  uint8_t reserved[16 - sizeof(void *)];
+  int32_t count;  ///< nodes to send, 0 or more; the list holds at least as many
+} olt_vlan_list;
+
+/// Adds VLANs.
+///
+/// Message type 19 to module 2, time-out 10 s.
+/// @param[in] list VLANs to add; vlan_descr is not read
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t add_vlan_list(const olt_vlan_list *list);
+
+/// Deletes VLANs.
+///
+/// Message type 20 to module 2, time-out 10 s.
+/// @param[in] list VLANs to delete; vlan_descr is not read
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t delete_vlan_list(const olt_vlan_list *list);
+
+/// Adds descriptions of VLANs.
+///
+/// Message type 21 to module 2, time-out 10 s.
+/// @param[in] list VLANs and their descriptions
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t add_vlan_descr_list(const olt_vlan_list *list);
+
+/// Deletes descriptions of VLANs.
+///
+/// Message type 22 to module 2, time-out 10 s.
+/// @param[in] list VLANs whose descriptions to delete; vlan_descr is not read
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t delete_vlan_descr_list(const olt_vlan_list *list);
+
+/// Has the VLANs of one OLT port written to a file and gives the file's name.
+///
+/// Message type 23 to module 2, time-out 10 s.
+/// @param[in]  slot first word of the port's name
+/// @param[in]  port second word of the port's name
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the request names the port in its words 1 and 2; word 0 is 0.
+OLT_API int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char name[32]);
+
+/// Has the VLANs of a list written to a file and gives the file's name.
+///
+/// Message type 23 to module 2, time-out 10 s.
+/// @param[in]  list VLANs to show; vlan_descr is not read
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested; when it fails, the process ends. Bytes 4 to
+/// 79 of the request are not cleared.
+OLT_API int32_t get_vlan_information_file_bylist(const olt_vlan_list *list, char name[32]);
+
+/// Has the VLANs with a description written to a file and gives the file's name.
+///
+/// Message type 23 to module 2, time-out 10 s.
+/// @param[in]  description text of at most 63 bytes
+/// @param[out] name        32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the copy of the description is not bounded: a longer one runs over the end of the request.
+OLT_API int32_t get_vlan_information_file_bydescprtion(const char *description, char name[32]);
+
+/// Has all VLANs written to a file and gives the file's name.
+///
+/// Message type 23 to module 2, time-out 10 s.
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_vlan_all(char name[32]);
+
+// Trunk VLAN membership.
+//
+// The main module decides what sets the forms with _all apart from those without.
+
+/// Sends VLANs as the tagged trunk VLANs of an OLT port.
+///
+/// Message type 25 to module 2, time-out 60 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] list        VLANs; vlan_descr is not read
+/// @param[in] trunk_value the main module defines its values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested; when it fails, the process ends. Bytes 12 to
+/// 79 of the request are not cleared.
+OLT_API int32_t process_trunk_vlan(uint32_t slot, uint32_t port, const olt_vlan_list *list,
+                                   uint32_t trunk_value);
+
+/// Sends VLANs as the untagged trunk VLANs of an OLT port.
+///
+/// Message type 26 to module 2, time-out 60 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] list        VLANs; vlan_descr is not read
+/// @param[in] trunk_value the main module defines its values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested; when it fails, the process ends. Bytes 12 to
+/// 79 of the request are not cleared.
+OLT_API int32_t process_trunk_vlan_untag(uint32_t slot, uint32_t port, const olt_vlan_list *list,
+                                         uint32_t trunk_value);
+
+/// Sends VLANs as the tagged trunk VLANs of an OLT port, in the form for all.
+///
+/// Message type 27 to module 2, time-out 60 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] list        VLANs; vlan_descr is not read
+/// @param[in] trunk_value the main module defines its values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested; when it fails, the process ends. Bytes 12 to
+/// 79 of the request are not cleared.
+OLT_API int32_t process_trunk_vlan_all(uint32_t slot, uint32_t port, const olt_vlan_list *list,
+                                       uint32_t trunk_value);
+
+/// Sends VLANs as the untagged trunk VLANs of an OLT port, in the form for all.
+///
+/// Message type 28 to module 2, time-out 60 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] list        VLANs; vlan_descr is not read
+/// @param[in] trunk_value the main module defines its values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested; when it fails, the process ends. Bytes 12 to
+/// 79 of the request are not cleared.
+OLT_API int32_t process_trunk_vlan_untag_all(uint32_t slot, uint32_t port,
+                                             const olt_vlan_list *list, uint32_t trunk_value);
+
+// OLT ports.
+//
+// The main module defines the values of the attributes; the library passes them on unchanged.
+
+/// Attributes of one OLT port, 80 bytes. Where the caller hands over a whole record, the library
+/// reads slot and port only; front ends and the main module agree on the rest.
+typedef struct olt_port_attributes {
+  uint32_t slot;
+  uint32_t port;
+  uint32_t reserved_08;
+  uint32_t sfp_module;
+  uint32_t port_enable;
+  uint32_t link_speed;
+  uint32_t link_duplex;
+  uint32_t vlanmode_second;
+  uint32_t vlanmode_first;
+  uint32_t reserved_24;
+  uint32_t flowcontrol;
+  uint32_t ingressfilter_first;
+  uint32_t ingressfilter_second;
+  uint32_t ratecontrol_first;
+  uint32_t ratecontrol_second;
+  uint32_t rstp_state;
+  uint32_t link_state;
+  uint32_t reserved_44[2];
+  uint32_t max_link;
+} olt_port_attributes;
+
+/// MAC operation on a port, 16 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_port_mac {
+  uint8_t bytes[16];
+} olt_port_mac;
+
+/// Sets the SFP module of an uplink port.
+///
+/// Message type 13 to module 2, time-out 10 s.
+/// @param[in] slot       first word of the port's name
+/// @param[in] port       second word of the port's name
+/// @param[in] sfp_module one word
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_uplink_sfp_module(uint32_t slot, uint32_t port, uint32_t sfp_module);
+
+/// Enables or disables a port.
+///
+/// Message type 14 to module 2, time-out 10 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] port_enable one word
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_port_enable(uint32_t slot, uint32_t port, uint32_t port_enable);
+
+/// Reads whether a port is enabled.
+///
+/// Message type 15 to module 2, time-out 10 s.
+/// @param[in]  slot        first word of the port's name
+/// @param[in]  port        second word of the port's name
+/// @param[out] port_enable one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the reply is not released.
+OLT_API int32_t get_port_enable(uint32_t slot, uint32_t port, uint32_t *port_enable);
+
+/// Reads the link state of a port.
+///
+/// Message type 16 to module 2, time-out 10 s.
+/// @param[in]  slot       first word of the port's name
+/// @param[in]  port       second word of the port's name
+/// @param[out] link_state one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the reply is not released.
+OLT_API int32_t get_port_link_state(uint32_t slot, uint32_t port, uint32_t *link_state);
+
+/// Reads the duplex mode of a port's link.
+///
+/// Message type 17 to module 2, time-out 10 s.
+/// @param[in]  slot        first word of the port's name
+/// @param[in]  port        second word of the port's name
+/// @param[out] link_duplex one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the reply is not released.
+OLT_API int32_t get_port_link_duplex(uint32_t slot, uint32_t port, uint32_t *link_duplex);
+
+/// Reads the speed of a port's link.
+///
+/// Message type 18 to module 2, time-out 10 s.
+/// @param[in]  slot       first word of the port's name
+/// @param[in]  port       second word of the port's name
+/// @param[out] link_speed one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the reply is not released.
+OLT_API int32_t get_port_link_speed(uint32_t slot, uint32_t port, uint32_t *link_speed);
+
+/// Sets the VLAN mode of a port.
+///
+/// Message type 24 to module 2, time-out 60 s.
+/// @param[in] slot   first word of the port's name
+/// @param[in] port   second word of the port's name
+/// @param[in] first  first value, sent as vlanmode_first
+/// @param[in] second second value, sent as vlanmode_second
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the two values cross: in the request the second stands before the first.
+OLT_API int32_t Set_port_vlanmode(uint32_t slot, uint32_t port, uint32_t first, uint32_t second);
+
+/// Sets the rate control of a port.
+///
+/// Message type 66 to module 2, time-out 10 s.
+/// @param[in] slot   first word of the port's name
+/// @param[in] port   second word of the port's name
+/// @param[in] first  first value, sent as ratecontrol_first
+/// @param[in] second second value, sent as ratecontrol_second
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the request are not cleared.
+OLT_API int32_t set_olt_port_ratecontrol(uint32_t slot, uint32_t port, uint32_t first,
+                                         uint32_t second);
+
+/// Sets the RSTP state of a port.
+///
+/// Message type 67 to module 2, time-out 10 s.
+/// @param[in] slot       first word of the port's name
+/// @param[in] port       second word of the port's name
+/// @param[in] rstp_state one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the request are not cleared.
+OLT_API int32_t stp_set_port_rstp_state(uint32_t slot, uint32_t port, uint32_t rstp_state);
+
+/// Sets the ingress filter of a port.
+///
+/// Message type 68 to module 2, time-out 10 s.
+/// @param[in] slot   first word of the port's name
+/// @param[in] port   second word of the port's name
+/// @param[in] first  first value, sent as ingressfilter_first
+/// @param[in] second second value, sent as ingressfilter_second
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the request are not cleared.
+OLT_API int32_t set_olt_port_ingressfilter(uint32_t slot, uint32_t port, uint32_t first,
+                                           uint32_t second);
+
+/// Sets the flow control of a port.
+///
+/// Message type 69 to module 2, time-out 10 s.
+/// @param[in] slot        first word of the port's name
+/// @param[in] port        second word of the port's name
+/// @param[in] flowcontrol one word
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the request are not cleared.
+OLT_API int32_t set_olt_port_flowcontrol(uint32_t slot, uint32_t port, uint32_t flowcontrol);
+
+/// Reads the basic information of a port for the SNMP agent.
+///
+/// Message type 70 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] record 80 bytes with slot 1 and port 1 to 4, sent as they stand, then overwritten
+///                       with the reply
+/// @return 0; -1 when slot or port is out of range; else the transport result OR-ed with the status
+/// word.
+OLT_API int32_t get_snmp_olt_port_basic_info(olt_port_attributes *record);
+
+/// Sets the basic information of a port for the SNMP agent.
+///
+/// Message type 71 to module 2, time-out 10 s; the record is the request.
+/// @param[in] record 80 bytes with slot 1 and port 1 to 4, sent as they stand
+/// @return 0; -1 when slot or port is out of range; else the transport result OR-ed with the status
+/// word.
+OLT_API int32_t set_snmp_olt_port_basic_info(const olt_port_attributes *record);
+
+/// Reads the status of a port for the SNMP agent.
+///
+/// Message type 72 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] record 80 bytes with slot 1 and port 3 or 4, sent as they stand, then overwritten
+///                       with the reply
+/// @return 0; -1 when slot or port is out of range; else the transport result OR-ed with the status
+/// word.
+OLT_API int32_t get_snmp_olt_port_status(olt_port_attributes *record);
+
+/// Has the MAC operation on a port done that the record describes.
+///
+/// Message type 55 to module 2, time-out 10 s; the record is the request.
+/// @param[in] record 16 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_olt_port_mac(const olt_port_mac *record);
+
+/// Sets the maximum link count of a port.
+///
+/// Message type 102 to module 2, time-out 10 s.
+/// @param[in] slot     first word of the port's name
+/// @param[in] port     second word of the port's name
+/// @param[in] max_link one word
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_oltport_maxlink(uint32_t slot, uint32_t port, uint32_t max_link);
+
+/// Sets the aggregation of the uplink ports.
+///
+/// Message type 34 to module 2, time-out 10 s.
+/// @param[in] upport_agg one word
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t Set_upport_agg(uint32_t upport_agg);
+
+/// Reads the aggregation of the uplink ports.
+///
+/// Message type 74 to module 2, time-out 10 s, no request body.
+/// @param[out] upport_agg one word
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_upport_agg(uint32_t *upport_agg);
+
+// Port statistics and MAC tables.
+//
+// The two listings name the port in words 1 and 2 of their requests, the two clearers in words 0
+// and 1.
+
+/// Has the traffic counters of an OLT port written to a file and gives the file's name.
+///
+/// Message type 29 to module 2, time-out 10 s.
+/// @param[in]  slot first word of the port's name
+/// @param[in]  port second word of the port's name
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_statics_file_by_interface(uint32_t slot, uint32_t port, char name[32]);
+
+/// Clears the traffic counters of an OLT port.
+///
+/// Message type 30 to module 2, time-out 10 s.
+/// @param[in] slot first word of the port's name
+/// @param[in] port second word of the port's name
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t clear_statics_file_by_interface(uint32_t slot, uint32_t port);
+
+/// Has the learned MAC addresses of an OLT port written to a file and gives the file's name.
+///
+/// Message type 31 to module 2, time-out 10 s.
+/// @param[in]  slot       first word of the port's name
+/// @param[in]  port       second word of the port's name
+/// @param[in]  dynmac_arg the main module defines its meaning
+/// @param[out] name       32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_dynmac_file_by_interface(uint32_t slot, uint32_t port, uint32_t dynmac_arg,
+                                             char name[32]);
+
+/// Clears the learned MAC addresses of an OLT port.
+///
+/// Message type 32 to module 2, time-out 10 s.
+/// @param[in] slot first word of the port's name
+/// @param[in] port second word of the port's name
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t clear_dynmac_file_by_interface(uint32_t slot, uint32_t port);
+
+// RSTP.
+
+/// RSTP settings of the bridge, 33 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_rstp_bridge {
+  uint8_t bytes[33];
+} olt_rstp_bridge;
+
+/// RSTP settings of one port, 27 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_rstp_port {
+  uint8_t bytes[27];
+} olt_rstp_port;
+
+/// RSTP summary of one port, 40 bytes. Front ends and module 23 agree on the meaning of the words.
+typedef struct olt_rstp_brief {
+  uint32_t keys[2];
+  uint32_t values[8];
+} olt_rstp_brief;
+
+/// Reads the RSTP settings of the bridge.
+///
+/// Message type 170 to module 2, time-out 10 s, no request body.
+/// @param[out] bridge 33 bytes, whatever the length of the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_rstp_config(olt_rstp_bridge *bridge);
+
+/// Reads the RSTP settings of the port that the record selects.
+///
+/// Message type 171 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] port 27 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_rstp_port_config(olt_rstp_port *port);
+
+/// Sets the RSTP settings of the bridge.
+///
+/// Message type 172 to module 2, time-out 50 s; the record is the request.
+/// @param[in] bridge 33 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_rstp_config(const olt_rstp_bridge *bridge);
+
+/// Sets the RSTP settings of one port.
+///
+/// Message type 173 to module 2, time-out 30 s; the record is the request.
+/// @param[in] port 27 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_rstp_port_config(const olt_rstp_port *port);
+
+/// Reads the RSTP summary of the port that the keys select.
+///
+/// Message type 174 to module 23, time-out 10 s; the record is the request.
+/// @param[in,out] brief 40 bytes, sent as they stand; on success values is filled, keys stays
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_rstp_brief(olt_rstp_brief *brief);
+
+// IGMP proxy and multicast VLAN lists.
+
+/// IGMP proxy settings, 24 bytes. Front ends and the main module agree on the meaning of the words;
+/// the library carries them.
+typedef struct olt_igmpproxy {
+  uint32_t words[6];
+} olt_igmpproxy;
+
+/// Adds multicast VLANs.
+///
+/// Message type 149 to module 2, time-out 10 s.
+/// @param[in] list VLANs to add; vlan_descr is not read
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t add_muticastvlan_list(const olt_vlan_list *list);
+
+/// Deletes multicast VLANs.
+///
+/// Message type 150 to module 2, time-out 10 s.
+/// @param[in] list VLANs to delete; vlan_descr is not read
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t delete_muticastvlan_list(const olt_vlan_list *list);
+
+/// Reads the IGMP proxy settings.
+///
+/// Message type 151 to module 2, time-out 20 s, no request body.
+/// @param[out] config 24 bytes, whatever the length of the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_igmpproxy_config(olt_igmpproxy *config);
+
+/// Sets the IGMP proxy settings.
+///
+/// Message type 152 to module 2, time-out 10 s; the record is the request.
+/// @param[in] config 24 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_igmpproxy_config(const olt_igmpproxy *config);
+
+/// Reads the whole IGMP proxy configuration, in a layout that the main module defines.
+///
+/// Message type 153 to module 2, time-out 20 s, no request body.
+/// @param[out] dump a new block with the whole reply; the caller releases it with ___FREE, tag
+///                  "get_igmpproxy_config_all"
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the block, the result is 0 and *dump null. The length of the
+/// block is not given.
+OLT_API int32_t get_igmpproxy_config_all(void **dump);
+
+// ONU authentication.
+
+/// One entry of an allow list or of the block list, 44 bytes. Front ends and the main module agree
+/// on the layout; the library carries the bytes.
+typedef struct olt_auth_entry {
+  uint8_t bytes[44];
+} olt_auth_entry;
+
+/// Sets the authentication mode of a PON interface.
+///
+/// Message type 114 to module 2, time-out 10 s.
+/// @param[in] iface_a   first word of the PON interface
+/// @param[in] iface_b   second word of the PON interface
+/// @param[in] auth_mode mode; the main module defines the values
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_olt_auth_mode(uint32_t iface_a, uint32_t iface_b, uint32_t auth_mode);
+
+/// Reads the authentication mode of a PON interface.
+///
+/// Message type 116 to module 2, time-out 10 s.
+/// @param[in]  iface_a   first word of the PON interface
+/// @param[in]  iface_b   second word of the PON interface
+/// @param[out] auth_mode one word; the main module defines the values
+/// @return 0 in every case.
+/// Note: a failure is told as mode 0: auth_mode is written whatever the result of the exchange.
+OLT_API int32_t get_olt_auth_mode(uint32_t iface_a, uint32_t iface_b, uint32_t *auth_mode);
+
+/// Adds entries to a PON interface's list of ONUs allowed by MAC address.
+///
+/// Message type 112 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends.
+OLT_API int32_t add_authallowed_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                    const olt_auth_entry *entries);
+
+/// Deletes entries from a PON interface's list of ONUs allowed by MAC address.
+///
+/// Message type 113 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends. Bytes 8 to
+/// 79 of the request are not cleared.
+OLT_API int32_t delete_authallowed_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                       const olt_auth_entry *entries);
+
+/// Adds entries to a PON interface's list of ONUs allowed by LOID.
+///
+/// Message type 110 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends.
+OLT_API int32_t add_authallowed_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                     const olt_auth_entry *entries);
+
+/// Deletes entries from a PON interface's list of ONUs allowed by LOID.
+///
+/// Message type 111 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends. Bytes 8 to
+/// 79 of the request are not cleared.
+OLT_API int32_t delete_authallowed_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                        const olt_auth_entry *entries);
+
+/// Adds entries to a PON interface's list of ONUs allowed by MAC address and LOID together.
+///
+/// Message type 108 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends.
+OLT_API int32_t add_authallowed_mac_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                         const olt_auth_entry *entries);
+
+/// Deletes entries from a PON interface's list of ONUs allowed by MAC address and LOID together.
+///
+/// Message type 109 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the allocation of the request is not tested. When it fails, the process ends. Bytes 8 to
+/// 79 of the request are not cleared.
+OLT_API int32_t delete_authallowed_mac_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                            const olt_auth_entry *entries);
+
+/// Deletes entries from a PON interface's block list.
+///
+/// Message type 41 to module 2, time-out 10 s.
+/// @param[in] iface_a first word of the PON interface
+/// @param[in] iface_b second word of the PON interface
+/// @param[in] count   number of entries, 0 or more
+/// @param[in] entries count records of 44 bytes, one behind the other, sent as they stand
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: no memory is also told by a log line of level 3, tag "delete_blocklist_mac": "less of
+/// memory". Bytes 8 to 79 of the request are not cleared.
+OLT_API int32_t delete_blocklist_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
+                                     const olt_auth_entry *entries);
+
+/// Has the authentication mode table of a PON interface written to a file and gives the file's
+/// name.
+///
+/// Message type 115 to module 2, time-out 10 s.
+/// @param[in]  iface_a first word of the PON interface
+/// @param[in]  iface_b second word of the PON interface
+/// @param[out] name    32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the request holds the interface in words 1 and 2; word 0 is zero.
+OLT_API int32_t show_autmacmode_file_by_interface(uint32_t iface_a, uint32_t iface_b,
+                                                  char name[32]);
+
+/// Has the block list of a PON interface written to a file and gives the file's name.
+///
+/// Message type 37 to module 2, time-out 10 s.
+/// @param[in]  iface_a first word of the PON interface
+/// @param[in]  iface_b second word of the PON interface
+/// @param[out] name    32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the request holds the interface in words 1 and 2; word 0 is zero.
+OLT_API int32_t get_blocklist_file_byinteface(uint32_t iface_a, uint32_t iface_b, char name[32]);
+
+// ONU inventory.
+
+/// Names one ONU or ONT and, in port operations, one of its UNI ports, 88 bytes, 4-byte aligned.
+/// What the words and the reserved bytes say, front ends and the main module agree on; the library
+/// carries them.
+typedef struct olt_ont_target {
+  uint32_t target[3];
+  uint32_t target_kind;  ///< 1 in the records that the library builds itself
+  uint8_t reserved_10[12];
+  olt_mac mac;  ///< address of the ONU
+  uint8_t reserved_22[2];
+  uint32_t mac_word;  ///< the module returns it beside mac
+  uint8_t reserved_28[48];
+} olt_ont_target;
+
+/// Basic feature block of an ONU, or the block that describes one, 48 bytes. The main module
+/// defines the words.
+typedef struct olt_onu_feature {
+  uint32_t words[12];
+} olt_onu_feature;
+
+/// Has the list of ONUs of a PON interface written to a file and gives the file's name.
+///
+/// Message type 35 to module 2, time-out 10 s.
+/// @param[in]  iface_a first word of the PON interface
+/// @param[in]  iface_b second word of the PON interface
+/// @param[out] name    32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the request holds the interface in words 1 and 2; word 0 is zero.
+OLT_API int32_t get_onulist_file_byinteface(uint32_t iface_a, uint32_t iface_b, char name[32]);
+
+/// Has the list of links of a PON interface written to a file and gives the file's name.
+///
+/// Message type 36 to module 2, time-out 10 s.
+/// @param[in]  iface_a first word of the PON interface
+/// @param[in]  iface_b second word of the PON interface
+/// @param[out] name    32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the request holds the interface in words 1 and 2; word 0 is zero.
+OLT_API int32_t get_linklist_file_byinteface(uint32_t iface_a, uint32_t iface_b, char name[32]);
+
+/// Has the basic information of an ONT written to a file and gives the file's name.
+///
+/// Message type 47 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t getonu_ont_basicinforfile(const olt_ont_target *ont, char name[32]);
+
+/// Has the running configuration of an ONT written to a file and gives the file's name.
+///
+/// Message type 48 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_runningconfig(const olt_ont_target *ont, char name[32]);
+
+/// Has the optical readings of an ONT written to a file and gives the file's name.
+///
+/// Message type 106 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t getonu_ont_opticalfile(const olt_ont_target *ont, char name[32]);
+
+/// Reads the MAC address of the ONU that the record picks by index.
+///
+/// Message type 65 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] ont 88 bytes, sent as they stand; on success mac and mac_word are filled, all
+///                    other bytes stay
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_onu_basic_mac_byindex(olt_ont_target *ont);
+
+/// Reads the basic feature block of an ONU.
+///
+/// Message type 38 to module 2, time-out 10 s.
+/// @param[in]  target_a first target word
+/// @param[in]  target_b second target word
+/// @param[in]  target_c third target word
+/// @param[out] feature  48 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_onu_basic_feature_f(uint32_t target_a, uint32_t target_b, uint32_t target_c,
+                                        olt_onu_feature *feature);
+
+// ONU links and features.
+
+/// Parameters of the OLT for all its PON ports, 32 bytes. The main module defines the values.
+typedef struct olt_global_parameter {
+  uint32_t reserved_00[4];
+  uint32_t p2p_function;
+  uint32_t link_security_a;
+  uint32_t link_security_b;
+  uint32_t ponport_function;
+} olt_global_parameter;
+
+/// Dynamic bandwidth allocation of a link, 20 bytes. The main module defines the words.
+typedef struct olt_link_dba {
+  uint32_t requested[3];
+  uint32_t granted[2];  ///< sent like requested; the reply holds what was granted
+} olt_link_dba;
+
+/// The three target words that name an ONU, 12 bytes.
+typedef struct olt_target_words {
+  uint32_t words[3];
+} olt_target_words;
+
+/// Sets the peer-to-peer function.
+///
+/// Message type 76 to module 2, time-out 10 s.
+/// @param[in] p2p_function setting; the main module defines the values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the 32-byte request are not cleared; the message type tells which to
+/// take.
+OLT_API int32_t set_ont_p2p_function(uint32_t p2p_function);
+
+/// Sets the PON port function.
+///
+/// Message type 77 to module 2, time-out 10 s.
+/// @param[in] ponport_function setting; the main module defines the values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the 32-byte request are not cleared; the message type tells which to
+/// take.
+OLT_API int32_t set_ponport_function(uint32_t ponport_function);
+
+/// Sets the link security encryption.
+///
+/// Message type 78 to module 2, time-out 10 s.
+/// @param[in] link_security_a first setting; the main module defines the values
+/// @param[in] link_security_b second setting; the main module defines the values
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: the other words of the 32-byte request are not cleared; the message type tells which to
+/// take.
+OLT_API int32_t set_ont_linkSecurityEncryption(uint32_t link_security_a, uint32_t link_security_b);
+
+/// Sends the OLT's global parameters and takes back what the module answers.
+///
+/// Message type 79 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] parameter 32 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_olt_global_paramter(olt_global_parameter *parameter);
+
+/// Sets the dynamic bandwidth allocation of a link and gives what was granted.
+///
+/// Message type 54 to module 2, time-out 10 s.
+/// @param[in]     ont 88 bytes, sent as they stand
+/// @param[in,out] dba 20 bytes, sent behind ont; on success granted is filled, requested stays
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_linkdba(const olt_ont_target *ont, olt_link_dba *dba);
+
+/// Restores the defaults of an ONU.
+///
+/// Message type 169 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t tkonu_ont_default(const olt_ont_target *ont);
+
+/// Reboots an ONU of one family; ctconu_ont_reboot is for the other.
+///
+/// Message type 168 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t tkonu_ont_reboot(const olt_ont_target *ont);
+
+/// Reboots an ONU of one family; tkonu_ont_reboot is for the other.
+///
+/// Message type 107 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t ctconu_ont_reboot(const olt_ont_target *ont);
+
+/// Clears the node of an ONU.
+///
+/// Message type 43 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t clear_onu_node(const olt_ont_target *ont);
+
+/// Deletes the description of an ONU.
+///
+/// Message type 45 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t delete_ont_description(const olt_ont_target *ont);
+
+/// Sets the user traffic of an ONU.
+///
+/// Message type 46 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t set_ont_usertraffic(const olt_ont_target *ont);
+
+/// Sets the basic feature block of an ONU without telling its MAC address.
+///
+/// Message type 49 to module 2, time-out 10 s.
+/// @param[in] target_a first target word
+/// @param[in] target_b second target word
+/// @param[in] target_c third target word
+/// @param[in] feature  48 bytes
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: no memory is also told by a log line of level 3, tag "set_onu_basic_feature_force": "less
+/// of momery". Bytes 16 to 87 of the request are not cleared.
+OLT_API int32_t set_onu_basic_feature_force(uint32_t target_a, uint32_t target_b, uint32_t target_c,
+                                            const olt_onu_feature *feature);
+
+/// Sets the basic feature block of an ONU and tells its MAC address.
+///
+/// Message type 42 to module 2, time-out 10 s.
+/// @param[in] target_a first target word
+/// @param[in] target_b second target word
+/// @param[in] target_c third target word
+/// @param[in] feature  48 bytes
+/// @param[in] mac      6 bytes, the ONU's address
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: no memory is also told by a log line of level 3, tag "set_onu_basic_feature_f": "less of
+/// momery". Bytes 16 to 27 and 34 to 87 of the request are not cleared.
+OLT_API int32_t set_onu_basic_feature_f(uint32_t target_a, uint32_t target_b, uint32_t target_c,
+                                        const olt_onu_feature *feature, const olt_mac *mac);
+
+/// Adds a description to an ONU.
+///
+/// Message type 44 to module 2, time-out 10 s.
+/// @param[in] target      12 bytes
+/// @param[in] description 48 bytes; the main module defines the words
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: no memory is also told by a log line of level 3, tag "add_ont_description": "less of
+/// momery". Bytes 16 to 87 of the request are not cleared.
+OLT_API int32_t add_ont_description(const olt_target_words *target,
+                                    const olt_onu_feature *description);
+
+// ONT UNI ports.
+
+/// VLAN mode of a UNI port, 36 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_uni_vlan_mode {
+  uint8_t bytes[36];
+} olt_uni_vlan_mode;
+
+/// Downstream rate of a UNI port, 12 bytes. The main module defines the words.
+typedef struct olt_uni_downrate {
+  uint32_t words[3];
+} olt_uni_downrate;
+
+/// Policing of a UNI port, 16 bytes. The main module defines the words.
+typedef struct olt_uni_policing {
+  uint32_t words[4];
+} olt_uni_policing;
+
+/// Basic information or description of a UNI port, 44 bytes. The main module defines the words.
+typedef struct olt_uni_block {
+  uint32_t words[11];
+} olt_uni_block;
+
+/// Has the alarm settings of a UNI port written to a file and gives the file's name.
+///
+/// Message type 104 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t get_ont_port_alarmsetting(const olt_ont_target *ont, char name[32]);
+
+/// Sets the alarm settings of a UNI port.
+///
+/// Message type 105 to module 2, time-out 10 s.
+/// @param[in] ont        88 bytes, sent as they stand
+/// @param[in] port_value setting; the main module defines the values
+/// @return 0, or -1 on any failure.
+OLT_API int32_t set_ont_port_alarmsetting(const olt_ont_target *ont, uint32_t port_value);
+
+/// Sets the loopback of a UNI port.
+///
+/// Message type 117 to module 2, time-out 10 s.
+/// @param[in] ont        88 bytes, sent as they stand
+/// @param[in] port_value setting; the main module defines the values
+/// @return 0, or -1 on any failure.
+OLT_API int32_t set_ont_port_loopback(const olt_ont_target *ont, uint32_t port_value);
+
+/// Has the VLAN mode of a UNI port written to a file and gives the file's name.
+///
+/// Message type 128 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_port_vlanmode(const olt_ont_target *ont, char name[32]);
+
+/// Sets the VLAN mode of a UNI port.
+///
+/// Message type 129 to module 2, time-out 10 s.
+/// @param[in] ont  88 bytes, sent as they stand
+/// @param[in] mode 36 bytes, sent behind ont
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t set_ont_port_vlanmode(const olt_ont_target *ont, const olt_uni_vlan_mode *mode);
+
+/// Reads the downstream rate of a UNI port.
+///
+/// Message type 119 to module 2, time-out 10 s; ont is the request.
+/// @param[in]  ont   88 bytes, sent as they stand
+/// @param[out] rates 12 bytes
+/// @return 0, or -1 on any failure.
+OLT_API int32_t get_ont_port_downrate(const olt_ont_target *ont, olt_uni_downrate *rates);
+
+/// Sets the downstream rate of a UNI port.
+///
+/// Message type 118 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] rates 12 bytes, sent behind ont
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_downrate(const olt_ont_target *ont, const olt_uni_downrate *rates);
+
+/// Sets the basic information of a UNI port.
+///
+/// Message type 132 to module 2, time-out 10 s.
+/// @param[in] ont  88 bytes, sent as they stand
+/// @param[in] info 44 bytes, sent behind ont
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_basicinfo(const olt_ont_target *ont, const olt_uni_block *info);
+
+/// Sets the description of a UNI port.
+///
+/// Message type 84 to module 2, time-out 10 s.
+/// @param[in] ont         88 bytes, sent as they stand
+/// @param[in] description 44 bytes, sent behind ont
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_description(const olt_ont_target *ont,
+                                         const olt_uni_block *description);
+
+/// Has the basic information of a UNI port written to a file and gives the file's name.
+///
+/// Message type 133 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_port_basicinfo(const olt_ont_target *ont, char name[32]);
+
+/// Sets the policing of a UNI port.
+///
+/// Message type 130 to module 2, time-out 10 s.
+/// @param[in] ont      88 bytes, sent as they stand
+/// @param[in] policing 16 bytes, sent behind ont
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_policying(const olt_ont_target *ont, const olt_uni_policing *policing);
+
+/// Reads the policing of a UNI port.
+///
+/// Message type 131 to module 2, time-out 10 s; ont is the request.
+/// @param[in]  ont      88 bytes, sent as they stand
+/// @param[out] policing 16 bytes
+/// @return 0, or -1 on any failure.
+OLT_API int32_t get_ont_port_policying(const olt_ont_target *ont, olt_uni_policing *policing);
+
+// ONT multicast.
+
+/// Stripping of multicast VLAN tags at a UNI port, 34 bytes. Front ends and the main module agree
+/// on the layout; the library carries the bytes.
+typedef struct olt_uni_strip {
+  uint8_t bytes[34];
+} olt_uni_strip;
+
+/// Reads how many multicast groups a UNI port may have.
+///
+/// Message type 120 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont   88 bytes, sent as they stand
+/// @param[out] value one word, at any address
+/// @return 0, or -1 on any failure.
+OLT_API int32_t get_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t *value);
+
+/// Sets how many multicast groups a UNI port may have.
+///
+/// Message type 121 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] value number of groups; the main module defines the range
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t value);
+
+/// Has the multicast VLANs of a UNI port written to a file and gives the file's name.
+///
+/// Message type 122 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_port_muticastvlan(const olt_ont_target *ont, char name[32]);
+
+/// Clears the multicast VLANs of a UNI port.
+///
+/// Message type 123 to module 2, time-out 10 s; the record is the request.
+/// @param[in] ont 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t clear_ont_port_muticastvlan(const olt_ont_target *ont);
+
+/// Adds multicast VLANs to a UNI port.
+///
+/// Message type 124 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] n     number of VLAN ids, 0 or more
+/// @param[in] vlans n VLAN ids of 16 bits each, sent behind ont
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t add_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n,
+                                          const uint16_t *vlans);
+
+/// Deletes multicast VLANs from a UNI port.
+///
+/// Message type 125 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] n     number of VLAN ids, 0 or more
+/// @param[in] vlans n VLAN ids of 16 bits each, sent behind ont
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t delete_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n,
+                                             const uint16_t *vlans);
+
+/// Has the stripping of multicast VLAN tags at a UNI port written to a file and gives the file's
+/// name.
+///
+/// Message type 126 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_port_muticaststrip(const olt_ont_target *ont, char name[32]);
+
+/// Sets the stripping of multicast VLAN tags at a UNI port.
+///
+/// Message type 127 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] strip 34 bytes, sent behind ont
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_port_muticastrip(const olt_ont_target *ont, const olt_uni_strip *strip);
+
+/// Has the multicast groups of an ONT written to a file and gives the file's name.
+///
+/// Message type 148 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  ont  88 bytes, sent as they stand
+/// @param[out] name 32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_muticast_group(const olt_ont_target *ont, char name[32]);
+
+/// Sets the IGMP fast leave of a UNI port.
+///
+/// Message type 154 to module 2, time-out 10 s.
+/// @param[in] ont   88 bytes, sent as they stand
+/// @param[in] value setting; the main module defines the values
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_ont_fastleave(const olt_ont_target *ont, uint32_t value);
+
+// ONT voice.
+
+/// User account of a voice line, 80 bytes. The main module defines the words.
+typedef struct olt_voip_user {
+  uint32_t words[20];
+} olt_voip_user;
+
+/// Fax mode, 2 bytes. Front ends and the main module agree on the layout; the library carries the
+/// bytes.
+typedef struct olt_fax_mode {
+  uint8_t bytes[2];
+} olt_fax_mode;
+
+/// SIP configuration, 45 bytes. Front ends and the main module agree on the layout; the library
+/// carries the bytes.
+typedef struct olt_sip_config {
+  uint8_t bytes[45];
+} olt_sip_config;
+
+/// Has the voice summary of an ONT written to a file and gives the file's name.
+///
+/// Message type 134 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_voip_info(const olt_ont_target *target, char name[32]);
+
+/// Reads the voice user account of an ONT.
+///
+/// Message type 135 to module 2, time-out 10 s; target is the request.
+/// @param[in]  target  88 bytes, sent as they stand
+/// @param[out] account 80 bytes, whatever the length of the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_voip_useraccount(const olt_ont_target *target, olt_voip_user *account);
+
+/// Has the voice lines of an ONT written to a file and gives the file's name.
+///
+/// Message type 137 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_voipline(const olt_ont_target *target, char name[32]);
+
+/// Sets the status of a voice line.
+///
+/// Message type 138 to module 2, time-out 10 s.
+/// @param[in] target      88 bytes, sent as they stand
+/// @param[in] line_status status; the main module defines the values
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t set_voip_linestatus(const olt_ont_target *target, uint32_t line_status);
+
+/// Has the fax mode of an ONT written to a file and gives the file's name.
+///
+/// Message type 139 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_faxmode(const olt_ont_target *target, char name[32]);
+
+/// Has the SIP configuration of an ONT written to a file and gives the file's name.
+///
+/// Message type 140 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_sipconfiguration(const olt_ont_target *target, char name[32]);
+
+/// Sets the fax mode of an ONT.
+///
+/// Message type 141 to module 2, time-out 10 s.
+/// @param[in] target   88 bytes, sent as they stand
+/// @param[in] fax_mode 2 bytes, sent behind target
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t set_ont_fax(const olt_ont_target *target, const olt_fax_mode *fax_mode);
+
+/// Sets the SIP configuration of an ONT.
+///
+/// Message type 142 to module 2, time-out 10 s.
+/// @param[in] target     88 bytes, sent as they stand
+/// @param[in] sip_config 45 bytes, sent behind target
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t set_ont_sipconfiguration(const olt_ont_target *target,
+                                         const olt_sip_config *sip_config);
+
+/// Binds the voice service of an ONT to a WAN interface.
+///
+/// Message type 143 to module 2, time-out 10 s.
+/// @param[in] target         88 bytes, sent as they stand
+/// @param[in] interface_name text of at most 31 bytes, sent with its terminating zero
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer interface_name runs over the request. Behind the zero the request is not cleared.
+OLT_API int32_t banding_ont_voipinterface(const olt_ont_target *target, const char *interface_name);
+
+/// Has the binding of an ONT's voice service to a WAN interface written to a file and gives the
+/// file's name.
+///
+/// Message type 144 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_bandinginterface(const olt_ont_target *target, char name[32]);
+
+/// Sets the voice user account of an ONT.
+///
+/// Message type 136 to module 2, time-out 10 s.
+/// @param[in] target  88 bytes, sent as they stand
+/// @param[in] account 80 bytes, sent behind target
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t set_voip_useraccount(const olt_ont_target *target, const olt_voip_user *account);
+
+// ONT WAN connections.
+
+/// WAN connection of an ONT, 125 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_wan_connection {
+  uint8_t bytes[125];
+} olt_wan_connection;
+
+/// Creates or changes a WAN connection of an ONT.
+///
+/// Message type 145 to module 2, time-out 10 s.
+/// @param[in] target         88 bytes, sent as they stand
+/// @param[in] wan_connection 125 bytes, sent behind target
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent and the result is 0.
+OLT_API int32_t deal_wan_connection(const olt_ont_target *target,
+                                    const olt_wan_connection *wan_connection);
+
+/// Has the WAN connections of an ONT written to a file and gives the file's name.
+///
+/// Message type 146 to module 2, time-out 10 s; the record is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] name   32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t show_ont_wanconnection(const olt_ont_target *target, char name[32]);
+
+/// Starts a configuration action on an ONT.
+///
+/// Message type 147 to module 2, time-out 10 s.
+/// @param[in] target        88 bytes, sent as they stand
+/// @param[in] config_action action; the main module defines the values
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+OLT_API int32_t do_ont_configuration(const olt_ont_target *target, uint32_t config_action);
+
+// IPTV.
+
+/// Channel of an IPTV profile, 56 bytes. Front ends and the main module agree on the layout; the
+/// library carries the bytes.
+typedef struct olt_iptv_channel {
+  uint8_t bytes[56];
+} olt_iptv_channel;
+
+/// Creates an IPTV profile.
+///
+/// Message type 157 to module 2, time-out 10 s.
+/// @param[in] name text of at most 32 bytes, sent without its terminating zero
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer name runs over the request. Behind the name the request is not cleared.
+OLT_API int32_t create_iptv_profile(const char *name);
+
+/// Clears an IPTV profile.
+///
+/// Message type 158 to module 2, time-out 10 s.
+/// @param[in] name text of at most 32 bytes, sent without its terminating zero
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer name runs over the request. Behind the name the request is not cleared.
+OLT_API int32_t clear_iptv_profile(const char *name);
+
+/// Deletes a channel from an IPTV profile.
+///
+/// Message type 159 to module 2, time-out 10 s.
+/// @param[in] name    text of at most 32 bytes, sent without its terminating zero
+/// @param[in] channel 56 bytes, sent as they stand
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer name runs over the request. Behind the name the request is not cleared.
+OLT_API int32_t delete_iptv_channel(const char *name, const olt_iptv_channel *channel);
+
+/// Adds a channel to an IPTV profile.
+///
+/// Message type 160 to module 2, time-out 10 s.
+/// @param[in] name    text of at most 32 bytes, sent without its terminating zero
+/// @param[in] channel 56 bytes, sent as they stand
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer name runs over the request. Behind the name the request is not cleared.
+OLT_API int32_t add_iptv_channel(const char *name, const olt_iptv_channel *channel);
+
+/// Has an IPTV profile listed and gives the listing's name.
+///
+/// Message type 161 to module 2, time-out 10 s.
+/// @param[in]  name text of at most 32 bytes, sent with zeros behind it up to 32 bytes
+/// @param[out] out  32 bytes; no terminating zero is added
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: a longer name runs over the request, which lies on the stack. One of 32 bytes is sent
+/// without a terminating zero.
+OLT_API int32_t show_iptv_byprofile(const char *name, char out[32]);
+
+/// Attaches an IPTV profile to an ONT.
+///
+/// Message type 155 to module 2, time-out 10 s.
+/// @param[in] target 88 bytes, sent as they stand
+/// @param[in] name   text of at most 32 bytes, sent without its terminating zero
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: a longer name runs over the request. Behind the name the request is not cleared.
+OLT_API int32_t set_ont_iptv_profile(const olt_ont_target *target, const char *name);
+
+/// Detaches the IPTV profile from an ONT.
+///
+/// Message type 156 to module 2, time-out 10 s; the record is the request.
+/// @param[in] target 88 bytes, sent as they stand
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t clear_ont_iptv_profile(const olt_ont_target *target);
+
+/// Adds a channel for a single user. The main module defines what a to d mean.
+///
+/// Message type 162 to module 2, time-out 10 s.
+/// @param[in] user_address 6 bytes, sent as they stand
+/// @param[in] c            value of 16 bits; higher bits are not sent
+/// @param[in] a            value of 32 bits
+/// @param[in] b            value of 16 bits; higher bits are not sent
+/// @param[in] d            value of 32 bits
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: the request holds a, b, c and d in this order, not in that of the arguments. Its bytes 6
+/// and 7 are not cleared.
+OLT_API int32_t add_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a,
+                                      uint32_t b, uint32_t d);
+
+/// Deletes a channel of a single user. The main module defines what a to d mean.
+///
+/// Message type 163 to module 2, time-out 10 s.
+/// @param[in] user_address 6 bytes, sent as they stand
+/// @param[in] c            value of 16 bits; higher bits are not sent
+/// @param[in] a            value of 32 bits
+/// @param[in] b            value of 16 bits; higher bits are not sent
+/// @param[in] d            value of 32 bits
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: the request holds a, b, c and d in this order, not in that of the arguments. Its bytes 6
+/// and 7 are not cleared.
+OLT_API int32_t delete_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a,
+                                         uint32_t b, uint32_t d);
+
+// SNMP tables of ONUs and their services.
+//
+// Each operation reads one row. The caller's records alone tell which one: the library puts no
+// index and no choice of this or the next row into a request. A target that comes back names the
+// row that was read; pass it again to walk the table. What is copied has a fixed size, whatever the
+// length of the reply. Front ends and the main module agree on the layout of the rows; the library
+// carries them.
+
+/// Information about an ONU or a link, 148 bytes.
+typedef struct olt_onu_info {
+  uint32_t words[37];
+} olt_onu_info;
+
+/// Information about an IAD, 92 bytes.
+typedef struct olt_iad_info {
+  uint32_t words[23];
+} olt_iad_info;
+
+/// Status of a VoIP line, 32 bytes.
+typedef struct olt_voip_line_status {
+  uint32_t words[8];
+} olt_voip_line_status;
+
+/// VoIP binding of an HGU, 88 bytes.
+typedef struct olt_voip_binding {
+  uint32_t words[22];
+} olt_voip_binding;
+
+/// Information about a UNI port, 68 bytes.
+typedef struct olt_uni_port_info {
+  uint32_t words[17];
+} olt_uni_port_info;
+
+/// Multicast stripping of a UNI port, 36 bytes.
+typedef struct olt_uni_strip_row {
+  uint8_t bytes[36];
+} olt_uni_strip_row;
+
+/// Multicast VLANs of a UNI port, 129 bytes.
+typedef struct olt_uni_muticast_vlans {
+  uint8_t bytes[129];
+} olt_uni_muticast_vlans;
+
+/// Row of the IPTV profile table, 40 bytes.
+typedef struct olt_iptv_profile_row {
+  uint32_t words[10];
+} olt_iptv_profile_row;
+
+/// Row of the table of IPTV profile channels, 56 bytes.
+typedef struct olt_iptv_channel_row {
+  uint32_t words[14];
+} olt_iptv_channel_row;
+
+/// Reads the basic information of an ONU.
+///
+/// Message type 85 to module 2, time-out 10 s; the target and the record behind it are the request.
+/// @param[in]     target 88 bytes, sent as they stand
+/// @param[in,out] info   148 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent, info stays untouched and the
+/// result is 0.
+OLT_API int32_t process_snmp_onubasicinfo(const olt_ont_target *target, olt_onu_info *info);
+
+/// Reads the basic information of a link.
+///
+/// Message type 86 to module 2, time-out 10 s; the target and the record behind it are the request.
+/// @param[in]     target 88 bytes, sent as they stand
+/// @param[in,out] info   148 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the request, nothing is sent, info stays untouched and the
+/// result is 0.
+OLT_API int32_t process_snmp_linkbasicinfo(const olt_ont_target *target, olt_onu_info *info);
+
+/// Reads the global information of an ONU.
+///
+/// Message type 87 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target    88 bytes, sent as they stand
+/// @param[out] out_block a new block: a head of 60 bytes whose last word, at offset 56, counts the
+///                       bytes behind the head; the caller releases it with ___FREE, tag
+///                       "process_snmp_onuglobalinfo"
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the block, the result is 0 and *out_block null. The count is
+/// taken as the reply gives it, also when the reply is shorter.
+OLT_API int32_t process_snmp_onuglobalinfo(const olt_ont_target *target, void **out_block);
+
+/// Reads the information about an IAD.
+///
+/// Message type 88 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] out    92 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_iadinfo(const olt_ont_target *target, olt_iad_info *out);
+
+/// Reads the SIP parameters of an ONU.
+///
+/// Message type 89 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    45 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_onusipparaminfo(olt_ont_target *target, olt_sip_config *out);
+
+/// Reads a SIP user of an ONU.
+///
+/// Message type 90 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] out    80 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_onusipuserinfo(const olt_ont_target *target, olt_voip_user *out);
+
+/// Reads the fax mode of an ONU.
+///
+/// Message type 91 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    2 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmpvoip_faxmode(olt_ont_target *target, olt_fax_mode *out);
+
+/// Reads the status of a VoIP line.
+///
+/// Message type 92 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] out    32 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_voip_linestatus(const olt_ont_target *target, olt_voip_line_status *out);
+
+/// Reads the WAN information of an HGU.
+///
+/// Message type 93 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target    88 bytes, sent as they stand
+/// @param[out] out_block a new block: a head of 88 bytes whose last word, at offset 84, counts the
+///                       bytes behind the head; the caller releases it with ___FREE, tag
+///                       "process_snmp_hguwaninfo"
+/// @return 0, or the transport result OR-ed with the status word.
+/// Note: when there is no memory for the block, the result is 0 and *out_block null. The count is
+/// taken as the reply gives it, also when the reply is shorter.
+OLT_API int32_t process_snmp_hguwaninfo(const olt_ont_target *target, void **out_block);
+
+/// Reads the VoIP binding of an HGU.
+///
+/// Message type 94 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] out    88 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_hguvoipbandinginfo(const olt_ont_target *target,
+                                                olt_voip_binding *out);
+
+/// Reads the information about a UNI port.
+///
+/// Message type 95 to module 2, time-out 10 s; the target is the request.
+/// @param[in]  target 88 bytes, sent as they stand
+/// @param[out] out    68 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portinfo(const olt_ont_target *target, olt_uni_port_info *out);
+
+/// Reads the policing of a UNI port.
+///
+/// Message type 96 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    16 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portpolicying(olt_ont_target *target, olt_uni_policing *out);
+
+/// Reads the downstream rates of a UNI port.
+///
+/// Message type 97 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    12 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portdownrate(olt_ont_target *target, olt_uni_downrate *out);
+
+/// Reads the VLAN mode of a UNI port.
+///
+/// Message type 98 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    36 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portvlanmode(olt_ont_target *target, olt_uni_vlan_mode *out);
+
+/// Reads the multicast stripping of a UNI port.
+///
+/// Message type 99 to module 2, time-out 10 s; the target and the first 34 bytes of the record
+/// behind it are the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[in,out] strip  36 bytes, overwritten with the reply
+/// @return 0; -1 when there is no memory for the request; else the transport result OR-ed with the
+/// status word.
+/// Note: of strip 34 bytes go out and 36 come back.
+OLT_API int32_t process_onu_portstrip(olt_ont_target *target, olt_uni_strip_row *strip);
+
+/// Reads the multicast VLANs of a UNI port.
+///
+/// Message type 100 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @param[out]    out    129 bytes
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portmuticastvlan(olt_ont_target *target, olt_uni_muticast_vlans *out);
+
+/// Reads the limit of multicast groups of a UNI port, which comes back within the target.
+///
+/// Message type 101 to module 2, time-out 10 s; the target is the request.
+/// @param[in,out] target 88 bytes, sent as they stand, then overwritten with the head of the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_onu_portmuticastmaxgroup(olt_ont_target *target);
+
+/// Reads a row of the IPTV profile table.
+///
+/// Message type 164 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] row 40 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_iptv_profile(olt_iptv_profile_row *row);
+
+/// Reads a row of the table of IPTV profile channels.
+///
+/// Message type 165 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] row 56 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_iptv_profile_channel(olt_iptv_channel_row *row);
+
+// SNMP tables of the OLT.
+//
+// As above: the record selects the row and comes back with it.
+
+/// Row of the VLAN table, 52 bytes.
+typedef struct olt_vlan_id_row {
+  uint32_t words[13];
+} olt_vlan_id_row;
+
+/// Row of the OLT's basic port table, 48 bytes.
+typedef struct olt_basic_port_row {
+  uint32_t words[12];
+} olt_basic_port_row;
+
+/// Row of the table of the OLT's ONU authentication settings, 60 bytes.
+typedef struct olt_auth_row {
+  uint32_t words[15];
+} olt_auth_row;
+
+/// Reads a row of the VLAN table.
+///
+/// Message type 73 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] row 52 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_vlan_id(olt_vlan_id_row *row);
+
+/// Reads a row of the OLT's basic port table.
+///
+/// Message type 75 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] row 48 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_oltbasicport(olt_basic_port_row *row);
+
+/// Reads a row of the OLT's ONU authentication settings.
+///
+/// Message type 80 to module 2, time-out 10 s; the record is the request.
+/// @param[in,out] row 60 bytes, sent as they stand, then overwritten with the reply
+/// @return 0, or the transport result OR-ed with the status word.
+OLT_API int32_t process_snmp_oltauth(olt_auth_row *row);
 
 #ifdef __cplusplus
 }

@@ -26,13 +26,13 @@ int32_t default_system_config(void) {
 }
 
 int32_t set_system_ipaddress(const olt_system_network *network) {
-  return post(50, network);
+  return post(50, *network);
 }
 
 int32_t set_system_dns(const olt_system_network *network) {
-  return post(51, network);
+  return post(51, *network);
 }
 
 int32_t Cl_Set_SntpCfg_apply(const olt_sntp_config *config) {
-  return post(52, config);
+  return post(52, *config);
 }

@@ -11,15 +11,15 @@ int32_t get_olt_mac(olt_mac *mac) {
 }
 
 int32_t show_running_configuration_file(char name[32]) {
-  return fetch(33, kResultName, name);
+  return fetch_range(33, kResultName, name);
 }
 
 int32_t get_system_basicinfofile(char name[32]) {
-  return fetch(53, kResultName, name);
+  return fetch_range(53, kResultName, name);
 }
 
 int32_t set_snmp_param(const olt_snmp_param *param) {
-  return post(56, param);
+  return post(56, *param);
 }
 
 int32_t get_snmp_param(olt_snmp_param *param) {
@@ -27,11 +27,11 @@ int32_t get_snmp_param(olt_snmp_param *param) {
 }
 
 int32_t get_system_network(olt_system_network *network) {
-  return fetch_over(58, network);
+  return fetch_over(58, *network);
 }
 
 int32_t set_snmp_systeminfo(const olt_snmp_systeminfo *info) {
-  return post(59, info);
+  return post(59, *info);
 }
 
 int32_t get_snmp_systeminfo(olt_snmp_systeminfo *info) {

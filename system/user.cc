@@ -23,7 +23,7 @@ void put_text(char (&field)[32], const char *text) {
 /// the platform does not write counts as a refusal.
 int32_t ask(Route route, const olt_user *request, Reply &reply) {
   reply.status = 0xFFFF;
-  int32_t result = request_with_reply(route, request, sizeof *request, reply);
+  int32_t result = request_with_reply(request, sizeof *request, route, reply);
   return result != 0 ? result : reply.status;
 }
 
@@ -63,18 +63,18 @@ int32_t add_user_level(const char *name, const char *password, uint32_t level_a,
   olt_user user{.user_op = kAdd, .level_a = level_a, .level_b = level_b};
   put_text(user.user_name, name);
   put_text(user.user_password, password);
-  return post(kUserTable, &user);
+  return post(kUserTable, user);
 }
 
 int32_t delete_user_level(const char *name) {
   olt_user user{.user_op = kDelete};
   put_text(user.user_name, name);
-  return post(kUserTable, &user);
+  return post(kUserTable, user);
 }
 
 int32_t modify_user_level(olt_user *user) {
   user->user_op = kModify;
-  return post(kUserTable, user);
+  return post(kUserTable, *user);
 }
 
 int32_t get_system_next_user(olt_user *user) {

@@ -30,11 +30,11 @@ struct Reply {
 };
 
 /// Sends a request of which only the acceptance matters. @return transport result | status.
-int32_t request_no_reply(Route route, const void *request, uint32_t length);
+int32_t request_no_reply(const void *request, uint32_t length, Route route);
 
 /// Sends a request for a reply record. What the platform does not write in reply stays as it was.
 /// @return the transport result; the status is in the reply.
-int32_t request_with_reply(Route route, const void *request, uint32_t length, Reply &reply);
+int32_t request_with_reply(const void *request, uint32_t length, Route route, Reply &reply);
 
 void release_reply(const Reply &reply);
 

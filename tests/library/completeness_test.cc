@@ -64,8 +64,14 @@ TEST(Completeness, TheExportMapListsWhatIsExported) {
   EXPECT_EQ(mapped(), exported());
 }
 
-TEST(Completeness, EveryExportedOperationHasARow) {
-  EXPECT_EQ(tested(), exported());
+// The flash operations make no exchange: tests/flash holds them to their system calls.
+const Names kWithoutExchange = {"read_from_flash", "save_to_flash",  "erase_to_flash",
+                                "read_oam_type",   "write_oam_type", "read_olt_serial"};
+
+TEST(Completeness, EveryExportedOperationWithAnExchangeHasARow) {
+  Names expected = exported();
+  for (const std::string &name : kWithoutExchange) EXPECT_EQ(expected.erase(name), 1U) << name;
+  EXPECT_EQ(tested(), expected);
 }
 
 TEST(Completeness, NothingIsDeclaredWithoutTheExportMark) {

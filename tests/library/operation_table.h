@@ -37,7 +37,7 @@ class Caller {
   const Addresses &addresses_;
 };
 
-enum class Alignment : uint8_t { kAny = 1, kWord = 4, kPointer = alignof(void *) };
+enum class Alignment : uint8_t { kAny = 1, kHalfWord = 2, kWord = 4, kPointer = alignof(void *) };
 
 /// Memory that the caller hands to the operation.
 struct CallerBlock {

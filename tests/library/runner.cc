@@ -32,6 +32,7 @@ struct Case {
   int reply_remainder = -1;
   int buffer_remainder = -1;
   size_t extra_reply = 0;
+  bool hides_reply_length = false;
   bool out_of_memory = false;
 };
 
@@ -260,6 +261,7 @@ class Run {
       Answer answer;
       answer.reply = replies_[i];
       answer.reply_length = static_cast<uint16_t>(length);
+      answer.hides_reply_length = case_.hides_reply_length;
       answer.reply_remainder = case_.reply_remainder;
       answer.reply_is_readable = expected_.accepted;
       if (i == case_.exchange) {
@@ -539,8 +541,10 @@ void Findings::add(const char *format, ...) {
 
 void run_row(const Row &row, Findings &findings) {
   run_addresses(row, findings);
-  if (wants_reply(row) && !row.handed_over.whole_reply)
+  if (wants_reply(row) && !row.handed_over.whole_reply) {
     run_case(row, {.name = "longer reply", .extra_reply = 64}, findings);
+    run_case(row, {.name = "reply length of 0", .hides_reply_length = true}, findings);
+  }
   run_failures(row, findings);
   if (row.request_block.out_of_memory != OutOfMemory::kAllocatesNothing ||
       row.handed_over.out_of_memory != OutOfMemory::kAllocatesNothing)

@@ -56,6 +56,7 @@ enum class Fault {
   kReadsReleasedReply,
   kReadsBehindReply,
   kTrustsReplyLength,
+  kChecksReplyLength,
   kOtherReplyOffset,
   kWritesBehindOut,
   kWritesBeforeOut,
@@ -93,6 +94,7 @@ int32_t sample_reader(const uint8_t *record, uint8_t *out) {
                            is(Fault::kOtherTimeout) ? 20 : 10);
     if (!is(Fault::kRetries) || result == 0) break;
   }
+  if (is(Fault::kChecksReplyLength) && result == 0 && status == 0 && length < 7) return -1;
   const auto *bytes = static_cast<const uint8_t *>(reply);
   if ((result != 0 && !is(Fault::kIgnoresTransport)) ||
       (status != 0 && !is(Fault::kIgnoresStatus))) {
@@ -105,7 +107,7 @@ int32_t sample_reader(const uint8_t *record, uint8_t *out) {
   if (bytes == nullptr) return 0;
   if (is(Fault::kReadsReleasedReply)) IPC_Free(handle);
   memcpy(out, bytes + (is(Fault::kOtherReplyOffset) ? 1 : 2),
-         is(Fault::kTrustsReplyLength) ? length - 2u : 5u);
+         is(Fault::kTrustsReplyLength) && length > 2 ? length - 2u : 5u);
   if (is(Fault::kReadsBehindReply)) out[4] = static_cast<uint8_t>(out[4] | bytes[7]);
   if (is(Fault::kWritesBehindOut)) out[5] = 0;
   if (is(Fault::kWritesBeforeOut)) out[-1] = 0;
@@ -174,6 +176,7 @@ INSTANTIATE_TEST_SUITE_P(
         FaultAndFinding{Fault::kReadsBehindReply,
                         "success: touched a reply that must not be read now"},
         FaultAndFinding{Fault::kTrustsReplyLength, "longer reply: "},
+        FaultAndFinding{Fault::kChecksReplyLength, "reply length of 0: result: expected 0, got -1"},
         FaultAndFinding{Fault::kOtherReplyOffset, "success: out, byte 0 of 5: expected 22, got 21"},
         FaultAndFinding{Fault::kWritesBehindOut,
                         "success: touched byte 5 of the caller's out, which has 5"},

@@ -116,7 +116,7 @@ void ScriptedPlatform::hand_out(const Answer &answer, void **reply, uint16_t *re
   if (answer.reply_length != 0) memcpy(memory.data(), answer.reply, answer.reply_length);
   if (!answer.reply_is_readable) memory.forbid();
   *reply = memory.data();
-  *reply_length = answer.reply_length;
+  *reply_length = answer.hides_reply_length ? uint16_t{0} : answer.reply_length;
   *reply_handle = kFirstHandle + static_cast<uint32_t>(exchange_count_ - 1);
 }
 

@@ -22,6 +22,8 @@ struct Answer {
   bool writes_reply = true;
   const uint8_t *reply = nullptr;
   uint16_t reply_length = 0;
+  /// Is the reply said to have no bytes at all?
+  bool hides_reply_length = false;
   bool reply_is_readable = true;
   /// Address of the reply modulo 4; below 0 its last byte lies right before the forbidden page.
   int reply_remainder = -1;

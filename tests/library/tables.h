@@ -7,6 +7,10 @@
 namespace olt::test {
 
 Table system_table();
+Table switch_table();
+Table pon_table();
+Table ont_table();
+Table snmp_table();
 
 }  // namespace olt::test
 

@@ -1,0 +1,56 @@
+#include "oltmgmt.h"
+#include "transport/ont_target.h"
+#include "transport/shapes.h"
+
+using namespace olt;
+
+static_assert(sizeof(olt_uni_vlan_mode) == 36 && sizeof(olt_uni_downrate) == 12 &&
+              sizeof(olt_uni_policing) == 16 && sizeof(olt_uni_block) == 44);
+
+int32_t get_ont_port_alarmsetting(const olt_ont_target *ont, char name[32]) {
+  return fetch_ont_listing(104, ont, name);
+}
+
+int32_t set_ont_port_alarmsetting(const olt_ont_target *ont, uint32_t port_value) {
+  return flatten(post_target_word(ont, port_value, 105, {__func__, 2761, 2769}));
+}
+
+int32_t set_ont_port_loopback(const olt_ont_target *ont, uint32_t port_value) {
+  return flatten(post_target_word(ont, port_value, 117, {__func__, 2788, 2796}));
+}
+
+int32_t show_ont_port_vlanmode(const olt_ont_target *ont, char name[32]) {
+  return fetch_ont_listing(128, ont, name);
+}
+
+int32_t set_ont_port_vlanmode(const olt_ont_target *ont, const olt_uni_vlan_mode *mode) {
+  return post_target_if_memory(ont, mode, sizeof *mode, 129, {__func__, 2839, 2848});
+}
+
+int32_t get_ont_port_downrate(const olt_ont_target *ont, olt_uni_downrate *rates) {
+  return flatten(fetch(119, *ont, rates));
+}
+
+int32_t set_ont_port_downrate(const olt_ont_target *ont, const olt_uni_downrate *rates) {
+  return post_target(ont, rates, sizeof *rates, 118, {__func__, 3048, 3056});
+}
+
+int32_t set_ont_port_basicinfo(const olt_ont_target *ont, const olt_uni_block *info) {
+  return post_target(ont, info, sizeof *info, 132, {__func__, 3067, 3075});
+}
+
+int32_t set_ont_port_description(const olt_ont_target *ont, const olt_uni_block *description) {
+  return post_target(ont, description, sizeof *description, 84, {__func__, 3085, 3093});
+}
+
+int32_t show_ont_port_basicinfo(const olt_ont_target *ont, char name[32]) {
+  return fetch_ont_listing(133, ont, name);
+}
+
+int32_t set_ont_port_policying(const olt_ont_target *ont, const olt_uni_policing *policing) {
+  return post_target(ont, policing, sizeof *policing, 130, {__func__, 3551, 3559});
+}
+
+int32_t get_ont_port_policying(const olt_ont_target *ont, olt_uni_policing *policing) {
+  return flatten(fetch(131, *ont, policing));
+}

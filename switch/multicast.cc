@@ -1,0 +1,36 @@
+#include "oltmgmt.h"
+#include "switch/vlan_list.h"
+#include "transport/shapes.h"
+
+using namespace olt;
+using namespace olt_switch;
+
+static_assert(sizeof(olt_igmpproxy) == 24);
+
+namespace {
+
+constexpr uint8_t kReadTimeout = 20;
+
+}  // namespace
+
+int32_t add_muticastvlan_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanElement, 149, __func__);
+}
+
+int32_t delete_muticastvlan_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanElement, 150, __func__);
+}
+
+int32_t get_igmpproxy_config(olt_igmpproxy *config) {
+  return fetch({151, kMainModule, kReadTimeout}, config);
+}
+
+int32_t set_igmpproxy_config(const olt_igmpproxy *config) {
+  return post(152, *config);
+}
+
+int32_t get_igmpproxy_config_all(void **dump) {
+  Reply reply;
+  if (int32_t result = ask(nullptr, 0, {153, kMainModule, kReadTimeout}, reply)) return result;
+  return hand_over(reply, reply.length, dump, __func__);
+}

@@ -1,0 +1,31 @@
+#include "oltmgmt.h"
+#include "transport/interface_request.h"
+
+using namespace olt;
+
+namespace {
+
+/// Other than the listings, the clearers name the port in the first two words.
+int32_t post_clear(Route route, uint32_t slot, uint32_t port) {
+  return post(route, olt_port_attributes{.slot = slot, .port = port});
+}
+
+}  // namespace
+
+int32_t get_statics_file_by_interface(uint32_t slot, uint32_t port, char name[32]) {
+  return fetch_interface_listing(slot, port, name, 29);
+}
+
+int32_t clear_statics_file_by_interface(uint32_t slot, uint32_t port) {
+  return post_clear(30, slot, port);
+}
+
+int32_t get_dynmac_file_by_interface(uint32_t slot, uint32_t port, uint32_t dynmac_arg,
+                                     char name[32]) {
+  return fetch_range(31, InterfaceRequest{.slot = slot, .port = port, .argument = dynmac_arg},
+                     kResultName, name);
+}
+
+int32_t clear_dynmac_file_by_interface(uint32_t slot, uint32_t port) {
+  return post_clear(32, slot, port);
+}

@@ -1,0 +1,71 @@
+#include <stddef.h>
+#include <string.h>
+
+#include "oltmgmt.h"
+#include "switch/vlan_list.h"
+#include "transport/interface_request.h"
+
+using namespace olt;
+using namespace olt_switch;
+
+namespace {
+
+constexpr Route kQuery = 23;
+enum QueryKind : uint32_t { kByInterface, kByList, kByDescription, kAllVlans };
+
+struct VlanQuery {
+  uint32_t query_kind;
+  uint32_t slot;
+  uint32_t port;
+  uint32_t reserved_0c;
+  char descr[64];
+};
+static_assert(sizeof(VlanQuery) == 80 && offsetof(VlanQuery, descr) == 16);
+
+}  // namespace
+
+int32_t add_vlan_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanElement, 19, __func__);
+}
+
+int32_t delete_vlan_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanElement, 20, __func__);
+}
+
+int32_t add_vlan_descr_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanDescrElement, 21, __func__);
+}
+
+int32_t delete_vlan_descr_list(const olt_vlan_list *list) {
+  return post_vlans(list, kVlanElement, 22, __func__);
+}
+
+int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char name[32]) {
+  static_assert(kByInterface == 0, "the word before the interface is zero");
+  return fetch_interface_listing(slot, port, name, kQuery);
+}
+
+/// The allocation is not tested, and what lies between kind and list is not cleared.
+int32_t get_vlan_information_file_bylist(const olt_vlan_list *list, char name[32]) {
+  CallSite site{__func__};
+  uint32_t length = sizeof(VlanQuery) + wire_length(*list, kVlanElement);
+  auto *query = static_cast<VlanQuery *>(open_block(length, site));
+  query->query_kind = kByList;
+  put_elements(reinterpret_cast<char *>(query + 1), *list, kVlanElement);
+  Reply reply;
+  if (int32_t result = ask_block(query, length, kQuery, site, reply)) return result;
+  take(reply, kResultName, name);
+  release_reply(reply);
+  return 0;
+}
+
+/// The description is copied as long as it is.
+int32_t get_vlan_information_file_bydescprtion(const char *description, char name[32]) {
+  VlanQuery query{.query_kind = kByDescription};
+  strcpy(query.descr, description);
+  return fetch_range(kQuery, query, kResultName, name);
+}
+
+int32_t get_vlan_all(char name[32]) {
+  return fetch_range(kQuery, VlanQuery{.query_kind = kAllVlans}, kResultName, name);
+}
