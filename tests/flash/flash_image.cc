@@ -1,0 +1,56 @@
+#include "tests/flash/flash_image.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <fstream>
+
+namespace olt::tests {
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = std::filesystem::temp_directory_path() / "olt-flash-XXXXXX";
+  EXPECT_NE(mkdtemp(name.data()), nullptr);
+  path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+FlashImage::FlashImage() {
+  restart();
+}
+
+FlashImage::~FlashImage() {
+  flash_device::off();
+}
+
+void FlashImage::restart(const char *faults, bool nor) const {
+  ASSERT_EQ(redirect_error(path_, {.nor = nor, .faults = faults}), "");
+}
+
+std::vector<uint8_t> FlashImage::bytes(size_t offset, size_t length) const {
+  std::vector<uint8_t> bytes(length);
+  std::ifstream file(path_, std::ios::binary);
+  file.seekg(static_cast<std::streamoff>(offset));
+  file.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(length));
+  EXPECT_TRUE(file.good());
+  return bytes;
+}
+
+void FlashImage::put(size_t offset, const std::vector<uint8_t> &bytes) const {
+  std::fstream file(path_, std::ios::binary | std::ios::in | std::ios::out);
+  file.seekp(static_cast<std::streamoff>(offset));
+  file.write(reinterpret_cast<const char *>(bytes.data()),
+             static_cast<std::streamsize>(bytes.size()));
+  EXPECT_TRUE(file.flush().good());
+}
+
+std::string redirect_error(const std::filesystem::path &image,
+                           const flash_device::Options &options) {
+  char error[flash_device::kErrorLength] = "";
+  return flash_device::redirect(image.c_str(), error, options) ? "" : error;
+}
+
+}  // namespace olt::tests

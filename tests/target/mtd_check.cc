@@ -1,0 +1,24 @@
+// Checks the flash operations on whatever is behind /dev/mtd0.
+#include <stdio.h>
+#include <string.h>
+
+#include "tests/target/check_groups.h"
+#include "tests/target/checks.h"
+
+int main(int count, char **words) {
+  const char *group = count == 2 ? words[1] : "";
+  if (strcmp(group, "device") == 0) {
+    check_device();
+    check_regions();
+    check_board_record();
+  } else if (strcmp(group, "absent") == 0) {
+    check_absent_device();
+  } else if (strcmp(group, "kernel") == 0) {
+    check_kernel_view();
+  } else {
+    static_cast<void>(
+        fprintf(stderr, "mtd_check: expected one argument: device, absent or kernel\n"));
+    return 2;
+  }
+  return report_checks();
+}
