@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "box/state_file.h"
+#include "box/switch.h"
 #include "box/system.h"
 
 namespace olt::box {
@@ -22,6 +23,7 @@ Chassis::Chassis(const Topology &topology, StateDirectory &state, Listings listi
       events_(clock_),
       started_(clock_()) {
   add_system_families(*this, families_);
+  add_switch_families(*this, families_);
   load_saved();
 }
 

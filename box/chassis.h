@@ -24,6 +24,7 @@ class Chassis {
   const Topology &topology() const { return topology_; }
   EventLog &events() { return events_; }
   const std::vector<std::unique_ptr<Family>> &families() const { return families_; }
+  TimePoint now() const { return clock_(); }
   std::chrono::seconds uptime() const;
 
   /// Writes a listing and has the reply name it: behind a header of 48 bytes, or at its start.

@@ -48,6 +48,36 @@ void read_number(ObjectReader &object, std::string_view key, NumberRange range, 
   field = static_cast<uint32_t>(object.number(key, range, field));
 }
 
+uint32_t read_speed(ObjectReader &port, uint32_t fallback) {
+  auto speed = static_cast<uint32_t>(port.number("speed", kAnyU32, fallback));
+  if (speed != 10 && speed != 100 && speed != 1000 && speed != 10'000) {
+    refuse(port.place_of("speed"), speed, "10, 100, 1000 or 10000");
+  }
+  return speed;
+}
+
+bool read_full_duplex(ObjectReader &port) {
+  std::string duplex = port.text("duplex", "full");
+  if (duplex != "full" && duplex != "half") {
+    refuse(port.place_of("duplex"), duplex, R"("full" or "half")");
+  }
+  return duplex == "full";
+}
+
+void read_port(const Json &value, const std::string &place, Topology &topology) {
+  ObjectReader port(value, place);
+  auto number = static_cast<uint32_t>(port.number("port", {1, topology.ethernet_ports}));
+  PortHardware hardware;
+  hardware.speed = read_speed(port, hardware.speed);
+  hardware.full_duplex = read_full_duplex(port);
+  if (port.find("plugged") != nullptr) hardware.plugged = port.flag("plugged");
+  read_number(port, "stations", {0, 64}, hardware.stations);
+  port.finish();
+  if (!topology.special_ports.emplace(number, hardware).second) {
+    refuse(port.place_of("port"), number, "each port once");
+  }
+}
+
 void read_olt(const Json &value, Topology &topology) {
   ObjectReader olt(value, "/olt");
   topology.name = read_text(olt, "name", topology.name);
@@ -56,6 +86,12 @@ void read_olt(const Json &value, Topology &topology) {
   topology.software_version = read_text(olt, "software_version", topology.software_version);
   read_number(olt, "oam_support", kAnyU32, topology.oam_support);
   read_number(olt, "ethernet_ports", {1, 64}, topology.ethernet_ports);
+  if (const Json *ports = olt.find("ports")) {
+    for_each_element(*ports, olt.place_of("ports"),
+                     [&topology](const Json &element, const std::string &at) {
+                       read_port(element, at, topology);
+                     });
+  }
   olt.finish();
 }
 
@@ -68,6 +104,11 @@ void read_pon(const Json &value, Topology &topology) {
 }
 
 }  // namespace
+
+PortHardware Topology::port(uint32_t number) const {
+  auto special = special_ports.find(number);
+  return special == special_ports.end() ? PortHardware() : special->second;
+}
 
 Topology parse_topology(std::string_view text) {
   Json value = parse_json(text);

@@ -5,18 +5,31 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 
 namespace olt::box {
 
+/// An Ethernet port and what is plugged into it.
+struct PortHardware {
+  uint32_t speed = 1000;  ///< of the link, in Mbit/s
+  bool full_duplex = true;
+  bool plugged = true;
+  uint32_t stations = 4;  ///< devices that send through the port
+};
+
 struct Topology {
+  /// The port of that number, counted from 1.
+  PortHardware port(uint32_t number) const;
+
   std::string name = "olt";
   std::array<uint8_t, 6> mac = {0x02, 0x00, 0x00, 0x00, 0x00, 0x01};
   std::string serial = "OLT0000000001";
   std::string software_version = "1.0.0";
   uint32_t oam_support = 1;
   uint32_t ethernet_ports = 4;
+  std::map<uint32_t, PortHardware> special_ports;  ///< those that are not as usual, by number
   uint32_t pon_interfaces = 2;
   uint32_t onus_per_interface = 32;
   uint32_t uni_ports_per_onu = 4;

@@ -94,7 +94,23 @@ TEST(Listing, BasicInformationIsReadable) {
             "\n"
             "Firmware updates\n"
             "OLT   idle\n"
-            "ONUs  idle\n");
+            "ONUs  idle\n"
+            "\n"
+            "Ethernet links\n"
+            "Port  Enabled  Link  Speed in Mbit/s  Duplex\n"
+            "----  -------  ----  ---------------  ------\n"
+            "1/1   yes      up    1000             full\n"
+            "1/2   yes      up    1000             full\n"
+            "1/3   yes      up    1000             full\n"
+            "1/4   yes      up    1000             full\n"
+            "\n"
+            "RSTP\n"
+            "Port  Role      State\n"
+            "----  --------  ----------\n"
+            "1/1   disabled  forwarding\n"
+            "1/2   disabled  forwarding\n"
+            "1/3   disabled  forwarding\n"
+            "1/4   disabled  forwarding\n");
 }
 
 TEST(Listing, RunningConfigurationShowsRecordsAsBytesAndText) {

@@ -61,7 +61,7 @@ TEST(Simulator, RefusesRequestsOfAnotherLengthAndCountsThem) {
 
 TEST(Simulator, RefusesAndCountsWhatItDoesNotServe) {
   TestBox box;
-  EXPECT_EQ(box.status(2, 13), 1U);
+  EXPECT_EQ(box.status(2, 200), 1U);
   EXPECT_EQ(box.status(2, 4), 1U);
   EXPECT_EQ(box.status(18, 12), 1U);
   EXPECT_EQ(box.status(23, 4'000'000'000), 1U);
@@ -70,7 +70,7 @@ TEST(Simulator, RefusesAndCountsWhatItDoesNotServe) {
       R"({"ok":true,"counters":{"exchanges":4,"refused":4,"unserved":4,"bad_lengths":0,)"
       R"("faults":0,"messages":[)"
       R"({"module":2,"type":4,"exchanges":1,"refused":1,"unserved":1,"bad_lengths":0,"faults":0},)"
-      R"({"module":2,"type":13,"exchanges":1,"refused":1,"unserved":1,"bad_lengths":0,"faults":0},)"
+      R"({"module":2,"type":200,"exchanges":1,"refused":1,"unserved":1,"bad_lengths":0,"faults":0},)"
       R"({"module":18,"type":12,"exchanges":1,"refused":1,"unserved":1,"bad_lengths":0,"faults":0},)"
       R"({"module":23,"type":4000000000,"exchanges":1,"refused":1,"unserved":1,"bad_lengths":0,)"
       R"("faults":0}]}})");
@@ -106,7 +106,7 @@ TEST(Simulator, TracesOneLineAnExchange) {
   TestBox box;
   box.status(2, 12);
   box.status(22, 83, word(5));
-  box.status(2, 13, hex("01 02"));
+  box.status(2, 200, hex("01 02"));
   ASSERT_EQ(box.trace.size(), 3U);
   EXPECT_EQ(box.trace[0],
             "2026-01-31T12:00:00.000000Z module 2 type 12 olt-mac: request 0, status 0 ok, "
@@ -115,7 +115,7 @@ TEST(Simulator, TracesOneLineAnExchange) {
             "2026-01-31T12:00:00.000000Z module 22 type 83 log-level: request 4 [05000000], "
             "status 0 ok, reply 0");
   EXPECT_EQ(box.trace[2],
-            "2026-01-31T12:00:00.000000Z module 2 type 13 unserved: request 2 [0102], "
+            "2026-01-31T12:00:00.000000Z module 2 type 200 unserved: request 2 [0102], "
             "status 1 message type not served, reply 0");
 }
 

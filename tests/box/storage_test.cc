@@ -175,7 +175,8 @@ TEST(Storage, DamagedFilesAreReportedAndKept) {
       {changed("\"module\": 22", "\"module\": 3"),
        "/configuration/system-log/logs/0/module: is 3, expected 2 or 22"},
       {changed("\"system-log\"", "\"system-lug\""),
-       "/configuration/system-lug: is unknown, expected one of system-control, system-debug, "
+       "/configuration/system-lug: is unknown, expected one of switch-mac, switch-multicast, "
+       "switch-port, switch-rstp, switch-statistics, switch-vlan, system-control, system-debug, "
        "system-information, system-log, system-settings, system-update, system-users"},
   };
   for (const auto &[content, line] : kDamages) {

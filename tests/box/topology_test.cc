@@ -32,6 +32,10 @@ TEST(TopologyFile, EveryMemberMayBeLeftOut) {
     EXPECT_EQ(topology.software_version, "1.0.0");
     EXPECT_EQ(topology.oam_support, 1U);
     EXPECT_EQ(topology.ethernet_ports, 4U);
+    EXPECT_EQ(topology.port(4).speed, 1000U);
+    EXPECT_TRUE(topology.port(4).full_duplex);
+    EXPECT_TRUE(topology.port(4).plugged);
+    EXPECT_EQ(topology.port(4).stations, 4U);
     EXPECT_EQ(topology.pon_interfaces, 2U);
     EXPECT_EQ(topology.onus_per_interface, 32U);
     EXPECT_EQ(topology.uni_ports_per_onu, 4U);
@@ -42,7 +46,9 @@ TEST(TopologyFile, EveryMemberIsTaken) {
   Topology topology = parse_topology(R"({
     "version": 1,
     "olt": {"name": "lab 3", "mac": "00:1A:2b:3C:4d:5E", "serial": "S1", "software_version": "9.9",
-            "oam_support": 4294967295, "ethernet_ports": 64},
+            "oam_support": 4294967295, "ethernet_ports": 64,
+            "ports": [{"port": 64, "speed": 10000, "duplex": "half", "plugged": false,
+                       "stations": 64}]},
     "pon": {"interfaces": 16, "onus_per_interface": 1024, "uni_ports_per_onu": 32}})");
   EXPECT_EQ(topology.name, "lab 3");
   EXPECT_EQ(topology.mac, (std::array<uint8_t, 6>{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}));
@@ -50,6 +56,10 @@ TEST(TopologyFile, EveryMemberIsTaken) {
   EXPECT_EQ(topology.software_version, "9.9");
   EXPECT_EQ(topology.oam_support, 4294967295U);
   EXPECT_EQ(topology.ethernet_ports, 64U);
+  EXPECT_EQ(topology.port(64).speed, 10000U);
+  EXPECT_FALSE(topology.port(64).full_duplex);
+  EXPECT_FALSE(topology.port(64).plugged);
+  EXPECT_EQ(topology.port(64).stations, 64U);
   EXPECT_EQ(topology.pon_interfaces, 16U);
   EXPECT_EQ(topology.onus_per_interface, 1024U);
   EXPECT_EQ(topology.uni_ports_per_onu, 32U);
@@ -88,6 +98,20 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
        "/pon/uni_ports_per_onu: is 1e+20, expected an integer from 1 to 32"},
       {R"({"olt":{"ethernet_ports":true}})",
        "/olt/ethernet_ports: is true, expected an integer from 1 to 64"},
+      {R"({"olt":{"ports":{}}})", "/olt/ports: is an object, expected an array"},
+      {R"({"olt":{"ports":[{"speed":10}]}})", "/olt/ports/0/port: is missing"},
+      {R"({"olt":{"ports":[{"port":5}]}})",
+       "/olt/ports/0/port: is 5, expected an integer from 1 to 4"},
+      {R"({"olt":{"ports":[{"port":1},{"port":1}]}})",
+       "/olt/ports/1/port: is 1, expected each port once"},
+      {R"({"olt":{"ports":[{"port":1,"speed":11}]}})",
+       "/olt/ports/0/speed: is 11, expected 10, 100, 1000 or 10000"},
+      {R"({"olt":{"ports":[{"port":1,"duplex":"Full"}]}})",
+       "/olt/ports/0/duplex: is \"Full\", expected \"full\" or \"half\""},
+      {R"({"olt":{"ports":[{"port":1,"plugged":1}]}})",
+       "/olt/ports/0/plugged: is 1, expected true or false"},
+      {R"({"olt":{"ports":[{"port":1,"stations":65}]}})",
+       "/olt/ports/0/stations: is 65, expected an integer from 0 to 64"},
       {R"({"olt":{"oam_support":4294967296}})",
        "/olt/oam_support: is 4294967296, expected an integer from 0 to 4294967295"},
       {R"({"olt":{"name":7}})", "/olt/name: is 7, expected a text"},
