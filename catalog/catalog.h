@@ -29,6 +29,7 @@ struct WireSecret {
   uint16_t message_type;
   uint16_t offset;
   uint16_t length;
+  uint16_t stride = 0;  ///< bytes from one secret to the next; 0 when there is one
 };
 
 std::span<const WireSecret> wire_secrets();

@@ -19,6 +19,10 @@ template <size_t size>
 inline constexpr FieldKind kFieldKindOf<char[size]> = FieldKind::kText;
 template <size_t size>
 inline constexpr FieldKind kFieldKindOf<uint8_t[size]> = FieldKind::kBytes;
+template <size_t size>
+inline constexpr FieldKind kFieldKindOf<uint32_t[size]> = FieldKind::kWords;
+template <>
+inline constexpr FieldKind kFieldKindOf<olt_mac> = FieldKind::kMac;
 
 #define OLT_FIELD(record, field)                              \
   olt::catalog::Field {                                       \
@@ -41,6 +45,20 @@ constexpr bool fill(std::span<const Field> fields) {
   }
   return end == sizeof(Record);
 }
+
+template <typename Record>
+concept WordsOnly = requires {
+  sizeof(Record::words);
+};
+
+template <typename Record>
+inline constexpr Form kFormOf = WordsOnly<Record> ? Form::kWords : Form::kBytes;
+template <>
+inline constexpr Form kFormOf<olt_mac> = Form::kMac;
+template <>
+inline constexpr Form kFormOf<olt_ont_target> = Form::kOnt;
+template <>
+inline constexpr Form kFormOf<olt_target_words> = Form::kOnt;
 
 template <typename Record>
 inline constexpr std::span<const Field> kFieldsOf{};
@@ -72,6 +90,77 @@ inline constexpr Field kSwitchDebugFields[] = {
 static_assert(fill<olt_switch_debug>(kSwitchDebugFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_switch_debug> = kSwitchDebugFields;
+
+inline constexpr Field kPortFields[] = {
+    OLT_FIELD(olt_port_attributes, slot),
+    OLT_FIELD(olt_port_attributes, port),
+    OLT_FIELD(olt_port_attributes, reserved_08),
+    OLT_FIELD(olt_port_attributes, sfp_module),
+    OLT_FIELD(olt_port_attributes, port_enable),
+    OLT_FIELD(olt_port_attributes, link_speed),
+    OLT_FIELD(olt_port_attributes, link_duplex),
+    OLT_FIELD(olt_port_attributes, vlanmode_second),
+    OLT_FIELD(olt_port_attributes, vlanmode_first),
+    OLT_FIELD(olt_port_attributes, reserved_24),
+    OLT_FIELD(olt_port_attributes, flowcontrol),
+    OLT_FIELD(olt_port_attributes, ingressfilter_first),
+    OLT_FIELD(olt_port_attributes, ingressfilter_second),
+    OLT_FIELD(olt_port_attributes, ratecontrol_first),
+    OLT_FIELD(olt_port_attributes, ratecontrol_second),
+    OLT_FIELD(olt_port_attributes, rstp_state),
+    OLT_FIELD(olt_port_attributes, link_state),
+    OLT_FIELD(olt_port_attributes, reserved_44),
+    OLT_FIELD(olt_port_attributes, max_link),
+};
+static_assert(fill<olt_port_attributes>(kPortFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_port_attributes> = kPortFields;
+
+inline constexpr Field kRstpBriefFields[] = {
+    OLT_FIELD(olt_rstp_brief, keys),
+    OLT_FIELD(olt_rstp_brief, values),
+};
+static_assert(fill<olt_rstp_brief>(kRstpBriefFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_rstp_brief> = kRstpBriefFields;
+
+inline constexpr Field kOntTargetFields[] = {
+    OLT_FIELD(olt_ont_target, target),      OLT_FIELD(olt_ont_target, target_kind),
+    OLT_FIELD(olt_ont_target, reserved_10), OLT_FIELD(olt_ont_target, mac),
+    OLT_FIELD(olt_ont_target, reserved_22), OLT_FIELD(olt_ont_target, mac_word),
+    OLT_FIELD(olt_ont_target, reserved_28),
+};
+static_assert(fill<olt_ont_target>(kOntTargetFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_ont_target> = kOntTargetFields;
+
+inline constexpr Field kGlobalParameterFields[] = {
+    OLT_FIELD(olt_global_parameter, reserved_00),
+    OLT_FIELD(olt_global_parameter, p2p_function),
+    OLT_FIELD(olt_global_parameter, link_security_a),
+    OLT_FIELD(olt_global_parameter, link_security_b),
+    OLT_FIELD(olt_global_parameter, ponport_function),
+};
+static_assert(fill<olt_global_parameter>(kGlobalParameterFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_global_parameter> = kGlobalParameterFields;
+
+inline constexpr Field kLinkDbaFields[] = {
+    OLT_FIELD(olt_link_dba, requested),
+    OLT_FIELD(olt_link_dba, granted),
+};
+static_assert(fill<olt_link_dba>(kLinkDbaFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_link_dba> = kLinkDbaFields;
+
+/// What the simulated box takes; the library carries the bytes.
+inline constexpr Field kAuthEntryFields[] = {
+    {"mac", 0, 6, FieldKind::kMac},
+    {"loid", 8, 24, FieldKind::kPadded},
+    {"password", 32, 12, FieldKind::kPadded, true},
+};
+template <>
+inline constexpr std::span<const Field> kFieldsOf<olt_auth_entry> = kAuthEntryFields;
 
 }  // namespace olt::catalog
 

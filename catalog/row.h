@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -21,15 +22,18 @@ struct Mark {
   constexpr Mark(const char *argument) : name(argument) {}
 
   const char *name;
-  uint32_t longest = UINT32_MAX;
+  uint32_t most = UINT32_MAX;
   bool is_secret = false;
-  bool has_direction = false;
-  Direction direction = Direction::kOut;
+  bool is_optional = false;
+  std::optional<Direction> direction{};
+  std::optional<Kind> kind{};
+  uint32_t size = 0;
 };
 
-/// A text of at most that many bytes: what the library or the record takes.
-constexpr Mark up_to(uint32_t longest, Mark mark) {
-  mark.longest = longest;
+/// A text of at most that many bytes, a word up to that value: what the library or the record
+/// takes.
+constexpr Mark up_to(uint32_t most, Mark mark) {
+  mark.most = most;
   return mark;
 }
 
@@ -38,17 +42,40 @@ constexpr Mark secret(Mark mark) {
   return mark;
 }
 
+constexpr Mark optional(Mark mark) {
+  mark.is_optional = true;
+  return mark;
+}
+
 /// A record that the library may write to, but that says nothing new afterwards.
 constexpr Mark in(Mark mark) {
-  mark.has_direction = true;
   mark.direction = Direction::kIn;
   return mark;
 }
 
 /// A record that is sent as it stands and filled from the answer.
 constexpr Mark in_out(Mark mark) {
-  mark.has_direction = true;
   mark.direction = Direction::kInOut;
+  return mark;
+}
+
+/// Room for a text of that many bytes with its zero.
+constexpr Mark text(uint32_t size, Mark mark) {
+  mark.kind = Kind::kText;
+  mark.size = size;
+  return mark;
+}
+
+/// A block whose head of that many bytes ends with a word that counts the bytes behind it.
+constexpr Mark headed(uint32_t size, Mark mark) {
+  mark.kind = Kind::kHeadedBlock;
+  mark.size = size;
+  return mark;
+}
+
+/// A block that is a copy of the whole reply.
+constexpr Mark whole_reply(Mark mark) {
+  mark.kind = Kind::kReplyBlock;
   return mark;
 }
 
@@ -58,6 +85,7 @@ struct Parameter {
   Direction direction;
   uint32_t size = 0;
   std::span<const Field> fields{};
+  Form form = Form::kBytes;
 };
 
 template <typename Type>
@@ -72,6 +100,10 @@ struct ParameterOf<uint32_t> {
   static constexpr Parameter kValue{Kind::kWord, Direction::kIn, sizeof(uint32_t)};
 };
 template <>
+struct ParameterOf<int32_t> {
+  static constexpr Parameter kValue{Kind::kWord, Direction::kIn, sizeof(int32_t)};
+};
+template <>
 struct ParameterOf<uint32_t *> {
   static constexpr Parameter kValue{Kind::kWord, Direction::kOut, sizeof(uint32_t)};
 };
@@ -84,18 +116,35 @@ struct ParameterOf<const void *> {
   static constexpr Parameter kValue{Kind::kStream, Direction::kIn};
 };
 template <>
+struct ParameterOf<void *> {
+  static constexpr Parameter kValue{Kind::kBuffer, Direction::kOut};
+};
+template <>
+struct ParameterOf<const olt_vlan_list *> {
+  static constexpr Parameter kValue{Kind::kVlans, Direction::kIn};
+};
+template <>
+struct ParameterOf<const uint16_t *> {
+  static constexpr Parameter kValue{Kind::kIds, Direction::kIn, sizeof(uint16_t)};
+};
+template <>
+struct ParameterOf<const olt_auth_entry *> {
+  static constexpr Parameter kValue{Kind::kEntries, Direction::kIn, sizeof(olt_auth_entry),
+                                    kFieldsOf<olt_auth_entry>};
+};
+template <>
 struct ParameterOf<void **> {
   static constexpr Parameter kValue{Kind::kBlock, Direction::kOut};
 };
 template <typename Record>
 struct ParameterOf<const Record *> {
   static constexpr Parameter kValue{Kind::kRecord, Direction::kIn, sizeof(Record),
-                                    kFieldsOf<Record>};
+                                    kFieldsOf<Record>, kFormOf<Record>};
 };
 template <typename Record>
 struct ParameterOf<Record *> {
   static constexpr Parameter kValue{Kind::kRecord, Direction::kOut, sizeof(Record),
-                                    kFieldsOf<Record>};
+                                    kFieldsOf<Record>, kFormOf<Record>};
 };
 
 template <typename Type>
@@ -109,12 +158,14 @@ Type from_slot(void *slot) {
 
 constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
   return {.name = mark.name,
-          .kind = parameter.kind,
-          .direction = mark.has_direction ? mark.direction : parameter.direction,
-          .size = parameter.size,
+          .kind = mark.kind.value_or(parameter.kind),
+          .direction = mark.direction.value_or(parameter.direction),
+          .size = mark.size != 0 ? mark.size : parameter.size,
           .fields = parameter.fields,
-          .longest = mark.longest,
-          .secret = mark.is_secret};
+          .form = parameter.form,
+          .most = mark.most,
+          .secret = mark.is_secret,
+          .optional = mark.is_optional};
 }
 
 template <auto Function>
@@ -130,11 +181,14 @@ struct Binding<Function> {
     const Mark *mark = marks.begin();
     for (size_t i = 0; i < kCount; ++i) {
       if (mark == marks.end()) throw "a parameter without a name";
-      const Parameter &parameter = parameters[i];
-      operation.argument_room[operation.argument_count++] = argument(parameter, *mark++);
-      if (parameter.kind != Kind::kStream && parameter.kind != Kind::kBlock) continue;
-      if (++i == kCount || parameters[i].kind != Kind::kWord ||
-          parameters[i].direction != parameter.direction) {
+      if (i + 1 < kCount && is_counted(parameters[i + 1].kind)) {
+        if (!is_word(parameters[i], Direction::kIn)) throw "a list without its count";
+        ++i;
+      }
+      const Argument taken = argument(parameters[i], *mark++);
+      operation.argument_room[operation.argument_count++] = taken;
+      if (taken.kind != Kind::kStream && taken.kind != Kind::kBlock) continue;
+      if (++i == kCount || !is_word(parameters[i], taken.direction)) {
         throw "bytes without their length";
       }
     }
@@ -145,6 +199,14 @@ struct Binding<Function> {
  private:
   static constexpr size_t kCount = sizeof...(Parameters);
 
+  static constexpr bool is_counted(Kind kind) {
+    return kind == Kind::kIds || kind == Kind::kEntries;
+  }
+
+  static constexpr bool is_word(const Parameter &parameter, Direction direction) {
+    return parameter.kind == Kind::kWord && parameter.direction == direction;
+  }
+
   static int32_t call(void *const *slots) {
     return [slots]<size_t... I>(std::index_sequence<I...>) {
       static_cast<void>(slots);  // a function without parameters does not look at them
@@ -153,6 +215,12 @@ struct Binding<Function> {
     (std::index_sequence_for<Parameters...>{});
   }
 };
+
+/// The row with results of its own.
+constexpr Operation with(Outcome outcome, Operation operation) {
+  operation.outcome = outcome;
+  return operation;
+}
 
 }  // namespace olt::catalog
 

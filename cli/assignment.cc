@@ -36,9 +36,9 @@ std::vector<Target> targets(const Operation &operation, std::string_view name) {
   std::vector<Target> found;
   for (size_t place = 0; place < operation.argument_count; ++place) {
     const Argument &argument = operation.arguments()[place];
-    if (!argument.is_input()) continue;
+    if (!takes_value(argument)) continue;
     if (argument.name == name) return {{place, nullptr}};
-    for (const Field &field : argument.fields) {
+    for (const Field &field : argument.own_fields()) {
       if (field.name == name || fmt::format("{}.{}", argument.name, field.name) == name) {
         found.push_back({place, &field});
       }

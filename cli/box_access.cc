@@ -1,8 +1,11 @@
 #include "cli/box_access.h"
 
 #include <cstdlib>
+#include <system_error>
 
+#include "cli/error.h"
 #include "cli/state_folder.h"
+#include "platform/flash_device/flash_device.h"
 
 namespace olt::cli {
 
@@ -10,8 +13,30 @@ void BoxAccess::open() {
   if (!options_.run_dir.empty()) {
     setenv("OLT_RUN_DIR", options_.run_dir.c_str(), 1);
   } else if (!embedded_) {
-    embedded_.emplace(state_folder() / "embedded", options_.topology, options_.fresh);
+    std::filesystem::path folder = state_folder() / "embedded";
+    embedded_.emplace(folder, options_.topology, options_.fresh);
+    flash_image_ = folder / "flash.img";
+    if (options_.fresh) forget_flash();
   }
+}
+
+void BoxAccess::forget_flash() const {
+  std::error_code error;
+  std::filesystem::remove(flash_image_, error);
+  if (error) fail("oltctl: cannot remove {}: {}", flash_image_.string(), error.message());
+}
+
+void BoxAccess::open_flash(const char *operation) {
+  if (options_.real_flash) return;
+  if (!options_.run_dir.empty()) {
+    wrong_usage(
+        "{}: the box in {} does not hold the flash; expected --real-flash for this machine's own"
+        " /dev/mtd0, or --box embedded for a simulated one",
+        operation, options_.run_dir);
+  }
+  open();
+  char error[flash_device::kErrorLength];
+  if (!flash_device::redirect(flash_image_.c_str(), error)) fail("oltctl: {}", error);
 }
 
 void BoxAccess::close() {

@@ -17,6 +17,10 @@ class BoxAccess {
   /// Must come before an exchange; starts the embedded box at the first one. Throws Error.
   void open();
 
+  /// Must come before an operation on the flash: puts the embedded box's simulated device in the
+  /// place of this machine's own, unless that was asked for. Throws Error.
+  void open_flash(const char *operation);
+
   /// Keeps the embedded box. Throws Error.
   void close();
 
@@ -24,8 +28,11 @@ class BoxAccess {
   std::filesystem::path listing_dir() const;
 
  private:
+  void forget_flash() const;
+
   const Options &options_;
   std::optional<EmbeddedBox> embedded_;
+  std::filesystem::path flash_image_;
 };
 
 }  // namespace olt::cli

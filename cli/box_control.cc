@@ -37,6 +37,9 @@ constexpr const char *kFaultNames = "module, type, status, delay_ms, action, fro
 
 uint32_t message_type(const std::string &value) {
   if (const catalog::Operation *operation = catalog::find(value)) {
+    if (!operation->address.sends()) {
+      wrong_usage("fault add: type: {} sends nothing; expected an operation that does", value);
+    }
     return operation->address.message_type;
   }
   if (!value.empty() && (value[0] < '0' || value[0] > '9')) {

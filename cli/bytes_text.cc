@@ -6,6 +6,7 @@
 #include <charconv>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace olt::cli {
 
@@ -55,6 +56,17 @@ std::optional<Bytes> parse_hex(std::string_view text) {
     at = stop;
   }
   return bytes;
+}
+
+std::optional<Bytes> parse_mac(std::string_view text) {
+  constexpr size_t kLength = 17;
+  if (text.size() != kLength) return std::nullopt;
+  std::string digits(text);
+  for (size_t at = 2; at < kLength; at += 3) {
+    if (std::exchange(digits[at], ' ') != ':') return std::nullopt;
+  }
+  std::optional<Bytes> bytes = parse_hex(digits);
+  return bytes && bytes->size() == 6 ? bytes : std::nullopt;
 }
 
 std::string plain_hex(ByteView bytes) {

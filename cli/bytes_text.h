@@ -19,12 +19,18 @@ using ByteView = std::span<const uint8_t>;
 struct Hidden {
   size_t offset = 0;
   size_t length = 0;
+  size_t stride = 0;  ///< from one such range to the next; 0 when there is one
 
-  bool covers(size_t at) const { return at >= offset && at - offset < length; }
+  bool covers(size_t at) const {
+    return at >= offset && (stride == 0 ? at - offset : (at - offset) % stride) < length;
+  }
 };
 
 /// Reads "02005e10" or, grouped, "02 00 5e 10".
 std::optional<Bytes> parse_hex(std::string_view text);
+
+/// Reads "02:00:5e:10:00:01".
+std::optional<Bytes> parse_mac(std::string_view text);
 
 /// Writes "02005e10".
 std::string plain_hex(ByteView bytes);

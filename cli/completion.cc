@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "catalog/catalog.h"
+#include "cli/describe.h"
 #include "cli/manual.h"
 
 namespace olt::cli {
@@ -33,9 +34,10 @@ Words first_words() {
 Words argument_names(const Operation &operation) {
   Words names;
   for (const Argument &argument : operation.arguments()) {
-    if (!argument.is_input()) continue;
+    if (!takes_value(argument)) continue;
     names.push_back(fmt::format("{}=", argument.name));
-    for (const Field &field : argument.fields) names.push_back(fmt::format("{}=", field.name));
+    for (const Field &field : argument.own_fields())
+      names.push_back(fmt::format("{}=", field.name));
   }
   return names;
 }
@@ -88,7 +90,7 @@ _oltctl() {
     =) return ;;
   esac
   if [[ $current == -* ]]; then
-    words='--box --fresh --topology --file --json --trace --show-secrets --help --version'
+    words='--box --fresh --topology --file --json --trace --show-secrets --real-flash --help --version'
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
     return
   fi

@@ -12,6 +12,15 @@ namespace olt::cli {
 std::string expected(const catalog::Argument &argument);
 std::string expected(const catalog::Field &field);
 
+/// Bytes that a text in the field may have.
+uint32_t longest_text(const catalog::Field &field);
+
+/// Bytes that the description of a VLAN may have; 0 where none is taken.
+uint32_t described_bytes(const catalog::Argument &argument);
+
+/// Whether NAME=VALUE may be given: for inputs, and for buffers, whose bytes can go to a file.
+bool takes_value(const catalog::Argument &argument);
+
 /// The names of an operation's inputs: "name, password, level_a, level_b"; "none" without any.
 std::string input_names(const catalog::Operation &operation);
 

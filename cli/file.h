@@ -6,11 +6,16 @@
 #include <string>
 #include <system_error>
 
+#include "cli/bytes_text.h"
+
 namespace olt::cli {
 
 /// Reads a file of at most that many bytes; a longer one is EFBIG. The error, if any, says why
 /// nothing is returned.
 std::string read_file(const std::string &path, size_t most, std::error_code &error);
+
+/// Writes a file whole or not at all; one that is no regular file is written in place.
+std::error_code write_file(const std::string &path, ByteView bytes);
 
 }  // namespace olt::cli
 

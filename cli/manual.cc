@@ -20,6 +20,7 @@ using catalog::Argument;
 using catalog::Family;
 using catalog::Field;
 using catalog::FieldKind;
+using catalog::Form;
 using catalog::Kind;
 using catalog::Operation;
 
@@ -103,13 +104,21 @@ std::string signature(const Operation &operation) {
 std::string input_text(const Argument &argument) {
   std::string text = fmt::format("  {:<14}  {}", argument.name, expected(argument));
   if (argument.secret) text += "; '-' reads it without echo";
-  if (may_be_left_out(argument)) text += "; zeros when left out";
+  if (may_be_left_out(argument)) {
+    text += argument.kind == Kind::kWord ? "; 0 when left out" : "; zeros when left out";
+  }
   text += '\n';
-  for (const Field &field : argument.fields) {
+  for (const Field &field : argument.own_fields()) {
     text += fmt::format("    {:<14}  {}{}\n", field.name, expected(field),
                         field.secret ? "; '-' reads it without echo" : "");
   }
   return text;
+}
+
+std::string record_text(const Argument &argument) {
+  if (!argument.fields.empty()) return "the record's fields";
+  if (argument.form == Form::kWords) return fmt::format("{} numbers", argument.size / 4);
+  return fmt::format("{} bytes", argument.size);
 }
 
 std::string output_text(const Argument &argument) {
@@ -122,14 +131,23 @@ std::string output_text(const Argument &argument) {
       kind = "the name of a listing, followed by its text";
       break;
     case Kind::kBlock:
+    case Kind::kHeadedBlock:
+    case Kind::kReplyBlock:
       kind = "the answer's bytes";
       break;
+    case Kind::kBuffer:
+      kind = fmt::format("the bytes; {}=@FILE writes them to a file", argument.name);
+      break;
     case Kind::kRecord:
-      kind =
-          argument.fields.empty() ? fmt::format("{} bytes", argument.size) : "the record's fields";
+      kind = record_text(argument);
       break;
     case Kind::kText:
+      kind = "text";
+      break;
     case Kind::kStream:
+    case Kind::kVlans:
+    case Kind::kIds:
+    case Kind::kEntries:
       break;
   }
   return fmt::format("  {:<14}  {}\n", argument.name, kind);
@@ -146,6 +164,10 @@ std::string section(const char *title, const Operation &operation, Select select
 }
 
 std::string address_text(const Address &address) {
+  if (!address.sends()) {
+    return "\nWorks on the flash device and sends nothing: with the embedded box on a simulated\n"
+           "device, with --real-flash on this machine's /dev/mtd0.\n";
+  }
   std::string module = address.module == Address::kNamedByCaller
                            ? "the module that the first argument names"
                            : fmt::format("module {}", address.module);
@@ -155,6 +177,20 @@ std::string address_text(const Address &address) {
   return fmt::format("\nSends message type {} to {}.\n", address.message_type, module);
 }
 
+std::string example_record(const Argument &argument) {
+  switch (argument.form) {
+    case Form::kOnt:
+      return "1/2/3";
+    case Form::kMac:
+      return "02:00:00:00:00:01";
+    case Form::kWords:
+      return "10,20";
+    case Form::kBytes:
+      break;
+  }
+  return fmt::format("@{}.bin", argument.name);
+}
+
 std::string example_value(const Argument &argument) {
   if (argument.secret) return fmt::format(" {}=-", argument.name);
   switch (argument.kind) {
@@ -162,6 +198,14 @@ std::string example_value(const Argument &argument) {
       return fmt::format(" {}=operator", argument.name);
     case Kind::kWord:
       return fmt::format(" {}=1", argument.name);
+    case Kind::kRecord:
+      return fmt::format(" {}={}", argument.name, example_record(argument));
+    case Kind::kVlans:
+    case Kind::kIds:
+      return fmt::format(" {}={}", argument.name,
+                         described_bytes(argument) == 0 ? "10,20-25" : "10:uplink,20-25:users");
+    case Kind::kEntries:
+      return fmt::format(" {}='mac=02:00:00:00:00:01;loid=site-17 password=-'", argument.name);
     default:
       return fmt::format(" {0}=@{0}.bin", argument.name);
   }
@@ -179,8 +223,9 @@ std::string example(const Operation &operation) {
   std::string text = "\nExample:\n  oltctl ";
   text += operation.name;
   for (const Argument &argument : operation.arguments()) {
-    if (!argument.is_input()) continue;
-    text += argument.fields.empty() ? example_value(argument) : example_field(argument.fields);
+    if (!argument.is_input() || argument.optional) continue;
+    bool by_field = !argument.own_fields().empty() && argument.form == Form::kBytes;
+    text += by_field ? example_field(argument.fields) : example_value(argument);
   }
   return text + '\n';
 }

@@ -111,6 +111,8 @@ std::optional<Options> parse_options(int argc, const char *const *argv) {
   app.add_flag("--json", options.json, "Results as JSON, one object a line");
   app.add_flag("--trace", options.trace, "Show each exchange on standard error");
   app.add_flag("--show-secrets", options.show_secrets, "Show passwords in results");
+  app.add_flag("--real-flash", options.real_flash,
+               "Flash operations use this machine's own /dev/mtd0");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

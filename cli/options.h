@@ -12,7 +12,8 @@ struct Options {
   bool json = false;
   bool trace = false;
   bool show_secrets = false;
-  std::string run_dir;  ///< of a running box; empty for the embedded one
+  bool real_flash = false;  ///< flash operations use this machine's own device
+  std::string run_dir;      ///< of a running box; empty for the embedded one
   bool fresh = false;
   std::string topology;               ///< of the embedded box; empty for the default one
   std::optional<std::string> script;  ///< "-" for standard input

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cstring>
+#include <vector>
 
 #include "cli/listing.h"
 #include "cli/result_text.h"
@@ -12,6 +13,7 @@ namespace olt::cli {
 using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
+using catalog::Form;
 using catalog::Kind;
 using nlohmann::ordered_json;
 
@@ -19,6 +21,7 @@ namespace {
 
 constexpr const char *kMask = "********";
 constexpr size_t kShort = 16;
+constexpr size_t kShortWords = 32;
 
 /// Walks the outputs: fn(place, argument).
 template <typename Function>
@@ -45,11 +48,25 @@ std::string bytes_as_text(const char *name, ByteView bytes) {
   return fmt::format("{} = {} bytes\n{}", name, bytes.size(), hex_dump(bytes));
 }
 
+std::vector<uint32_t> words_in(ByteView bytes) {
+  std::vector<uint32_t> words(bytes.size() / sizeof(uint32_t));
+  std::memcpy(words.data(), bytes.data(), words.size() * sizeof(uint32_t));
+  return words;
+}
+
+std::string words_as_text(const char *name, ByteView bytes) {
+  return fmt::format("{} = {}\n", name, fmt::join(words_in(bytes), ","));
+}
+
 std::string field_as_text(const Field &field, ByteView bytes, bool secrets) {
   if (field.secret && !secrets) return fmt::format("{} = {}\n", field.name, kMask);
   switch (field.kind) {
     case FieldKind::kText:
+    case FieldKind::kPadded:
       return fmt::format("{} = {}\n", field.name, printable(listing_name(bytes)));
+    case FieldKind::kWords:
+      return words_as_text(field.name, bytes);
+    case FieldKind::kMac:
     case FieldKind::kBytes:
       return bytes_as_text(field.name, bytes);
     case FieldKind::kWord:
@@ -63,7 +80,11 @@ ordered_json field_as_json(const Field &field, ByteView bytes, bool secrets) {
   if (field.secret && !secrets) return kMask;
   switch (field.kind) {
     case FieldKind::kText:
+    case FieldKind::kPadded:
       return listing_name(bytes);
+    case FieldKind::kWords:
+      return words_in(bytes);
+    case FieldKind::kMac:
     case FieldKind::kBytes:
       return plain_hex(bytes);
     case FieldKind::kWord:
@@ -78,8 +99,14 @@ std::string output_as_text(const Shown &shown, size_t place, const Argument &arg
     return fmt::format("{} = {}\n", argument.name, shown.call.word(place));
   }
   ByteView bytes = shown.call.bytes(place);
-  if (argument.kind == Kind::kName) {
+  if (argument.kind == Kind::kName || argument.kind == Kind::kText) {
     return fmt::format("{} = {}\n", argument.name, printable(listing_name(bytes)));
+  }
+  if (const std::string &file = shown.call.file(place); !file.empty()) {
+    return fmt::format("{} = {} bytes in {}\n", argument.name, bytes.size(), printable(file));
+  }
+  if (argument.form == Form::kWords && bytes.size() <= kShortWords) {
+    return words_as_text(argument.name, bytes);
   }
   if (argument.fields.empty()) return bytes_as_text(argument.name, bytes);
   std::string text;
@@ -92,7 +119,11 @@ std::string output_as_text(const Shown &shown, size_t place, const Argument &arg
 ordered_json output_as_json(const Shown &shown, size_t place, const Argument &argument) {
   if (argument.kind == Kind::kWord) return shown.call.word(place);
   ByteView bytes = shown.call.bytes(place);
-  if (argument.kind == Kind::kName) return listing_name(bytes);
+  if (argument.kind == Kind::kName || argument.kind == Kind::kText) return listing_name(bytes);
+  if (const std::string &file = shown.call.file(place); !file.empty()) {
+    return {{"file", file}, {"length", bytes.size()}};
+  }
+  if (argument.form == Form::kWords) return words_in(bytes);
   if (argument.fields.empty()) return plain_hex(bytes);
   ordered_json fields = ordered_json::object();
   for (const Field &field : argument.fields) {
@@ -121,6 +152,9 @@ ordered_json or_null(const std::optional<Value> &value) {
 
 std::string as_text(const Shown &shown) {
   std::string text;
+  if (const char *count = shown.call.operation().outcome.count) {
+    text = fmt::format("{} = {}\n", count, shown.result);
+  }
   each_output(shown.call, [&](size_t place, const Argument &argument) {
     text += output_as_text(shown, place, argument);
   });
@@ -131,18 +165,21 @@ std::string as_text(const Shown &shown) {
 }
 
 ordered_json as_json(const Shown &shown) {
-  ResultParts parts = take_apart(shown.result);
+  const catalog::Operation &operation = shown.call.operation();
+  bool failed = !operation.succeeded(shown.result);
+  ResultParts parts;
+  if (operation.address.sends()) parts = take_apart(shown.result);
   ordered_json object = {
       {"version", kJsonVersion},
-      {"operation", shown.call.operation().name},
+      {"operation", operation.name},
       {"result", shown.result},
-      {"failed", shown.result != 0},
+      {"failed", failed},
       {"transport", or_null(parts.transport)},
       {"status", or_null(parts.status)},
       {"outputs", ordered_json::object()},
       {"listing", nullptr},
   };
-  if (shown.result != 0) return object;
+  if (failed) return object;
   each_output(shown.call, [&](size_t place, const Argument &argument) {
     object["outputs"][argument.name] = output_as_json(shown, place, argument);
   });

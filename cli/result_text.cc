@@ -10,6 +10,18 @@ namespace {
 
 constexpr int32_t kNotBuilt = -1;
 
+std::string reason_of_exchange(int32_t result) {
+  ResultParts parts = take_apart(result);
+  if (!parts.status) return "the request could not be built";
+  if (!parts.transport) return fmt::format("status {}", *parts.status);
+  if (*parts.status == 0) return *parts.transport;
+  return fmt::format("{}, status {}", *parts.transport, *parts.status);
+}
+
+std::string with_reason(int32_t result, const std::string &reason) {
+  return fmt::format("result {} (0x{:08x}): {}", result, static_cast<uint32_t>(result), reason);
+}
+
 }  // namespace
 
 ResultParts take_apart(int32_t result) {
@@ -21,19 +33,15 @@ ResultParts take_apart(int32_t result) {
   return parts;
 }
 
+std::string describe_result(const catalog::Operation &operation, int32_t result) {
+  if (result == kNotBuilt) return with_reason(result, operation.outcome.minus_one);
+  if (operation.address.sends()) return with_reason(result, reason_of_exchange(result));
+  bool is_named = result == -2 && operation.outcome.minus_two != nullptr;
+  return with_reason(result, is_named ? operation.outcome.minus_two : "the device failed");
+}
+
 std::string describe_result(int32_t result) {
-  ResultParts parts = take_apart(result);
-  std::string reason;
-  if (!parts.status) {
-    reason = "the request could not be built";
-  } else if (!parts.transport) {
-    reason = fmt::format("status {}", *parts.status);
-  } else if (*parts.status == 0) {
-    reason = *parts.transport;
-  } else {
-    reason = fmt::format("{}, status {}", *parts.transport, *parts.status);
-  }
-  return fmt::format("result {} (0x{:08x}): {}", result, static_cast<uint32_t>(result), reason);
+  return with_reason(result, reason_of_exchange(result));
 }
 
 }  // namespace olt::cli

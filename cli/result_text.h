@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "catalog/operation.h"
+
 namespace olt::cli {
 
 /// A result taken apart: the transport result in the upper half, the module's status in the lower.
@@ -15,6 +17,9 @@ struct ResultParts {
 };
 
 ResultParts take_apart(int32_t result);
+
+/// What the result says of that operation.
+std::string describe_result(const catalog::Operation &operation, int32_t result);
 
 /// "result 5 (0x00000005): status 5"
 std::string describe_result(int32_t result);

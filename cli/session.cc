@@ -11,11 +11,12 @@
 #include "cli/call.h"
 #include "cli/completion.h"
 #include "cli/error.h"
+#include "cli/exchanges.h"
+#include "cli/file.h"
 #include "cli/listing.h"
 #include "cli/manual.h"
 #include "cli/printer.h"
 #include "cli/result_text.h"
-#include "cli/trace.h"
 
 namespace olt::cli {
 
@@ -53,10 +54,21 @@ std::optional<std::string> named_listing(const Call &call) {
   return std::nullopt;
 }
 
+/// Writes the outputs for which a file was given.
+void write_files(const Call &call) {
+  for (size_t place = 0; place < call.operation().argument_count; ++place) {
+    const std::string &path = call.file(place);
+    if (path.empty()) continue;
+    if (std::error_code error = write_file(path, call.bytes(place))) {
+      fail("{}: cannot write {}: {}", call.operation().name, printable(path), error.message());
+    }
+  }
+}
+
 }  // namespace
 
 Session::Session(const Options &options) : options_(options), box_(options) {
-  if (options.trace) start_trace();
+  watch_exchanges(options.trace);
 }
 
 void Session::run(std::span<const std::string> words) {
@@ -79,10 +91,16 @@ void Session::run(std::span<const std::string> words) {
 void Session::run_operation(const Operation &operation, std::span<const std::string> words) {
   Call call(operation);
   read_arguments(call, words);
-  box_.open();
+  if (operation.address.sends()) {
+    box_.open();
+  } else {
+    box_.open_flash(operation.name);
+  }
   Shown shown{call, call.make(), {}, options_.show_secrets};
+  bool succeeded = operation.succeeded(shown.result);
   std::optional<Error> unread;
-  if (shown.result == 0) {
+  if (succeeded) {
+    write_files(call);
     try {
       if (auto name = named_listing(call)) shown.listing = read_listing(box_.listing_dir(), *name);
     } catch (const Error &error) {
@@ -91,10 +109,12 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
   }
   if (options_.json) {
     print(json_line(as_json(shown)));
-  } else if (shown.result == 0) {
+  } else if (succeeded) {
     print(as_text(shown));
   }
-  if (shown.result != 0) fail("{} failed: {}", operation.name, describe_result(shown.result));
+  if (!succeeded) {
+    fail("{} failed: {}", operation.name, describe_result(operation, shown.result));
+  }
   if (unread) throw Error(*unread);
 }
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdio>
 
 #include "catalog/catalog.h"
 #include "cli/bytes_text.h"
@@ -17,7 +16,9 @@ constexpr size_t kMostShown = 256;
 
 Hidden hidden_in(uint32_t message_type) {
   for (const catalog::WireSecret &secret : catalog::wire_secrets()) {
-    if (secret.message_type == message_type) return {secret.offset, secret.length};
+    if (secret.message_type == message_type) {
+      return {secret.offset, secret.length, secret.stride};
+    }
   }
   return {};
 }
@@ -35,11 +36,6 @@ std::string answer_text(const olt_exchange &exchange) {
   return fmt::format("status {}, {} bytes", exchange.status, exchange.reply_length);
 }
 
-void print_exchange(void * /*context*/, const olt_exchange *exchange) {
-  std::string text = trace_text(*exchange);
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
-}
-
 }  // namespace
 
 std::string trace_text(const olt_exchange &exchange) {
@@ -49,10 +45,6 @@ std::string trace_text(const olt_exchange &exchange) {
                      dump(exchange.request, exchange.request_length, hidden), answer_text(exchange),
                      static_cast<double>(exchange.elapsed_ns) / 1e6,
                      dump(exchange.reply, exchange.reply_length, hidden));
-}
-
-void start_trace() {
-  olt_watch_exchanges(print_exchange, nullptr);
 }
 
 }  // namespace olt::cli

@@ -1,4 +1,4 @@
-/// --trace: every exchange on standard error, as it ends.
+/// Exchanges as --trace shows them.
 #ifndef OLT_CLI_TRACE_H
 #define OLT_CLI_TRACE_H
 
@@ -10,9 +10,6 @@ namespace olt::cli {
 
 /// The lines for one exchange. Where the catalog knows of a secret, it is masked.
 std::string trace_text(const olt_exchange &exchange);
-
-/// Traces the exchanges of this process from now on.
-void start_trace();
 
 }  // namespace olt::cli
 

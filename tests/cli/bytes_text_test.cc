@@ -7,6 +7,7 @@ namespace {
 using olt::cli::Bytes;
 using olt::cli::hex_dump;
 using olt::cli::parse_hex;
+using olt::cli::parse_mac;
 using olt::cli::plain_hex;
 using olt::cli::printable;
 using olt::cli::spaced_hex;
@@ -17,6 +18,15 @@ TEST(BytesText, ReadsHexDigitsInPairs) {
   EXPECT_EQ(parse_hex(""), Bytes{});
   for (const char *bad : {"0", "020", "0g", "g0", "0 2", "-1", "+1", "0x02", "02,03"}) {
     EXPECT_FALSE(parse_hex(bad)) << bad;
+  }
+}
+
+TEST(BytesText, ReadsMacAddresses) {
+  EXPECT_EQ(parse_mac("02:00:5e:Ff:00:01"), (Bytes{0x02, 0x00, 0x5E, 0xFF, 0x00, 0x01}));
+  for (const char *bad :
+       {"", "02:00:5e:ff:00", "02:00:5e:ff:00:0", "02:00:5e:ff:00:0g", "02-00-5e-ff-00-01",
+        "02 00 5e ff 00 01", "02:00:5e:ff: 0:01", "02:00:5e:ff:00:01:02", "02:00:5e:ff:  :01"}) {
+    EXPECT_FALSE(parse_mac(bad)) << bad;
   }
 }
 

@@ -22,6 +22,7 @@ using olt::catalog::Field;
 using olt::catalog::FieldKind;
 using olt::catalog::find;
 using olt::catalog::find_sender;
+using olt::catalog::Form;
 using olt::catalog::Kind;
 using olt::catalog::Operation;
 using olt::catalog::wire_secrets;
@@ -49,7 +50,7 @@ TEST(Catalog, HasARowForEachExportedFunctionAndNoOther) {
   Names rows;
   each_operation([&rows](const Operation &operation) { rows.insert(operation.name); });
   Names exported = exported_names();
-  EXPECT_GE(exported.size(), 33U);
+  EXPECT_EQ(exported.size(), 182U);
   EXPECT_EQ(rows, exported);
 }
 
@@ -94,17 +95,42 @@ TEST(Catalog, EverySecretIsHiddenOnTheWire) {
       return secret.message_type == operation.address.message_type;
     })) << operation.name;
   });
-  EXPECT_EQ(secrets, 5U);
+  EXPECT_EQ(secrets, 12U);
 }
 
-TEST(Catalog, PasswordsLieAtBytes40To71OfThreeMessageTypes) {
-  std::set<uint32_t> types;
+TEST(Catalog, PasswordsLieWhereUsersAndEntriesHaveThem) {
+  std::set<uint32_t> users;
+  std::set<uint32_t> entries;
   for (const auto &secret : wire_secrets()) {
-    types.insert(secret.message_type);
-    EXPECT_EQ(secret.offset, 40);
-    EXPECT_EQ(secret.length, 32);
+    bool of_user = secret.stride == 0;
+    (of_user ? users : entries).insert(secret.message_type);
+    EXPECT_EQ(secret.offset, of_user ? 40 : 112);
+    EXPECT_EQ(secret.length, of_user ? 32 : 12);
+    EXPECT_EQ(secret.stride, of_user ? 0 : 44);
   }
-  EXPECT_EQ(types, (std::set<uint32_t>{10, 62, 63}));
+  EXPECT_EQ(users, (std::set<uint32_t>{10, 62, 63}));
+  EXPECT_EQ(entries, (std::set<uint32_t>{41, 108, 109, 110, 111, 112, 113}));
+}
+
+TEST(Catalog, KnowsWhatSendsNothing) {
+  size_t silent = 0;
+  each_operation([&silent](const Operation &operation) {
+    if (!operation.address.sends()) ++silent;
+  });
+  EXPECT_EQ(silent, 6U);
+  EXPECT_FALSE(find("read_olt_serial")->address.sends());
+  EXPECT_EQ(find_sender(0), nullptr);
+}
+
+TEST(Catalog, KnowsWhichResultsAreSuccess) {
+  const Operation &reads = *find("read_from_flash");
+  EXPECT_TRUE(reads.succeeded(0));
+  EXPECT_TRUE(reads.succeeded(4096));
+  EXPECT_FALSE(reads.succeeded(-1));
+  EXPECT_TRUE(find("erase_to_flash")->succeeded(0));
+  EXPECT_FALSE(find("erase_to_flash")->succeeded(1));
+  EXPECT_FALSE(find("get_olt_mac")->succeeded(5));
+  EXPECT_STREQ(find("get_snmp_olt_port_status")->outcome.minus_one, "slot or port is out of range");
 }
 
 TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
@@ -113,7 +139,7 @@ TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
   EXPECT_STREQ(arguments[0].name, "name");
   EXPECT_EQ(arguments[0].kind, Kind::kText);
   EXPECT_EQ(arguments[0].direction, Direction::kIn);
-  EXPECT_EQ(arguments[0].longest, 31U);
+  EXPECT_EQ(arguments[0].most, 31U);
   EXPECT_FALSE(arguments[0].secret);
   EXPECT_TRUE(arguments[1].secret);
   EXPECT_EQ(arguments[2].kind, Kind::kWord);
@@ -140,6 +166,36 @@ TEST(CatalogRow, FoldsBytesAndTheirLengthIntoOneArgument) {
   EXPECT_EQ(arguments[1].direction, Direction::kOut);
 }
 
+TEST(CatalogRow, FoldsAListAndItsCountIntoOneArgument) {
+  auto entries = find("add_authallowed_loid")->arguments();
+  ASSERT_EQ(entries.size(), 3U);
+  EXPECT_EQ(entries[2].kind, Kind::kEntries);
+  EXPECT_EQ(entries[2].size, 44U);
+  auto ids = find("delete_ont_port_muticastvlan")->arguments();
+  ASSERT_EQ(ids.size(), 2U);
+  EXPECT_EQ(ids[1].kind, Kind::kIds);
+  EXPECT_EQ(find("add_vlan_list")->arguments()[0].kind, Kind::kVlans);
+}
+
+TEST(CatalogRow, KnowsHowLongBlocksAndBuffersAre) {
+  auto headed = find("process_snmp_hguwaninfo")->arguments();
+  EXPECT_EQ(headed[1].kind, Kind::kHeadedBlock);
+  EXPECT_EQ(headed[1].size, 88U);
+  EXPECT_EQ(find("process_snmp_onuglobalinfo")->arguments()[1].size, 60U);
+  EXPECT_EQ(find("get_igmpproxy_config_all")->arguments()[0].kind, Kind::kReplyBlock);
+  EXPECT_EQ(find("read_from_flash")->arguments()[1].kind, Kind::kBuffer);
+  EXPECT_EQ(find("read_olt_serial")->arguments()[0].kind, Kind::kText);
+  EXPECT_EQ(find("read_olt_serial")->arguments()[0].size, 10U);
+}
+
+TEST(CatalogRow, KnowsTheShortFormOfARecord) {
+  EXPECT_EQ(find("clear_onu_node")->arguments()[0].form, Form::kOnt);
+  EXPECT_EQ(find("add_ont_description")->arguments()[0].form, Form::kOnt);
+  EXPECT_EQ(find("get_olt_mac")->arguments()[0].form, Form::kMac);
+  EXPECT_EQ(find("set_ont_port_downrate")->arguments()[1].form, Form::kWords);
+  EXPECT_EQ(find("set_ont_fax")->arguments()[1].form, Form::kBytes);
+}
+
 TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   auto fields = find("process_switchdebug_value")->arguments()[0].fields;
   ASSERT_EQ(fields.size(), 4U);
@@ -156,6 +212,13 @@ TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   EXPECT_EQ(user[3].offset, 40);
   EXPECT_TRUE(user[3].secret);
   EXPECT_FALSE(user[2].secret);
+
+  auto ont = find("clear_onu_node")->arguments()[0].fields;
+  ASSERT_EQ(ont.size(), 7U);
+  EXPECT_EQ(ont[0].kind, FieldKind::kWords);
+  EXPECT_EQ(ont[0].width, 12);
+  EXPECT_EQ(ont[3].kind, FieldKind::kMac);
+  EXPECT_EQ(ont[3].offset, 28);
 }
 
 }  // namespace

@@ -21,9 +21,10 @@ using olt::tests::Terminal;
 using Words = std::vector<std::string>;
 
 TEST(Completion, OffersOperationsAndCommandsFirst) {
-  EXPECT_EQ(candidates(Words{}, "get_olt"), (Words{"get_olt_mac", "get_olt_support_oam"}));
+  EXPECT_EQ(candidates(Words{}, "get_olt"),
+            (Words{"get_olt_mac", "get_olt_support_oam", "get_olt_auth_mode"}));
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"counters", "completion"}));
-  EXPECT_EQ(candidates(Words{}, "").size(), 33U + 6U);
+  EXPECT_EQ(candidates(Words{}, "").size(), 182U + 6U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -33,6 +34,9 @@ TEST(Completion, OffersTheArgumentsOfAnOperation) {
   EXPECT_EQ(candidates(Words{"get_user_level", "name=x"}, ""), (Words{"name=", "password="}));
   EXPECT_EQ(candidates(Words{"process_debug_value"}, "debug_"),
             (Words{"debug_op=", "debug_value="}));
+  EXPECT_EQ(candidates(Words{"add_authallowed_mac"}, ""),
+            (Words{"iface_a=", "iface_b=", "entries="}));
+  EXPECT_EQ(candidates(Words{"read_from_flash"}, ""), (Words{"region=", "buffer=", "length="}));
   EXPECT_EQ(candidates(Words{"get_olt_mac"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"no_such_operation"}, ""), Words{});
 }
@@ -84,7 +88,7 @@ TEST_F(BashCompletion, CompletesOperationsAndArguments) {
   EXPECT_TRUE(bash_.shows("add "));
   bash_.type("sta\t");
   EXPECT_TRUE(bash_.shows("status="));
-  bash_.type("\x15oltctl help save\t");
+  bash_.type("\x15oltctl help save_s\t");
   EXPECT_TRUE(bash_.shows("save_system_config "));
 }
 
@@ -112,7 +116,7 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   offered.erase(0, offered.find("words='--") + 7);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);
-  EXPECT_EQ(options.size(), 9U);
+  EXPECT_EQ(options.size(), 10U);
   EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
 }
 

@@ -30,6 +30,8 @@ TEST(HistoryLine, PutsADashInThePlaceOfSecrets) {
 }
 
 TEST(HistoryLine, ForgetsLinesThatMayHideASecret) {
+  EXPECT_EQ(history_line(Words{"add_authallowed_loid", "1", "2", "entries=loid=a password=b"}),
+            std::nullopt);
   EXPECT_EQ(history_line(Words{"modify_user_level", "40:733363726574"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"add_user_levle", "bob", "s3cret", "1", "2"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"add_user_level", "pasword=s3cret"}), std::nullopt);

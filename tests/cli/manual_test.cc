@@ -39,7 +39,7 @@ TEST(Manual, ListsByFamilyWhatHasTheWord) {
   EXPECT_EQ(list_text("SNTP"),
             "System control\n"
             "  Cl_Set_SntpCfg_apply                      Applies an SNTP configuration\n");
-  EXPECT_EQ(list_text("oam"),
+  EXPECT_EQ(list_text("which OAM"),
             "Log and debug controls\n"
             "  get_olt_support_oam                       Reads which OAM the OLT supports\n");
   std::string all = list_text("");
@@ -95,6 +95,57 @@ TEST(Manual, SaysWhatAnOperationTakes) {
             "\n"
             "Example:\n"
             "  oltctl set_system_loglevel value=1\n");
+}
+
+TEST(Manual, ShowsTheShortFormsOfArguments) {
+  EXPECT_EQ(help_text("add_ont_port_muticastvlan"),
+            "add_ont_port_muticastvlan ont vlans\n"
+            "  Adds multicast VLANs to a UNI port.\n"
+            "\n"
+            "Arguments:\n"
+            "  ont             an ONT as 1/2/3, its UNI port as 1/2/3:4, or 88 bytes as HEX, @FILE "
+            "or OFFSET:HEX[,OFFSET:HEX...]\n"
+            "    target          up to 3 numbers as 10,20\n"
+            "    target_kind     a number from 0 to 4294967295\n"
+            "    reserved_10     12 bytes as HEX\n"
+            "    mac             an address as 02:00:00:00:00:01\n"
+            "    reserved_22     2 bytes as HEX\n"
+            "    mac_word        a number from 0 to 4294967295\n"
+            "    reserved_28     48 bytes as HEX\n"
+            "  vlans           VLANs from 1 to 4094 as 10,20-25, or @FILE with one a line\n"
+            "\n"
+            "Sends message type 124 to module 2.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl add_ont_port_muticastvlan ont=1/2/3 vlans=10,20-25\n");
+  std::string entries = help_text("add_authallowed_loid");
+  EXPECT_NE(entries.find("  entries         entries as mac=02:00:00:00:00:01 loid=TEXT "
+                         "password=TEXT (loid of at most 24 bytes, password of at most 12 bytes) "
+                         "or 44 bytes as HEX, separated by ';', or @FILE with one a line\n"),
+            std::string::npos)
+      << entries;
+  EXPECT_NE(entries.find(" entries='mac=02:00:00:00:00:01;loid=site-17 password=-'\n"),
+            std::string::npos);
+}
+
+TEST(Manual, SaysWhatWorksOnTheFlash) {
+  EXPECT_EQ(help_text("erase_to_flash"),
+            "erase_to_flash region [unused_a] [unused_b]\n"
+            "  Erases a whole region.\n"
+            "\n"
+            "Arguments:\n"
+            "  region          a number from 0 to 4294967295\n"
+            "  unused_a        a number from 0 to 4294967295; 0 when left out\n"
+            "  unused_b        a number from 0 to 4294967295; 0 when left out\n"
+            "\n"
+            "Works on the flash device and sends nothing: with the embedded box on a simulated\n"
+            "device, with --real-flash on this machine's /dev/mtd0.\n"
+            "\n"
+            "Example:\n"
+            "  oltctl erase_to_flash region=1\n");
+  EXPECT_NE(help_text("read_from_flash")
+                .find("  buffer          the bytes; buffer=@FILE writes them to a file\n"),
+            std::string::npos);
 }
 
 TEST(Manual, SaysWhatComesBack) {

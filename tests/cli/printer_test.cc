@@ -38,6 +38,30 @@ int32_t names_a_listing(char name[32]) {
 }
 constexpr auto kListing = OLT_OPERATION(names_a_listing, 1, "", {"name"});
 
+int32_t reads_words(olt_uni_downrate *rates, olt_link_dba *dba, olt_onu_feature *feature) {
+  *rates = {{10, 20, 4294967295U}};
+  *dba = {{1, 2, 3}, {4, 5}};
+  feature->words[11] = 1;
+  return 0;
+}
+constexpr auto kWords = OLT_OPERATION(reads_words, 1, "", {"rates", "dba", "feature"});
+
+TEST(Printer, WritesWordsAsNumbers) {
+  Call call(kWords);
+  int32_t result = call.make();
+  EXPECT_EQ(as_text({call, result, {}, false}),
+            "rates = 10,20,4294967295\n"
+            "requested = 1,2,3\n"
+            "granted = 4,5\n"
+            "feature = 48 bytes\n"
+            "  0000  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  ................\n"
+            "  0010  00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00  ................\n"
+            "  0020  00 00 00 00 00 00 00 00 00 00 00 00 01 00 00 00  ................\n");
+  EXPECT_EQ(as_json({call, result, {}, false})["outputs"].dump(),
+            R"({"rates":[10,20,4294967295],"dba":{"requested":[1,2,3],"granted":[4,5]},)"
+            R"("feature":[0,0,0,0,0,0,0,0,0,0,0,1]})");
+}
+
 TEST(Printer, WritesALinePerOutput) {
   Call call(kAllKinds);
   int32_t result = call.make();

@@ -58,6 +58,21 @@ TEST(Trace, MasksPasswordsBothWays) {
   EXPECT_NE(trace_text(exchange(58, record, record)).find("SSSSSSSS"), std::string::npos);
 }
 
+TEST(Trace, MasksThePasswordOfEachEntry) {
+  std::string request(80, 'h');
+  for (int i = 0; i < 3; ++i) request += std::string(32, 'e') + std::string(12, 'S');
+  for (uint32_t type : {41U, 108U, 109U, 110U, 111U, 112U, 113U}) {
+    std::string text = trace_text(exchange(type, request, ""));
+    EXPECT_EQ(text.find('S'), std::string::npos) << type;
+    EXPECT_EQ(text.find("53"), std::string::npos) << type;
+    EXPECT_NE(text.find("  0070  ** ** ** ** ** ** ** ** ** ** ** ** 65 65 65 65  "
+                        "************eeee\n"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("  00c0  65 65 65 65 65 65 65 65 ** ** **"), std::string::npos) << text;
+  }
+}
+
 TEST(Trace, CutsWhatIsLong) {
   std::string text = trace_text(exchange(11, std::string(1000, 'a'), ""));
   EXPECT_NE(text.find("> type 11 to module 2, 1000 bytes\n"), std::string::npos);

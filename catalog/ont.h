@@ -1,0 +1,68 @@
+/// The rows of the services on ONTs.
+#ifndef OLT_CATALOG_ONT_H
+#define OLT_CATALOG_ONT_H
+
+#include "catalog/catalog.h"
+#include "catalog/row.h"
+#include "oltmgmt.h"
+
+namespace olt::catalog {
+
+/// What fits into a request behind the target, with the zero that ends it.
+inline constexpr uint32_t kInterfaceName = 31;
+/// A profile's name fills its field and needs no zero.
+inline constexpr uint32_t kProfileName = 32;
+
+inline constexpr Operation kOntVoice[] = {
+    OLT_OPERATION(show_voip_info, 134, "Lists the voice summary of an ONT", {"ont", "name"}),
+    OLT_OPERATION(show_voip_useraccount, 135, "Reads the voice user account of an ONT",
+                  {"ont", "account"}),
+    OLT_OPERATION(show_ont_voipline, 137, "Lists the voice lines of an ONT", {"ont", "name"}),
+    OLT_OPERATION(set_voip_linestatus, 138, "Sets the status of a voice line",
+                  {"ont", "line_status"}),
+    OLT_OPERATION(show_ont_faxmode, 139, "Lists the fax mode of an ONT", {"ont", "name"}),
+    OLT_OPERATION(show_ont_sipconfiguration, 140, "Lists the SIP configuration of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(set_ont_fax, 141, "Sets the fax mode of an ONT", {"ont", "fax_mode"}),
+    OLT_OPERATION(set_ont_sipconfiguration, 142, "Sets the SIP configuration of an ONT",
+                  {"ont", "sip_config"}),
+    OLT_OPERATION(banding_ont_voipinterface, 143, "Binds an ONT's voice service to a WAN interface",
+                  {"ont", up_to(kInterfaceName, "interface_name")}),
+    OLT_OPERATION(show_ont_bandinginterface, 144,
+                  "Lists the WAN interface of an ONT's voice service", {"ont", "name"}),
+    OLT_OPERATION(set_voip_useraccount, 136, "Sets the voice user account of an ONT",
+                  {"ont", "account"}),
+};
+
+inline constexpr Operation kOntWan[] = {
+    OLT_OPERATION(deal_wan_connection, 145, "Creates or changes a WAN connection of an ONT",
+                  {"ont", "wan_connection"}),
+    OLT_OPERATION(show_ont_wanconnection, 146, "Lists the WAN connections of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(do_ont_configuration, 147, "Starts a configuration action on an ONT",
+                  {"ont", "config_action"}),
+};
+
+inline constexpr Operation kIptv[] = {
+    OLT_OPERATION(create_iptv_profile, 157, "Creates an IPTV profile",
+                  {up_to(kProfileName, "profile")}),
+    OLT_OPERATION(clear_iptv_profile, 158, "Clears an IPTV profile",
+                  {up_to(kProfileName, "profile")}),
+    OLT_OPERATION(delete_iptv_channel, 159, "Deletes a channel from an IPTV profile",
+                  {up_to(kProfileName, "profile"), "channel"}),
+    OLT_OPERATION(add_iptv_channel, 160, "Adds a channel to an IPTV profile",
+                  {up_to(kProfileName, "profile"), "channel"}),
+    OLT_OPERATION(show_iptv_byprofile, 161, "Lists an IPTV profile",
+                  {up_to(kProfileName, "profile"), "name"}),
+    OLT_OPERATION(set_ont_iptv_profile, 155, "Attaches an IPTV profile to an ONT",
+                  {"ont", up_to(kProfileName, "profile")}),
+    OLT_OPERATION(clear_ont_iptv_profile, 156, "Detaches the IPTV profile from an ONT", {"ont"}),
+    OLT_OPERATION(add_iptv_user_channel, 162, "Adds a channel for a single user",
+                  {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"}),
+    OLT_OPERATION(delete_iptv_user_channel, 163, "Deletes a channel of a single user",
+                  {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"}),
+};
+
+}  // namespace olt::catalog
+
+#endif

@@ -1,0 +1,142 @@
+/// The rows of the PON interfaces and of the ONUs and UNI ports behind them.
+#ifndef OLT_CATALOG_PON_H
+#define OLT_CATALOG_PON_H
+
+#include "catalog/catalog.h"
+#include "catalog/row.h"
+#include "oltmgmt.h"
+
+namespace olt::catalog {
+
+inline constexpr Outcome kAnyFailure{"the exchange failed, or the module refused"};
+
+inline constexpr Operation kOnuAuthentication[] = {
+    OLT_OPERATION(set_olt_auth_mode, 114, "Sets the authentication mode of a PON interface",
+                  {"iface_a", "iface_b", "auth_mode"}),
+    OLT_OPERATION(get_olt_auth_mode, 116, "Reads the authentication mode of a PON interface",
+                  {"iface_a", "iface_b", "auth_mode"}),
+    OLT_OPERATION(add_authallowed_mac, 112, "Allows ONUs by MAC address",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(delete_authallowed_mac, 113, "No longer allows ONUs by MAC address",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(add_authallowed_loid, 110, "Allows ONUs by LOID",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(delete_authallowed_loid, 111, "No longer allows ONUs by LOID",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(add_authallowed_mac_loid, 108, "Allows ONUs by MAC address and LOID",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(delete_authallowed_mac_loid, 109, "No longer allows ONUs by MAC address and LOID",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(delete_blocklist_mac, 41, "Deletes entries from the block list",
+                  {"iface_a", "iface_b", "entries"}),
+    OLT_OPERATION(show_autmacmode_file_by_interface, 115,
+                  "Lists the authentication modes of a PON interface",
+                  {"iface_a", "iface_b", "name"}),
+    OLT_OPERATION(get_blocklist_file_byinteface, 37, "Lists the block list of a PON interface",
+                  {"iface_a", "iface_b", "name"}),
+};
+
+/// Entries follow a head of 80 bytes; the password is the last 12 of their 44.
+inline constexpr WireSecret kEntryPasswords[] = {
+    {41, 112, 12, 44},  {108, 112, 12, 44}, {109, 112, 12, 44}, {110, 112, 12, 44},
+    {111, 112, 12, 44}, {112, 112, 12, 44}, {113, 112, 12, 44},
+};
+
+inline constexpr Operation kOnuInventory[] = {
+    OLT_OPERATION(get_onulist_file_byinteface, 35, "Lists the ONUs of a PON interface",
+                  {"iface_a", "iface_b", "name"}),
+    OLT_OPERATION(get_linklist_file_byinteface, 36, "Lists the links of a PON interface",
+                  {"iface_a", "iface_b", "name"}),
+    OLT_OPERATION(getonu_ont_basicinforfile, 47, "Lists the basic information of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(show_ont_runningconfig, 48, "Lists the running configuration of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(getonu_ont_opticalfile, 106, "Lists the optical readings of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(get_onu_basic_mac_byindex, 65, "Reads the MAC address of an ONU by its index",
+                  {in_out("ont")}),
+    OLT_OPERATION(get_onu_basic_feature_f, 38, "Reads the basic feature block of an ONU",
+                  {"target_a", "target_b", "target_c", "feature"}),
+};
+
+inline constexpr Operation kOnuLinks[] = {
+    OLT_OPERATION(set_ont_p2p_function, 76, "Sets the peer-to-peer function", {"p2p_function"}),
+    OLT_OPERATION(set_ponport_function, 77, "Sets the PON port function", {"ponport_function"}),
+    OLT_OPERATION(set_ont_linkSecurityEncryption, 78, "Sets the link security encryption",
+                  {"link_security_a", "link_security_b"}),
+    OLT_OPERATION(process_olt_global_paramter, 79,
+                  "Sends the OLT's global parameters and takes the answer back",
+                  {in_out("parameter")}),
+    OLT_OPERATION(set_ont_linkdba, 54, "Sets a link's bandwidth and reads what was granted",
+                  {"ont", in_out("dba")}),
+    OLT_OPERATION(tkonu_ont_default, 169, "Restores the defaults of an ONU", {"ont"}),
+    OLT_OPERATION(tkonu_ont_reboot, 168, "Reboots an ONU (ctconu_ont_reboot: the other family)",
+                  {"ont"}),
+    OLT_OPERATION(ctconu_ont_reboot, 107, "Reboots an ONU (tkonu_ont_reboot: the other family)",
+                  {"ont"}),
+    OLT_OPERATION(clear_onu_node, 43, "Clears the node of an ONU", {"ont"}),
+    OLT_OPERATION(delete_ont_description, 45, "Deletes the description of an ONU", {"ont"}),
+    OLT_OPERATION(set_ont_usertraffic, 46, "Sets the user traffic of an ONU", {"ont"}),
+    OLT_OPERATION(set_onu_basic_feature_force, 49,
+                  "Sets an ONU's basic features without its MAC address",
+                  {"target_a", "target_b", "target_c", "feature"}),
+    OLT_OPERATION(set_onu_basic_feature_f, 42,
+                  "Sets an ONU's basic features and tells its MAC address",
+                  {"target_a", "target_b", "target_c", "feature", "mac"}),
+    OLT_OPERATION(add_ont_description, 44, "Adds a description to an ONU", {"ont", "description"}),
+};
+
+inline constexpr Operation kUniPorts[] = {
+    OLT_OPERATION(get_ont_port_alarmsetting, 104, "Lists the alarm settings of a UNI port",
+                  {"ont", "name"}),
+    with(kAnyFailure,
+         OLT_OPERATION(set_ont_port_alarmsetting, 105, "Sets the alarm settings of a UNI port",
+                       {"ont", "port_value"})),
+    with(kAnyFailure, OLT_OPERATION(set_ont_port_loopback, 117, "Sets the loopback of a UNI port",
+                                    {"ont", "port_value"})),
+    OLT_OPERATION(show_ont_port_vlanmode, 128, "Lists the VLAN mode of a UNI port",
+                  {"ont", "name"}),
+    OLT_OPERATION(set_ont_port_vlanmode, 129, "Sets the VLAN mode of a UNI port", {"ont", "mode"}),
+    with(kAnyFailure, OLT_OPERATION(get_ont_port_downrate, 119,
+                                    "Reads the downstream rate of a UNI port", {"ont", "rates"})),
+    OLT_OPERATION(set_ont_port_downrate, 118, "Sets the downstream rate of a UNI port",
+                  {"ont", "rates"}),
+    OLT_OPERATION(set_ont_port_basicinfo, 132, "Sets the basic information of a UNI port",
+                  {"ont", "info"}),
+    OLT_OPERATION(set_ont_port_description, 84, "Sets the description of a UNI port",
+                  {"ont", "description"}),
+    OLT_OPERATION(show_ont_port_basicinfo, 133, "Lists the basic information of a UNI port",
+                  {"ont", "name"}),
+    OLT_OPERATION(set_ont_port_policying, 130, "Sets the policing of a UNI port",
+                  {"ont", "policing"}),
+    with(kAnyFailure, OLT_OPERATION(get_ont_port_policying, 131, "Reads the policing of a UNI port",
+                                    {"ont", "policing"})),
+};
+
+inline constexpr Operation kOntMulticast[] = {
+    with(kAnyFailure,
+         OLT_OPERATION(get_ont_port_muticastgrounp, 120,
+                       "Reads how many multicast groups a UNI port may have", {"ont", "value"})),
+    OLT_OPERATION(set_ont_port_muticastgrounp, 121,
+                  "Sets how many multicast groups a UNI port may have", {"ont", "value"}),
+    OLT_OPERATION(show_ont_port_muticastvlan, 122, "Lists the multicast VLANs of a UNI port",
+                  {"ont", "name"}),
+    OLT_OPERATION(clear_ont_port_muticastvlan, 123, "Clears the multicast VLANs of a UNI port",
+                  {"ont"}),
+    OLT_OPERATION(add_ont_port_muticastvlan, 124, "Adds multicast VLANs to a UNI port",
+                  {"ont", "vlans"}),
+    OLT_OPERATION(delete_ont_port_muticastvlan, 125, "Deletes multicast VLANs from a UNI port",
+                  {"ont", "vlans"}),
+    OLT_OPERATION(show_ont_port_muticaststrip, 126,
+                  "Lists the stripping of multicast tags at a UNI port", {"ont", "name"}),
+    OLT_OPERATION(set_ont_port_muticastrip, 127,
+                  "Sets the stripping of multicast tags at a UNI port", {"ont", "strip"}),
+    OLT_OPERATION(show_ont_muticast_group, 148, "Lists the multicast groups of an ONT",
+                  {"ont", "name"}),
+    OLT_OPERATION(set_ont_fastleave, 154, "Sets the IGMP fast leave of a UNI port",
+                  {"ont", "value"}),
+};
+
+}  // namespace olt::catalog
+
+#endif

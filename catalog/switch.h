@@ -1,0 +1,113 @@
+/// The rows of the Ethernet switch.
+#ifndef OLT_CATALOG_SWITCH_H
+#define OLT_CATALOG_SWITCH_H
+
+#include "catalog/catalog.h"
+#include "catalog/row.h"
+#include "oltmgmt.h"
+
+namespace olt::catalog {
+
+inline constexpr uint8_t kRstpModule = 23;
+inline constexpr uint32_t kVlanDescription = sizeof(olt_vlan_node::vlan_descr);
+/// What fits into a request for VLANs by description.
+inline constexpr uint32_t kDescription = 63;
+
+inline constexpr Operation kVlanTables[] = {
+    OLT_OPERATION(add_vlan_list, 19, "Adds VLANs", {"vlans"}),
+    OLT_OPERATION(delete_vlan_list, 20, "Deletes VLANs", {"vlans"}),
+    OLT_OPERATION(add_vlan_descr_list, 21, "Adds descriptions of VLANs",
+                  {up_to(kVlanDescription, "vlans")}),
+    OLT_OPERATION(delete_vlan_descr_list, 22, "Deletes descriptions of VLANs", {"vlans"}),
+    OLT_OPERATION(get_vlan_interface_file_byinteface, 23, "Lists the VLANs of an OLT port",
+                  {"slot", "port", "name"}),
+    OLT_OPERATION(get_vlan_information_file_bylist, 23, "Lists some VLANs", {"vlans", "name"}),
+    OLT_OPERATION(get_vlan_information_file_bydescprtion, 23, "Lists VLANs by their description",
+                  {up_to(kDescription, "description"), "name"}),
+    OLT_OPERATION(get_vlan_all, 23, "Lists all VLANs", {"name"}),
+};
+
+inline constexpr Operation kTrunkVlans[] = {
+    OLT_OPERATION(process_trunk_vlan, 25, "Sends the tagged trunk VLANs of an OLT port",
+                  {"slot", "port", "vlans", "trunk_value"}),
+    OLT_OPERATION(process_trunk_vlan_untag, 26, "Sends the untagged trunk VLANs of an OLT port",
+                  {"slot", "port", "vlans", "trunk_value"}),
+    OLT_OPERATION(process_trunk_vlan_all, 27, "Sends the tagged trunk VLANs, in the form for all",
+                  {"slot", "port", "vlans", "trunk_value"}),
+    OLT_OPERATION(process_trunk_vlan_untag_all, 28,
+                  "Sends the untagged trunk VLANs, in the form for all",
+                  {"slot", "port", "vlans", "trunk_value"}),
+};
+
+inline constexpr Outcome kPortIsChecked{"slot or port is out of range"};
+
+inline constexpr Operation kOltPorts[] = {
+    OLT_OPERATION(set_uplink_sfp_module, 13, "Sets the SFP module of an uplink port",
+                  {"slot", "port", "sfp_module"}),
+    OLT_OPERATION(set_port_enable, 14, "Enables or disables a port",
+                  {"slot", "port", "port_enable"}),
+    OLT_OPERATION(get_port_enable, 15, "Reads whether a port is enabled",
+                  {"slot", "port", "port_enable"}),
+    OLT_OPERATION(get_port_link_state, 16, "Reads the link state of a port",
+                  {"slot", "port", "link_state"}),
+    OLT_OPERATION(get_port_link_duplex, 17, "Reads the duplex mode of a port's link",
+                  {"slot", "port", "link_duplex"}),
+    OLT_OPERATION(get_port_link_speed, 18, "Reads the speed of a port's link",
+                  {"slot", "port", "link_speed"}),
+    OLT_OPERATION(Set_port_vlanmode, 24, "Sets the VLAN mode of a port",
+                  {"slot", "port", "first", "second"}),
+    OLT_OPERATION(set_olt_port_ratecontrol, 66, "Sets the rate control of a port",
+                  {"slot", "port", "first", "second"}),
+    OLT_OPERATION(stp_set_port_rstp_state, 67, "Sets the RSTP state of a port",
+                  {"slot", "port", "rstp_state"}),
+    OLT_OPERATION(set_olt_port_ingressfilter, 68, "Sets the ingress filter of a port",
+                  {"slot", "port", "first", "second"}),
+    OLT_OPERATION(set_olt_port_flowcontrol, 69, "Sets the flow control of a port",
+                  {"slot", "port", "flowcontrol"}),
+    with(kPortIsChecked,
+         OLT_OPERATION(get_snmp_olt_port_basic_info, 70, "Reads the basic information of a port",
+                       {in_out("record")})),
+    with(kPortIsChecked, OLT_OPERATION(set_snmp_olt_port_basic_info, 71,
+                                       "Sets the basic information of a port", {"record"})),
+    with(kPortIsChecked, OLT_OPERATION(get_snmp_olt_port_status, 72, "Reads the status of a port",
+                                       {in_out("record")})),
+    OLT_OPERATION(process_olt_port_mac, 55, "Has a MAC operation on a port done", {"record"}),
+    OLT_OPERATION(set_oltport_maxlink, 102, "Sets the maximum link count of a port",
+                  {"slot", "port", "max_link"}),
+    OLT_OPERATION(Set_upport_agg, 34, "Sets the aggregation of the uplink ports", {"upport_agg"}),
+    OLT_OPERATION(get_upport_agg, 74, "Reads the aggregation of the uplink ports", {"upport_agg"}),
+};
+
+inline constexpr Operation kPortStatistics[] = {
+    OLT_OPERATION(get_statics_file_by_interface, 29, "Lists the traffic counters of an OLT port",
+                  {"slot", "port", "name"}),
+    OLT_OPERATION(clear_statics_file_by_interface, 30, "Clears the traffic counters of an OLT port",
+                  {"slot", "port"}),
+    OLT_OPERATION(get_dynmac_file_by_interface, 31,
+                  "Lists the learned MAC addresses of an OLT port",
+                  {"slot", "port", "dynmac_arg", "name"}),
+    OLT_OPERATION(clear_dynmac_file_by_interface, 32,
+                  "Clears the learned MAC addresses of an OLT port", {"slot", "port"}),
+};
+
+inline constexpr Operation kRstp[] = {
+    OLT_OPERATION(get_rstp_config, 170, "Reads the RSTP settings of the bridge", {"bridge"}),
+    OLT_OPERATION(get_rstp_port_config, 171, "Reads the RSTP settings of a port", {in_out("port")}),
+    OLT_OPERATION(set_rstp_config, 172, "Sets the RSTP settings of the bridge", {"bridge"}),
+    OLT_OPERATION(set_rstp_port_config, 173, "Sets the RSTP settings of a port", {"port"}),
+    OLT_OPERATION(get_rstp_brief, {174, kRstpModule},
+                  "Reads the RSTP summary of the port that the keys select", {in_out("brief")}),
+};
+
+inline constexpr Operation kIgmpProxy[] = {
+    OLT_OPERATION(add_muticastvlan_list, 149, "Adds multicast VLANs", {"vlans"}),
+    OLT_OPERATION(delete_muticastvlan_list, 150, "Deletes multicast VLANs", {"vlans"}),
+    OLT_OPERATION(get_igmpproxy_config, 151, "Reads the IGMP proxy settings", {"config"}),
+    OLT_OPERATION(set_igmpproxy_config, 152, "Sets the IGMP proxy settings", {"config"}),
+    OLT_OPERATION(get_igmpproxy_config_all, 153, "Reads the whole IGMP proxy configuration",
+                  {whole_reply("dump")}),
+};
+
+}  // namespace olt::catalog
+
+#endif
