@@ -233,10 +233,12 @@ TEST_F(Requests, AreNotSentWhenAnItemIsWrong) {
             "at most 63 bytes");
 }
 
-TEST_F(Requests, BringBlocksOfTheirOwnLength) {
+TEST_F(Requests, BringBlocksAsLongAsTheReply) {
   reply_ = "abcde";
   EXPECT_EQ(output_of({"get_igmpproxy_config_all"}), "dump = 61 62 63 64 65\n");
+}
 
+TEST_F(Requests, BringBlocksThatCountTheirTail) {
   reply_ = std::string(56, 'h') + std::string("\x03\0\0\0", 4) + "xyz" + "not counted";
   EXPECT_EQ(output_of({"process_snmp_onuglobalinfo", "1/2/3"}),
             "info = 63 bytes\n"
@@ -244,7 +246,9 @@ TEST_F(Requests, BringBlocksOfTheirOwnLength) {
             "  0010  68 68 68 68 68 68 68 68 68 68 68 68 68 68 68 68  hhhhhhhhhhhhhhhh\n"
             "  0020  68 68 68 68 68 68 68 68 68 68 68 68 68 68 68 68  hhhhhhhhhhhhhhhh\n"
             "  0030  68 68 68 68 68 68 68 68 03 00 00 00 78 79 7a     hhhhhhhh....xyz\n");
+}
 
+TEST_F(Requests, BringBlocksWithoutATail) {
   reply_ = std::string(84, 'w') + std::string(4, '\0');
   EXPECT_EQ(output_of({"process_snmp_hguwaninfo", "1/2/3"}).substr(0, 16), "info = 88 bytes\n");
 }
