@@ -24,9 +24,9 @@ add_library(oltmgmt_objects OBJECT
   system/information.cc
   system/update.cc
   system/user.cc
+  transport/block.cc
   transport/interface_request.cc
   transport/ont_target.cc
-  transport/request.cc
   transport/shapes.cc)
 target_link_libraries(oltmgmt_objects PRIVATE olt_flags)
 target_compile_options(oltmgmt_objects PRIVATE

@@ -2,8 +2,8 @@
 #include <string.h>
 
 #include "oltmgmt.h"
+#include "transport/block.h"
 #include "transport/ont_target.h"
-#include "transport/shapes.h"
 
 using namespace olt;
 
@@ -18,21 +18,21 @@ void put_name(char *field, const char *name) {
   memcpy(field, name, strlen(name));  // NOLINT(bugprone-not-null-terminated-result)
 }
 
-[[gnu::noinline]] int32_t post_profile(const char *name, Route route, CallSite site) {
-  auto *block = static_cast<char *>(open_block(kNameLength, site));
-  if (block == nullptr) return -1;
-  put_name(block, name);
-  return post_block(block, kNameLength, route, site);
+[[gnu::noinline]] int32_t post_profile(const char *name, const Call &call) {
+  auto *block = static_cast<char *>(open_block(kNameLength, call));
+  if (block != nullptr) put_name(block, name);
+  return post_block(block, kNameLength, call);
 }
 
 [[gnu::noinline]] int32_t post_channel(const char *name, const olt_iptv_channel *channel,
-                                       Route route, CallSite site) {
+                                       const Call &call) {
   constexpr uint32_t kLength = sizeof *channel + kNameLength;
-  auto *block = static_cast<char *>(open_block(kLength, site));
-  if (block == nullptr) return -1;
-  memcpy(block, channel, sizeof *channel);
-  put_name(block + sizeof *channel, name);
-  return post_block(block, kLength, route, site);
+  auto *block = static_cast<char *>(open_block(kLength, call));
+  if (block != nullptr) {
+    memcpy(block, channel, sizeof *channel);
+    put_name(block + sizeof *channel, name);
+  }
+  return post_block(block, kLength, call);
 }
 
 struct UserChannel {
@@ -47,33 +47,34 @@ static_assert(sizeof(UserChannel) == 20 && offsetof(UserChannel, channel_param_a
               offsetof(UserChannel, channel_param_c) == 14);
 
 [[gnu::noinline]] int32_t post_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a,
-                                            uint32_t b, uint32_t d, Route route, CallSite site) {
-  auto *channel = static_cast<UserChannel *>(open_block(sizeof(UserChannel), site));
-  if (channel == nullptr) return -1;
-  channel->channel_param_a = a;
-  channel->channel_param_b = static_cast<uint16_t>(b);
-  channel->channel_param_c = static_cast<uint16_t>(c);
-  channel->channel_param_d = d;
-  channel->user_address = *user_address;
-  return post_block(channel, sizeof *channel, route, site);
+                                            uint32_t b, uint32_t d, const Call &call) {
+  auto *channel = static_cast<UserChannel *>(open_block(sizeof(UserChannel), call));
+  if (channel != nullptr) {
+    channel->channel_param_a = a;
+    channel->channel_param_b = static_cast<uint16_t>(b);
+    channel->channel_param_c = static_cast<uint16_t>(c);
+    channel->channel_param_d = d;
+    channel->user_address = *user_address;
+  }
+  return post_block(channel, sizeof *channel, call);
 }
 
 }  // namespace
 
 int32_t create_iptv_profile(const char *name) {
-  return post_profile(name, 157, {__func__});
+  return post_profile(name, kCall<NamedCall(157, __func__)>);
 }
 
 int32_t clear_iptv_profile(const char *name) {
-  return post_profile(name, 158, {__func__});
+  return post_profile(name, kCall<NamedCall(158, __func__)>);
 }
 
 int32_t delete_iptv_channel(const char *name, const olt_iptv_channel *channel) {
-  return post_channel(name, channel, 159, {__func__});
+  return post_channel(name, channel, kCall<NamedCall(159, __func__)>);
 }
 
 int32_t add_iptv_channel(const char *name, const olt_iptv_channel *channel) {
-  return post_channel(name, channel, 160, {__func__});
+  return post_channel(name, channel, kCall<NamedCall(160, __func__)>);
 }
 
 /// A name of 32 characters leaves no zero in what is sent.
@@ -85,10 +86,9 @@ int32_t show_iptv_byprofile(const char *name, char out[32]) {
 
 int32_t set_ont_iptv_profile(const olt_ont_target *target, const char *name) {
   constexpr uint32_t kLength = kTargetLength + kNameLength;
-  CallSite site{__func__};
-  char *block = open_target(target, name, static_cast<uint32_t>(strlen(name)), kLength, site);
-  if (block == nullptr) return -1;
-  return post_block(block, kLength, 155, site);
+  const Call &call = kCall<NamedCall(155, __func__)>;
+  char *block = open_target(target, name, static_cast<uint32_t>(strlen(name)), kLength, call);
+  return post_block(block, kLength, call);
 }
 
 int32_t clear_ont_iptv_profile(const olt_ont_target *target) {
@@ -98,11 +98,11 @@ int32_t clear_ont_iptv_profile(const olt_ont_target *target) {
 /// On the wire c comes behind a and b.
 int32_t add_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a, uint32_t b,
                               uint32_t d) {
-  return post_user_channel(user_address, c, a, b, d, 162, {__func__});
+  return post_user_channel(user_address, c, a, b, d, kCall<NamedCall(162, __func__)>);
 }
 
 /// On the wire c comes behind a and b.
 int32_t delete_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a, uint32_t b,
                                  uint32_t d) {
-  return post_user_channel(user_address, c, a, b, d, 163, {__func__});
+  return post_user_channel(user_address, c, a, b, d, kCall<NamedCall(163, __func__)>);
 }

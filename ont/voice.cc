@@ -1,8 +1,8 @@
 #include <string.h>
 
 #include "oltmgmt.h"
+#include "transport/block.h"
 #include "transport/ont_target.h"
-#include "transport/shapes.h"
 
 using namespace olt;
 
@@ -22,7 +22,7 @@ int32_t show_ont_voipline(const olt_ont_target *target, char name[32]) {
 }
 
 int32_t set_voip_linestatus(const olt_ont_target *target, uint32_t line_status) {
-  return post_target_word(target, line_status, 138, {__func__});
+  return post_target_word(target, line_status, kCall<NamedCall(138, __func__)>);
 }
 
 int32_t show_ont_faxmode(const olt_ont_target *target, char name[32]) {
@@ -34,21 +34,20 @@ int32_t show_ont_sipconfiguration(const olt_ont_target *target, char name[32]) {
 }
 
 int32_t set_ont_fax(const olt_ont_target *target, const olt_fax_mode *fax_mode) {
-  return post_target_if_memory(target, fax_mode, sizeof *fax_mode, 141, {__func__});
+  return post_target(target, *fax_mode, kCallIfMemory<NamedCall(141, __func__)>);
 }
 
 int32_t set_ont_sipconfiguration(const olt_ont_target *target, const olt_sip_config *sip_config) {
-  return post_target_if_memory(target, sip_config, sizeof *sip_config, 142, {__func__});
+  return post_target(target, *sip_config, kCallIfMemory<NamedCall(142, __func__)>);
 }
 
 /// The name is copied as long as it is; behind its end the block keeps what the allocator left.
 int32_t banding_ont_voipinterface(const olt_ont_target *target, const char *interface_name) {
   constexpr uint32_t kLength = kTargetLength + 32;
-  CallSite site{__func__};
+  const Call &call = kCall<NamedCall(143, __func__)>;
   char *block = open_target(target, interface_name,
-                            static_cast<uint32_t>(strlen(interface_name)) + 1, kLength, site);
-  if (block == nullptr) return -1;
-  return post_block(block, kLength, 143, site);
+                            static_cast<uint32_t>(strlen(interface_name)) + 1, kLength, call);
+  return post_block(block, kLength, call);
 }
 
 int32_t show_ont_bandinginterface(const olt_ont_target *target, char name[32]) {
@@ -56,5 +55,5 @@ int32_t show_ont_bandinginterface(const olt_ont_target *target, char name[32]) {
 }
 
 int32_t set_voip_useraccount(const olt_ont_target *target, const olt_voip_user *account) {
-  return post_target_if_memory(target, account, sizeof *account, 136, {__func__});
+  return post_target(target, *account, kCallIfMemory<NamedCall(136, __func__)>);
 }

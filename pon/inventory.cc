@@ -32,9 +32,9 @@ int32_t getonu_ont_opticalfile(const olt_ont_target *ont, char name[32]) {
 /// The two bytes between address and word are not touched.
 int32_t get_onu_basic_mac_byindex(olt_ont_target *ont) {
   Reply reply;
-  if (int32_t result = ask(ont, sizeof *ont, 65, reply)) return result;
+  if (int32_t result = ask(ont, sizeof *ont, Route(65), reply)) return result;
   take(reply, {offsetof(olt_ont_target, mac), sizeof ont->mac}, &ont->mac);
-  take(reply, {offsetof(olt_ont_target, mac_word), sizeof ont->mac_word}, &ont->mac_word);
+  ont->mac_word = word_at(reply, offsetof(olt_ont_target, mac_word));
   release_reply(reply);
   return 0;
 }

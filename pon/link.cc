@@ -2,8 +2,8 @@
 #include <string.h>
 
 #include "oltmgmt.h"
+#include "transport/block.h"
 #include "transport/ont_target.h"
-#include "transport/shapes.h"
 
 using namespace olt;
 
@@ -16,58 +16,49 @@ static_assert(sizeof(olt_link_dba) == 20 && offsetof(olt_link_dba, granted) == 1
 
 namespace {
 
-using GlobalField = uint32_t olt_global_parameter::*;
-
-/// Sets words of the global parameters; the rest of the request is left as it happens to be.
-[[gnu::noinline]] int32_t post_global(uint32_t first, uint32_t second, GlobalField first_field,
-                                      GlobalField second_field, Route route) {
-  olt_global_parameter request;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-  request.*first_field = first;
-  request.*second_field = second;
-  return post(route, request);
-}
-
 struct FeatureRequest {
   olt_ont_target target;
   olt_onu_feature feature;
 };
 static_assert(sizeof(FeatureRequest) == 136);
 
-/// A block whose target words, kind and feature are written and nothing else. @return null, and a
-/// line in the log, when there is no memory.
-FeatureRequest *open_feature(CallSite site, int log_line, const uint32_t (&target)[3],
-                             const olt_onu_feature &feature) {
-  auto *block = static_cast<FeatureRequest *>(open_block(sizeof(FeatureRequest), site));
-  if (block == nullptr) {
-    log_no_memory("less of momery", log_line, site);
-    return nullptr;
-  }
+/// Writes target words, kind, address when there is one, and feature, and nothing else of the
+/// request. @return -1, with a line in the log, when there is no memory.
+int32_t post_feature(const uint32_t (&target)[3], const olt_onu_feature *feature,
+                     const olt_mac *mac, const Call &call) {
+  auto *block = static_cast<FeatureRequest *>(open_block(sizeof(FeatureRequest), call));
+  if (block == nullptr) return log_no_memory("less of momery", call);
   memcpy(block->target.target, target, sizeof target);
   block->target.target_kind = 1;
-  block->feature = feature;
-  return block;
-}
-
-int32_t post_feature(CallSite site, Route route, FeatureRequest *block) {
-  return block == nullptr ? -1 : post_block(block, sizeof *block, route, site);
+  if (mac != nullptr) block->target.mac = *mac;
+  block->feature = *feature;
+  return post_block(block, sizeof *block, call);
 }
 
 }  // namespace
 
+// What these three do not set of the request is left as it happens to be.
+// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+
 int32_t set_ont_p2p_function(uint32_t p2p_function) {
-  return post_global(p2p_function, p2p_function, &olt_global_parameter::p2p_function,
-                     &olt_global_parameter::p2p_function, 76);
+  olt_global_parameter request;
+  request.p2p_function = p2p_function;
+  return post(76, request);
 }
 
 int32_t set_ponport_function(uint32_t ponport_function) {
-  return post_global(ponport_function, ponport_function, &olt_global_parameter::ponport_function,
-                     &olt_global_parameter::ponport_function, 77);
+  olt_global_parameter request;
+  request.ponport_function = ponport_function;
+  return post(77, request);
 }
 
 int32_t set_ont_linkSecurityEncryption(uint32_t link_security_a, uint32_t link_security_b) {
-  return post_global(link_security_a, link_security_b, &olt_global_parameter::link_security_a,
-                     &olt_global_parameter::link_security_b, 78);
+  olt_global_parameter request;
+  request.link_security_a = link_security_a;
+  request.link_security_b = link_security_b;
+  return post(78, request);
 }
+// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 int32_t process_olt_global_paramter(olt_global_parameter *parameter) {
   return fetch_over(79, *parameter);
@@ -76,14 +67,10 @@ int32_t process_olt_global_paramter(olt_global_parameter *parameter) {
 /// A setter that waits for a reply: the last two words come back as granted.
 int32_t set_ont_linkdba(const olt_ont_target *ont, olt_link_dba *dba) {
   constexpr uint32_t kLength = kTargetLength + sizeof *dba;
-  CallSite site{__func__, 3524, 3533};
-  char *block = open_target(ont, dba, sizeof *dba, kLength, site);
-  if (block == nullptr) return -1;
-  Reply reply;
-  if (int32_t result = ask_block(block, kLength, 54, site, reply)) return result;
-  take(reply, {offsetof(olt_link_dba, granted), sizeof dba->granted}, dba->granted);
-  release_reply(reply);
-  return 0;
+  constexpr Range kGranted{offsetof(olt_link_dba, granted), sizeof dba->granted};
+  const Call &call = kCall<NamedCall(54, __func__, 3524, 3533)>;
+  char *block = open_target(ont, dba, sizeof *dba, kLength, call);
+  return block == nullptr ? -1 : fetch_block(block, kLength, dba->granted, kGranted, call);
 }
 
 int32_t tkonu_ont_default(const olt_ont_target *ont) {
@@ -112,19 +99,17 @@ int32_t set_ont_usertraffic(const olt_ont_target *ont) {
 
 int32_t set_onu_basic_feature_force(uint32_t target_a, uint32_t target_b, uint32_t target_c,
                                     const olt_onu_feature *feature) {
-  CallSite site{__func__, 3785, 3804};
-  return post_feature(site, 49, open_feature(site, 3789, {target_a, target_b, target_c}, *feature));
+  return post_feature({target_a, target_b, target_c}, feature, nullptr,
+                      kCall<NamedCall(49, __func__, 3785, 3804)>);
 }
 
 int32_t set_onu_basic_feature_f(uint32_t target_a, uint32_t target_b, uint32_t target_c,
                                 const olt_onu_feature *feature, const olt_mac *mac) {
-  CallSite site{__func__, 3821, 3841};
-  FeatureRequest *block = open_feature(site, 3825, {target_a, target_b, target_c}, *feature);
-  if (block != nullptr) block->target.mac = *mac;
-  return post_feature(site, 42, block);
+  return post_feature({target_a, target_b, target_c}, feature, mac,
+                      kCall<NamedCall(42, __func__, 3821, 3841)>);
 }
 
 int32_t add_ont_description(const olt_target_words *target, const olt_onu_feature *description) {
-  CallSite site{__func__, 3965, 3984};
-  return post_feature(site, 44, open_feature(site, 3969, target->words, *description));
+  return post_feature(target->words, description, nullptr,
+                      kCall<NamedCall(44, __func__, 3965, 3984)>);
 }

@@ -1,6 +1,6 @@
 #include "oltmgmt.h"
+#include "transport/block.h"
 #include "transport/ont_target.h"
-#include "transport/shapes.h"
 
 using namespace olt;
 
@@ -11,7 +11,7 @@ int32_t get_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t *value) 
 }
 
 int32_t set_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t value) {
-  return post_target_word(ont, value, 121, {__func__});
+  return post_target_word(ont, value, kCall<NamedCall(121, __func__)>);
 }
 
 int32_t show_ont_port_muticastvlan(const olt_ont_target *ont, char name[32]) {
@@ -23,11 +23,13 @@ int32_t clear_ont_port_muticastvlan(const olt_ont_target *ont) {
 }
 
 int32_t add_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n, const uint16_t *vlans) {
-  return post_target_if_memory(ont, vlans, n * uint32_t{sizeof *vlans}, 124, {__func__});
+  return post_target(ont, vlans, n * uint32_t{sizeof *vlans},
+                     kCallIfMemory<NamedCall(124, __func__)>);
 }
 
 int32_t delete_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n, const uint16_t *vlans) {
-  return post_target_if_memory(ont, vlans, n * uint32_t{sizeof *vlans}, 125, {__func__});
+  return post_target(ont, vlans, n * uint32_t{sizeof *vlans},
+                     kCallIfMemory<NamedCall(125, __func__)>);
 }
 
 int32_t show_ont_port_muticaststrip(const olt_ont_target *ont, char name[32]) {
@@ -35,7 +37,7 @@ int32_t show_ont_port_muticaststrip(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_port_muticastrip(const olt_ont_target *ont, const olt_uni_strip *strip) {
-  return post_target(ont, strip, sizeof *strip, 127, {__func__});
+  return post_target(ont, *strip, kCall<NamedCall(127, __func__)>);
 }
 
 int32_t show_ont_muticast_group(const olt_ont_target *ont, char name[32]) {
@@ -43,5 +45,5 @@ int32_t show_ont_muticast_group(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_fastleave(const olt_ont_target *ont, uint32_t value) {
-  return post_target_word(ont, value, 154, {__func__});
+  return post_target_word(ont, value, kCall<NamedCall(154, __func__)>);
 }

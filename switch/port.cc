@@ -1,7 +1,7 @@
 #include <stddef.h>
 
 #include "oltmgmt.h"
-#include "transport/shapes.h"
+#include "transport/interface_request.h"
 
 using namespace olt;
 
@@ -15,33 +15,12 @@ static_assert(sizeof(olt_port_attributes) == 80 &&
 
 namespace {
 
-using PortField = uint32_t olt_port_attributes::*;
-
-/// Sets one attribute of a port; everything else in the request is zero.
-[[gnu::noinline]] int32_t post_port(uint32_t slot, uint32_t port, uint32_t value, PortField field,
-                                    Route route) {
-  olt_port_attributes request{.slot = slot, .port = port};
-  request.*field = value;
-  return post(route, request);
-}
-
-/// Sets two attributes of a port; the rest of the request is left as it happens to be.
-[[gnu::noinline]] int32_t post_port_uncleared(uint32_t slot, uint32_t port, uint32_t first,
-                                              uint32_t second, PortField first_field,
-                                              PortField second_field, Route route) {
-  olt_port_attributes request;  // NOLINT(cppcoreguidelines-pro-type-member-init)
-  request.slot = slot;
-  request.port = port;
-  request.*first_field = first;
-  request.*second_field = second;
-  return post(route, request);
-}
-
 /// Reads one attribute of a port. The reply is not released.
-[[gnu::noinline]] int32_t fetch_port(uint32_t slot, uint32_t port, uint32_t *out, uint8_t offset,
-                                     Route route) {
-  olt_port_attributes request{.slot = slot, .port = port};
-  return fetch_keep(&request, out, {sizeof request, {offset, sizeof *out}}, route);
+int32_t fetch_keep(uint32_t slot, uint32_t port, uint32_t *out, Setting setting) {
+  Reply reply;
+  int32_t result = ask_setting(slot, port, setting.route(), reply);
+  if (result == 0) *out = word_at(reply, setting.offset());
+  return result;
 }
 
 bool names_port(const olt_port_attributes &record, uint32_t first, uint32_t last) {
@@ -58,27 +37,27 @@ static_assert(sizeof(UplinkAggregation) == 32);
 }  // namespace
 
 int32_t set_uplink_sfp_module(uint32_t slot, uint32_t port, uint32_t sfp_module) {
-  return post_port(slot, port, sfp_module, &olt_port_attributes::sfp_module, 13);
+  return post_setting(slot, port, sfp_module, {13, offsetof(olt_port_attributes, sfp_module)});
 }
 
 int32_t set_port_enable(uint32_t slot, uint32_t port, uint32_t port_enable) {
-  return post_port(slot, port, port_enable, &olt_port_attributes::port_enable, 14);
+  return post_setting(slot, port, port_enable, {14, offsetof(olt_port_attributes, port_enable)});
 }
 
 int32_t get_port_enable(uint32_t slot, uint32_t port, uint32_t *port_enable) {
-  return fetch_port(slot, port, port_enable, offsetof(olt_port_attributes, port_enable), 15);
+  return fetch_keep(slot, port, port_enable, {15, offsetof(olt_port_attributes, port_enable)});
 }
 
 int32_t get_port_link_state(uint32_t slot, uint32_t port, uint32_t *link_state) {
-  return fetch_port(slot, port, link_state, offsetof(olt_port_attributes, link_state), 16);
+  return fetch_keep(slot, port, link_state, {16, offsetof(olt_port_attributes, link_state)});
 }
 
 int32_t get_port_link_duplex(uint32_t slot, uint32_t port, uint32_t *link_duplex) {
-  return fetch_port(slot, port, link_duplex, offsetof(olt_port_attributes, link_duplex), 17);
+  return fetch_keep(slot, port, link_duplex, {17, offsetof(olt_port_attributes, link_duplex)});
 }
 
 int32_t get_port_link_speed(uint32_t slot, uint32_t port, uint32_t *link_speed) {
-  return fetch_port(slot, port, link_speed, offsetof(olt_port_attributes, link_speed), 18);
+  return fetch_keep(slot, port, link_speed, {18, offsetof(olt_port_attributes, link_speed)});
 }
 
 /// On the wire the second value comes before the first.
@@ -88,26 +67,43 @@ int32_t Set_port_vlanmode(uint32_t slot, uint32_t port, uint32_t first, uint32_t
                   .slot = slot, .port = port, .vlanmode_second = second, .vlanmode_first = first});
 }
 
+// What the next four do not set of the request is left as it happens to be.
+// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+
 int32_t set_olt_port_ratecontrol(uint32_t slot, uint32_t port, uint32_t first, uint32_t second) {
-  return post_port_uncleared(slot, port, first, second, &olt_port_attributes::ratecontrol_first,
-                             &olt_port_attributes::ratecontrol_second, 66);
+  olt_port_attributes request;
+  request.slot = slot;
+  request.port = port;
+  request.ratecontrol_first = first;
+  request.ratecontrol_second = second;
+  return post(66, request);
 }
 
 int32_t stp_set_port_rstp_state(uint32_t slot, uint32_t port, uint32_t rstp_state) {
-  return post_port_uncleared(slot, port, rstp_state, rstp_state, &olt_port_attributes::rstp_state,
-                             &olt_port_attributes::rstp_state, 67);
+  olt_port_attributes request;
+  request.slot = slot;
+  request.port = port;
+  request.rstp_state = rstp_state;
+  return post(67, request);
 }
 
 int32_t set_olt_port_ingressfilter(uint32_t slot, uint32_t port, uint32_t first, uint32_t second) {
-  return post_port_uncleared(slot, port, first, second, &olt_port_attributes::ingressfilter_first,
-                             &olt_port_attributes::ingressfilter_second, 68);
+  olt_port_attributes request;
+  request.slot = slot;
+  request.port = port;
+  request.ingressfilter_first = first;
+  request.ingressfilter_second = second;
+  return post(68, request);
 }
 
 int32_t set_olt_port_flowcontrol(uint32_t slot, uint32_t port, uint32_t flowcontrol) {
-  return post_port_uncleared(slot, port, flowcontrol, flowcontrol,
-                             &olt_port_attributes::flowcontrol, &olt_port_attributes::flowcontrol,
-                             69);
+  olt_port_attributes request;
+  request.slot = slot;
+  request.port = port;
+  request.flowcontrol = flowcontrol;
+  return post(69, request);
 }
+// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 int32_t get_snmp_olt_port_basic_info(olt_port_attributes *record) {
   return names_port(*record, 1, 4) ? fetch_over(70, *record) : -1;
@@ -126,7 +122,7 @@ int32_t process_olt_port_mac(const olt_port_mac *record) {
 }
 
 int32_t set_oltport_maxlink(uint32_t slot, uint32_t port, uint32_t max_link) {
-  return post_port(slot, port, max_link, &olt_port_attributes::max_link, 102);
+  return post_setting(slot, port, max_link, {102, offsetof(olt_port_attributes, max_link)});
 }
 
 int32_t Set_upport_agg(uint32_t upport_agg) {

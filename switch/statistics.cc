@@ -1,3 +1,5 @@
+#include <stddef.h>
+
 #include "oltmgmt.h"
 #include "transport/interface_request.h"
 
@@ -5,9 +7,9 @@ using namespace olt;
 
 namespace {
 
-/// Other than the listings, the clearers name the port in the first two words.
-int32_t post_clear(Route route, uint32_t slot, uint32_t port) {
-  return post(route, olt_port_attributes{.slot = slot, .port = port});
+/// Other than the listings, the clearers name the port in the first two words. They set no word.
+int32_t post_clear(uint8_t message_type, uint32_t slot, uint32_t port) {
+  return post_setting(slot, port, 0, {message_type, offsetof(olt_port_attributes, reserved_08)});
 }
 
 }  // namespace
@@ -22,7 +24,7 @@ int32_t clear_statics_file_by_interface(uint32_t slot, uint32_t port) {
 
 int32_t get_dynmac_file_by_interface(uint32_t slot, uint32_t port, uint32_t dynmac_arg,
                                      char name[32]) {
-  return fetch_range(31, InterfaceRequest{.slot = slot, .port = port, .argument = dynmac_arg},
+  return fetch_range(31, ListingRequest{.slot = slot, .port = port, .argument = dynmac_arg},
                      kResultName, name);
 }
 

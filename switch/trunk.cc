@@ -1,6 +1,6 @@
 #include "oltmgmt.h"
 #include "switch/vlan_list.h"
-#include "transport/shapes.h"
+#include "transport/block.h"
 
 using namespace olt;
 using namespace olt_switch;
@@ -15,39 +15,41 @@ struct TrunkRequest {
 };
 static_assert(sizeof(TrunkRequest) == 80);
 
-constexpr uint8_t kTimeout = 60;
+constexpr Route trunk(uint8_t message_type) {
+  constexpr uint8_t kTimeout = 60;
+  return {message_type, kMainModule, kTimeout};
+}
 
 /// The allocation is not tested, and what lies between head and list is not cleared.
 int32_t post_trunk(uint32_t slot, uint32_t port, const olt_vlan_list *list, uint32_t trunk_value,
-                   uint16_t type, const char *operation) {
-  CallSite site{operation};
+                   const Call &call) {
   uint32_t length = sizeof(TrunkRequest) + wire_length(*list, kVlanElement);
-  auto *request = static_cast<TrunkRequest *>(open_block(length, site));
+  auto *request = static_cast<TrunkRequest *>(open_block(length, call));
   request->slot = slot;
   request->port = port;
   request->trunk_value = trunk_value;
-  put_elements(reinterpret_cast<char *>(request + 1), *list, kVlanElement);
-  return post_block(request, length, {type, kMainModule, kTimeout}, site);
+  put_elements(request + 1, *list, kVlanElement);
+  return post_block(request, length, call);
 }
 
 }  // namespace
 
 int32_t process_trunk_vlan(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                            uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, 25, __func__);
+  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(25), __func__)>);
 }
 
 int32_t process_trunk_vlan_untag(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                  uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, 26, __func__);
+  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(26), __func__)>);
 }
 
 int32_t process_trunk_vlan_all(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, 27, __func__);
+  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(27), __func__)>);
 }
 
 int32_t process_trunk_vlan_untag_all(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                      uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, 28, __func__);
+  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(28), __func__)>);
 }

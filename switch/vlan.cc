@@ -3,6 +3,7 @@
 
 #include "oltmgmt.h"
 #include "switch/vlan_list.h"
+#include "transport/block.h"
 #include "transport/interface_request.h"
 
 using namespace olt;
@@ -25,19 +26,19 @@ static_assert(sizeof(VlanQuery) == 80 && offsetof(VlanQuery, descr) == 16);
 }  // namespace
 
 int32_t add_vlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, 19, __func__);
+  return post_vlans(list, kVlanElement, kCall<NamedCall(19, __func__)>);
 }
 
 int32_t delete_vlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, 20, __func__);
+  return post_vlans(list, kVlanElement, kCall<NamedCall(20, __func__)>);
 }
 
 int32_t add_vlan_descr_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanDescrElement, 21, __func__);
+  return post_vlans(list, kVlanDescrElement, kCall<NamedCall(21, __func__)>);
 }
 
 int32_t delete_vlan_descr_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, 22, __func__);
+  return post_vlans(list, kVlanElement, kCall<NamedCall(22, __func__)>);
 }
 
 int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char name[32]) {
@@ -47,16 +48,12 @@ int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char na
 
 /// The allocation is not tested, and what lies between kind and list is not cleared.
 int32_t get_vlan_information_file_bylist(const olt_vlan_list *list, char name[32]) {
-  CallSite site{__func__};
+  const Call &call = kCall<NamedCall(kQuery, __func__)>;
   uint32_t length = sizeof(VlanQuery) + wire_length(*list, kVlanElement);
-  auto *query = static_cast<VlanQuery *>(open_block(length, site));
+  auto *query = static_cast<VlanQuery *>(open_block(length, call));
   query->query_kind = kByList;
-  put_elements(reinterpret_cast<char *>(query + 1), *list, kVlanElement);
-  Reply reply;
-  if (int32_t result = ask_block(query, length, kQuery, site, reply)) return result;
-  take(reply, kResultName, name);
-  release_reply(reply);
-  return 0;
+  put_elements(query + 1, *list, kVlanElement);
+  return fetch_block(query, length, name, kResultName, call);
 }
 
 /// The description is copied as long as it is.

@@ -3,7 +3,7 @@
 #define OLT_SWITCH_VLAN_LIST_H
 
 #include "oltmgmt.h"
-#include "transport/shapes.h"
+#include "transport/block.h"
 
 namespace olt_switch {
 
@@ -17,11 +17,10 @@ inline uint32_t wire_length(const olt_vlan_list &list, uint32_t element) {
 }
 
 /// Writes one element per node, for as many nodes as the list counts.
-void put_elements(char *out, const olt_vlan_list &list, uint32_t element);
+void put_elements(void *out, const olt_vlan_list &list, uint32_t element);
 
 /// Sends the list. @return -1 when there is no memory.
-int32_t post_vlans(const olt_vlan_list *list, uint32_t element, olt::Route route,
-                   const char *operation);
+int32_t post_vlans(const olt_vlan_list *list, uint32_t element, const olt::Call &call);
 
 }  // namespace olt_switch
 

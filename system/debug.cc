@@ -14,7 +14,7 @@ constexpr uint8_t kOamModule = 18;
 constexpr uint8_t kLogModule = 22;
 
 /// The log module decides; the main module is told only of what it accepted.
-int32_t post_log_then_main(uint16_t type, uint32_t value) {
+[[gnu::noinline]] int32_t post_log_then_main(uint8_t type, uint32_t value) {
   int32_t result = post_value(value, {type, kLogModule});
   return result != 0 ? result : post_value(value, type);
 }

@@ -1,24 +1,25 @@
 #include "oltmgmt.h"
-#include "transport/shapes.h"
+#include "transport/block.h"
 
 using namespace olt;
 
 namespace {
 
-constexpr uint8_t kStreamTimeout = 60;
+constexpr Route stream(uint8_t message_type) {
+  constexpr uint8_t kTimeout = 60;
+  return {message_type, kMainModule, kTimeout};
+}
 
 }  // namespace
 
 int32_t do_handle_epon_updatestream(const void *request, uint32_t length, void **answer,
                                     uint32_t *answer_length) {
-  return fetch_copy(request, length, answer, answer_length, __func__,
-                    {11, kMainModule, kStreamTimeout});
+  return fetch_copy(request, length, answer, answer_length, kCall<NamedCall(stream(11), __func__)>);
 }
 
 int32_t do_handle_epon_updatestream_onu(const void *request, uint32_t length, void **answer,
                                         uint32_t *answer_length) {
-  return fetch_copy(request, length, answer, answer_length, __func__,
-                    {64, kMainModule, kStreamTimeout});
+  return fetch_copy(request, length, answer, answer_length, kCall<NamedCall(stream(64), __func__)>);
 }
 
 int32_t get_card_updatestatus(uint32_t *value) {

@@ -4,21 +4,31 @@
 
 #include <stdint.h>
 
+#include "oltplatform.h"
+
+/// Always part of what uses it: a call would cost more than it saves.
+#define OLT_INLINE [[gnu::always_inline]] inline
+
 namespace olt {
 
 inline constexpr uint8_t kMainModule = 2;
 inline constexpr uint8_t kDefaultTimeout = 10;
 
-/// What a request asks for, of whom, and for how many seconds the caller waits. Passed in one
-/// register.
+/// What a request asks for, of whom, and for how many seconds the caller waits. In one register, as
+/// the difference from the common module and time-out: most routes are then one instruction.
 struct Route {
-  constexpr Route(uint16_t message_type, uint8_t destination = kMainModule,
-                  uint8_t timeout_seconds = kDefaultTimeout)
-      : type(message_type), module(destination), timeout(timeout_seconds) {}
+  constexpr Route(uint8_t message_type, uint8_t module = kMainModule,
+                  uint8_t timeout = kDefaultTimeout)
+      : word(message_type | uint32_t{module} << 16 | uint32_t{timeout} << 24) {
+    word ^= kCommon;
+  }
 
-  uint16_t type;
-  uint8_t module;
-  uint8_t timeout;
+  constexpr uint32_t message_type() const { return word & 0xFF; }
+  constexpr uint32_t module() const { return (word ^ kCommon) >> 16 & 0xFF; }
+  constexpr uint32_t timeout() const { return (word ^ kCommon) >> 24; }
+
+  static constexpr uint32_t kCommon = kMainModule << 16 | kDefaultTimeout << 24;
+  uint32_t word;
 };
 
 /// An answer. The record behind data is the platform's and may lie at any address.
@@ -29,14 +39,31 @@ struct Reply {
   uint16_t status = 0;
 };
 
+// Part of each shape that sends. A destination is a route, or what else names type, module and
+// time-out.
+
 /// Sends a request of which only the acceptance matters. @return transport result | status.
-int32_t request_no_reply(const void *request, uint32_t length, Route route);
+template <typename Destination>
+OLT_INLINE int32_t request_no_reply(const void *request, uint32_t length, const Destination &to) {
+  uint16_t status = 0;
+  int32_t result = platmsg_syn_result(to.message_type(), to.module(), const_cast<void *>(request),
+                                      length, nullptr, nullptr, nullptr, &status, 1, to.timeout());
+  return result | status;
+}
 
 /// Sends a request for a reply record. What the platform does not write in reply stays as it was.
 /// @return the transport result; the status is in the reply.
-int32_t request_with_reply(const void *request, uint32_t length, Route route, Reply &reply);
+template <typename Destination>
+OLT_INLINE int32_t request_with_reply(const void *request, uint32_t length, const Destination &to,
+                                      Reply &reply) {
+  return platmsg_syn_result(to.message_type(), to.module(), const_cast<void *>(request), length,
+                            &reply.data, &reply.length, &reply.handle, &reply.status, 0,
+                            to.timeout());
+}
 
-void release_reply(const Reply &reply);
+inline void release_reply(const Reply &reply) {
+  IPC_Free(reply.handle);
+}
 
 }  // namespace olt
 
