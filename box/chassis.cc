@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "box/ont.h"
+#include "box/pon.h"
+#include "box/snmp.h"
 #include "box/state_file.h"
 #include "box/switch.h"
 #include "box/system.h"
@@ -22,8 +25,15 @@ Chassis::Chassis(const Topology &topology, StateDirectory &state, Listings listi
       clock_(std::move(clock)),
       events_(clock_),
       started_(clock_()) {
+  auto ethernet = std::make_shared<SwitchState>(topology_, clock_());
+  auto onus = std::make_shared<OnuState>(topology_, clock_());
+  auto admission = std::make_shared<PonAdmission>(onus);
+  auto iptv = std::make_shared<IptvState>();
   add_system_families(*this, families_);
-  add_switch_families(*this, families_);
+  add_switch_families(*this, ethernet, families_);
+  add_pon_families(*this, onus, admission, families_);
+  add_ont_families(*this, onus, iptv, families_);
+  add_snmp_families(*this, ethernet, onus, admission, iptv, families_);
   load_saved();
 }
 

@@ -24,7 +24,9 @@ std::string why(int error) {
 }
 
 void make_directories(const std::filesystem::path &path) {
-  if (path.empty() || std::filesystem::exists(path)) return;
+  std::error_code error;
+  if (path.empty() || std::filesystem::exists(path, error)) return;
+  if (error) throw StorageFailure(path.string() + ": " + error.message());
   make_directories(path.parent_path());
   if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) fail(path.string());
 }
@@ -61,6 +63,36 @@ void fill(int directory, const std::string &name, std::string_view content,
   if (placement.durable && fsync(file.get()) != 0) fail(name);
 }
 
+void rename_within(int directory, const std::string &from, const std::string &to) {
+  if (renameat(directory, from.c_str(), directory, to.c_str()) != 0) fail(to);
+}
+
+/// Renames, and has the directory on disk. The old file stays at hand until that is done, so that
+/// it can be put back.
+void put_durably(int directory, const std::string &from, const std::string &to) {
+  const std::string old = ".old";
+  unlinkat(directory, old.c_str(), 0);
+  bool existed = linkat(directory, to.c_str(), directory, old.c_str(), 0) == 0;
+  if (!existed && errno != ENOENT) fail(to);
+  try {
+    rename_within(directory, from, to);
+    if (fsync(directory) != 0) {
+      int error = errno;
+      if (existed) {
+        renameat(directory, old.c_str(), directory, to.c_str());
+      } else {
+        unlinkat(directory, to.c_str(), 0);
+      }
+      errno = error;
+      fail(to);
+    }
+  } catch (...) {
+    unlinkat(directory, old.c_str(), 0);
+    throw;
+  }
+  unlinkat(directory, old.c_str(), 0);
+}
+
 }  // namespace
 
 Descriptor::Descriptor(Descriptor &&other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
@@ -89,14 +121,15 @@ void replace_file(const Descriptor &directory, const std::string &name, std::str
   unlinkat(directory.get(), temporary.c_str(), 0);
   try {
     fill(directory.get(), temporary, content, placement);
-    if (renameat(directory.get(), temporary.c_str(), directory.get(), name.c_str()) != 0) {
-      fail(name);
+    if (placement.durable) {
+      put_durably(directory.get(), temporary, name);
+    } else {
+      rename_within(directory.get(), temporary, name);
     }
-  } catch (const StorageFailure &) {
+  } catch (...) {
     unlinkat(directory.get(), temporary.c_str(), 0);
     throw;
   }
-  if (placement.durable && fsync(directory.get()) != 0) fail(name);
 }
 
 StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience)

@@ -67,6 +67,12 @@ std::string_view reason_of(std::string_view message) {
   return colon == std::string_view::npos ? message : message.substr(colon + 2);
 }
 
+/// What stands in quotes in the parser's message.
+std::string_view quoted_in(std::string_view message) {
+  size_t begin = std::min(message.find('\''), message.size() - 1) + 1;
+  return message.substr(begin, message.rfind('\'') - begin);
+}
+
 /// Where the last character that the parser read stands.
 std::string place_in(std::string_view text, size_t characters_read) {
   std::string_view before = text.substr(0, std::max<size_t>(characters_read, 1) - 1);
@@ -83,6 +89,11 @@ Json parse_json(std::string_view text) {
     return Json::parse(text.begin(), text.end(), std::ref(check));
   } catch (const Json::parse_error &error) {
     throw BadInput(place_in(text, error.byte) + ": " + printable(reason_of(error.what())));
+  } catch (const Json::out_of_range &error) {
+    std::string_view number = quoted_in(error.what());
+    throw BadInput(
+        fmt::format("{}: number {} is beyond what any member can hold, expected a smaller one",
+                    place_in(text, text.find(number) + number.size()), printable(number)));
   }
 }
 
@@ -147,6 +158,14 @@ std::string ObjectReader::bytes(std::string_view key, size_t most) {
     refuse(place_of(key), member, fmt::format("a text of at most {} bytes", most));
   }
   return *bytes;
+}
+
+void ObjectReader::hex(std::string_view key, std::span<uint8_t> field) {
+  auto bytes = from_hex(text(key));
+  if (!bytes || bytes->size() != field.size()) {
+    refuse(place_of(key), get(key), fmt::format("{} bytes in hex", field.size()));
+  }
+  std::copy(bytes->begin(), bytes->end(), field.begin());
 }
 
 bool ObjectReader::flag(std::string_view key) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,8 @@ class ObjectReader {
   std::string text(std::string_view key, std::string_view fallback);
   /// A text that stands for bytes (bytes_to_utf8), at most so many.
   std::string bytes(std::string_view key, size_t most);
+  /// A text that gives as many bytes in hex as the field has.
+  void hex(std::string_view key, std::span<uint8_t> field);
   bool flag(std::string_view key);
 
   std::string place_of(std::string_view key) const;

@@ -98,15 +98,15 @@ Listings::Listings(std::filesystem::path directory, std::optional<gid_t> group)
 void Listings::look_around() {
   std::error_code error;
   std::filesystem::directory_iterator entries(directory_, error);
-  if (error) throw StorageFailure(directory_.string() + ": " + error.message());
-  last_number_ = 0;
-  for (const auto &entry : entries) {
-    std::string name = entry.path().filename().string();
-    if (auto number = number_in(name)) {
-      names_.emplace(*number, name);
-      last_number_ = std::max(*last_number_, *number);
-    }
+  std::multimap<uint32_t, std::string> names;
+  for (const std::filesystem::directory_iterator end; !error && entries != end;
+       entries.increment(error)) {
+    std::string name = entries->path().filename().string();
+    if (auto number = number_in(name)) names.emplace(*number, name);
   }
+  if (error) throw StorageFailure(directory_.string() + ": " + error.message());
+  names_ = std::move(names);
+  last_number_ = names_.empty() ? 0 : names_.rbegin()->first;
 }
 
 std::string Listings::write(std::string_view kind, std::string_view text) {

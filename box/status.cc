@@ -26,6 +26,8 @@ const char *status_text(uint16_t status) {
       return "out of order";
     case Status::kInternal:
       return "internal failure";
+    case Status::kOffline:
+      return "ONU not up";
   }
   return "unknown status";
 }

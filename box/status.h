@@ -18,6 +18,7 @@ enum class Status : uint16_t {
   kStorage = 8,     ///< a file could not be written; what it held before still stands
   kOutOfOrder = 9,  ///< the piece of an update stream does not continue the update
   kInternal = 10,   ///< the box failed; the event log says how
+  kOffline = 11,    ///< only the ONU could do it or tell, and it is not up
 };
 
 /// A few words for a status; never null.

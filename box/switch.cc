@@ -2,8 +2,8 @@
 
 namespace olt::box {
 
-void add_switch_families(Chassis &chassis, std::vector<std::unique_ptr<Family>> &families) {
-  auto state = std::make_shared<SwitchState>(chassis.topology(), chassis.now());
+void add_switch_families(Chassis &chassis, const SharedSwitch &state,
+                         std::vector<std::unique_ptr<Family>> &families) {
   families.push_back(make_switch_port(chassis, state));
   families.push_back(make_switch_vlan(chassis, state));
   families.push_back(make_switch_statistics(chassis, state));

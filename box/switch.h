@@ -20,7 +20,8 @@ std::unique_ptr<Family> make_switch_rstp(Chassis &chassis, SharedSwitch state);
 std::unique_ptr<Family> make_switch_multicast(Chassis &chassis);
 
 /// Adds all of them, in the order in which listings show them.
-void add_switch_families(Chassis &chassis, std::vector<std::unique_ptr<Family>> &families);
+void add_switch_families(Chassis &chassis, const SharedSwitch &state,
+                         std::vector<std::unique_ptr<Family>> &families);
 
 }  // namespace olt::box
 

@@ -7,6 +7,8 @@
 #include <array>
 #include <tuple>
 
+#include "box/mac.h"
+#include "box/moment.h"
 #include "box/switch.h"
 
 namespace olt::box {
@@ -25,13 +27,6 @@ enum PortMacOp : uint16_t { kAdd = 1, kDelete = 2 };
 constexpr size_t kMostStatic = 256;
 
 constexpr seconds kAgeing{300};
-
-using Mac = std::array<uint8_t, 6>;
-
-bool is_one_device(const Mac &mac) {
-  bool blank = std::all_of(mac.begin(), mac.end(), [](uint8_t byte) { return byte == 0; });
-  return (mac[0] & 1) == 0 && !blank;
-}
 
 struct Address {
   uint16_t vlan;
@@ -134,8 +129,6 @@ class SwitchMac final : public Family {
     Address address;
     std::string age;  ///< "-" for a static one
   };
-
-  static std::string mac_text(const Mac &mac) { return fmt::format("{:02x}", fmt::join(mac, ":")); }
 
   void take(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);

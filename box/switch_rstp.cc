@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "box/moment.h"
 #include "box/switch.h"
 
 namespace olt::box {
@@ -89,12 +90,12 @@ class SwitchRstp final : public Family {
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
     Bridge bridge;
-    read_bytes(reader, "bridge", bridge);
+    reader.hex("bridge", bridge);
     take_bridge(bridge);
     for_each_element(reader.get("ports"), reader.place_of("ports"),
                      [this](const Json &element, const std::string &at) {
                        ObjectReader port(element, at);
-                       read_bytes(port, "settings", ports_[state_->read_port(port) - 1]);
+                       port.hex("settings", ports_[state_->read_port(port) - 1]);
                        port.finish();
                      });
     reader.finish();
@@ -153,16 +154,6 @@ class SwitchRstp final : public Family {
     State state;
     seconds since;
   };
-
-  template <size_t size>
-  static void read_bytes(ObjectReader &reader, std::string_view key,
-                         std::array<uint8_t, size> &field) {
-    auto bytes = from_hex(reader.text(key));
-    if (!bytes || bytes->size() != size) {
-      refuse(reader.place_of(key), reader.get(key), fmt::format("{} bytes in hex", size));
-    }
-    std::copy(bytes->begin(), bytes->end(), field.begin());
-  }
 
   Status bridge(Reply &reply) {
     reply.bytes(0, bridge_);

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "box/moment.h"
+
 namespace olt::box {
 
 namespace {
@@ -13,7 +15,6 @@ using std::chrono::milliseconds;
 
 /// From enabling a port to its link.
 constexpr std::chrono::seconds kNegotiation{2};
-constexpr NumberRange kTimes = {0, uint64_t{UINT32_MAX} * 1000};
 
 constexpr size_t kLinkSpeedAt = 20;
 constexpr size_t kLinkDuplexAt = 24;
@@ -106,15 +107,7 @@ void EthernetPort::resume(ObjectReader &reader) {
   link_from_ = read_time(reader, "link_from");
   rstp_from_ = read_time(reader, "rstp_from");
   counted_from_ = read_time(reader, "counted_from");
-  counted_before_ = milliseconds(reader.number("counted_before", kTimes));
-}
-
-uint64_t to_milliseconds(TimePoint time) {
-  return static_cast<uint64_t>(std::chrono::floor<milliseconds>(time.time_since_epoch()).count());
-}
-
-TimePoint read_time(ObjectReader &reader, std::string_view key) {
-  return TimePoint(milliseconds(reader.number(key, kTimes)));
+  counted_before_ = milliseconds(reader.number("counted_before", kMoments));
 }
 
 SwitchState::SwitchState(const Topology &topology, TimePoint now)

@@ -94,10 +94,6 @@ class EthernetPort {
   std::chrono::milliseconds counted_before_{0};
 };
 
-/// Times in state files, in milliseconds since 1970. Reading throws BadInput.
-uint64_t to_milliseconds(TimePoint time);
-TimePoint read_time(ObjectReader &reader, std::string_view key);
-
 /// The VLANs that a port is in. None is in both sets.
 struct Membership {
   uint32_t trunk_value = 0;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "box/mac.h"
 #include "box/system.h"
 
 namespace olt::box {
@@ -29,9 +30,7 @@ class SystemInformation final : public Family {
     auto up = chassis_.uptime().count();
     report.section("OLT");
     report.row({"Name", box.name});
-    report.row(
-        {"MAC address", fmt::format("{:02x}:{:02x}:{:02x}:{:02x}:{:02x}:{:02x}", box.mac[0],
-                                    box.mac[1], box.mac[2], box.mac[3], box.mac[4], box.mac[5])});
+    report.row({"MAC address", mac_text(box.mac)});
     report.row({"Serial number", box.serial});
     report.row({"Software version", box.software_version});
     report.row({"OAM support", fmt::to_string(box.oam_support)});
@@ -39,6 +38,7 @@ class SystemInformation final : public Family {
     report.row({"PON interfaces", fmt::to_string(box.pon_interfaces)});
     report.row({"ONUs per PON interface", fmt::to_string(box.onus_per_interface)});
     report.row({"UNI ports per ONU", fmt::to_string(box.uni_ports_per_onu)});
+    report.row({"Voice lines per ONU", fmt::to_string(box.voice_lines_per_onu)});
     report.row({"Uptime", fmt::format("{} d {:02}:{:02}:{:02}", up / 86400, up / 3600 % 24,
                                       up / 60 % 60, up % 60)});
   }

@@ -100,6 +100,11 @@ void read_pon(const Json &value, Topology &topology) {
   read_number(pon, "interfaces", {1, 16}, topology.pon_interfaces);
   read_number(pon, "onus_per_interface", {1, 1024}, topology.onus_per_interface);
   read_number(pon, "uni_ports_per_onu", {1, 32}, topology.uni_ports_per_onu);
+  read_number(pon, "voice_lines_per_onu", {0, 8}, topology.voice_lines_per_onu);
+  auto restart = static_cast<uint64_t>(topology.onu_restart.count());
+  auto longest = static_cast<uint64_t>(kLongestRestart.count());
+  topology.onu_restart =
+      std::chrono::seconds(pon.number("onu_restart_seconds", {0, longest}, restart));
   pon.finish();
 }
 

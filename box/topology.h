@@ -3,6 +3,7 @@
 #define OLT_BOX_TOPOLOGY_H
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -19,6 +20,8 @@ struct PortHardware {
   uint32_t stations = 4;  ///< devices that send through the port
 };
 
+inline constexpr std::chrono::seconds kLongestRestart{3600};
+
 struct Topology {
   /// The port of that number, counted from 1.
   PortHardware port(uint32_t number) const;
@@ -30,9 +33,11 @@ struct Topology {
   uint32_t oam_support = 1;
   uint32_t ethernet_ports = 4;
   std::map<uint32_t, PortHardware> special_ports;  ///< those that are not as usual, by number
-  uint32_t pon_interfaces = 2;
-  uint32_t onus_per_interface = 32;
+  uint32_t pon_interfaces = 16;
+  uint32_t onus_per_interface = 64;
   uint32_t uni_ports_per_onu = 4;
+  uint32_t voice_lines_per_onu = 2;
+  std::chrono::seconds onu_restart{3};  ///< how long an ONU that reboots is away
 };
 
 /// Throws BadInput with one line: place, what is wrong, what is expected.

@@ -35,7 +35,8 @@ inline constexpr Operation kOntVoice[] = {
 };
 
 inline constexpr Operation kOntWan[] = {
-    OLT_OPERATION(deal_wan_connection, 145, "Creates or changes a WAN connection of an ONT",
+    OLT_OPERATION(deal_wan_connection, 145,
+                  "Creates, changes or deletes a WAN connection of an ONT",
                   {"ont", "wan_connection"}),
     OLT_OPERATION(show_ont_wanconnection, 146, "Lists the WAN connections of an ONT",
                   {"ont", "name"}),

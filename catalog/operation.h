@@ -20,6 +20,9 @@ enum class FieldKind : uint8_t {
 
 /// A named field of a record.
 struct Field {
+  /// The width of all that is behind the head of a block.
+  static constexpr uint16_t kToTheEnd = 0;
+
   const char *name;
   uint16_t offset;
   uint16_t width;

@@ -28,6 +28,7 @@ struct Mark {
   std::optional<Direction> direction{};
   std::optional<Kind> kind{};
   uint32_t size = 0;
+  std::span<const Field> fields{};
 };
 
 /// A text of at most that many bytes, a word up to that value: what the library or the record
@@ -76,6 +77,12 @@ constexpr Mark headed(uint32_t size, Mark mark) {
 /// A block that is a copy of the whole reply.
 constexpr Mark whole_reply(Mark mark) {
   mark.kind = Kind::kReplyBlock;
+  return mark;
+}
+
+/// A record whose type has no fields, or others.
+constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
+  mark.fields = fields;
   return mark;
 }
 
@@ -161,7 +168,7 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .kind = mark.kind.value_or(parameter.kind),
           .direction = mark.direction.value_or(parameter.direction),
           .size = mark.size != 0 ? mark.size : parameter.size,
-          .fields = parameter.fields,
+          .fields = mark.fields.empty() ? parameter.fields : mark.fields,
           .form = parameter.form,
           .most = mark.most,
           .secret = mark.is_secret,

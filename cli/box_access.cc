@@ -1,11 +1,14 @@
 #include "cli/box_access.h"
 
+#include <fmt/format.h>
+
 #include <cstdlib>
 #include <system_error>
 
 #include "cli/error.h"
 #include "cli/state_folder.h"
 #include "platform/flash_device/flash_device.h"
+#include "platform/olthost.h"
 
 namespace olt::cli {
 
@@ -37,6 +40,13 @@ void BoxAccess::open_flash(const char *operation) {
   open();
   char error[flash_device::kErrorLength];
   if (!flash_device::redirect(flash_image_.c_str(), error)) fail("oltctl: {}", error);
+}
+
+std::string BoxAccess::advice(int32_t result) const {
+  if (result != OLT_TRANSPORT_NO_MODULE || options_.run_dir.empty()) return "";
+  return fmt::format(
+      "; expected a box that was started with 'oltbox --run-dir {}', or --box embedded",
+      options_.run_dir);
 }
 
 void BoxAccess::close() {

@@ -2,8 +2,10 @@
 #ifndef OLT_CLI_BOX_ACCESS_H
 #define OLT_CLI_BOX_ACCESS_H
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "cli/embedded_box.h"
 #include "cli/options.h"
@@ -20,6 +22,9 @@ class BoxAccess {
   /// Must come before an operation on the flash: puts the embedded box's simulated device in the
   /// place of this machine's own, unless that was asked for. Throws Error.
   void open_flash(const char *operation);
+
+  /// What to do about a box that is not there, for the end of an error line; else nothing.
+  std::string advice(int32_t result) const;
 
   /// Keeps the embedded box. Throws Error.
   void close();

@@ -37,6 +37,16 @@ void append_line(std::string &dump, ByteView bytes, size_t begin, Hidden hidden)
   dump += '\n';
 }
 
+/// Bytes of the control character at the beginning; 0 when there is none. Of those beyond ASCII,
+/// which are two bytes in UTF-8, one begins a terminal's commands as escape does.
+size_t control_at_front(std::string_view text) {
+  auto first = static_cast<uint8_t>(text[0]);
+  if (first < 0x20 || first == 0x7F) return 1;
+  if (first != 0xC2 || text.size() < 2) return 0;
+  auto second = static_cast<uint8_t>(text[1]);
+  return second >= 0x80 && second < 0xA0 ? 2 : 0;
+}
+
 }  // namespace
 
 std::optional<Bytes> parse_hex(std::string_view text) {
@@ -87,13 +97,13 @@ std::string hex_dump(ByteView bytes, Hidden hidden) {
 
 std::string printable(std::string_view text) {
   std::string shown;
-  for (char character : text) {
-    auto byte = static_cast<uint8_t>(character);
-    if (byte < 0x20 || byte == 0x7F) {
-      fmt::format_to(std::back_inserter(shown), "\\x{:02x}", byte);
-    } else {
-      shown += character;
+  while (!text.empty()) {
+    size_t control = control_at_front(text);
+    for (char character : text.substr(0, control)) {
+      fmt::format_to(std::back_inserter(shown), "\\x{:02x}", static_cast<uint8_t>(character));
     }
+    if (control == 0) shown += text[0];
+    text.remove_prefix(std::max<size_t>(control, 1));
   }
   return shown;
 }

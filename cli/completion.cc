@@ -5,6 +5,7 @@
 #include "catalog/catalog.h"
 #include "cli/describe.h"
 #include "cli/manual.h"
+#include "cli/readers.h"
 
 namespace olt::cli {
 
@@ -46,6 +47,7 @@ Words argument_names(const Operation &operation) {
 Words command_words(std::span<const std::string> before) {
   const std::string &command = before[0];
   if (command == "help") return before.size() == 1 ? first_words() : Words{};
+  if (command == "walk") return before.size() == 1 ? reader_names() : Words{};
   if (command == "completion") return before.size() == 1 ? Words{"bash"} : Words{};
   if (command != "fault") return {};
   if (before.size() == 1) return {"add", "list", "clear"};
@@ -73,6 +75,7 @@ std::string branches() {
     }
   }
   text += branch("help", first_words());
+  text += branch("walk", command_words(Words{"walk"}));
   text += branch("completion", command_words(Words{"completion"}));
   text += branch("fault", command_words(Words{"fault"}));
   text += branch("'fault add'*", command_words(Words{"fault", "add"}));

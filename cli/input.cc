@@ -172,7 +172,7 @@ class Input {
       std::string_view patch = value.substr(0, value.find(','));
       value.remove_prefix(std::min(patch.size() + 1, value.size()));
       size_t colon = patch.find(':');
-      if (colon == std::string_view::npos) refuse("'{}' has no offset", patch);
+      if (colon == std::string_view::npos) refuse("'{}' has no offset", printable(patch));
       uint32_t offset = number(patch.substr(0, colon), UINT32_MAX);
       Bytes bytes = hex(patch.substr(colon + 1));
       if (offset > argument_.size || bytes.size() > argument_.size - offset) {
@@ -240,7 +240,7 @@ class Input {
   Bytes file(std::string_view path) const {
     std::error_code error;
     std::string content = read_file(std::string(path), kLongestStream, error);
-    if (error) refuse("cannot read '{}': {}", path, error.message());
+    if (error) refuse("cannot read '{}': {}", printable(path), error.message());
     return {content.begin(), content.end()};
   }
 

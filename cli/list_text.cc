@@ -40,6 +40,10 @@ uint16_t vlan_id(const Item &item, std::string_view text) {
 olt_vlan_node vlan_range(const Item &item, std::string_view text) {
   olt_vlan_node node{};
   size_t dash = text.find('-');
+  if (text.empty()) throw BadItem(item, "nothing is given");
+  if (dash == 0 || dash == text.size() - 1) {
+    throw BadItem(item, fmt::format("'{}' is a range with one end", printable(text)));
+  }
   node.vlan_first = vlan_id(item, text.substr(0, dash));
   if (dash == std::string_view::npos) return node;
   node.vlan_second = vlan_id(item, text.substr(dash + 1));

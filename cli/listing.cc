@@ -26,7 +26,7 @@ std::string read_listing(const std::filesystem::path &folder, const std::string 
   std::string path = (folder / name).string();
   std::error_code error;
   std::string text = read_file(path, kLongest, error);
-  if (error) fail("cannot read the listing {}: {}", path, error.message());
+  if (error) fail("cannot read the listing {}: {}", printable(path), error.message());
   return text;
 }
 

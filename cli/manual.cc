@@ -12,6 +12,7 @@
 #include "cli/bytes_text.h"
 #include "cli/describe.h"
 #include "cli/error.h"
+#include "cli/readers.h"
 
 namespace olt::cli {
 
@@ -38,12 +39,16 @@ constexpr Command kCommands[] = {
      "Has the box refuse a request, answer late or not at all: from the from-th such request on\n"
      "  (1 when left out), count times (0 when left out: always). 'fault clear' alone ends all.\n"
      "  Example: fault add type=get_olt_mac status=5 count=1"},
+    {"walk", "walk [READER]",
+     "Prints all rows of the table of which READER reads one; names the readers without one.\n"
+     "  Example: walk process_onu_portdownrate"},
     {"counters", "counters", "Shows what has happened in the box"},
     {"completion", "completion bash",
      "Prints the completion for bash: eval \"$(oltctl completion bash)\""},
 };
 
 constexpr size_t kMostSuggestions = 3;
+constexpr uint32_t kWord = 4;
 
 std::string lower(std::string_view text) {
   std::string lowered(text);
@@ -101,6 +106,13 @@ std::string signature(const Operation &operation) {
   return text;
 }
 
+/// The column of what fields take.
+size_t field_column(std::span<const Field> fields) {
+  size_t column = 14;
+  for (const Field &field : fields) column = std::max(column, std::string_view(field.name).size());
+  return column;
+}
+
 std::string input_text(const Argument &argument) {
   std::string text = fmt::format("  {:<14}  {}", argument.name, expected(argument));
   if (argument.secret) text += "; '-' reads it without echo";
@@ -108,8 +120,9 @@ std::string input_text(const Argument &argument) {
     text += argument.kind == Kind::kWord ? "; 0 when left out" : "; zeros when left out";
   }
   text += '\n';
+  size_t column = field_column(argument.own_fields());
   for (const Field &field : argument.own_fields()) {
-    text += fmt::format("    {:<14}  {}{}\n", field.name, expected(field),
+    text += fmt::format("    {:<{}}  {}{}\n", field.name, column, expected(field),
                         field.secret ? "; '-' reads it without echo" : "");
   }
   return text;
@@ -117,7 +130,7 @@ std::string input_text(const Argument &argument) {
 
 std::string record_text(const Argument &argument) {
   if (!argument.fields.empty()) return "the record's fields";
-  if (argument.form == Form::kWords) return fmt::format("{} numbers", argument.size / 4);
+  if (argument.form == Form::kWords) return fmt::format("{} numbers", argument.size / kWord);
   return fmt::format("{} bytes", argument.size);
 }
 
@@ -188,14 +201,18 @@ std::string example_record(const Argument &argument) {
     case Form::kBytes:
       break;
   }
-  return fmt::format("@{}.bin", argument.name);
+  return argument.size > kWord ? "0:01,4:01" : "0:01";
+}
+
+const char *example_text(std::string_view name) {
+  return name == "description" ? "uplink" : "operator";
 }
 
 std::string example_value(const Argument &argument) {
   if (argument.secret) return fmt::format(" {}=-", argument.name);
   switch (argument.kind) {
     case Kind::kText:
-      return fmt::format(" {}=operator", argument.name);
+      return fmt::format(" {}={}", argument.name, example_text(argument.name));
     case Kind::kWord:
       return fmt::format(" {}=1", argument.name);
     case Kind::kRecord:
@@ -211,12 +228,22 @@ std::string example_value(const Argument &argument) {
   }
 }
 
+/// Whether it takes the second field, too, to name what the record is about.
+bool is_named_by_two(std::span<const Field> fields) {
+  std::string_view second = fields.size() > 1 ? fields[1].name : "";
+  return second == "port" || second == "number";
+}
+
 /// The first text says more than the numbers before it.
 std::string example_field(std::span<const Field> fields) {
   for (const Field &field : fields) {
     if (field.kind == FieldKind::kText) return fmt::format(" {}=operator", field.name);
   }
-  return fmt::format(" {}=1", fields.front().name);
+  while (std::string_view(fields.front().name).starts_with("reserved")) fields = fields.subspan(1);
+  if (fields.front().kind == FieldKind::kWords) return fmt::format(" {}=1,1", fields.front().name);
+  std::string text = fmt::format(" {}=1", fields.front().name);
+  if (is_named_by_two(fields)) text += fmt::format(" {}=1", fields[1].name);
+  return text;
 }
 
 std::string example(const Operation &operation) {
@@ -224,7 +251,8 @@ std::string example(const Operation &operation) {
   text += operation.name;
   for (const Argument &argument : operation.arguments()) {
     if (!argument.is_input() || argument.optional) continue;
-    bool by_field = !argument.own_fields().empty() && argument.form == Form::kBytes;
+    bool is_short = argument.form == Form::kOnt || argument.form == Form::kMac;
+    bool by_field = !argument.own_fields().empty() && !is_short;
     text += by_field ? example_field(argument.fields) : example_value(argument);
   }
   return text + '\n';
@@ -235,9 +263,25 @@ std::string help_of(const Command &command) {
 }
 
 std::string overview() {
-  std::string text = "OPERATION [ARGUMENT...]\n  Calls an operation; 'list' names them.\n";
+  std::string text =
+      "OPERATION [ARGUMENT...]\n"
+      "  Calls an operation; 'list' names them. Arguments are given in order or as NAME=VALUE.\n"
+      "  Example: get_vlan_interface_file_byinteface slot=1 port=1\n";
   for (const Command &command : kCommands) text += help_of(command);
   return text;
+}
+
+bool is_about(const Operation &operation, std::string_view word) {
+  return has(operation.name, word) || has(operation.summary, word);
+}
+
+bool is_listed(std::string_view word) {
+  for (const Family &family : catalog::families()) {
+    for (const Operation &operation : family.operations) {
+      if (is_about(operation, word)) return true;
+    }
+  }
+  return false;
 }
 
 std::string help_of(const Operation &operation) {
@@ -258,7 +302,7 @@ std::string list_text(std::string_view word) {
   for (const Family &family : catalog::families()) {
     std::string lines;
     for (const Operation &operation : family.operations) {
-      if (!has(operation.name, word) && !has(operation.summary, word)) continue;
+      if (!is_about(operation, word)) continue;
       lines += fmt::format("  {:<42}{}\n", operation.name, operation.summary);
     }
     if (lines.empty()) continue;
@@ -276,7 +320,8 @@ std::string list_text(std::string_view word) {
 std::string help_text(const std::string &name) {
   if (name.empty()) return overview();
   for (const Command &command : kCommands) {
-    if (command.name == name) return help_of(command);
+    if (command.name != name) continue;
+    return help_of(command) + (name == "walk" ? readers_text() : "");
   }
   return help_of(operation_named(name));
 }
@@ -285,8 +330,9 @@ const Operation &operation_named(const std::string &name) {
   if (const Operation *operation = catalog::find(name)) return *operation;
   std::vector<std::string> names = near_names(name);
   if (names.empty()) {
-    wrong_usage("oltctl: there is no operation '{}'; 'oltctl list' shows all of them",
-                printable(name));
+    wrong_usage("oltctl: there is no operation '{}'; 'oltctl list{}' shows {}", printable(name),
+                is_listed(name) ? " " + printable(name) : "",
+                is_listed(name) ? "those about it" : "all of them");
   }
   wrong_usage("oltctl: there is no operation '{}'; did you mean {}?", printable(name),
               fmt::join(names, " or "));

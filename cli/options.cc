@@ -25,6 +25,7 @@ constexpr const char *kUsage =
     "  oltctl list [WORD]       the operations, or those about WORD\n"
     "  oltctl help OPERATION    what an operation takes, with an example\n"
     "  oltctl shell             operations typed one after the other, with completion\n"
+    "  oltctl walk [READER]     all rows of an SNMP table\n"
     "  oltctl fault ...         faults on request: oltctl help fault\n"
     "  oltctl counters          what has happened in the box\n"
     "  oltctl completion bash   completion for bash: eval \"$(oltctl completion bash)\"\n";
@@ -60,8 +61,8 @@ std::vector<std::string> words_of(const CLI::App &app) {
   for (const std::string &word : words) {
     if (word.size() > 1 && word.starts_with('-')) {
       wrong_usage(
-          "oltctl: there is no option '{}'; expected one of oltctl --help, or NAME={} for a"
-          " value",
+          "oltctl: there is no option '{}'; expected one that 'oltctl --help' shows, or NAME={}"
+          " for a value",
           printable(word), printable(word));
     }
   }

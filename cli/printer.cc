@@ -76,22 +76,14 @@ std::string field_as_text(const Field &field, ByteView bytes, bool secrets) {
   return fmt::format("{} = {}\n", field.name, number_of(field, bytes));
 }
 
-ordered_json field_as_json(const Field &field, ByteView bytes, bool secrets) {
-  if (field.secret && !secrets) return kMask;
-  switch (field.kind) {
-    case FieldKind::kText:
-    case FieldKind::kPadded:
-      return listing_name(bytes);
-    case FieldKind::kWords:
-      return words_in(bytes);
-    case FieldKind::kMac:
-    case FieldKind::kBytes:
-      return plain_hex(bytes);
-    case FieldKind::kWord:
-    case FieldKind::kHalfWord:
-      break;
-  }
-  return number_of(field, bytes);
+ByteView bytes_of(const Field &field, ByteView record) {
+  size_t width = field.width == Field::kToTheEnd ? record.size() - field.offset : field.width;
+  return record.subspan(field.offset, width);
+}
+
+/// Whether the argument is shown field by field. Of a block all bytes are shown, as they are.
+bool is_by_field(const Argument &argument) {
+  return argument.kind == Kind::kRecord && !argument.fields.empty();
 }
 
 std::string output_as_text(const Shown &shown, size_t place, const Argument &argument) {
@@ -105,15 +97,17 @@ std::string output_as_text(const Shown &shown, size_t place, const Argument &arg
   if (const std::string &file = shown.call.file(place); !file.empty()) {
     return fmt::format("{} = {} bytes in {}\n", argument.name, bytes.size(), printable(file));
   }
+  if (is_by_field(argument)) {
+    std::string text;
+    for (const Field &field : argument.fields) {
+      text += field_as_text(field, bytes_of(field, bytes), shown.secrets);
+    }
+    return text;
+  }
   if (argument.form == Form::kWords && bytes.size() <= kShortWords) {
     return words_as_text(argument.name, bytes);
   }
-  if (argument.fields.empty()) return bytes_as_text(argument.name, bytes);
-  std::string text;
-  for (const Field &field : argument.fields) {
-    text += field_as_text(field, bytes.subspan(field.offset, field.width), shown.secrets);
-  }
-  return text;
+  return bytes_as_text(argument.name, bytes);
 }
 
 ordered_json output_as_json(const Shown &shown, size_t place, const Argument &argument) {
@@ -123,14 +117,15 @@ ordered_json output_as_json(const Shown &shown, size_t place, const Argument &ar
   if (const std::string &file = shown.call.file(place); !file.empty()) {
     return {{"file", file}, {"length", bytes.size()}};
   }
-  if (argument.form == Form::kWords) return words_in(bytes);
-  if (argument.fields.empty()) return plain_hex(bytes);
-  ordered_json fields = ordered_json::object();
-  for (const Field &field : argument.fields) {
-    fields[field.name] =
-        field_as_json(field, bytes.subspan(field.offset, field.width), shown.secrets);
+  if (is_by_field(argument)) {
+    ordered_json fields = ordered_json::object();
+    for (const Field &field : argument.fields) {
+      fields[field.name] = field_as_json(field, bytes, shown.secrets);
+    }
+    return fields;
   }
-  return fields;
+  if (argument.form == Form::kWords) return words_in(bytes);
+  return plain_hex(bytes);
 }
 
 ordered_json listing_as_json(const Shown &shown) {
@@ -185,6 +180,25 @@ ordered_json as_json(const Shown &shown) {
   });
   object["listing"] = listing_as_json(shown);
   return object;
+}
+
+ordered_json field_as_json(const Field &field, ByteView record, bool secrets) {
+  if (field.secret && !secrets) return kMask;
+  ByteView bytes = bytes_of(field, record);
+  switch (field.kind) {
+    case FieldKind::kText:
+    case FieldKind::kPadded:
+      return listing_name(bytes);
+    case FieldKind::kWords:
+      return words_in(bytes);
+    case FieldKind::kMac:
+    case FieldKind::kBytes:
+      return plain_hex(bytes);
+    case FieldKind::kWord:
+    case FieldKind::kHalfWord:
+      break;
+  }
+  return number_of(field, bytes);
 }
 
 std::string json_line(const ordered_json &object) {

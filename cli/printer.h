@@ -28,6 +28,9 @@ std::string as_text(const Shown &shown);
 /// One object, outputs only when the call succeeded.
 nlohmann::ordered_json as_json(const Shown &shown);
 
+/// The value of a record's field. The record may be a block.
+nlohmann::ordered_json field_as_json(const catalog::Field &field, ByteView record, bool secrets);
+
 /// The object on one line. Bytes that are not UTF-8 become U+FFFD.
 std::string json_line(const nlohmann::ordered_json &object);
 

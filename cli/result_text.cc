@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "box/status.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {
@@ -10,12 +11,17 @@ namespace {
 
 constexpr int32_t kNotBuilt = -1;
 
+/// Modules choose their own words; only those of the simulated box are known.
+std::string status_of_module(uint16_t status) {
+  return fmt::format("status {} (oltbox: {})", status, box::status_text(status));
+}
+
 std::string reason_of_exchange(int32_t result) {
   ResultParts parts = take_apart(result);
   if (!parts.status) return "the request could not be built";
-  if (!parts.transport) return fmt::format("status {}", *parts.status);
+  if (!parts.transport) return status_of_module(*parts.status);
   if (*parts.status == 0) return *parts.transport;
-  return fmt::format("{}, status {}", *parts.transport, *parts.status);
+  return fmt::format("{}, {}", *parts.transport, status_of_module(*parts.status));
 }
 
 std::string with_reason(int32_t result, const std::string &reason) {

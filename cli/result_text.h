@@ -21,7 +21,7 @@ ResultParts take_apart(int32_t result);
 /// What the result says of that operation.
 std::string describe_result(const catalog::Operation &operation, int32_t result);
 
-/// "result 5 (0x00000005): status 5"
+/// "result 5 (0x00000005): status 5 (oltbox: exists already)"
 std::string describe_result(int32_t result);
 
 }  // namespace olt::cli

@@ -17,6 +17,7 @@
 #include "cli/manual.h"
 #include "cli/printer.h"
 #include "cli/result_text.h"
+#include "cli/walk.h"
 
 namespace olt::cli {
 
@@ -79,6 +80,8 @@ void Session::run(std::span<const std::string> words) {
     print(help_text(only_word(words)));
   } else if (first == "completion") {
     print(completion_for(only_word(words)));
+  } else if (first == "walk") {
+    run_walk(only_word(words));
   } else if (first == "fault" || first == "counters") {
     run_control(words);
   } else if (first == "shell") {
@@ -113,9 +116,32 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
     print(as_text(shown));
   }
   if (!succeeded) {
-    fail("{} failed: {}", operation.name, describe_result(operation, shown.result));
+    fail("{} failed: {}{}", operation.name, describe_result(operation, shown.result),
+         box_.advice(shown.result));
   }
   if (unread) throw Error(*unread);
+}
+
+void Session::run_walk(const std::string &reader) {
+  if (reader.empty()) {
+    print(help_text("walk"));
+    return;
+  }
+  Walk walk(box_, reader, options_.show_secrets);
+  std::vector<Row> rows;
+  try {
+    while (auto row = walk.next()) {
+      if (options_.json) {
+        print(row_line(reader, *row));
+      } else {
+        rows.push_back(std::move(*row));
+      }
+    }
+  } catch (const Error &) {
+    if (!rows.empty()) print(table_text(rows));
+    throw;
+  }
+  if (!options_.json) print(table_text(rows));
 }
 
 void Session::run_control(std::span<const std::string> words) {

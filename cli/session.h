@@ -24,6 +24,7 @@ class Session {
  private:
   void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
   void run_control(std::span<const std::string> words);
+  void run_walk(const std::string &reader);
 
   const Options &options_;
   BoxAccess box_;

@@ -1,4 +1,5 @@
-// The tagged allocator. Plain malloc, unless OLT_ALLOC_DEBUG asks for every block to be watched.
+// The tagged allocator. Plain calloc, unless OLT_ALLOC_DEBUG asks for every block to be watched.
+// Blocks begin as zeros: operations send texts without their ends and leave the rest of the field.
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
@@ -68,7 +69,7 @@ void *allocate_watched(uint32_t size, const char *tag, int line) {
   if (__builtin_add_overflow(size, 2 * kGuardSize, &total)) {
     return nullptr;
   }
-  auto *start = static_cast<unsigned char *>(std::malloc(total));
+  auto *start = static_cast<unsigned char *>(std::calloc(1, total));
   if (start == nullptr) {
     return nullptr;
   }
@@ -192,7 +193,7 @@ void *___MALLOC(uint32_t size, const char *tag, int line) {
   if (watching()) {
     return allocate_watched(size, tag, line);
   }
-  return std::malloc(std::max<uint32_t>(size, 1));
+  return std::calloc(1, std::max<uint32_t>(size, 1));
 }
 
 void ___FREE(void *block, const char *tag, int line) {

@@ -36,9 +36,11 @@ TEST(TopologyFile, EveryMemberMayBeLeftOut) {
     EXPECT_TRUE(topology.port(4).full_duplex);
     EXPECT_TRUE(topology.port(4).plugged);
     EXPECT_EQ(topology.port(4).stations, 4U);
-    EXPECT_EQ(topology.pon_interfaces, 2U);
-    EXPECT_EQ(topology.onus_per_interface, 32U);
+    EXPECT_EQ(topology.pon_interfaces, 16U);
+    EXPECT_EQ(topology.onus_per_interface, 64U);
     EXPECT_EQ(topology.uni_ports_per_onu, 4U);
+    EXPECT_EQ(topology.voice_lines_per_onu, 2U);
+    EXPECT_EQ(topology.onu_restart.count(), 3);
   }
 }
 
@@ -49,7 +51,8 @@ TEST(TopologyFile, EveryMemberIsTaken) {
             "oam_support": 4294967295, "ethernet_ports": 64,
             "ports": [{"port": 64, "speed": 10000, "duplex": "half", "plugged": false,
                        "stations": 64}]},
-    "pon": {"interfaces": 16, "onus_per_interface": 1024, "uni_ports_per_onu": 32}})");
+    "pon": {"interfaces": 15, "onus_per_interface": 1024, "uni_ports_per_onu": 32,
+            "voice_lines_per_onu": 8, "onu_restart_seconds": 3600}})");
   EXPECT_EQ(topology.name, "lab 3");
   EXPECT_EQ(topology.mac, (std::array<uint8_t, 6>{0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}));
   EXPECT_EQ(topology.serial, "S1");
@@ -60,9 +63,11 @@ TEST(TopologyFile, EveryMemberIsTaken) {
   EXPECT_FALSE(topology.port(64).full_duplex);
   EXPECT_FALSE(topology.port(64).plugged);
   EXPECT_EQ(topology.port(64).stations, 64U);
-  EXPECT_EQ(topology.pon_interfaces, 16U);
+  EXPECT_EQ(topology.pon_interfaces, 15U);
   EXPECT_EQ(topology.onus_per_interface, 1024U);
   EXPECT_EQ(topology.uni_ports_per_onu, 32U);
+  EXPECT_EQ(topology.voice_lines_per_onu, 8U);
+  EXPECT_EQ(topology.onu_restart.count(), 3600);
 }
 
 TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
@@ -70,6 +75,8 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
       {"",
        "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
        "literal"},
+      {"{\n  \"pon\": {\"interfaces\": 1e999}}",
+       "2:29: number 1e999 is beyond what any member can hold, expected a smaller one"},
       {"{\n  \"pon\": {\n    \"interfaces\": 2,\n  }\n}",
        "4:3: syntax error while parsing object key - unexpected '}'; expected string literal"},
       {"{\"olt\": {\"name\": \"a\nb\"}}",
@@ -83,7 +90,12 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
       {R"({"olt":[]})", "/olt: is an array, expected an object"},
       {R"({"olt":null})", "/olt: is null, expected an object"},
       {R"({"pon":{"onus":4}})",
-       "/pon/onus: is unknown, expected one of interfaces, onus_per_interface, uni_ports_per_onu"},
+       "/pon/onus: is unknown, expected one of interfaces, onu_restart_seconds, "
+       "onus_per_interface, uni_ports_per_onu, voice_lines_per_onu"},
+      {R"({"pon":{"voice_lines_per_onu":9}})",
+       "/pon/voice_lines_per_onu: is 9, expected an integer from 0 to 8"},
+      {R"({"pon":{"onu_restart_seconds":3601}})",
+       "/pon/onu_restart_seconds: is 3601, expected an integer from 0 to 3600"},
       {R"({"pon":{"interfaces":0}})", "/pon/interfaces: is 0, expected an integer from 1 to 16"},
       {R"({"pon":{"interfaces":17}})", "/pon/interfaces: is 17, expected an integer from 1 to 16"},
       {R"({"pon":{"onus_per_interface":1025}})",

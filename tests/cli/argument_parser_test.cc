@@ -154,6 +154,15 @@ TEST(Records, ArePatchedOntoZeros) {
             "OFFSET:HEX[,OFFSET:HEX...]");
 }
 
+TEST(Records, ErrorsShowNoControlCharacters) {
+  EXPECT_EQ(error_for(kRecord, {"record=8:01,\x1b[2J"}),
+            "takes_record: record: '\\x1b[2J' has no offset; expected 12 bytes as HEX, @FILE or "
+            "OFFSET:HEX[,OFFSET:HEX...]");
+  EXPECT_EQ(error_for(kRecord, {"record=@/\x1b[2J"}),
+            "takes_record: record: cannot read '/\\x1b[2J': No such file or directory; expected "
+            "12 bytes as HEX, @FILE or OFFSET:HEX[,OFFSET:HEX...]");
+}
+
 TEST(Records, AreTakenFieldByField) {
   EXPECT_EQ(record_of({"debug_value=0x01020304", "debug_op=5"}), "050000000000000004030201");
   EXPECT_EQ(record_of({"record.debug_op=5"}), "050000000000000000000000");

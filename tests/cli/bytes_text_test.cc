@@ -53,6 +53,9 @@ TEST(BytesText, DumpHidesARange) {
 
 TEST(BytesText, ControlCharactersAreSpelledOut) {
   EXPECT_EQ(printable("a\x1b[2J\n\x7f é"), "a\\x1b[2J\\x0a\\x7f é");
+  EXPECT_EQ(printable("\xC2\x9B"
+                      "2J\xC2\x80\xC2\x9F\xC2\xA0\xC2"),
+            "\\xc2\\x9b2J\\xc2\\x80\\xc2\\x9f\xC2\xA0\xC2");
 }
 
 }  // namespace

@@ -87,15 +87,17 @@ TEST(Call, SurvivesATextThatRunsOverItsRecord) {
 }
 
 TEST(Result, IsTakenApart) {
-  EXPECT_EQ(describe_result(5), "result 5 (0x00000005): status 5");
-  EXPECT_EQ(describe_result(0xFFFF), "result 65535 (0x0000ffff): status 65535");
+  EXPECT_EQ(describe_result(5), "result 5 (0x00000005): status 5 (oltbox: exists already)");
+  EXPECT_EQ(describe_result(4), "result 4 (0x00000004): status 4 (oltbox: not found)");
+  EXPECT_EQ(describe_result(0xFFFF),
+            "result 65535 (0x0000ffff): status 65535 (oltbox: unknown status)");
   EXPECT_EQ(describe_result(-1), "result -1 (0xffffffff): the request could not be built");
   std::string timed_out = describe_result(0x00010000);
   EXPECT_EQ(timed_out.substr(0, 28), "result 65536 (0x00010000): n");
   EXPECT_EQ(timed_out.find("status"), std::string::npos);
   std::string both = describe_result(0x00030007);
   EXPECT_EQ(both.substr(0, 28), "result 196615 (0x00030007): ");
-  EXPECT_EQ(both.substr(both.size() - 10), ", status 7");
+  EXPECT_EQ(both.substr(both.size() - 27), ", status 7 (oltbox: denied)");
 }
 
 }  // namespace

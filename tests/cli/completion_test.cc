@@ -24,7 +24,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "get_olt"),
             (Words{"get_olt_mac", "get_olt_support_oam", "get_olt_auth_mode"}));
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"counters", "completion"}));
-  EXPECT_EQ(candidates(Words{}, "").size(), 182U + 6U);
+  EXPECT_EQ(candidates(Words{}, "").size(), 182U + 7U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -46,6 +46,9 @@ TEST(Completion, OffersTheWordsOfACommand) {
   EXPECT_EQ(candidates(Words{"fault", "add"}, "d"), Words{"delay_ms="});
   EXPECT_EQ(candidates(Words{"fault", "list"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"help"}, "get_olt_m"), Words{"get_olt_mac"});
+  EXPECT_EQ(candidates(Words{"walk"}, "process_snmp_v"), Words{"process_snmp_vlan_id"});
+  EXPECT_EQ(candidates(Words{"walk"}, "").size(), 22U);
+  EXPECT_EQ(candidates(Words{"walk", "process_snmp_vlan_id"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"completion"}, ""), Words{"bash"});
   EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});
 }
@@ -88,6 +91,8 @@ TEST_F(BashCompletion, CompletesOperationsAndArguments) {
   EXPECT_TRUE(bash_.shows("add "));
   bash_.type("sta\t");
   EXPECT_TRUE(bash_.shows("status="));
+  bash_.type("\x15oltctl walk process_snmp_v\t");
+  EXPECT_TRUE(bash_.shows("process_snmp_vlan_id "));
   bash_.type("\x15oltctl help save_s\t");
   EXPECT_TRUE(bash_.shows("save_system_config "));
 }

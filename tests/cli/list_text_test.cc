@@ -89,9 +89,13 @@ TEST(ListText, NamesTheVlanThatIsWrong) {
   EXPECT_EQ(vlan_error("1,0"), "item 2: '0' is no VLAN id");
   EXPECT_EQ(vlan_error("4095"), "item 1: '4095' is no VLAN id");
   EXPECT_EQ(vlan_error("65537"), "item 1: '65537' is no VLAN id");
-  EXPECT_EQ(vlan_error("1,,3"), "item 2: '' is no VLAN id");
-  EXPECT_EQ(vlan_error("-5"), "item 1: '' is no VLAN id");
-  EXPECT_EQ(vlan_error("5-"), "item 1: '' is no VLAN id");
+  EXPECT_EQ(vlan_error("1,,3"), "item 2: nothing is given");
+  EXPECT_EQ(vlan_error("10,"), "item 2: nothing is given");
+  EXPECT_EQ(vlan_error("-5"), "item 1: '-5' is a range with one end");
+  EXPECT_EQ(vlan_error("10,20-"), "item 2: '20-' is a range with one end");
+  EXPECT_EQ(vlan_error("-"), "item 1: '-' is a range with one end");
+  EXPECT_EQ(vlan_error("10,20-:users", 32), "item 2: '20-' is a range with one end");
+  EXPECT_EQ(vlan_error(":users", 32), "item 1: nothing is given");
   EXPECT_EQ(vlan_error("5-6-7"), "item 1: '6-7' is no VLAN id");
   EXPECT_EQ(vlan_error("1,2,25-20"), "item 3: '25-20' ends before it begins");
   EXPECT_EQ(vlan_error("1,2:x"), "item 2: a description is not taken here");

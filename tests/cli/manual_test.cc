@@ -31,6 +31,9 @@ TEST(Manual, SuggestsNearNames) {
             "oltctl: there is no operation 'set_snmp_parm'; did you mean set_snmp_param or "
             "get_snmp_param?");
   EXPECT_EQ(error_of("hlep"), "oltctl: there is no operation 'hlep'; did you mean help?");
+  EXPECT_EQ(error_of("add_vlan"),
+            "oltctl: there is no operation 'add_vlan'; 'oltctl list add_vlan' shows those about "
+            "it");
   EXPECT_EQ(error_of("frobnicate"),
             "oltctl: there is no operation 'frobnicate'; 'oltctl list' shows all of them");
 }
@@ -185,6 +188,32 @@ TEST(Manual, SaysWhatComesBack) {
             "\n"
             "Example:\n"
             "  oltctl do_handle_epon_updatestream request=@request.bin\n");
+}
+
+TEST(Manual, AlignsFieldsWithLongNames) {
+  std::string help = help_text("set_snmp_olt_port_basic_info");
+  EXPECT_NE(help.find("\n    slot                  a number from 0 to 4294967295\n"),
+            std::string::npos)
+      << help;
+  EXPECT_NE(help.find("\n    ingressfilter_second  a number from 0 to 4294967295\n"),
+            std::string::npos);
+}
+
+TEST(Manual, ExamplesNameAWholePortAndNeedNoFile) {
+  auto example = [](const char *operation) {
+    std::string help = help_text(operation);
+    return help.substr(help.find("Example:\n") + 9);
+  };
+  EXPECT_EQ(example("get_snmp_olt_port_basic_info"),
+            "  oltctl get_snmp_olt_port_basic_info slot=1 port=1\n");
+  EXPECT_EQ(example("deal_wan_connection"),
+            "  oltctl deal_wan_connection ont=1/2/3 operation=1 number=1\n");
+  EXPECT_EQ(example("add_iptv_channel"), "  oltctl add_iptv_channel profile=operator number=1\n");
+  EXPECT_EQ(example("process_snmp_vlan_id"), "  oltctl process_snmp_vlan_id selector=1\n");
+  EXPECT_EQ(example("get_rstp_brief"), "  oltctl get_rstp_brief keys=1,1\n");
+  EXPECT_EQ(example("get_rstp_port_config"), "  oltctl get_rstp_port_config port=0:01,4:01\n");
+  EXPECT_EQ(example("get_vlan_information_file_bydescprtion"),
+            "  oltctl get_vlan_information_file_bydescprtion description=uplink\n");
 }
 
 TEST(Manual, SaysWhatACommandTakes) {

@@ -105,7 +105,8 @@ TEST(OltctlRun, AFailureIsOneLineAndStatusOne) {
   Finished failed = oltctl({"get_olt_mac"});
   EXPECT_EQ(failed.status, 1);
   EXPECT_EQ(failed.output, "");
-  EXPECT_EQ(failed.errors, "get_olt_mac failed: result 5 (0x00000005): status 5\n");
+  EXPECT_EQ(failed.errors,
+            "get_olt_mac failed: result 5 (0x00000005): status 5 (oltbox: exists already)\n");
   EXPECT_EQ(oltctl({"get_olt_mac"}).status, 0);
 }
 
@@ -205,8 +206,8 @@ TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
        "and oltctl list"},
       {{"get_olt_mca"}, "oltctl: there is no operation 'get_olt_mca'; did you mean get_olt_mac?"},
       {{"--jsn", "get_olt_mac"},
-       "oltctl: there is no option '--jsn'; expected one of oltctl --help, or NAME=--jsn for a "
-       "value"},
+       "oltctl: there is no option '--jsn'; expected one that 'oltctl --help' shows, or "
+       "NAME=--jsn for a value"},
       {{"--box"}, "oltctl: --box: 1 required DIR missing; expected what oltctl --help says"},
       {{"--box", "/nowhere", "--fresh", "get_olt_mac"},
        "oltctl: --fresh and --topology are for the embedded box, but the box in /nowhere is used; "
@@ -223,6 +224,11 @@ TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
       {{"set_system_dns", "00"},
        "set_system_dns: network: 1 bytes given; expected 172 bytes as HEX, @FILE or "
        "OFFSET:HEX[,OFFSET:HEX...]"},
+      {{"add_vlan_list", "vlans=10,20-"},
+       "add_vlan_list: vlans: item 2: '20-' is a range with one end; expected VLANs from 1 to 4094 "
+       "as 10,20-25, or @FILE with one a line"},
+      {{"help", "VLAN"},
+       "oltctl: there is no operation 'VLAN'; 'oltctl list VLAN' shows those about it"},
       {{"shell", "x"}, "shell: not possible here; expected the command line 'oltctl shell', alone"},
       {{"list", "a", "b"}, "list: 'b' is one argument too many; expected at most one"},
       {{"list", "nonsense"},
@@ -284,6 +290,12 @@ TEST(OltctlRun, ARunDirectoryIsTakenFromTheEnvironment) {
   Finished missing = run({OLTCTL, "get_olt_mac"}, environment);
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.errors.substr(0, 48), "get_olt_mac failed: result 131072 (0x00020000): ");
+  EXPECT_TRUE(holds(missing.errors, "; expected a box that was started with 'oltbox --run-dir " +
+                                        oltctl.folder().path() + "/run', or --box embedded\n"))
+      << missing.errors;
+  Finished other = oltctl({"show_memory_info", "module=7"});
+  EXPECT_EQ(other.errors.substr(0, 53), "show_memory_info failed: result 131072 (0x00020000): ");
+  EXPECT_FALSE(holds(other.errors, "expected a box")) << other.errors;
   EXPECT_EQ(run({OLTCTL, "--box", "embedded", "get_olt_mac"}, environment).status, 0);
 }
 

@@ -11,6 +11,8 @@
 
 namespace {
 
+using olt::catalog::Field;
+using olt::catalog::FieldKind;
 using olt::cli::as_json;
 using olt::cli::as_text;
 using olt::cli::Call;
@@ -60,6 +62,27 @@ TEST(Printer, WritesWordsAsNumbers) {
   EXPECT_EQ(as_json({call, result, {}, false})["outputs"].dump(),
             R"({"rates":[10,20,4294967295],"dba":{"requested":[1,2,3],"granted":[4,5]},)"
             R"("feature":[0,0,0,0,0,0,0,0,0,0,0,1]})");
+}
+
+int32_t reads_a_row(olt_iptv_profile_row *row, olt_auth_row *words) {
+  *row = {{2, 'b', 0, 0, 0, 0, 0, 0, 0, 7}};
+  words->words[1] = 1;
+  return 0;
+}
+constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kWord},
+                                 {"rest", 4, Field::kToTheEnd, FieldKind::kBytes}};
+constexpr auto kRow =
+    OLT_OPERATION(reads_a_row, 1, "", {"row", olt::catalog::laid_out(kSomeFields, "words")});
+
+TEST(Printer, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
+  Call call(kRow);
+  int32_t result = call.make();
+  EXPECT_EQ(
+      as_json({call, result, {}, false})["outputs"].dump(),
+      R"({"row":{"selector":2,"profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
+          std::string(104, '0') + "\"}}");
+  EXPECT_EQ(as_text({call, result, {}, false}).substr(0, 48),
+            "selector = 2\nprofile = b\nchannels = 7\nfirst = 0\n");
 }
 
 TEST(Printer, WritesALinePerOutput) {

@@ -35,7 +35,9 @@ TEST(Script, StopsAtTheFirstFailureAndKeepsWhatWasDone) {
   Finished failed = oltctl({"-f", path});
   EXPECT_EQ(failed.status, 1);
   EXPECT_EQ(failed.output, "id = 1\n");
-  EXPECT_EQ(failed.errors, path + ":3: get_olt_mac failed: result 9 (0x00000009): status 9\n");
+  EXPECT_EQ(failed.errors, path +
+                               ":3: get_olt_mac failed: result 9 (0x00000009): status 9 (oltbox: "
+                               "out of order)\n");
   EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).output, "level_a = 3\nlevel_b = 4\n");
   EXPECT_EQ(oltctl({"get_user_level", "lost", "pw"}).status, 1);
 }

@@ -52,6 +52,22 @@ TEST_P(EitherMode, GivesBlocksThatMayBeFilled) {
   expect_lines(run_with_debug(GetParam(), use_blocks), {});
 }
 
+TEST_P(EitherMode, BlocksBeginAsZerosEvenWhereOthersWereBefore) {
+  expect_lines(run_with_debug(GetParam(),
+                              [] {
+                                for (int round = 0; round < 100; ++round) {
+                                  auto *block = static_cast<uint8_t *>(___MALLOC(32, "a", 1));
+                                  if (!std::all_of(block, block + 32,
+                                                   [](uint8_t byte) { return byte == 0; })) {
+                                    _exit(1);
+                                  }
+                                  std::memset(block, 0x5a, 32);
+                                  ___FREE(block, "a", 2);
+                                }
+                              }),
+               {});
+}
+
 TEST_P(EitherMode, ABlockOfSizeZeroIsUniqueAndReleased) {
   expect_lines(run_with_debug(GetParam(),
                               [] {
