@@ -12,6 +12,11 @@ target_compile_options(olt_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes -Wmissing-prototypes>)
 
+# For scripts/stack.sh: what each function takes of the stack, and whom it calls.
+if(CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(olt_flags INTERFACE -fcallgraph-info=su)
+endif()
+
 if(OLT_SANITIZE)
   add_compile_options(-fsanitize=${OLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OLT_SANITIZE})

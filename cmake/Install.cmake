@@ -1,3 +1,21 @@
 include(GNUInstallDirs)
-install(TARGETS oltmgmt oltmgmt_static)
+include(CMakePackageConfigHelpers)
+install(TARGETS oltmgmt oltmgmt_static EXPORT oltmgmt)
 install(FILES include/oltmgmt.h include/oltplatform.h TYPE INCLUDE)
+
+# For find_package(oltmgmt).
+set(OLT_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/oltmgmt)
+install(EXPORT oltmgmt
+  FILE oltmgmtConfig.cmake NAMESPACE oltmgmt:: DESTINATION ${OLT_PACKAGE_FOLDER})
+write_basic_package_version_file(oltmgmtConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/oltmgmtConfigVersion.cmake DESTINATION ${OLT_PACKAGE_FOLDER})
+
+# For pkg-config. The files find the prefix from where they lie, so that it can be moved.
+set(OLT_PC_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+string(REGEX REPLACE "[^/]+" ".." OLT_PREFIX_FROM_PC ${OLT_PC_FOLDER})
+foreach(library oltmgmt oltplatform)
+  if(TARGET ${library})
+    configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${OLT_PC_FOLDER})
+  endif()
+endforeach()

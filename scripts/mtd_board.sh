@@ -8,6 +8,7 @@
 # The kernel is fetched once, into ${XDG_CACHE_HOME:-~/.cache}/oltmgmt/malta-kernel.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+. scripts/mipsel_packages.sh
 
 build=${1:?"usage: scripts/mtd_board.sh BUILD_FOLDER"}
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/oltmgmt
@@ -26,36 +27,19 @@ need() {
   done
 }
 
-# Downloads the kernel package with a package state of its own, so that the machine's stays as it is.
-fetch_kernel() {
-  local work package
+fetch_kernel() (
   work=$(mktemp -d "$cache/fetch.XXXXXX")
-  mkdir -p "$work"/state/lists/partial "$work"/archives/partial "$work"/files
-  : >"$work/status"
-  cat >"$work/apt.conf" <<END
-APT::Architecture "mipsel";
-APT::Architectures { "mipsel"; };
-APT::Sandbox::User "$(id -un)";
-Acquire::Languages "none";
-Dir::State "$work/state";
-Dir::State::lists "$work/state/lists";
-Dir::State::status "$work/status";
-Dir::Cache "$work";
-END
-  (
-    cd "$work"
-    export APT_CONFIG=$work/apt.conf
-    apt-get update -qq
-    package=$(apt-cache depends linux-image-4kc-malta | awk '/Depends: linux-image-[0-9]/ {print $2; exit}')
-    apt-get download -qq "$package"
-    dpkg --fsys-tarfile linux-image-*.deb | tar x -C files --wildcards './boot/vmlinuz-*' '*/mtd/devices/mtdram.ko'
-    mkdir kernel
-    mv files/boot/vmlinuz-* kernel/vmlinuz
-    find files -name mtdram.ko -exec mv {} kernel/ \;
-  ) || { rm -rf "$work"; die "the kernel for the board could not be fetched"; }
-  mv "$work/kernel" "$kernel"
-  rm -rf "$work"
-}
+  trap 'rm -rf "$work"' EXIT
+  cd "$work"
+  mkdir files kernel
+  mipsel_packages .
+  package=$(apt-cache depends linux-image-4kc-malta | awk '/Depends: linux-image-[0-9]/ {print $2; exit}')
+  download_packages "$package"
+  dpkg --fsys-tarfile linux-image-*.deb | tar x -C files --wildcards './boot/vmlinuz-*' '*/mtd/devices/mtdram.ko'
+  mv files/boot/vmlinuz-* kernel/vmlinuz
+  find files -name mtdram.ko -exec mv {} kernel/ \;
+  mv kernel "$kernel"
+)
 
 # One at a time: several builds may want it at once.
 provide_kernel() {

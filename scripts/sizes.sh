@@ -1,41 +1,57 @@
 #!/usr/bin/env bash
-# Bytes on the target: per exported function and per section, with the change against
-# abi/sizes.csv. --check fails on any difference, --update records today's figures.
+# Bytes on the target: per section and per exported function, with the change against
+# abi/sizes.csv, and how far the goals of abi/size_goals.csv are reached.
+# usage: scripts/sizes.sh BUILD_FOLDER [--check | --update] [RECORDED GOALS]
+# --check shows changes alone; it fails on any and on an enforced goal that is missed. --update
+# records today's figures.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 library=$1/liboltmgmt.so.0
 mode=${2:-}
-recorded=abi/sizes.csv
+recorded=${3:-abi/sizes.csv}
+goals=${4:-abi/size_goals.csv}
 
-stripped=$(mktemp)
-trap 'rm -f "$stripped" "$stripped.csv"' EXIT
-mipsel-linux-gnu-strip -o "$stripped" "$library"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+measured=$work/sizes.csv
+mipsel-linux-gnu-strip -o "$work/stripped" "$library"
 {
   echo "name,bytes"
-  mipsel-linux-gnu-size -A "$stripped" | awk '$1 ~ /^\./ {print $1 "," $2}'
-  echo "stripped file,$(stat -c %s "$stripped")"
+  mipsel-linux-gnu-size -A "$work/stripped" | awk '$1 ~ /^\./ {print $1 "," $2}'
+  mipsel-linux-gnu-size -B "$work/stripped" | awk 'NR == 2 {print "total in memory," $4}'
+  echo "stripped file,$(stat -c %s "$work/stripped")"
   mipsel-linux-gnu-nm -D -S -t d --defined-only "$library" | awk '$3 == "T" {sub("@.*", "", $4); print $4 "," $2 + 0}' | sort
-} >"$stripped.csv"
+} >"$measured"
 
 case $mode in
-  --update)
-    cp "$stripped.csv" "$recorded"
-    ;;
-  --check)
-    diff -u "$recorded" "$stripped.csv" || {
-      echo "sizes.sh: sizes on the target changed; record them in the same commit: ./dev size --update" >&2
-      exit 1
-    }
-    ;;
-  '') ;;
+  --update) cp "$measured" "$recorded" ;;
+  --check | '') ;;
   *)
     echo "sizes.sh: unknown argument '$mode'; expected --check or --update" >&2
     exit 2
     ;;
 esac
 
-awk -F, 'NR == FNR {old[$1] = $2; next} FNR > 1 {
+awk -F, -v all="$([ "$mode" = --check ] || echo yes)" 'NR == FNR {old[$1] = $2; next} FNR > 1 {
   change = ($1 in old) ? $2 - old[$1] : $2
-  printf "%-44s %7d %+6d\n", $1, $2, change
-}' "$recorded" "$stripped.csv"
+  if (all || change) printf "%-44s %7d %+6d\n", $1, $2, change
+}' "$recorded" "$measured"
+
+missed=0
+awk -F, 'NR == FNR {bytes[$1] = $2; next} FNR > 1 {
+  reached = $1 in bytes && bytes[$1] <= $2
+  enforced = $3 == "yes"
+  printf "goal: %s %d of at most %d bytes: %s%s\n", $1, bytes[$1], $2, reached ? "reached" : "not reached", enforced ? ", enforced" : ""
+  if (!reached && enforced) missed = 1
+} END {exit missed}' "$measured" "$goals" || missed=1
+
+[ "$mode" = --check ] || exit 0
+diff -u "$recorded" "$measured" || {
+  echo "sizes.sh: sizes on the target changed; record them in the same commit: ./dev size --update" >&2
+  exit 1
+}
+[ "$missed" -eq 0 ] || {
+  echo "sizes.sh: a goal that $goals enforces is not reached" >&2
+  exit 1
+}

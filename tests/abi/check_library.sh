@@ -3,13 +3,14 @@
 # complaint; READELF names the tool to read it with.
 set -eu
 
-if [ $# -ne 3 ]; then
-  echo "usage: check_library.sh LIBRARY SONAME IMPORTS" >&2
+if [ $# -ne 4 ]; then
+  echo "usage: check_library.sh LIBRARY SONAME IMPORTS C_LIBRARY" >&2
   exit 2
 fi
 library=$1
 soname=$2
 imports=$3
+c_library=$4
 readelf=${READELF:-readelf}
 
 header=$("$readelf" -hW "$library")
@@ -32,12 +33,8 @@ has_dynamic_tag() {
   echo "$dynamic" | grep -q "($1)"
 }
 
-for needed in $(dynamic_values NEEDED); do
-  case $needed in
-    libc.so | libc.so.[0-9]) ;;
-    *) complain "needs $needed, but may need the C library alone" ;;
-  esac
-done
+needed=$(dynamic_values NEEDED | paste -s -d ' ' -)
+[ "$needed" = "$c_library" ] || complain "needs ${needed:-nothing}, expected $c_library alone"
 
 actual=$(dynamic_values SONAME)
 [ "$actual" = "$soname" ] || complain "its SONAME is \"$actual\", expected \"$soname\""

@@ -2,18 +2,18 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "tests/target/check_groups.h"
 #include "tests/target/checks.h"
+#include "tests/target/control.h"
 #include "tests/target/flash_model.h"
 
 namespace {
 
 int erase(int device, uint32_t start, uint32_t length) {
   uint32_t request[2] = {start, length};
-  return ioctl(device, 0x80084D02U, request);
+  return control(device, 0x80084D02, request);
 }
 
 void check_erase(int device) {
@@ -92,7 +92,7 @@ void check_access() {
 
 void check_other_requests(int device) {
   uint32_t request[2] = {0, 4096};
-  expect_error("a request that no flash knows", ENOTTY, ioctl(device, 0x80084DFFU, request));
+  expect_error("a request that no flash knows", ENOTTY, control(device, 0x80084DFF, request));
   expect_flash_as_modelled("an unknown request changes nothing");
 }
 

@@ -3,10 +3,10 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <string.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "tests/target/checks.h"
+#include "tests/target/control.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ void make_pattern() {
 
 bool write_pattern(int device) {
   uint32_t everything[2] = {0, kSize};
-  return ioctl(device, 0x80084D02U, everything) == 0 &&
+  return control(device, 0x80084D02, everything) == 0 &&
          write(device, pattern, kSize) == ssize_t{kSize};
 }
 

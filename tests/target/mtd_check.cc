@@ -13,8 +13,10 @@ int main(int count, char **words) {
     check_board_record();
   } else if (strcmp(group, "absent") == 0) {
     check_absent_device();
+#ifdef OLT_KERNEL_CHECKS
   } else if (strcmp(group, "kernel") == 0) {
     check_kernel_view();
+#endif
   } else {
     static_cast<void>(
         fprintf(stderr, "mtd_check: expected one argument: device, absent or kernel\n"));

@@ -1,0 +1,9 @@
+# The common part of the toolchains for other C libraries than GNU's: compiler specs select them.
+include(${CMAKE_CURRENT_LIST_DIR}/mipsel.cmake)
+set(sysroot ${CMAKE_CURRENT_LIST_DIR}/../build/target-sysroots/${c_library})
+cmake_path(NORMAL_PATH sysroot)
+string(APPEND CMAKE_C_FLAGS_INIT " -specs=${sysroot}/gcc.specs")
+string(APPEND CMAKE_CXX_FLAGS_INIT " -specs=${sysroot}/gcc.specs")
+# There is no C++ library to link a program with.
+set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-mipsel -L ${sysroot})

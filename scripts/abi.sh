@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Compares the binary interface of a built library, by its debug information, with the released one
+# that abi/oltmgmt.abi describes. Fails on any difference; --update records today's interface.
+# usage: scripts/abi.sh BUILD_FOLDER [--update]
+#
+# Debian packages: abigail-tools
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+library=$1/liboltmgmt.so.0
+released=abi/oltmgmt.abi
+
+mode=${2:---check}
+case $mode in
+  --check | --update) ;;
+  *)
+    echo "abi.sh: unknown argument '$mode'; expected --check or --update" >&2
+    exit 2
+    ;;
+esac
+
+today=$(mktemp)
+trap 'rm -f "$today"' EXIT
+# What describes this machine or the inside of the library is left out.
+abidw --header-file "$PWD/include/oltmgmt.h" --drop-private-types --exported-interfaces-only \
+  --no-corpus-path --no-comp-dir-path --no-architecture --no-show-locs --no-elf-needed \
+  --no-parameter-names --type-id-style hash "$library" |
+  sed "s| path='[^']*/\([^/']*/[^/']*\)'| path='\1'|" >"$today"
+
+if [ "$mode" = --update ]; then
+  cat "$today" >"$released"
+  exit
+fi
+abidiff "$released" "$today" || {
+  echo "abi.sh: the interface is no longer the released one; when it is meant to change: ./dev abi --update"
+  exit 1
+}

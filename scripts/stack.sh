@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Bytes of stack on the target that each operation takes with all that it calls in the library, by
+# the compiler's own account. Prints the hungriest; complains of those outside flash/ that take more
+# than they may, and of what is not known.
+# usage: scripts/stack.sh BUILD_FOLDER MOST
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+objects=$1/CMakeFiles/oltmgmt_objects.dir
+most=$2
+
+nodes_and_edges() {
+  find "$objects" -name '*.ci' | while read -r file; do
+    sed -nE -e "s|^node: \{ title: \"([^\"]*)\" .*\\\\n([0-9]+) bytes \(([a-z,]*)\)\" .*|node \1 \2 \3 ${file#"$objects/"}|p" \
+      -e 's|^edge: \{ sourcename: "([^"]*)" targetname: "([^"]*)".*|edge \1 \2|p' "$file"
+  done
+}
+
+{
+  grep -v -e '^#' -e '^$' abi/imports.txt | sed 's/^/import /'
+  mipsel-linux-gnu-nm -D --defined-only "$1/liboltmgmt.so.0" |
+    sed -nE 's/^[0-9a-f]+ T ([^@]*).*/operation \1/p'
+  nodes_and_edges
+} | awk -v most="$most" '
+  $1 == "import" { imported[$2] }
+  $1 == "operation" { operation[$2] }
+  $1 == "node" { own[$2] = $3; kind[$2] = $4; file[$2] = $5 }
+  $1 == "edge" { called[$2] = called[$2] " " $3 }
+
+  function complain(text) { print "stack.sh: " text; wrong = 1 }
+
+  function taken(name, names, count, i, deepest, bytes) {
+    if (name in total) return total[name]
+    if (!(name in own)) {
+      if (!(name in imported)) complain("nothing is known of " name)
+      return total[name] = 0
+    }
+    if (kind[name] != "static") complain(name " takes a " kind[name] " amount")
+    if (name in open) { complain(name " calls itself"); return 0 }
+    open[name]
+    count = split(called[name], names, " ")
+    for (i = 1; i <= count; ++i) {
+      bytes = taken(names[i])
+      if (bytes > deepest) deepest = bytes
+    }
+    return total[name] = own[name] + deepest
+  }
+
+  END {
+    for (name in operation) {
+      bytes = taken(name)
+      if (file[name] ~ /^flash\//) continue
+      if (bytes > most) complain(name " takes " bytes " bytes, expected at most " most)
+      if (hungriest == "" || bytes > taken(hungriest)) hungriest = name
+      ++count
+    }
+    if (count == 0) complain("there are no operations")
+    printf "stack: at most %d of %d bytes, in %s (%d operations outside flash/)\n", taken(hungriest), most, hungriest, count
+    exit wrong
+  }'

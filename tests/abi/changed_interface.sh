@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# A copy of the sources with an incompatible change must not pass as the released interface.
+# usage: changed_interface.sh SOURCE_FOLDER WORK_FOLDER CHANGE COMPLAINT
+# The change is a sed command; it is made in the public header and in the sources alike.
+set -euo pipefail
+
+source=$1
+work=$2
+rm -rf "$work"
+mkdir -p "$work"
+cp -r "$source"/{CMakeLists.txt,abi,cmake,flash,include,ont,pon,scripts,snmp,switch,system,transport} "$work"
+find "$work" \( -name '*.h' -o -name '*.cc' \) -exec sed -i -e "$3" {} +
+! diff -r "$source/include" "$work/include" >/dev/null || {
+  echo "the change '$3' changes nothing" >&2
+  exit 1
+}
+
+cmake -S "$work" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOLT_HOST_TOOLS=OFF >/dev/null
+cmake --build "$work/build" --target oltmgmt >"$work/build.log" || {
+  cat "$work/build.log" >&2
+  exit 1
+}
+"$source/tests/abi/expect_complaint.sh" "$4" "$work/scripts/abi.sh" build

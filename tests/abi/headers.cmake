@@ -1,0 +1,44 @@
+# The public headers, each alone, in every language and by every compiler that is there.
+set(include_dir ${PROJECT_SOURCE_DIR}/include)
+set(common_warnings -Wall -Wextra -Wpedantic -Werror)
+set(gcc_warnings ${common_warnings}
+  -Wshadow -Wconversion -Wsign-conversion -Wundef -Wcast-qual -Wredundant-decls)
+set(gcc_c_warnings -Wc++-compat -Wstrict-prototypes -Wmissing-prototypes)
+set(gcc_cxx_warnings -Wold-style-cast -Wuseless-cast -Wextra-semi)
+# Nothing here is meant for C++98, and the names of the platform's calls are given.
+set(clang_warnings ${common_warnings} -Weverything -Wno-reserved-identifier)
+set(clang_c_warnings)
+set(clang_cxx_warnings -Wno-c++98-compat -Wno-c++98-compat-pedantic)
+
+foreach(compiler gcc clang)
+  find_program(OLT_TEST_${compiler} ${compiler})
+  if(NOT OLT_TEST_${compiler})
+    continue()
+  endif()
+  foreach(standard c11 c++11 c++17 c++20)
+    if(standard STREQUAL c11)
+      set(language c)
+      set(warnings ${${compiler}_warnings} ${${compiler}_c_warnings})
+    else()
+      set(language c++)
+      set(warnings ${${compiler}_warnings} ${${compiler}_cxx_warnings})
+    endif()
+    # Included twice, as in a program of many parts.
+    foreach(header oltmgmt oltplatform)
+      add_test(NAME abi.header.${header}.${compiler}.${standard}
+        COMMAND ${OLT_TEST_${compiler}} -x ${language} -std=${standard} ${warnings}
+          -I ${include_dir} -include ${header}.h
+          -fsyntax-only ${CMAKE_CURRENT_SOURCE_DIR}/header_${header}.c)
+    endforeach()
+    add_test(NAME abi.records.${compiler}.${standard}
+      COMMAND ${OLT_TEST_${compiler}} -x ${language} -std=${standard} ${common_warnings}
+        -I ${include_dir} -fsyntax-only ${CMAKE_CURRENT_SOURCE_DIR}/records.c)
+  endforeach()
+endforeach()
+
+find_program(OLT_TEST_mipsel_gcc mipsel-linux-gnu-gcc)
+if(OLT_TEST_mipsel_gcc)
+  add_test(NAME abi.records.mipsel.c11
+    COMMAND ${OLT_TEST_mipsel_gcc} -std=c11 ${common_warnings} -I ${include_dir}
+      -fsyntax-only ${CMAKE_CURRENT_SOURCE_DIR}/records.c)
+endif()
