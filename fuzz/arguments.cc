@@ -1,0 +1,221 @@
+// The arguments of every operation that sends: words that are taken make a request, words that are
+// refused a line. What is written from a value is read as that value again.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "catalog/catalog.h"
+#include "cli/argument_parser.h"
+#include "cli/bytes_text.h"
+#include "cli/error.h"
+#include "cli/list_text.h"
+#include "cli/number_text.h"
+#include "fuzz/platform.h"
+#include "fuzz/target.h"
+#include "tests/support/folder.h"
+
+namespace {
+
+using olt::catalog::Argument;
+using olt::catalog::Kind;
+using olt::catalog::Operation;
+using olt::cli::Bytes;
+using olt::cli::ByteView;
+using olt::cli::Call;
+using olt::cli::Error;
+using olt::fuzz::Input;
+using olt::fuzz::Request;
+using olt::fuzz::require;
+using Words = std::vector<std::string>;
+
+constexpr size_t kMostWords = 12;
+constexpr char kFile[] = "\n# a comment\n10\n20-25\n";
+
+/// A folder with one file, named f; nobody answers when a password is asked for.
+const olt::tests::Folder &folder() {
+  static const olt::tests::Folder instance;
+  static const bool prepared = [] {
+    instance.write("f", kFile);
+    return std::freopen("/dev/null", "r", stdin) != nullptr;
+  }();
+  require(prepared, "there is nothing to read from standard input");
+  return instance;
+}
+
+/// Files of this machine are none of the input's business: names mean files of that folder.
+void keep_to_folder(std::string &word) {
+  size_t at = word.find('@');
+  if (at == std::string::npos) return;
+  std::erase_if(word, [](char c) { return c == '/' || c == '.'; });
+  word.insert(word.find('@') + 1, folder() / "");
+}
+
+Words words_in(std::string_view text) {
+  Words words;
+  while (!text.empty() && words.size() < kMostWords) {
+    std::string word(text.substr(0, text.find('\n')));
+    text.remove_prefix(std::min(word.size() + 1, text.size()));
+    // A word of a command line ends with its zero.
+    word.resize(std::strlen(word.c_str()));
+    keep_to_folder(word);
+    words.push_back(std::move(word));
+  }
+  return words;
+}
+
+/// The inputs as words again, where they are kept as they are sent.
+std::optional<std::string> written(const Call &call, size_t place) {
+  const Argument &argument = call.operation().arguments()[place];
+  if (argument.kind == Kind::kWord) return fmt::format("{}={}", argument.name, call.word(place));
+  if (argument.kind == Kind::kRecord) {
+    return fmt::format("{}={}", argument.name, olt::cli::plain_hex(call.bytes(place)));
+  }
+  return std::nullopt;
+}
+
+/// The words without those that stand for arguments which are written anew.
+void require_written_is_read(const Call &call) {
+  std::span<const Argument> arguments = call.operation().arguments();
+  Words words;
+  for (size_t place = 0; place < arguments.size(); ++place) {
+    if (!arguments[place].is_input()) continue;
+    std::optional<std::string> word = written(call, place);
+    if (!word) return;
+    words.push_back(*word);
+  }
+  Call again(call.operation());
+  olt::cli::read_arguments(again, words);
+  for (size_t place = 0; place < arguments.size(); ++place) {
+    if (!arguments[place].is_input()) continue;
+    require(again.word(place) == call.word(place), "a number is read as it is written");
+    if (arguments[place].kind != Kind::kRecord) continue;
+    ByteView one = call.bytes(place);
+    ByteView other = again.bytes(place);
+    require(std::equal(one.begin(), one.end(), other.begin(), other.end()),
+            "a record is read as it is written", olt::cli::plain_hex(one));
+  }
+}
+
+/// Operations that leave bytes of their request as they happen to be on the stack: they carry no
+/// meaning.
+bool leaves_bytes_unset(const Operation &operation) {
+  static constexpr std::string_view kNames[] = {
+      "set_olt_port_ratecontrol",      "stp_set_port_rstp_state", "set_olt_port_ingressfilter",
+      "set_olt_port_flowcontrol",      "set_ont_p2p_function",    "set_ponport_function",
+      "set_ont_linkSecurityEncryption"};
+  return std::find(std::begin(kNames), std::end(kNames), operation.name) != std::end(kNames);
+}
+
+void require_same_request(const Operation &operation, const Words &words) {
+  std::vector<Request> requests[2];
+  for (std::vector<Request> &made : requests) {
+    Call call(operation);
+    olt::cli::read_arguments(call, words);
+    olt::fuzz::answer_with(1, {});
+    require(call.make() != 0, "a refused request is a failure");
+    made = olt::fuzz::take_requests();
+    for (Request &request : made) {
+      require(request.type == operation.address.message_type, "an operation sends its type");
+      if (leaves_bytes_unset(operation)) std::fill(request.bytes.begin(), request.bytes.end(), 0);
+    }
+  }
+  require(requests[0] == requests[1], "the same words make the same request");
+}
+
+void try_operation(const Operation &operation, const Words &words) {
+  try {
+    Call call(operation);
+    olt::cli::read_arguments(call, words);
+    require_written_is_read(call);
+    if (operation.address.sends()) require_same_request(operation, words);
+  } catch (const Error &error) {
+    olt::fuzz::require_line(error.what());
+    require(error.status() == olt::cli::kWrongUsage, "words that are refused are wrong usage",
+            error.what());
+  }
+}
+
+void try_hex(std::string_view text) {
+  std::optional<Bytes> bytes = olt::cli::parse_hex(text);
+  if (!bytes) return;
+  require(olt::cli::parse_hex(olt::cli::plain_hex(*bytes)) == bytes &&
+              olt::cli::parse_hex(olt::cli::spaced_hex(*bytes)) == bytes,
+          "bytes are read as they are written", text);
+  if (bytes->size() != 6) return;
+  require(olt::cli::parse_mac(fmt::format("{:02x}", fmt::join(*bytes, ":"))) == bytes,
+          "an address is read as it is written", text);
+}
+
+std::string written(const olt_vlan_node &node) {
+  std::string text = fmt::to_string(node.vlan_first);
+  if (node.vlan_second != 0) text += fmt::format("-{}", node.vlan_second);
+  return text;
+}
+
+void try_vlans(std::string_view text) {
+  constexpr size_t kDescription = 32;
+  std::vector<olt::cli::Item> items = olt::cli::split_items(text, ',');
+  try {
+    for (const olt_vlan_node &node : olt::cli::read_vlans(items, kDescription)) {
+      require(node.vlan_first >= 1 && node.vlan_first <= 4094 && node.vlan_second <= 4094 &&
+                  (node.vlan_second == 0 || node.vlan_second >= node.vlan_first),
+              "VLANs are within their limits", text);
+      std::vector<olt_vlan_node> again =
+          olt::cli::read_vlans(olt::cli::split_items(written(node), ','), 0);
+      require(again.size() == 1 && again[0].vlan_first == node.vlan_first &&
+                  again[0].vlan_second == node.vlan_second,
+              "a VLAN is read as it is written", written(node));
+    }
+    std::vector<uint16_t> ids = olt::cli::read_vlan_ids(items);
+    std::string joined = fmt::format("{}", fmt::join(ids, ","));
+    require(olt::cli::read_vlan_ids(olt::cli::split_items(joined, ',')) == ids,
+            "VLAN ids are read as they are written", joined);
+  } catch (const olt::cli::BadItem &bad) {
+    olt::fuzz::require_line(bad.what());
+  }
+}
+
+void try_number(std::string_view text) {
+  std::optional<uint32_t> number = olt::cli::number_in(text, UINT32_MAX);
+  if (!number) return;
+  require(olt::cli::number_in(fmt::to_string(*number), *number) == number &&
+              olt::cli::number_in(fmt::format("{:#x}", *number), *number) == number,
+          "a number is read as it is written", text);
+  require(*number == 0 || !olt::cli::number_in(text, *number - 1), "a limit is kept", text);
+}
+
+const Operation &operation_at(size_t index) {
+  static const std::vector<const Operation *> all = [] {
+    std::vector<const Operation *> found;
+    for (const olt::catalog::Family &family : olt::catalog::families()) {
+      for (const Operation &operation : family.operations) found.push_back(&operation);
+    }
+    require(!found.empty(), "there is a catalog");
+    return found;
+  }();
+  return *all[index % all.size()];
+}
+
+}  // namespace
+
+// The first byte is the place of the operation in the catalog; the rest are words, a line each.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+  Input input(data, size);
+  const Operation &operation = operation_at(input.u8());
+  Words words = words_in(input.text());
+  try_operation(operation, words);
+  for (const std::string &word : words) {
+    std::string_view value = std::string_view(word).substr(word.find('=') + 1);
+    try_hex(value);
+    try_vlans(value);
+    try_number(value);
+  }
+  return 0;
+}
