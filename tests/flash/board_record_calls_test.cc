@@ -131,10 +131,10 @@ TEST(ReadOamType, DoesNotMindAFailingClose) {
 TEST(ReadOamType, SavesInPiecesWhenTheDeviceTakesThem) {
   ScriptedCalls system;
   system.contents = record(1, 2);
-  system.answer(7, 522);
+  system.answer(7, 523);
   OamType got;
   EXPECT_EQ(got.read(), 0);
-  EXPECT_EQ(system.written, (std::vector<Bytes>{record(0, 2), Bytes{0, 2}}));
+  EXPECT_EQ(system.written, (std::vector<Bytes>{record(0, 2), Bytes{2}}));
 }
 
 // What a short read did not deliver counts as zero.

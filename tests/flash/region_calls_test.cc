@@ -121,6 +121,23 @@ TEST_P(RegionCalls, AreExactlyThese) {
   EXPECT_EQ(system.lines, GetParam().calls);
 }
 
+/// The same calls, of a device that was opened as descriptor 0.
+Lines with_descriptor_0(Lines calls) {
+  for (std::string &call : calls) {
+    const size_t descriptor = call.find(" 7");
+    if (descriptor != std::string::npos) call[descriptor + 1] = '0';
+  }
+  return calls;
+}
+
+TEST_P(RegionCalls, TakeDescriptor0ForAnyOther) {
+  ScriptedCalls system;
+  system.contents = Bytes(0x240000, 0x33);
+  if (!GetParam().calls.empty()) system.answer(0, 0);
+  EXPECT_EQ(GetParam().operation(), GetParam().result);
+  EXPECT_EQ(system.lines, with_descriptor_0(GetParam().calls));
+}
+
 /// Where the calls of a failed operation end: with the failed one, and the close that follows.
 Lines calls_up_to(const Lines &calls, size_t failed) {
   Lines expected(calls.begin(), calls.begin() + static_cast<ptrdiff_t>(failed) + 1);

@@ -226,17 +226,20 @@ TEST_P(UpdateStream, CarriesRequestsOfAnyLengthFromWhereTheyLie) {
   }
 }
 
-TEST_P(UpdateStream, HandsOverTheLongestAnswer) {
-  Record reply(65'535);
-  for (size_t i = 0; i != reply.size(); ++i) reply[i] = static_cast<uint8_t>(i * 40503u >> 8);
-  ScriptedPlatform platform;
-  platform.answer(answer_with(reply));
-  void *answer = nullptr;
-  uint32_t answer_length = 0;
-  EXPECT_EQ(GetParam()("x", 1, &answer, &answer_length), 0);
-  EXPECT_EQ(answer_length, 65'535u);
-  EXPECT_EQ(platform.event(1).size, 65'535u);
-  EXPECT_EQ(memcmp(answer, reply.data(), reply.size()), 0);
+TEST_P(UpdateStream, HandsOverTheShortestAndTheLongestAnswer) {
+  for (uint32_t length : {1u, 65'535u}) {
+    Record reply(length);
+    for (size_t i = 0; i != reply.size(); ++i)
+      reply[i] = static_cast<uint8_t>((i + 7) * 40503u >> 8);
+    ScriptedPlatform platform;
+    platform.answer(answer_with(reply));
+    void *answer = nullptr;
+    uint32_t answer_length = 0;
+    EXPECT_EQ(GetParam()("x", 1, &answer, &answer_length), 0);
+    EXPECT_EQ(answer_length, length);
+    EXPECT_EQ(platform.event(1).size, length);
+    EXPECT_EQ(memcmp(answer, reply.data(), reply.size()), 0);
+  }
 }
 
 TEST_P(UpdateStream, WritesTheLengthBeforeItAllocatesTheAnswer) {
