@@ -32,6 +32,8 @@ struct Orders {
   explicit Orders(uint32_t type)
       : action(static_cast<uint8_t>(type)), reply_length((type >> 16) + (type >> 31)) {}
 
+  /// Whatever it asks for: a reply that is too long has the request answered as failed.
+  bool fails() const { return reply_length > OLT_REPLY_LIMIT; }
   bool withholds() const { return action == 0xFE; }
   bool disconnects() const { return action == 0xFD; }
   bool delays() const { return action == 0xFC; }
@@ -121,11 +123,11 @@ class Model {
   bool take(View frame) {
     uint32_t type = word(frame, 8);
     Orders orders(type);
-    if (orders.withholds()) {
+    if (orders.withholds() && !orders.fails()) {
       owes_ = true;
       return true;
     }
-    if (orders.disconnects()) {
+    if (orders.disconnects() && !orders.fails()) {
       // A client that has left may be noticed before the connection is closed.
       ending_ = {.most_vanished = 1};
       return false;
@@ -137,10 +139,9 @@ class Model {
   }
 
   void answer(View frame, const Orders &orders) {
-    bool fails = orders.reply_length > OLT_REPLY_LIMIT;
-    bool no_reply = fails || word(frame, 12) == 1;
+    bool no_reply = orders.fails() || word(frame, 12) == 1;
     uint32_t length = no_reply ? 0 : orders.reply_length;
-    uint16_t status = fails ? 0xFFFF : status_of(word(frame, 8), frame.subspan(kHeader));
+    uint16_t status = orders.fails() ? 0xFFFF : status_of(word(frame, 8), frame.subspan(kHeader));
     answers_.insert(answers_.end(), kAnswerMagic.begin(), kAnswerMagic.end());
     append(answers_, word(frame, 4));
     append(answers_, status);

@@ -100,7 +100,10 @@ int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor 
     return OLT_TRANSPORT_REFUSED;
   }
   ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
-  ::fcntl(socket.get(), F_SETFL, ::fcntl(socket.get(), F_GETFL) & ~O_NONBLOCK);
+  // A socket that stays non-blocking does as well: it costs a poll for each answer.
+  if (const int flags = ::fcntl(socket.get(), F_GETFL); flags >= 0) {
+    ::fcntl(socket.get(), F_SETFL, flags & ~O_NONBLOCK);
+  }
   return OLT_TRANSPORT_OK;
 }
 

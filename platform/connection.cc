@@ -36,10 +36,10 @@ std::unordered_set<Connection *> &open_connections() {
   return instance;
 }
 
-void set_plain_wait(int socket) {
+bool set_plain_wait(int socket) {
   timeval limit{};
   limit.tv_usec = std::chrono::microseconds(kPlainWait).count();
-  ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
 bool is_closed_by_peer(int error) {
@@ -52,8 +52,8 @@ bool is_transient(int error) {
 
 }  // namespace
 
-Connection::Connection(Descriptor socket) : socket_(std::move(socket)) {
-  set_plain_wait(socket_.get());
+Connection::Connection(Descriptor socket)
+    : socket_(std::move(socket)), waits_plainly_(set_plain_wait(socket_.get())) {
   const std::lock_guard guard(lock);
   open_connections().insert(this);
 }
@@ -111,7 +111,7 @@ Sent Connection::send(const Request &request, const Deadline &deadline) {
 
 int32_t Connection::receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
                                  std::size_t &received) {
-  int flags = deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
+  int flags = waits_plainly_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
   for (;;) {
     const ssize_t count = ::recv(socket_.get(), into, limit, flags);
     if (count > 0) {

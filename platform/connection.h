@@ -60,6 +60,7 @@ class Connection {
                        std::size_t &received);
 
   Descriptor socket_;
+  const bool waits_plainly_;  ///< false when recv would block without a limit
   uint32_t sequence_ = 0;
 };
 

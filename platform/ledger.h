@@ -29,13 +29,15 @@ class Ledger {
   }
 
   /// Goes to the log when the server's owner does not take events.
-  void tell(const std::string &line) {
+  void tell(const char *line) {
     if (on_event_ != nullptr) {
-      on_event_(context_, line.c_str());
+      on_event_(context_, line);
     } else {
-      log_log(kErrorLevel, "olt_server_run", 0, line.c_str());
+      log_log(kErrorLevel, "olt_server_run", 0, line);
     }
   }
+
+  void tell(const std::string &line) { tell(line.c_str()); }
 
   olt_server_counters copy() const {
     const std::lock_guard guard(lock_);

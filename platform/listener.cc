@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <system_error>
 #include <utility>
 
 #include "platform/credentials.h"
@@ -24,8 +25,10 @@ constexpr auto kPauseWithoutDescriptors = 100ms;
 bool is_same_file(int file, const std::string &path) {
   struct stat open_one {};
   struct stat named_one {};
-  return ::fstat(file, &open_one) == 0 && ::stat(path.c_str(), &named_one) == 0 &&
-         open_one.st_dev == named_one.st_dev && open_one.st_ino == named_one.st_ino;
+  if (::fstat(file, &open_one) != 0 || (::stat(path.c_str(), &named_one) != 0 && errno != ENOENT)) {
+    throw system_failure("lock file \"" + path + "\" cannot be looked at", errno);
+  }
+  return open_one.st_dev == named_one.st_dev && open_one.st_ino == named_one.st_ino;
 }
 
 // The file may be removed by its last owner between being opened and being locked: look again.
@@ -36,6 +39,9 @@ Descriptor lock_module(const std::string &path, uint32_t module, const std::stri
       throw system_failure("lock file \"" + path + "\" cannot be opened", errno);
     }
     if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno == EINTR) {
+        continue;
+      }
       if (errno == EWOULDBLOCK) {
         throw Failure("module " + std::to_string(module) + " is already being served in \"" +
                       run_dir + "\"; expected a free module or another run directory");
@@ -49,10 +55,10 @@ Descriptor lock_module(const std::string &path, uint32_t module, const std::stri
 }
 
 // The lock is held, so that whoever left a socket there is gone.
-void remove_stale_socket(const std::string &path) {
+const std::string &without_stale_socket(const std::string &path) {
   struct stat found {};
   if (::lstat(path.c_str(), &found) != 0) {
-    return;
+    return path;
   }
   if (!S_ISSOCK(found.st_mode)) {
     throw Failure("\"" + path + "\" is in the way; expected a socket or nothing");
@@ -60,6 +66,7 @@ void remove_stale_socket(const std::string &path) {
   if (::unlink(path.c_str()) != 0) {
     throw system_failure("\"" + path + "\" cannot be removed", errno);
   }
+  return path;
 }
 
 void open_to(const std::string &path, std::optional<gid_t> allowed_group) {
@@ -73,12 +80,11 @@ void open_to(const std::string &path, std::optional<gid_t> allowed_group) {
 }
 
 // Not listening before its permissions are right.
-int listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
+Descriptor listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
   const auto address = socket_address(path);
   if (!address) {
     throw Failure(too_long_for_socket(path));
   }
-  remove_stale_socket(path);
   Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
   if (!socket.is_open() ||
       ::bind(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address) != 0) {
@@ -88,31 +94,48 @@ int listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
   if (::listen(socket.get(), SOMAXCONN) != 0) {
     throw system_failure("\"" + path + "\" cannot be listened on", errno);
   }
-  return socket.release();
+  return socket;
 }
 
 }  // namespace
 
+asio::posix::stream_descriptor watched_by(asio::io_context &loop, Descriptor descriptor) {
+  asio::posix::stream_descriptor stream(loop, descriptor.get());
+  descriptor.release();
+  return stream;
+}
+
+ModuleLock::ModuleLock(const std::string &run_dir, uint32_t module)
+    : path_(socket_path(run_dir, module) + ".lock"), file_(lock_module(path_, module, run_dir)) {}
+
 Listener::Listener(asio::io_context &loop, const std::string &run_dir, uint32_t module,
                    std::optional<gid_t> allowed_group, Ledger &ledger, Accept accept)
-    : lock_(lock_module(socket_path(run_dir, module) + ".lock", module, run_dir)),
-      lock_file_(socket_path(run_dir, module) + ".lock"),
-      socket_(loop, listen_on(socket_path(run_dir, module), allowed_group)),
-      socket_file_(socket_path(run_dir, module)),
+    : lock_(run_dir, module),
+      socket_file_(without_stale_socket(socket_path(run_dir, module))),
+      socket_(watched_by(loop, listen_on(socket_path(run_dir, module), allowed_group))),
       timer_(loop),
       ledger_(ledger),
       accept_(std::move(accept)),
       name_("module " + std::to_string(module)) {
-  await_client();
+  attend();
+}
+
+void Listener::attend() {
+  if (!waits_) {
+    await_client();
+  }
 }
 
 void Listener::await_client() {
   socket_.async_wait(asio::posix::stream_descriptor::wait_read,
                      [this](const std::error_code &error) {
-                       if (!error) {
-                         accept_all();
+                       waits_ = false;
+                       if (error) {
+                         throw std::system_error(error, name_);
                        }
+                       accept_all();
                      });
+  waits_ = true;
 }
 
 void Listener::accept_all() {
@@ -139,9 +162,11 @@ void Listener::pause(int error) {
   timer_.expires_after(kPauseWithoutDescriptors);
   timer_.async_wait([this](const std::error_code &cancelled) {
     if (!cancelled) {
+      waits_ = false;
       accept_all();
     }
   });
+  waits_ = true;
 }
 
 }  // namespace olt::platform

@@ -17,6 +17,10 @@
 
 namespace olt::platform {
 
+/// A stream of the loop that owns the descriptor. Throws std::system_error when the loop does not
+/// take it; the descriptor is then closed.
+asio::posix::stream_descriptor watched_by(asio::io_context &loop, Descriptor descriptor);
+
 /// A file that is removed with its owner.
 class OwnedFile {
  public:
@@ -29,7 +33,21 @@ class OwnedFile {
   std::string path_;
 };
 
-/// Listens on module-N, which it holds against other servers by a lock on module-N.lock.
+/// Holds the file module-N.lock against other servers, and removes it.
+class ModuleLock {
+ public:
+  /// Throws Failure when another server has it.
+  ModuleLock(const std::string &run_dir, uint32_t module);
+  ModuleLock(const ModuleLock &) = delete;
+  ModuleLock &operator=(const ModuleLock &) = delete;
+  ~ModuleLock() { ::unlink(path_.c_str()); }
+
+ private:
+  std::string path_;
+  Descriptor file_;
+};
+
+/// Listens on module-N, which it holds against other servers.
 class Listener {
  public:
   using Accept = std::function<void(Descriptor)>;
@@ -38,19 +56,22 @@ class Listener {
   Listener(asio::io_context &loop, const std::string &run_dir, uint32_t module,
            std::optional<gid_t> allowed_group, Ledger &ledger, Accept accept);
 
+  /// Waits for clients, unless it does so already; an exception may have ended it.
+  void attend();
+
  private:
   void await_client();
   void accept_all();
   void pause(int error);
 
-  Descriptor lock_;
-  OwnedFile lock_file_;
-  asio::posix::stream_descriptor socket_;
+  ModuleLock lock_;
   OwnedFile socket_file_;
+  asio::posix::stream_descriptor socket_;
   asio::steady_timer timer_;
   Ledger &ledger_;
   Accept accept_;
   const std::string name_;
+  bool waits_ = false;
   bool paused_ = false;
 };
 

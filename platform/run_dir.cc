@@ -38,18 +38,26 @@ std::string octal(mode_t mode) {
 
 bool is_empty(const std::string &path, int directory) {
   Descriptor copy(::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  const std::unique_ptr<DIR, int (*)(DIR *)> entries(::fdopendir(copy.get()), ::closedir);
+  const std::unique_ptr<DIR, int (*)(DIR *)> entries(
+      copy.is_open() ? ::fdopendir(copy.get()) : nullptr, ::closedir);
   if (!entries) {
     throw system_failure(quoted(path) + " cannot be read", errno);
   }
   copy.release();
-  while (const dirent *entry = ::readdir(entries.get())) {
+  for (;;) {
+    errno = 0;
+    const dirent *entry = ::readdir(entries.get());
+    if (entry == nullptr && errno != 0) {
+      throw system_failure(quoted(path) + " cannot be read", errno);
+    }
+    if (entry == nullptr) {
+      return true;
+    }
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") {
       return false;
     }
   }
-  return true;
 }
 
 // Permissions beyond the wanted ones, be it only that a group has them which is not the allowed

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <memory>
 #include <new>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "platform/credentials.h"
@@ -19,7 +21,10 @@
 namespace olt::platform {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr uint32_t kDefaultStallMs = 10'000;
+constexpr auto kPauseInNeed = 10ms;
 
 // As many clients as the system allows.
 void raise_descriptor_limit() {
@@ -30,9 +35,9 @@ void raise_descriptor_limit() {
   }
 }
 
-int make_event() {
-  const int event = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-  if (event < 0) {
+Descriptor make_event() {
+  Descriptor event(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+  if (!event.is_open()) {
     throw system_failure("no event descriptor is to be had", errno);
   }
   return event;
@@ -55,12 +60,12 @@ Server::Server(const olt_server_options &options)
       allowed_group_(group_of(options)),
       stall_limit_(options.stall_ms != 0 ? options.stall_ms : kDefaultStallMs),
       ledger_(options.on_event, options.context),
-      waker_(loop_, make_event()) {
+      waker_(watched_by(loop_, make_event())) {
   if (options.run_dir != nullptr) {
     raise_descriptor_limit();
     prepare_run_dir(run_dir_, allowed_group_);
   }
-  await_wake_up();
+  attend();
 }
 
 void Server::add(const Service &service) {
@@ -83,15 +88,29 @@ void Server::add(const Service &service) {
   }
 }
 
-// A connection for which there is no memory is lost, and nothing else.
+// A connection for which there is no memory or no place in the loop is lost, and nothing else.
 void Server::run() {
   loop_.restart();
   while (!loop_.stopped()) {
     try {
+      attend();
       loop_.run();
     } catch (const std::bad_alloc &) {
       ledger_.tell("out of memory: a connection was dropped");
+      std::this_thread::sleep_for(kPauseInNeed);
+    } catch (const std::system_error &error) {
+      ledger_.tell(error.what());
+      std::this_thread::sleep_for(kPauseInNeed);
     }
+  }
+}
+
+void Server::attend() {
+  if (!waker_waits_) {
+    await_wake_up();
+  }
+  for (Listener &listener : listeners_) {
+    listener.attend();
   }
 }
 
@@ -122,24 +141,27 @@ int Server::connect(uint32_t module) {
 void Server::wake_up() {
   const int error = errno;
   const uint64_t one = 1;
-  [[maybe_unused]] const ssize_t written = ::write(waker_.native_handle(), &one, sizeof one);
+  while (::write(waker_.native_handle(), &one, sizeof one) < 0 && errno == EINTR) {
+  }
   errno = error;
 }
 
 void Server::await_wake_up() {
   waker_.async_wait(
       asio::posix::stream_descriptor::wait_read, [this](const std::error_code &error) {
+        waker_waits_ = false;
         if (error) {
-          return;
+          throw std::system_error(error);
         }
         uint64_t count = 0;
         [[maybe_unused]] const ssize_t got = ::read(waker_.native_handle(), &count, sizeof count);
-        await_wake_up();
-        admit_arrivals();
         if (stop_.exchange(false)) {
           loop_.stop();
         }
+        await_wake_up();
+        admit_arrivals();
       });
+  waker_waits_ = true;
 }
 
 void Server::admit_arrivals() {

@@ -46,6 +46,8 @@ class Server {
     const Service *service;
   };
 
+  /// Has all waits under way, those too that an exception has ended.
+  void attend();
   void await_wake_up();
   void wake_up();
   void admit_arrivals();
@@ -64,6 +66,7 @@ class Server {
   // All of its objects live on the thread that runs it: its own locks are not needed.
   asio::io_context loop_{ASIO_CONCURRENCY_HINT_UNSAFE};
   asio::posix::stream_descriptor waker_;
+  bool waker_waits_ = false;
   std::list<Listener> listeners_;
 };
 

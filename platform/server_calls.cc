@@ -22,6 +22,9 @@ int attempt(char *error, Action action) {
   try {
     action();
     return 0;
+  } catch (const std::bad_alloc &) {
+    std::snprintf(error, kErrorSize, "out of memory");
+    return -1;
   } catch (const std::exception &exception) {
     std::snprintf(error, kErrorSize, "%s", exception.what());
     return -1;

@@ -19,8 +19,9 @@ using std::chrono::milliseconds;
 constexpr std::size_t kFirstBuffer = 4096;
 constexpr std::size_t kLargestIdleBuffer = std::size_t{64} * 1024;
 
-bool would_block(const std::error_code &error) {
-  return error == asio::error::would_block || error == asio::error::try_again;
+bool is_transient(const std::error_code &error) {
+  return error == asio::error::would_block || error == asio::error::try_again ||
+         error == asio::error::interrupted;
 }
 
 }  // namespace
@@ -35,6 +36,16 @@ Session::Session(asio::io_context &loop, Descriptor socket, const Service &servi
       buffer_(kFirstBuffer) {
   socket.release();
   socket_.non_blocking(true);
+}
+
+// A session that cannot go on leaves nothing behind that waits.
+void Session::attempt(void (Session::*step)()) {
+  try {
+    (this->*step)();
+  } catch (...) {
+    close();
+    throw;
+  }
 }
 
 void Session::serve() {
@@ -80,7 +91,7 @@ void Session::await_bytes() {
           return self->end();
         }
         self->filled_ += count;
-        self->serve();
+        self->attempt(&Session::serve);
       });
 }
 
@@ -175,7 +186,7 @@ void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
 void Session::flush() {
   std::error_code error;
   sent_ += socket_.send(asio::buffer(outgoing_) + sent_, 0, error);
-  if (error && !would_block(error)) {
+  if (error && !is_transient(error)) {
     return end();
   }
   if (sent_ < outgoing_.size()) {
@@ -184,7 +195,7 @@ void Session::flush() {
                        [self = shared_from_this()](const std::error_code &failure) {
                          if (!failure && self->socket_.is_open()) {
                            self->stop_timer();
-                           self->flush();
+                           self->attempt(&Session::flush);
                          }
                        });
     return;
@@ -213,7 +224,7 @@ void Session::notice_hangup() {
   std::byte next{};
   const ssize_t count =
       ::recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
-  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK)) {
+  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
     end();
   }
 }
@@ -225,7 +236,7 @@ void Session::after(milliseconds delay, void (Session::*then)()) {
       [self = shared_from_this(), then, turn = ++timer_turn_](const std::error_code &) {
         if (turn == self->timer_turn_ && self->socket_.is_open()) {
           self->timer_runs_ = false;
-          (self.get()->*then)();
+          self->attempt(then);
         }
       });
 }

@@ -36,9 +36,10 @@ class Session : public std::enable_shared_from_this<Session> {
   Session(asio::io_context &loop, Descriptor socket, const Service &service, Ledger &ledger,
           std::chrono::milliseconds stall_limit);
 
-  void start() { serve(); }
+  void start() { attempt(&Session::serve); }
 
  private:
+  void attempt(void (Session::*step)());
   void serve();
   void await_bytes();
   void make_room(std::size_t frame_size);

@@ -16,7 +16,7 @@ void put_elements(void *out, const olt_vlan_list &list, uint32_t element) {
   const olt_vlan_node *node = list.head;
   for (int32_t i = 0; i < list.count; ++i) {
     const auto *from = reinterpret_cast<const Word *>(&node->vlan_first);
-    for (uint32_t words = element / sizeof(Word); words != 0; --words)
+    for (size_t words = element / sizeof(Word); words != 0; --words)
       (to++)->value = (from++)->value;
     node = node->next;
   }

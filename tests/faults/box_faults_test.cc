@@ -1,0 +1,269 @@
+// What the box keeps, under every failure of a call: the old file or the new one, and it goes on.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+#include "tests/box/support.h"
+#include "tests/faults/walk.h"
+
+namespace {
+
+using olt::faults::is_harmless;
+using olt::faults::Plan;
+using olt::faults::Strike;
+using olt::tests::Bytes;
+using olt::tests::read_file;
+using olt::tests::TestBox;
+
+constexpr uint32_t kDone = 0;
+constexpr uint32_t kStorageFailed = 8;
+
+std::size_t open_descriptors() {
+  const std::filesystem::directory_iterator entries("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+/// The files of a directory, by name, whole.
+std::map<std::string, std::string> files_in(const std::filesystem::path &directory) {
+  std::map<std::string, std::string> files;
+  if (!std::filesystem::exists(directory)) return files;
+  for (const auto &entry : std::filesystem::directory_iterator(directory)) {
+    files[entry.path().filename()] = read_file(entry.path());
+  }
+  return files;
+}
+
+/// A file that could not be removed may be left under its temporary name.
+std::map<std::string, std::string> without_left_overs(std::map<std::string, std::string> files,
+                                                      const Plan &plan) {
+  if (plan.call == "unlinkat") {
+    files.erase(".new");
+    files.erase(".old");
+  }
+  return files;
+}
+
+bool is_one_line(const std::string &text) {
+  return !text.empty() && text.find('\n') == std::string::npos;
+}
+
+void expect_status(const Plan &plan, uint32_t status) {
+  if (is_harmless(plan)) {
+    EXPECT_EQ(status, kDone);
+  } else {
+    EXPECT_TRUE(status == kDone || status == kStorageFailed) << status;
+  }
+}
+
+/// Two boxes with one thing changed, and what they save.
+struct Saves {
+  explicit Saves(TestBox &box) {
+    change(box, 0x22);
+    box.status(2, 8);
+    after = files_in(box.options.state_dir);
+    change(box, 0x11);
+    box.status(2, 8);
+    before = files_in(box.options.state_dir);
+  }
+
+  static void change(TestBox &box, uint8_t pattern) { box.status(2, 56, Bytes(136, pattern)); }
+
+  std::map<std::string, std::string> before;
+  std::map<std::string, std::string> after;
+};
+
+TEST(Faults, OfASave) {
+  TestBox box;
+  box.traced = false;
+  const Saves saves(box);
+  ASSERT_NE(saves.before, saves.after);
+  auto scenario = [&](const Plan &plan) {
+    const std::size_t descriptors = open_descriptors();
+    Saves::change(box, 0x22);
+    uint32_t status = 0;
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      status = box.status(2, 8);
+      reached = strike.reached();
+    }
+    expect_status(plan, status);
+    EXPECT_EQ(open_descriptors(), descriptors);
+    EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan),
+              status == kDone ? saves.after : saves.before);
+    box.status(2, 7);
+    EXPECT_EQ(box.reply(2, 57), Bytes(136, status == kDone ? 0x22 : 0x11));
+    Saves::change(box, 0x11);
+    EXPECT_EQ(box.status(2, 8), kDone);
+    EXPECT_EQ(files_in(box.options.state_dir), saves.before);
+    return reached;
+  };
+  olt::faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"}});
+}
+
+TEST(Faults, OfTheFirstSave) {
+  TestBox box;
+  box.traced = false;
+  box.status(2, 12);
+  auto scenario = [&](const Plan &plan) {
+    uint32_t status = 0;
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      status = box.status(2, 8);
+      reached = strike.reached();
+    }
+    expect_status(plan, status);
+    EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan).size(),
+              status == kDone ? 1U : 0U);
+    EXPECT_EQ(box.status(2, 8), kDone);
+    for (const auto &[name, content] : files_in(box.options.state_dir)) {
+      std::filesystem::remove(box.options.state_dir / name);
+    }
+    return reached;
+  };
+  olt::faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"},
+       .lasting = false});
+}
+
+TEST(Faults, OfTheRunningState) {
+  TestBox box;
+  box.traced = false;
+  box.options.keep_running_state = true;
+  Saves::change(box, 0x11);
+  box.keep();
+  const auto before = files_in(box.options.state_dir);
+  auto scenario = [&](const Plan &plan) {
+    const std::size_t descriptors = open_descriptors();
+    Saves::change(box, 0x22);
+    bool kept = true;
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      try {
+        box.keep();
+      } catch (const std::exception &failure) {
+        kept = false;
+        EXPECT_TRUE(is_one_line(failure.what()));
+      }
+      reached = strike.reached();
+    }
+    EXPECT_TRUE(kept || !is_harmless(plan));
+    EXPECT_EQ(open_descriptors(), descriptors);
+    const auto now = without_left_overs(files_in(box.options.state_dir), plan);
+    if (kept) {
+      EXPECT_NE(now.at("running.json").find(std::string(272, '2')), std::string::npos);
+      EXPECT_EQ(now.size(), 1U);
+    } else {
+      EXPECT_EQ(now, before);
+    }
+    Saves::change(box, 0x11);
+    box.keep();
+    box.restart();
+    EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+    std::filesystem::remove(box.options.state_dir / "running.json");
+    for (const auto &[name, content] : before) {
+      olt::tests::write_file(box.options.state_dir / name, content);
+    }
+    return reached;
+  };
+  olt::faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"},
+       .lasting = false});
+}
+
+TEST(Faults, OfAListing) {
+  TestBox box;
+  box.traced = false;
+  std::filesystem::create_directory(box.options.listing_dir);
+  olt::tests::write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
+  auto scenario = [&](const Plan &plan) {
+    box.restart();
+    const std::size_t descriptors = open_descriptors();
+    olt::box::Answer answer;
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      answer = box.ask(2, 53);
+      reached = strike.reached();
+    }
+    expect_status(plan, answer.status);
+    EXPECT_EQ(open_descriptors(), descriptors);
+    auto files = without_left_overs(files_in(box.options.listing_dir), plan);
+    if (answer.status == kDone) {
+      const std::string listed = box.listing(answer.reply, 48);
+      EXPECT_EQ(listed.find("Basic information of olt\n"), 0U);
+      EXPECT_EQ(listed.back(), '\n');
+      EXPECT_EQ(files.size(), 2U);
+    } else {
+      EXPECT_EQ(files.size(), 1U);
+    }
+    // No number is used twice, whatever could not be seen.
+    const Bytes next = box.reply(2, 53);
+    const std::string name = olt::tests::characters(olt::tests::slice(next, 48, 70));
+    EXPECT_FALSE(files.contains(name)) << name;
+    EXPECT_EQ(files_in(box.options.listing_dir).at("basicinfo-00000007.txt"), "an earlier one");
+    for (const auto &[listing, content] : files_in(box.options.listing_dir)) {
+      if (content != "an earlier one") std::filesystem::remove(box.options.listing_dir / listing);
+    }
+    return reached;
+  };
+  olt::faults::run({.scenario = scenario,
+                    .allocations = false,
+                    .calls = {"close", "fchmod", "open", "fdopendir", "openat", "readdir",
+                              "renameat", "stat", "unlinkat", "write"}});
+}
+
+TEST(Faults, OfAStart) {
+  TestBox box;
+  box.traced = false;
+  box.options.keep_running_state = true;
+  Saves::change(box, 0x11);
+  box.status(2, 8);
+  box.keep();
+  box.end();
+  const auto before = files_in(box.options.state_dir);
+  const std::size_t descriptors = open_descriptors();
+  auto scenario = [&](const Plan &plan) {
+    bool started = true;
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      try {
+        box.restart();
+      } catch (const std::exception &failure) {
+        started = false;
+        EXPECT_TRUE(is_one_line(failure.what()));
+      }
+      reached = strike.reached();
+    }
+    EXPECT_TRUE(started || !is_harmless(plan));
+    if (started) {
+      EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+    }
+    box.end();
+    EXPECT_EQ(open_descriptors(), descriptors);
+    EXPECT_EQ(files_in(box.options.state_dir), before);
+    box.restart();
+    EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+    box.end();
+    return reached;
+  };
+  olt::faults::run({.scenario = scenario,
+                    .allocations = false,
+                    .calls = {"close", "flock", "open", "openat", "read", "stat"},
+                    .lasting = false});
+}
+
+}  // namespace

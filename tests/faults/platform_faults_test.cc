@@ -1,0 +1,334 @@
+// The platform under every failure of a call: clear results, nothing leaked, and it goes on.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <thread>
+
+#include "tests/faults/walk.h"
+#include "tests/platform/support.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using olt::faults::is_harmless;
+using olt::faults::is_shortage;
+using olt::faults::kNew;
+using olt::faults::Plan;
+using olt::faults::Strike;
+using olt::test::Bytes;
+using olt::test::drop_connections;
+
+using olt::test::hex;
+using olt::test::open_descriptors;
+using olt::test::ServerProcess;
+using olt::test::TemporaryRunDir;
+
+/// One exchange without an allocation of its own. @return its result; the bytes of a reply are
+/// compared with the expected ones.
+int32_t ask(uint32_t type, const Bytes &request, const Bytes &expected) {
+  void *reply = nullptr;
+  uint16_t length = 0xabcd;
+  uint32_t handle = 0xabcdabcd;
+  uint16_t status = 0xabcd;
+  const int32_t result = platmsg_syn_result(type, 2, const_cast<uint8_t *>(request.data()),
+                                            static_cast<uint32_t>(request.size()), &reply, &length,
+                                            &handle, &status, 0, 1);
+  if (result != OLT_TRANSPORT_OK) {
+    EXPECT_TRUE(reply == nullptr && length == 0xabcd && handle == 0xabcdabcd && status == 0xabcd);
+    return result;
+  }
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(length, expected.size());
+  EXPECT_TRUE(length == expected.size() && std::memcmp(reply, expected.data(), length) == 0);
+  IPC_Free(handle);
+  return result;
+}
+
+void expect_documented(const Plan &plan, int32_t result) {
+  if (is_harmless(plan)) {
+    EXPECT_EQ(result, OLT_TRANSPORT_OK);
+  }
+  if (result == OLT_TRANSPORT_OK) return;
+  if (is_shortage(plan)) {
+    EXPECT_EQ(result, OLT_TRANSPORT_NO_RESOURCES);
+    return;
+  }
+  EXPECT_TRUE(result == OLT_TRANSPORT_NO_MODULE || result == OLT_TRANSPORT_LOST ||
+              result == OLT_TRANSPORT_REFUSED)
+      << result;
+}
+
+TEST(Faults, OfAnExchange) {
+  const TemporaryRunDir dir;
+  const ServerProcess server(dir.path());
+  const Bytes small = hex("01 02 03");
+  const Bytes question = hex("30 75 00 00");
+  const Bytes large = olt::test::pattern(30000, 6);
+  drop_connections();
+  const std::size_t descriptors = open_descriptors();
+  auto scenario = [&](const Plan &plan) {
+    int32_t results[3] = {};
+    bool reached = false;
+    {
+      const Strike strike(plan);
+      results[0] = ask(olt::test::kEcho, small, small);
+      results[1] = ask(olt::test::kPattern, question, large);
+      results[2] = ask(olt::test::kEcho, large, large);
+      drop_connections();
+      reached = strike.reached();
+    }
+    for (const int32_t result : results) expect_documented(plan, result);
+    EXPECT_EQ(ask(olt::test::kEcho, small, small), OLT_TRANSPORT_OK);
+    drop_connections();
+    EXPECT_EQ(open_descriptors(), descriptors);
+    return reached;
+  };
+  std::set<std::string> calls = {"close",      "connect", "fcntl",  kNew,        "recv",
+                                 "getsockopt", "sendmsg", "socket", "setsockopt"};
+#ifndef OLT_TEST_SANITIZED
+  calls.insert("calloc");
+#endif
+  olt::faults::run({.scenario = scenario, .calls = calls});
+}
+
+/// Asks a module that never answers, with a time-out of 1 s.
+void expect_time_out(const Plan &plan) {
+  SCOPED_TRACE(olt::faults::describe(plan));
+  const Strike strike(plan);
+  const auto begin = std::chrono::steady_clock::now();
+  const int32_t result = ask(olt::test::kSilence, {}, {});
+  const auto elapsed = std::chrono::steady_clock::now() - begin;
+  EXPECT_TRUE(strike.reached() || plan.nth > 1);
+  EXPECT_TRUE(result == OLT_TRANSPORT_TIMED_OUT ||
+              (!is_harmless(plan) && result == OLT_TRANSPORT_NO_RESOURCES))
+      << result;
+  EXPECT_LT(elapsed, 3s);
+}
+
+// The time-out holds, whatever cannot be set or waited for. All at once, for each takes a second.
+TEST(Faults, OfAnExchangeThatIsNotAnswered) {
+  const TemporaryRunDir dir;
+  const ServerProcess server(dir.path());
+  std::vector<std::thread> threads;
+  for (const char *call : {"fcntl", "setsockopt", "recv", "ppoll"}) {
+    for (const int error : {EINTR, EINVAL}) {
+      for (int nth = 1; nth <= 3; ++nth) {
+        threads.emplace_back(
+            [plan = Plan{call, error, nth, error != EINTR}] { expect_time_out(plan); });
+      }
+    }
+  }
+  for (std::thread &thread : threads) thread.join();
+}
+
+/// A server on a thread of its own, whose calls are struck until the strike is lifted.
+class StruckServer {
+ public:
+  enum State { kStarting, kServing, kEnded };
+
+  StruckServer(const Plan &plan, const std::string &run_dir) : run_dir_(run_dir) {
+    thread_ = std::thread([this, &plan] {
+      Strike strike(plan);
+      strike_ = &strike;
+      serve();
+      reached_ = strike.reached();
+      state_ = kEnded;
+      while (!released_) std::this_thread::sleep_for(100us);
+    });
+    while (state_ == kStarting) std::this_thread::sleep_for(100us);
+  }
+  StruckServer(const StruckServer &) = delete;
+  StruckServer &operator=(const StruckServer &) = delete;
+  ~StruckServer() {
+    released_ = true;
+    thread_.join();
+  }
+
+  bool serves() const { return state_ == kServing; }
+  void lift() { strike_.load()->lift(); }
+  void stop() {
+    olt_server_stop(server_);
+    while (state_ != kEnded) std::this_thread::sleep_for(100us);
+  }
+  bool reached() const { return reached_; }
+  /// What the server said that it could not do; empty when it did everything.
+  const char *error() const { return error_; }
+  const char *last_event() const { return event_; }
+
+ private:
+  void serve() {
+    const olt_server_options options{
+        .run_dir = run_dir_.c_str(), .group = nullptr, .on_event = note, .context = this};
+    server_ = olt_server_create(&options, error_);
+    if (server_ == nullptr) return;
+    if (olt_server_add(server_, 2, olt::test::act, nullptr, error_) == 0) {
+      state_ = kServing;
+      olt_server_run(server_, error_);
+    }
+    olt_server_destroy(server_);
+  }
+
+  static void note(void *context, const char *line) {
+    auto &event = static_cast<StruckServer *>(context)->event_;
+    std::strncpy(event, line, sizeof event - 1);
+  }
+
+  const std::string &run_dir_;
+  olt_server *server_ = nullptr;
+  char error_[256] = "";
+  char event_[256] = "";
+  std::atomic<State> state_{kStarting};
+  std::atomic<Strike *> strike_{nullptr};
+  std::atomic<bool> reached_{false};
+  std::atomic<bool> released_{false};
+  std::thread thread_;
+};
+
+bool is_one_line(const std::string &text) {
+  return !text.empty() && text.find('\n') == std::string::npos;
+}
+
+/// Nothing of the server is left, but for files that could not be removed, and a lock file of which
+/// it could not tell who has it.
+bool is_clean(const std::string &run_dir, const Plan &plan) {
+  if (plan.call == "unlink" || !std::filesystem::exists(run_dir)) return true;
+  const std::filesystem::directory_iterator entries(run_dir);
+  return std::all_of(begin(entries), end(entries), [&plan](const auto &entry) {
+    return entry.path().filename() == "module-2.lock" &&
+           (plan.call == "flock" || plan.call == "fstat" || plan.call == "stat");
+  });
+}
+
+TEST(Faults, OfAServer) {
+  const TemporaryRunDir dir;
+  const Bytes small = hex("01 02 03");
+  const Bytes delay = hex("05 00 00 00");
+  const Bytes large = olt::test::pattern(30000, 6);
+  drop_connections();
+  const std::size_t descriptors = open_descriptors();
+  auto scenario = [&](const Plan &plan) {
+    bool reached = false;
+    {
+      olt::faults::lower_descriptor_limit();
+      StruckServer server(plan, dir.path());
+      if (server.serves()) {
+        const std::pair<uint32_t, const Bytes &> questions[] = {
+            {olt::test::kEcho, small}, {olt::test::kDelayedEcho, delay}, {olt::test::kEcho, large}};
+        for (const auto &[type, bytes] : questions) {
+          const int32_t result = ask(type, bytes, bytes);
+          // To a socket that has bytes the kernel does not say that it has none.
+          if (is_harmless(plan) && plan.error != EAGAIN) {
+            EXPECT_EQ(result, OLT_TRANSPORT_OK);
+          }
+          if (result == OLT_TRANSPORT_TIMED_OUT) break;
+        }
+        server.lift();
+        EXPECT_TRUE(server.serves()) << server.error();
+        drop_connections();
+        EXPECT_EQ(ask(olt::test::kEcho, small, small), OLT_TRANSPORT_OK) << server.last_event();
+        drop_connections();
+        if (server.serves()) server.stop();
+        EXPECT_STREQ(server.error(), "");
+      } else {
+        EXPECT_FALSE(is_harmless(plan));
+        EXPECT_TRUE(is_one_line(server.error())) << server.error();
+      }
+      reached = server.reached();
+    }
+    EXPECT_TRUE(is_clean(dir.path(), plan));
+    EXPECT_EQ(open_descriptors(), descriptors);
+    std::filesystem::remove_all(dir.path());
+    return reached;
+  };
+  olt::faults::run(
+      {.scenario = scenario,
+       .calls = {"accept4",         "bind",       "chmod",      "close",  "epoll_create1",
+                 "epoll_ctl",       "epoll_wait", "eventfd",    "fchmod", "flock",
+                 "fstat",           "getrlimit",  "getsockopt", "ioctl",  "listen",
+                 "lstat",           "mkdir",      "open",       kNew,     "recv",
+                 "sendmsg",         "setrlimit",  "socket",     "stat",   "timerfd_create",
+                 "timerfd_settime", "write"}});
+}
+
+/// The complaint of a server of module 2 that is to start under the plan; empty when it starts.
+std::string complaint(const Plan &plan, const TemporaryRunDir &dir, const char *group,
+                      bool &reached) {
+  const olt_server_options options{.run_dir = dir.path().c_str(), .group = group};
+  char error[256] = "";
+  olt_server *server = nullptr;
+  {
+    const Strike strike(plan);
+    server = olt_server_create(&options, error);
+    if (server != nullptr) olt_server_add(server, 2, olt::test::act, nullptr, error);
+    reached = strike.reached();
+  }
+  if (server != nullptr) olt_server_destroy(server);
+  return error;
+}
+
+TEST(Faults, OfATakeOver) {
+  const TemporaryRunDir dir;
+  ServerProcess(dir.path()).kill();
+  ASSERT_TRUE(std::filesystem::is_socket(dir.socket(2)));
+  bool reached = false;
+  EXPECT_EQ(complaint({"unlink", EBUSY, 1, false}, dir, nullptr, reached),
+            "\"" + dir.socket(2) + "\" cannot be removed: Device or resource busy");
+  EXPECT_TRUE(reached);
+  EXPECT_EQ(complaint({"unlink", EBUSY, 99, false}, dir, nullptr, reached), "");
+}
+
+// Whoever could put something there stays refused, whatever hinders the look into it.
+TEST(Faults, OfARunDirectoryThatWasOpenToOthers) {
+  const TemporaryRunDir dir;
+  std::filesystem::create_directories(dir.path() + "/somebody's");
+  std::filesystem::permissions(dir.path(), std::filesystem::perms(0777));
+  auto scenario = [&](const Plan &plan) {
+    bool reached = false;
+    olt::faults::lower_descriptor_limit();
+    EXPECT_TRUE(is_one_line(complaint(plan, dir, nullptr, reached)));
+    return reached;
+  };
+  olt::faults::run({.scenario = scenario,
+                    .calls = {"close", "eventfd", "epoll_create1", "epoll_ctl", "fdopendir",
+                              "fstat", "getrlimit", "mkdir", "open", "openat", kNew, "readdir",
+                              "setrlimit", "timerfd_create", "write"}});
+}
+
+TEST(Faults, OfAConnectionWithinTheProcess) {
+  const olt::test::ServerThread server({});
+  const std::size_t descriptors = open_descriptors();
+  errno = 0;
+  {
+    const Strike strike({"socketpair", EMFILE, 1, false});
+    EXPECT_EQ(olt_server_connect(server.server(), 2), -1);
+    EXPECT_EQ(errno, EMFILE);
+  }
+  {
+    const Strike strike({kNew, ENOMEM, 1, true});
+    EXPECT_EQ(olt_server_connect(server.server(), 2), -1);
+    EXPECT_EQ(errno, ENOMEM);
+  }
+  EXPECT_EQ(open_descriptors(), descriptors);
+}
+
+TEST(Faults, OfAServerForAGroup) {
+  const TemporaryRunDir dir;
+  const std::string group = std::to_string(::getegid() + 1);
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files to any group";
+  bool reached = false;
+  for (const char *call : {"chown", "fchown"}) {
+    std::filesystem::remove_all(dir.path());
+    const std::string line = complaint({call, EPERM, 1, false}, dir, group.c_str(), reached);
+    EXPECT_NE(line.find("cannot be given to group"), std::string::npos) << line;
+    EXPECT_TRUE(reached);
+    EXPECT_TRUE(!std::filesystem::exists(dir.path()) || std::filesystem::is_empty(dir.path()));
+  }
+}
+
+}  // namespace
