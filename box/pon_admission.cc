@@ -135,7 +135,7 @@ void PonAdmission::try_all(uint32_t interface, TimePoint now) {
   }
 }
 
-void PonAdmission::try_anew(Onu &onu, TimePoint now) {
+void PonAdmission::try_anew(Onu &onu, TimePoint now) const {
   onu.block(now);
   if (judge(onu) == Verdict::kAllowed) onu.admit(now);
 }

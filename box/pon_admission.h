@@ -94,7 +94,7 @@ class PonAdmission {
   /// Has all ONUs of the interface try to join; those that are up and may be so stay up.
   void try_all(uint32_t interface, TimePoint now);
   /// Has a single one try to join from the start.
-  void try_anew(Onu &onu, TimePoint now);
+  void try_anew(Onu &onu, TimePoint now) const;
   /// Blocks the ONUs that joined, but may no longer. @return how many.
   size_t throw_out(uint32_t interface, TimePoint now);
 

@@ -113,13 +113,19 @@ bool leaves_bytes_unset(const Operation &operation) {
   return std::find(std::begin(kNames), std::end(kNames), operation.name) != std::end(kNames);
 }
 
+/// A mode that cannot be read is told as mode 0.
+bool never_fails(const Operation &operation) {
+  return operation.name == std::string_view("get_olt_auth_mode");
+}
+
 void require_same_request(const Operation &operation, const Words &words) {
   std::vector<Request> requests[2];
   for (std::vector<Request> &made : requests) {
     Call call(operation);
     olt::cli::read_arguments(call, words);
     olt::fuzz::answer_with(1, {});
-    require(call.make() != 0, "a refused request is a failure");
+    bool succeeds = call.make() == 0;
+    require(succeeds == never_fails(operation), "a refused request is a failure");
     made = olt::fuzz::take_requests();
     for (Request &request : made) {
       require(request.type == operation.address.message_type, "an operation sends its type");

@@ -28,7 +28,7 @@ std::string read_file(const char *path) {
 }
 
 std::string output_of(const char *command) {
-  FILE *pipe = popen(command, "r");  // NOLINT(cert-env33-c): the build gives the command
+  FILE *pipe = popen(command, "r");
   std::string output;
   for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) output += static_cast<char>(c);
   EXPECT_EQ(pclose(pipe), 0) << command;

@@ -515,7 +515,7 @@ void run_failures(const Row &row, Findings &findings) {
 }  // namespace
 
 // Like printf, and checked like it; a line that is too long is cut.
-// NOLINTBEGIN(cert-dcl50-cpp,cert-err33-c,clang-analyzer-valist.Uninitialized)
+// NOLINTBEGIN(clang-analyzer-valist.Uninitialized)
 void Findings::about(const Row &row, const char *format, ...) {
   int length =
       snprintf(about_, sizeof about_, "%s%s%s, ", row.operation, row.variant != nullptr ? " " : "",
@@ -537,7 +537,7 @@ void Findings::add(const char *format, ...) {
   sink_(context_, line);
   ++count_;
 }
-// NOLINTEND(cert-dcl50-cpp,cert-err33-c,clang-analyzer-valist.Uninitialized)
+// NOLINTEND(clang-analyzer-valist.Uninitialized)
 
 void run_row(const Row &row, Findings &findings) {
   run_addresses(row, findings);
