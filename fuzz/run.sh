@@ -34,17 +34,30 @@ fuzz() {
     "${options[@]}" "$build/corpus/$target" "$here/corpus/$target" >"$build/$target.log" 2>&1
 }
 
-status=0
-for target in "${targets[@]}"; do
+report() {
+  local target=$1 runs
   if fuzz "$target"; then
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$build/$target.log")
     echo "fuzz: $target: $runs inputs in $seconds s, nothing found"
-  else
-    cp "$build/$target.log" "$build/findings/$target.log"
-    grep -E '^(broken rule|by|SUMMARY)|ERROR: |runtime error|Test unit written' \
-      "$build/$target.log" | cut -c 1-400 || tail -n 20 "$build/$target.log"
-    echo "fuzz: $target: a finding; see $build/findings" >&2
-    status=1
+    return
+  fi
+  cp "$build/$target.log" "$build/findings/$target.log"
+  grep -E '^(broken rule|by|SUMMARY)|ERROR: |runtime error|Test unit written' \
+    "$build/$target.log" | cut -c 1-400 || tail -n 20 "$build/$target.log"
+  echo "fuzz: $target: a finding; see $build/findings" >&2
+  return 1
+}
+
+# One target for each CPU at a time.
+status=0
+running=()
+for target in "${targets[@]}"; do
+  report "$target" &
+  running+=($!)
+  if [ ${#running[@]} -ge "$(nproc)" ]; then
+    wait "${running[0]}" || status=1
+    running=("${running[@]:1}")
   fi
 done
+for process in "${running[@]}"; do wait "$process" || status=1; done
 exit $status
