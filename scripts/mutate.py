@@ -102,13 +102,13 @@ def all_faults(root):
 
 
 def read_known(path):
-    """The lines FILE | BEFORE | AFTER, each under the reason that begins with '#'."""
+    """The lines FILE ## BEFORE ## AFTER, each under the reason that begins with '#'."""
     known = set()
     for line in path.read_text().splitlines():
         if line and not line.startswith("#"):
-            parts = [part.strip() for part in line.split(" | ")]
+            parts = [part.strip() for part in line.split(" ## ")]
             if len(parts) != 3:
-                sys.exit(f"mutate.py: {path}: not FILE | BEFORE | AFTER: {line}")
+                sys.exit(f"mutate.py: {path}: not FILE ## BEFORE ## AFTER: {line}")
             known.add(tuple(parts))
     return known
 
@@ -232,7 +232,7 @@ def main():
                 counts["known"] += 1
             else:
                 unknown.append(fault)
-                print(f"survived: {fault.file} | {fault.before} | {after}", flush=True)
+                print(f"survived: {fault.file} ## {fault.before} ## {after}", flush=True)
     print(f"{counts['found'] + counts['survived']} faults of {total} tried: {counts['found']} found, "
           f"{counts['known']} known survivors, {len(unknown)} unknown; "
           f"{counts['does not compile']} more do not compile")
