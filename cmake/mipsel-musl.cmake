@@ -1,3 +1,3 @@
 # 32-bit little-endian MIPS with musl.
 set(c_library musl)
-include(${CMAKE_CURRENT_LIST_DIR}/mipsel-specs.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/mipsel-other-libc.cmake)

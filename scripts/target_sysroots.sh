@@ -2,8 +2,8 @@
 # Provides what the library is built and tested with for 32-bit little-endian MIPS, as links in
 # build/target-sysroots:
 #   gnu     packages for the GNU C library: GoogleTest and what the programs are made with
-#   musl    musl, and compiler specs that select it
-#   uclibc  uClibc-ng, built from its sources, and compiler specs that select it
+#   musl    musl, and a file with which the compiler uses it
+#   uclibc  uClibc-ng, built from its sources, and a file with which the compiler uses it
 # usage: scripts/target_sysroots.sh
 #
 # Debian packages: g++-mipsel-linux-gnu make xz-utils

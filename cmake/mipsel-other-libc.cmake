@@ -1,4 +1,5 @@
-# The common part of the toolchains for other C libraries than GNU's: compiler specs select them.
+# The common part of the toolchains for other C libraries than GNU's: a file in the sysroot tells the
+# compiler of each.
 include(${CMAKE_CURRENT_LIST_DIR}/mipsel.cmake)
 set(sysroot ${CMAKE_CURRENT_LIST_DIR}/../build/target-sysroots/${c_library})
 cmake_path(NORMAL_PATH sysroot)
