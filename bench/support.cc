@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -65,15 +64,6 @@ void pin_to_one_cpu() {
   CPU_ZERO(&one);
   CPU_SET(last, &one);
   require(sched_setaffinity(0, sizeof one, &one) == 0, "sched_setaffinity");
-}
-
-Folder::Folder() : path_(std::filesystem::temp_directory_path() / "olt-bench.XXXXXX") {
-  require(mkdtemp(path_.data()) != nullptr, "mkdtemp");
-}
-
-Folder::~Folder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
 }
 
 void write_file(const std::string &path, const std::string &content) {

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/folder.h"
+
 namespace olt::bench {
 
 [[noreturn]] void fail(const std::string &line);
@@ -19,20 +21,7 @@ void require(bool holds, const char *what);
 /// Binds this process, and the children to come, to the last CPU that it may use.
 void pin_to_one_cpu();
 
-/// A folder below the system's temporary one, removed at the end.
-class Folder {
- public:
-  Folder();
-  Folder(const Folder &) = delete;
-  Folder &operator=(const Folder &) = delete;
-  ~Folder();
-
-  const std::string &path() const { return path_; }
-  std::string operator/(const std::string &name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
+using tests::Folder;
 
 /// Writes a file of the caller's own.
 void write_file(const std::string &path, const std::string &content);

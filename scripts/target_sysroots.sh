@@ -32,7 +32,7 @@ make_musl() {
   # The package leaves it to its own compiler to look in two folders.
   ln -s ../../../lib/mipsel-linux-musl/libc.so sysroot/usr/lib/mipsel-linux-musl/
   # The C++ headers ask for the version of the GNU C library.
-  write_specs "$1/usr/include/mipsel-linux-musl" "-D__GLIBC_PREREQ(a,b)=0" \
+  write_settings "$1/usr/include/mipsel-linux-musl" "-D__GLIBC_PREREQ(a,b)=0" \
     "$1/usr/lib/mipsel-linux-musl" /lib/ld-musl-mipsel.so.1 -lc
 }
 
@@ -67,7 +67,7 @@ make_uclibc() {
   # The C++ headers ask for two functions that this C library does not have.
   echo 'extern "C" { int at_quick_exit(void (*)(void)); [[noreturn]] void quick_exit(int); }' \
     >sysroot/absent_functions.h
-  write_specs "$1/usr/include" "-include $1/absent_functions.h" \
+  write_settings "$1/usr/include" "-include $1/absent_functions.h" \
     "$1/usr/lib" /lib/ld-uClibc.so.1 \
     "$1/lib/libc.so.0 $1/usr/lib/uclibc_nonshared.a --as-needed $1/lib/ld-uClibc.so.1 --no-as-needed"
 }
@@ -79,10 +79,10 @@ set_option() {
 }
 
 # Makes the compiler for the GNU C library one for another C library, its own headers alone.
-# usage: write_specs C_HEADERS CXX_OPTIONS LIBRARY_FOLDER LOADER LIBRARIES
-write_specs() {
+# usage: write_settings C_HEADERS CXX_OPTIONS LIBRARY_FOLDER LOADER LIBRARIES
+write_settings() {
   local cxx=/usr/mipsel-linux-gnu/include/c++/12
-  cat >sysroot/gcc.specs <<END
+  cat >sysroot/gcc.settings <<END
 *cpp:
 -nostdinc -idirafter $1 -idirafter include%s
 
@@ -124,7 +124,7 @@ make_sysroot() (
 # The name says which recipe it was made by. What was built with another one is worthless.
 provide() {
   local folder
-  folder=$cache/sysroot-$1-$(declare -f "make_$1" set_option write_specs | sha256sum | cut -c 1-12)
+  folder=$cache/sysroot-$1-$(declare -f "make_$1" set_option write_settings | sha256sum | cut -c 1-12)
   [ -d "$folder" ] || make_sysroot "$1" "$folder"
   [ "$(readlink "$links/$1")" = "$folder" ] || rm -rf "build/target-$1"
   ln -sfn "$folder" "$links/$1"

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "tests/box/onu_support.h"
 
 namespace {
 
 using olt::tests::Bytes;
+using olt::tests::counting;
 using olt::tests::hex;
 using olt::tests::slice;
 using olt::tests::SmallPon;
@@ -16,12 +15,6 @@ using olt::tests::target;
 using olt::tests::target_with;
 using olt::tests::text;
 using olt::tests::word;
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
 
 /// A text with its zero, and what the sender's memory held behind it.
 Bytes interface_name(const std::string &name) {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "tests/box/onu_support.h"
 
 namespace {
@@ -12,6 +10,7 @@ using namespace std::chrono_literals;
 using olt::tests::auth_entries;
 using olt::tests::auth_entry;
 using olt::tests::Bytes;
+using olt::tests::counting;
 using olt::tests::hex;
 using olt::tests::record;
 using olt::tests::slice;
@@ -20,12 +19,6 @@ using olt::tests::target;
 using olt::tests::target_with;
 using olt::tests::text;
 using olt::tests::word;
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
 
 /// A feature request as the library leaves it: bytes of the head that it does not write are junk.
 Bytes feature_request(uint32_t interface, uint32_t onu, const Bytes &block) {

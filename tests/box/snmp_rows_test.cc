@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <set>
 
 #include "tests/box/onu_support.h"
@@ -11,6 +10,7 @@
 namespace {
 
 using olt::tests::Bytes;
+using olt::tests::counting;
 using olt::tests::hex;
 using olt::tests::record;
 using olt::tests::slice;
@@ -19,12 +19,6 @@ using olt::tests::target;
 using olt::tests::target_with;
 using olt::tests::text;
 using olt::tests::word;
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
 
 void lay(Bytes &bytes, size_t offset, const Bytes &field) {
   std::copy(field.begin(), field.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));

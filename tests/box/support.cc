@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <stdexcept>
 
 namespace olt::tests {
@@ -38,6 +39,12 @@ Bytes text(std::string_view characters) {
 Bytes word(uint32_t value) {
   return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
           static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
+}
+
+Bytes counting(size_t size, uint8_t from) {
+  Bytes bytes(size);
+  std::iota(bytes.begin(), bytes.end(), from);
+  return bytes;
 }
 
 Bytes slice(const Bytes &bytes, size_t begin, size_t end) {

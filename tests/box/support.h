@@ -25,6 +25,8 @@ Bytes record(size_t size, std::initializer_list<std::pair<size_t, Bytes>> fields
 Bytes text(std::string_view characters);
 /// A little-endian word.
 Bytes word(uint32_t value);
+/// So many bytes, each one more than the one before.
+Bytes counting(size_t size, uint8_t from);
 Bytes slice(const Bytes &bytes, size_t begin, size_t end);
 std::string characters(const Bytes &bytes);
 

@@ -2,24 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "tests/box/support.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using olt::tests::Bytes;
+using olt::tests::counting;
 using olt::tests::hex;
 using olt::tests::record;
 using olt::tests::TestBox;
 using olt::tests::word;
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
 
 Bytes port_record(uint32_t number, const Bytes &settings = {}) {
   return record(27, {{0, word(1)}, {4, word(number)}, {8, settings}});

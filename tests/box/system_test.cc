@@ -2,25 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 #include "tests/box/support.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using olt::tests::Bytes;
+using olt::tests::counting;
 using olt::tests::hex;
 using olt::tests::record;
 using olt::tests::TestBox;
 using olt::tests::text;
 using olt::tests::word;
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
 
 TEST(Settings, AreZeroFromTheFactory) {
   TestBox box;

@@ -14,8 +14,7 @@ export OLT_RUN_DIR=$folder/run
 box=$!
 
 finish() {
-  kill "$box" 2>/dev/null || true
-  wait "$box" || true
+  [ -z "$box" ] || kill -KILL "$box"
   rm -rf "$folder"
 }
 trap finish EXIT
@@ -42,3 +41,8 @@ VLAN  Tagged ports  Untagged ports  Description
 21    -             -               -
 22    -             -               -
 END
+
+# A box that is asked to end does so well.
+kill "$box"
+wait "$box"
+box=
