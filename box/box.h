@@ -9,7 +9,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,13 +20,6 @@ namespace olt::box {
 /// Module number of the box's own controls (faults, counters), beside the modules that it
 /// simulates. Beyond the 8 bits that an operation can name.
 inline constexpr uint32_t kControlModule = 1000;
-
-/// A topology or a fault that the user got wrong: one line with the place, what is wrong and what
-/// is expected.
-class BadInput : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// The command for the control module that arms the fault described by the text, for example
 /// "type=12 status=5 from=2 count=3". Throws BadInput.

@@ -2,21 +2,22 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <grp.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
 
+#include "base/accounts.h"
+#include "base/bad_input.h"
+#include "base/folders.h"
 #include "box/box.h"
 
 namespace {
 
-using olt::box::BadInput;
+using olt::BadInput;
 using olt::box::Box;
 using olt::box::Options;
 
@@ -36,26 +37,9 @@ std::string default_run_dir() {
   return path;
 }
 
-std::filesystem::path default_state_dir() {
-  const char *state_home = std::getenv("XDG_STATE_HOME");
-  if (state_home != nullptr && state_home[0] == '/') {
-    return std::filesystem::path(state_home) / "oltmgmt" / "box";
-  }
-  const char *home = std::getenv("HOME");
-  if (home == nullptr || home[0] != '/') {
-    throw BadInput("HOME names no directory, expected --state-dir DIR");
-  }
-  return std::filesystem::path(home) / ".local" / "state" / "oltmgmt" / "box";
-}
-
-gid_t group_id(const std::string &name) {
-  if (const group *found = getgrnam(name.c_str())) return found->gr_gid;
-  gid_t number = 0;
-  auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  if (error != std::errc() || end != name.data() + name.size()) {
-    throw BadInput("--group " + name + ": is no group, expected a name or a number of one");
-  }
-  return number;
+gid_t group_id(const std::string &name_or_number) {
+  if (auto group = olt::find_group(name_or_number)) return *group;
+  throw BadInput("--group " + name_or_number + ": is no group, expected the name or number of one");
 }
 
 /// Whether anybody still reads the line is not the box's affair.
@@ -88,7 +72,7 @@ Arguments parse(int argc, char **argv) {
   }
   if (arguments.run_dir.empty()) arguments.run_dir = default_run_dir();
   arguments.box.state_dir =
-      state_dir.empty() ? default_state_dir() : std::filesystem::path(state_dir);
+      state_dir.empty() ? olt::state_folder() / "box" : std::filesystem::path(state_dir);
   arguments.box.listing_dir = arguments.run_dir;
   arguments.box.topology_file = topology;
   if (!arguments.group.empty()) arguments.box.listing_group = group_id(arguments.group);

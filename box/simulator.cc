@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "box/state_file.h"
+#include "box/state/state_file.h"
 
 namespace olt::box {
 
@@ -39,15 +39,15 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
       clock_(std::move(clock)),
       topology_(load_topology(options_.topology_file)),
       state_(open_state(options_, patience)),
-      chassis_(topology_, state_, Listings(options_.listing_dir, options_.listing_group), clock_),
+      hardware_(topology_, state_, Listings(options_.listing_dir, options_.listing_group), clock_),
       control_(faults_, counters_) {
   add_messages();
-  if (!resume()) chassis_.events().record(Level::kNotice, kMainModule, "started");
+  if (!resume()) hardware_.events().record(Level::kNotice, kMainModule, "started");
   for (const std::string &fault : options_.faults) faults_.add(fault_from_text(fault), "");
 }
 
 void Simulator::add_messages() {
-  for (const auto &family : chassis_.families()) {
+  for (const auto &family : hardware_.families()) {
     for (Message &message : family->messages()) {
       if (message.secret.end > 0) secrets_[message.type] = message.secret;
       Key key = {message.module, message.type};
@@ -59,7 +59,7 @@ void Simulator::add_messages() {
 bool Simulator::resume() {
   if (!options_.keep_running_state) return false;
   return read_state_file(state_, kRunningFile, [this](ObjectReader &members) {
-    chassis_.resume(members.get("box"), members.place_of("box"));
+    hardware_.resume(members.get("box"), members.place_of("box"));
     faults_.from_json(members.get("faults"), members.place_of("faults"));
     counters_.from_json(members.get("counters"), members.place_of("counters"));
   });
@@ -68,7 +68,7 @@ bool Simulator::resume() {
 void Simulator::keep() {
   if (!options_.keep_running_state) return;
   write_state_file(state_, kRunningFile,
-                   {{"box", chassis_.running()},
+                   {{"box", hardware_.running()},
                     {"faults", faults_.to_json()},
                     {"counters", counters_.to_json()}});
 }
@@ -121,10 +121,10 @@ Status Simulator::serve(const Message &message, std::span<const uint8_t> request
   } catch (const BadLength &) {
     return Status::kBadLength;
   } catch (const StorageFailure &failure) {
-    chassis_.events().record(Level::kError, message.module, failure.what());
+    hardware_.events().record(Level::kError, message.module, failure.what());
     return Status::kStorage;
   } catch (const std::exception &error) {
-    chassis_.events().record(Level::kCritical, message.module, error.what());
+    hardware_.events().record(Level::kCritical, message.module, error.what());
     return Status::kInternal;
   }
 }
@@ -141,8 +141,8 @@ void Simulator::count(uint32_t module, uint32_t type, const Answer &answer, cons
   }
   counters_.add(module, type, tally);
   if (tally.unserved != 0 || tally.bad_lengths != 0) {
-    chassis_.events().record(Level::kWarning, module,
-                             fmt::format("message type {}: {}", type, status_text(answer.status)));
+    hardware_.events().record(Level::kWarning, module,
+                              fmt::format("message type {}: {}", type, status_text(answer.status)));
   }
 }
 

@@ -7,14 +7,15 @@
 #include <span>
 #include <utility>
 
+#include "base/clock.h"
 #include "box/box.h"
-#include "box/chassis.h"
-#include "box/control.h"
-#include "box/counters.h"
-#include "box/faults.h"
-#include "box/files.h"
-#include "box/message.h"
-#include "box/trace.h"
+#include "box/core/hardware.h"
+#include "box/message/message.h"
+#include "box/state/files.h"
+#include "box/watch/control.h"
+#include "box/watch/counters.h"
+#include "box/watch/faults.h"
+#include "box/watch/trace.h"
 
 namespace olt::box {
 
@@ -45,7 +46,7 @@ class Simulator {
   Clock clock_;
   Topology topology_;
   StateDirectory state_;
-  Chassis chassis_;
+  Hardware hardware_;
   FaultTable faults_;
   Counters counters_;
   Control control_;

@@ -4,9 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "base/text.h"
 #include "cli/assignment.h"
-#include "cli/describe.h"
 #include "cli/error.h"
+#include "cli/expectations.h"
 #include "cli/input.h"
 #include "cli/number_text.h"
 #include "cli/secret.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cctype>
 
-#include "cli/bytes_text.h"
-#include "cli/describe.h"
+#include "base/text.h"
 #include "cli/error.h"
+#include "cli/expectations.h"
 
 namespace olt::cli {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/operation.h"
-#include "cli/bytes_text.h"
 #include "oltmgmt.h"
 
 namespace olt::cli {

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "catalog/catalog.h"
-#include "cli/describe.h"
+#include "cli/expectations.h"
 #include "cli/manual.h"
 #include "cli/readers.h"
 

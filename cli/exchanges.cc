@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <string>
 
-#include "cli/trace.h"
+#include "cli/exchange_printer.h"
 
 namespace olt::cli {
 

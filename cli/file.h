@@ -6,7 +6,7 @@
 #include <string>
 #include <system_error>
 
-#include "cli/bytes_text.h"
+#include "base/text.h"
 
 namespace olt::cli {
 

@@ -9,8 +9,10 @@
 #include <system_error>
 #include <vector>
 
-#include "cli/describe.h"
+#include "base/mac.h"
+#include "base/text.h"
 #include "cli/error.h"
+#include "cli/expectations.h"
 #include "cli/file.h"
 #include "cli/list_text.h"
 #include "cli/number_text.h"
@@ -125,8 +127,8 @@ class Input {
       put(0, exactly(argument_.size, file(value.substr(1))));
     } else if (argument_.form == Form::kOnt && value.find('/') != std::string_view::npos) {
       read_ont(value);
-    } else if (argument_.form == Form::kMac && parse_mac(value)) {
-      put(0, *parse_mac(value));
+    } else if (argument_.form == Form::kMac && to_mac(value)) {
+      put(0, *to_mac(value));
     } else if (argument_.form == Form::kWords && is_number_list(value)) {
       put_numbers(0, numbers(value, ',', argument_.size / kWord));
     } else if (value.find(':') == std::string_view::npos) {
@@ -199,7 +201,11 @@ class Input {
         put_numbers(field.offset, numbers(value, ',', field.width / kWord));
         break;
       case FieldKind::kMac:
-        put(field.offset, parse_mac(value) ? *parse_mac(value) : exactly(field.width, hex(value)));
+        if (auto mac = to_mac(value)) {
+          put(field.offset, *mac);
+        } else {
+          put(field.offset, exactly(field.width, hex(value)));
+        }
         break;
       case FieldKind::kText:
       case FieldKind::kPadded: {
@@ -232,7 +238,7 @@ class Input {
   }
 
   Bytes hex(std::string_view value) const {
-    std::optional<Bytes> bytes = parse_hex(value);
+    std::optional<Bytes> bytes = from_hex(value);
     if (!bytes) refuse("'{}' is not pairs of hex digits", printable(value));
     return *bytes;
   }
@@ -244,7 +250,7 @@ class Input {
     return {content.begin(), content.end()};
   }
 
-  void put(size_t offset, const Bytes &bytes) { call_.set_bytes(assignment_.place, offset, bytes); }
+  void put(size_t offset, ByteView bytes) { call_.set_bytes(assignment_.place, offset, bytes); }
 
   /// Words travel in the byte order of every machine that the library runs on.
   void put_number(const Field &field, const void *number) {

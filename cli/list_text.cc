@@ -6,6 +6,8 @@
 #include <charconv>
 #include <optional>
 
+#include "base/mac.h"
+#include "base/text.h"
 #include "cli/error.h"
 #include "cli/secret.h"
 #include "cli/words.h"
@@ -79,11 +81,11 @@ Bytes field_bytes(const Item &item, const Field &field, std::string_view value) 
     if (value.size() <= field.width) return {value.begin(), value.end()};
     throw BadItem(item, fmt::format("{} has {} bytes", field.name, value.size()));
   }
-  std::optional<Bytes> mac = parse_mac(value);
+  auto mac = to_mac(value);
   if (!mac) {
     throw BadItem(item, fmt::format("{}: '{}' is no MAC address", field.name, printable(value)));
   }
-  return *mac;
+  return {mac->begin(), mac->end()};
 }
 
 std::vector<std::string> words_of(const Item &item) {
@@ -116,7 +118,7 @@ Bytes entry_by_field(const Item &item, const Argument &argument) {
 
 Bytes entry(const Item &item, const Argument &argument) {
   if (item.text.find('=') != std::string::npos) return entry_by_field(item, argument);
-  std::optional<Bytes> bytes = parse_hex(item.text);
+  std::optional<Bytes> bytes = from_hex(item.text);
   if (!bytes) throw BadItem(item, "neither FIELD=VALUE nor pairs of hex digits");
   if (bytes->size() != argument.size) {
     throw BadItem(item, fmt::format("{} bytes given", bytes->size()));

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
-#include "cli/bytes_text.h"
-#include "cli/describe.h"
 #include "cli/error.h"
+#include "cli/expectations.h"
 #include "cli/readers.h"
 
 namespace olt::cli {

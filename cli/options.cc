@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "cli/bytes_text.h"
+#include "base/text.h"
 #include "cli/error.h"
 
 namespace olt::cli {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "cli/listing.h"
+#include "cli/listing_reader.h"
 #include "cli/result_text.h"
 
 namespace olt::cli {
@@ -44,7 +44,7 @@ uint32_t number_of(const Field &field, ByteView bytes) {
 }
 
 std::string bytes_as_text(const char *name, ByteView bytes) {
-  if (bytes.size() <= kShort) return fmt::format("{} = {}\n", name, spaced_hex(bytes));
+  if (bytes.size() <= kShort) return fmt::format("{} = {}\n", name, to_spaced_hex(bytes));
   return fmt::format("{} = {} bytes\n{}", name, bytes.size(), hex_dump(bytes));
 }
 
@@ -125,7 +125,7 @@ ordered_json output_as_json(const Shown &shown, size_t place, const Argument &ar
     return fields;
   }
   if (argument.form == Form::kWords) return words_in(bytes);
-  return plain_hex(bytes);
+  return to_hex(bytes);
 }
 
 ordered_json listing_as_json(const Shown &shown) {
@@ -193,7 +193,7 @@ ordered_json field_as_json(const Field &field, ByteView record, bool secrets) {
       return words_in(bytes);
     case FieldKind::kMac:
     case FieldKind::kBytes:
-      return plain_hex(bytes);
+      return to_hex(bytes);
     case FieldKind::kWord:
     case FieldKind::kHalfWord:
       break;

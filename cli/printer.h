@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "base/text.h"
 #include "cli/call.h"
 
 namespace olt::cli {

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
-#include "cli/bytes_text.h"
 #include "cli/error.h"
 
 namespace olt::cli {

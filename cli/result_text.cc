@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "box/status.h"
+#include "box/wire/status.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {

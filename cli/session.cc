@@ -5,15 +5,15 @@
 #include <cstring>
 #include <optional>
 
+#include "base/text.h"
 #include "cli/argument_parser.h"
-#include "cli/box_control.h"
-#include "cli/bytes_text.h"
 #include "cli/call.h"
 #include "cli/completion.h"
+#include "cli/control_client.h"
 #include "cli/error.h"
 #include "cli/exchanges.h"
 #include "cli/file.h"
-#include "cli/listing.h"
+#include "cli/listing_reader.h"
 #include "cli/manual.h"
 #include "cli/printer.h"
 #include "cli/result_text.h"
@@ -138,10 +138,10 @@ void Session::run_walk(const std::string &reader) {
       }
     }
   } catch (const Error &) {
-    if (!rows.empty()) print(table_text(rows));
+    if (!rows.empty()) print(rows_text(rows));
     throw;
   }
-  if (!options_.json) print(table_text(rows));
+  if (!options_.json) print(rows_text(rows));
 }
 
 void Session::run_control(std::span<const std::string> words) {

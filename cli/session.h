@@ -6,7 +6,7 @@
 #include <string>
 
 #include "catalog/operation.h"
-#include "cli/box_access.h"
+#include "cli/access.h"
 #include "cli/options.h"
 
 namespace olt::cli {
@@ -27,7 +27,7 @@ class Session {
   void run_walk(const std::string &reader);
 
   const Options &options_;
-  BoxAccess box_;
+  Access box_;
 };
 
 }  // namespace olt::cli

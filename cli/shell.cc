@@ -19,7 +19,7 @@
 #include "cli/completion.h"
 #include "cli/error.h"
 #include "cli/history_line.h"
-#include "cli/state_folder.h"
+#include "cli/own_state_folder.h"
 #include "cli/words.h"
 
 namespace olt::cli {
@@ -128,7 +128,7 @@ char *prompt(EditLine * /*editor*/) {
 /// Lines of earlier shells, and of this one.
 class LineHistory {
  public:
-  LineHistory() : history_(history_init()), path_(state_folder() / "history") {
+  LineHistory() : history_(history_init()), path_(own_state_folder() / "history") {
     HistEvent event;
     history(history_, &event, H_SETSIZE, kHistoryLines);
     history(history_, &event, H_SETUNIQUE, 1);

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "box/status.h"
+#include "base/table.h"
+#include "base/text.h"
+#include "box/wire/status.h"
 #include "catalog/catalog.h"
-#include "cli/bytes_text.h"
 #include "cli/error.h"
 #include "cli/printer.h"
 #include "cli/result_text.h"
@@ -66,17 +67,9 @@ std::string cell(const Row &value) {
   return text.empty() ? "-" : text;
 }
 
-std::string line_of(const std::vector<std::string> &cells, const std::vector<size_t> &widths) {
-  std::string line;
-  for (size_t i = 0; i < cells.size(); ++i) {
-    line += fmt::format("{}{:<{}}", i == 0 ? "" : "  ", cells[i], widths[i]);
-  }
-  return line.erase(line.find_last_not_of(' ') + 1) + '\n';
-}
-
 }  // namespace
 
-Walk::Walk(BoxAccess &box, const std::string &reader, bool secrets)
+Walk::Walk(Access &box, const std::string &reader, bool secrets)
     : box_(box),
       reader_(reader_named(reader)),
       secrets_(secrets),
@@ -143,22 +136,16 @@ void Walk::add_columns(Row &row, const Call &call) const {
   }
 }
 
-std::string table_text(const std::vector<Row> &rows) {
+std::string rows_text(const std::vector<Row> &rows) {
   if (rows.empty()) return "no rows\n";
-  std::vector<std::vector<std::string>> table(1);
+  std::vector<TableRow> table(1);
   for (const auto &[name, value] : rows.front().items()) table[0].push_back(name);
   for (const Row &row : rows) {
-    std::vector<std::string> cells;
+    TableRow cells;
     for (const std::string &name : table[0]) cells.push_back(cell(row.value(name, Row(""))));
     table.push_back(std::move(cells));
   }
-  std::vector<size_t> widths(table[0].size());
-  for (const auto &cells : table) {
-    for (size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], cells[i].size());
-  }
-  std::string text;
-  for (const auto &cells : table) text += line_of(cells, widths);
-  return text;
+  return table_text(table);
 }
 
 std::string row_line(const std::string &reader, const Row &row) {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/box_access.h"
+#include "cli/access.h"
 #include "cli/call.h"
 #include "cli/readers.h"
 
@@ -21,7 +21,7 @@ using Row = nlohmann::ordered_json;
 class Walk {
  public:
   /// Opens the box. Throws Error when there is no such reader.
-  Walk(BoxAccess &box, const std::string &reader, bool secrets);
+  Walk(Access &box, const std::string &reader, bool secrets);
 
   /// Nothing behind the last row. Throws Error.
   std::optional<Row> next();
@@ -32,14 +32,14 @@ class Walk {
   void add_columns(Row &row, const Call &call) const;
   void check(const catalog::Operation &operation, int32_t result) const;
 
-  const BoxAccess &box_;
+  const Access &box_;
   const Reader &reader_;
   bool secrets_;
   Call step_;  ///< its first argument names the row that was read last
 };
 
 /// Rows below the names of their columns.
-std::string table_text(const std::vector<Row> &rows);
+std::string rows_text(const std::vector<Row> &rows);
 
 /// A line of JSON.
 std::string row_line(const std::string &reader, const Row &row);

@@ -11,9 +11,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/mac.h"
+#include "base/text.h"
 #include "catalog/catalog.h"
 #include "cli/argument_parser.h"
-#include "cli/bytes_text.h"
 #include "cli/error.h"
 #include "cli/list_text.h"
 #include "cli/number_text.h"
@@ -23,11 +24,11 @@
 
 namespace {
 
+using olt::Bytes;
+using olt::ByteView;
 using olt::catalog::Argument;
 using olt::catalog::Kind;
 using olt::catalog::Operation;
-using olt::cli::Bytes;
-using olt::cli::ByteView;
 using olt::cli::Call;
 using olt::cli::Error;
 using olt::fuzz::Input;
@@ -75,7 +76,7 @@ std::optional<std::string> written(const Call &call, size_t place) {
   const Argument &argument = call.operation().arguments()[place];
   if (argument.kind == Kind::kWord) return fmt::format("{}={}", argument.name, call.word(place));
   if (argument.kind == Kind::kRecord) {
-    return fmt::format("{}={}", argument.name, olt::cli::plain_hex(call.bytes(place)));
+    return fmt::format("{}={}", argument.name, olt::to_hex(call.bytes(place)));
   }
   return std::nullopt;
 }
@@ -99,7 +100,7 @@ void require_written_is_read(const Call &call) {
     ByteView one = call.bytes(place);
     ByteView other = again.bytes(place);
     require(std::equal(one.begin(), one.end(), other.begin(), other.end()),
-            "a record is read as it is written", olt::cli::plain_hex(one));
+            "a record is read as it is written", olt::to_hex(one));
   }
 }
 
@@ -149,13 +150,14 @@ void try_operation(const Operation &operation, const Words &words) {
 }
 
 void try_hex(std::string_view text) {
-  std::optional<Bytes> bytes = olt::cli::parse_hex(text);
+  std::optional<Bytes> bytes = olt::from_hex(text);
   if (!bytes) return;
-  require(olt::cli::parse_hex(olt::cli::plain_hex(*bytes)) == bytes &&
-              olt::cli::parse_hex(olt::cli::spaced_hex(*bytes)) == bytes,
+  require(olt::from_hex(olt::to_hex(*bytes)) == bytes &&
+              olt::from_hex(olt::to_spaced_hex(*bytes)) == bytes,
           "bytes are read as they are written", text);
   if (bytes->size() != 6) return;
-  require(olt::cli::parse_mac(fmt::format("{:02x}", fmt::join(*bytes, ":"))) == bytes,
+  auto mac = olt::to_mac(fmt::format("{:02x}", fmt::join(*bytes, ":")));
+  require(mac && std::equal(mac->begin(), mac->end(), bytes->begin()),
           "an address is read as it is written", text);
 }
 

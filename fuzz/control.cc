@@ -2,8 +2,9 @@
 #include <string>
 #include <string_view>
 
-#include "box/faults.h"
-#include "cli/box_control.h"
+#include "base/bad_input.h"
+#include "box/watch/faults.h"
+#include "cli/control_client.h"
 #include "fuzz/small_box.h"
 #include "fuzz/target.h"
 
@@ -25,7 +26,7 @@ void arm(SmallBox &box, std::string_view words) {
     Json reply = box.command(olt::box::fault_add_command(words));
     require(reply["ok"] == true || faults_of(box).size() == kMostFaults,
             "a fault that is understood can be armed", reply.dump());
-  } catch (const olt::box::BadInput &error) {
+  } catch (const olt::BadInput &error) {
     olt::fuzz::require_line(error.what());
   }
 }

@@ -6,10 +6,10 @@
 
 #include "catalog/catalog.h"
 #include "cli/error.h"
+#include "cli/exchange_printer.h"
 #include "cli/exchanges.h"
-#include "cli/listing.h"
+#include "cli/listing_reader.h"
 #include "cli/printer.h"
-#include "cli/trace.h"
 #include "fuzz/platform.h"
 #include "fuzz/target.h"
 #include "tests/support/folder.h"

@@ -7,8 +7,8 @@
 
 #include "catalog/catalog.h"
 #include "cli/assignment.h"
-#include "cli/box_control.h"
 #include "cli/completion.h"
+#include "cli/control_client.h"
 #include "cli/error.h"
 #include "cli/history_line.h"
 #include "cli/manual.h"

@@ -11,6 +11,7 @@
 #include <numeric>
 #include <vector>
 
+#include "base/text.h"
 #include "fuzz/target.h"
 #include "platform/olthost.h"
 

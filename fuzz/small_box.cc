@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "box/state_file.h"
+#include "box/state/state_file.h"
 #include "fuzz/target.h"
 
 namespace olt::fuzz {
@@ -73,10 +73,10 @@ const box::Topology &small_topology() {
 const std::vector<MessageRow> &message_rows() {
   static const std::vector<MessageRow> instance = [] {
     box::StateDirectory state(folder() / "table", std::chrono::seconds(1));
-    box::Chassis chassis(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
-                         std::chrono::system_clock::now);
+    box::Hardware hardware(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
+                           std::chrono::system_clock::now);
     std::vector<MessageRow> rows;
-    for (const auto &family : chassis.families()) {
+    for (const auto &family : hardware.families()) {
       for (const box::Message &message : family->messages()) {
         rows.push_back({message.module, message.type, std::string(message.name), message.request});
       }

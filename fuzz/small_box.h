@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/clock.h"
 #include "box/simulator.h"
 #include "tests/support/folder.h"
 
@@ -65,7 +66,7 @@ class SmallBox {
                              const box::Answer &answer);
 
   std::unique_ptr<box::Simulator> simulator_;
-  box::TimePoint now_ = box::TimePoint(std::chrono::seconds(1'769'860'800));
+  TimePoint now_ = TimePoint(std::chrono::seconds(1'769'860'800));
   std::string trace_;
   box::Tally asked_;
 };

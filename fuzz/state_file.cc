@@ -1,7 +1,7 @@
 // What the box finds when it starts: a saved configuration and a running state, damaged in their
 // text or in single values. It starts from them and writes the same again, or says in one line what
 // is wrong and leaves them as they are.
-#include "box/state_file.h"
+#include "box/state/state_file.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,13 @@
 // Topology files. One that is taken describes a box within its limits, and can be written down
 // again.
-#include "box/topology.h"
+#include "box/core/topology.h"
 
 #include <algorithm>
 #include <string>
 
-#include "box/json.h"
+#include "base/bad_input.h"
+#include "base/text.h"
+#include "box/state/json.h"
 #include "fuzz/target.h"
 
 namespace {
@@ -84,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     std::string text = written(topology);
     require(written(olt::box::parse_topology(text)) == text,
             "a topology that is written down is read as it was", text);
-  } catch (const olt::box::BadInput &error) {
+  } catch (const olt::BadInput &error) {
     olt::fuzz::require_line(error.what());
   }
   return 0;

@@ -10,6 +10,8 @@
 #include <string>
 #include <utility>
 
+#include "base/accounts.h"
+#include "base/descriptor.h"
 #include "platform/connection.h"
 #include "platform/credentials.h"
 #include "platform/deadline.h"

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "base/accounts.h"
+#include "base/descriptor.h"
 #include "platform/connection.h"
 #include "platform/credentials.h"
 #include "platform/failure.h"
@@ -78,7 +80,7 @@ std::optional<gid_t> allowed_group() {
     return std::nullopt;
   }
   try {
-    return find_group(group);
+    return require_group(group);
   } catch (const Failure &failure) {
     complain(std::string("OLT_GROUP: ") + failure.what() + "; using none");
     return std::nullopt;

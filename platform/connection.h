@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/descriptor.h"
 #include "platform/deadline.h"
-#include "platform/descriptor.h"
 #include "platform/olthost.h"
 #include "platform/replies.h"
 

@@ -1,39 +1,17 @@
 #include "platform/credentials.h"
 
-#include <grp.h>
-#include <pwd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <vector>
 
+#include "base/accounts.h"
 #include "platform/failure.h"
 
 namespace olt::platform {
 namespace {
-
-constexpr std::size_t kMostNameBytes = std::size_t{1024} * 1024;
-
-// The lookups of the user database share one way of asking: grow the buffer until it fits.
-template <typename Entry, typename Lookup>
-std::optional<Entry> look_up(std::vector<char> &buffer, Lookup lookup) {
-  Entry entry{};
-  Entry *found = nullptr;
-  for (buffer.resize(1024); buffer.size() <= kMostNameBytes; buffer.resize(buffer.size() * 2)) {
-    if (lookup(&entry, buffer.data(), buffer.size(), &found) != ERANGE) {
-      break;
-    }
-  }
-  return found != nullptr ? std::optional(entry) : std::nullopt;
-}
-
-std::string numbered(const char *name, unsigned number) {
-  return name != nullptr ? std::string(name) + " (" + std::to_string(number) + ")"
-                         : std::to_string(number);
-}
 
 std::vector<gid_t> groups_of_peer(int socket) {
   std::vector<gid_t> groups(32);
@@ -70,35 +48,13 @@ std::string expected_peers(std::optional<gid_t> allowed_group) {
 
 }  // namespace
 
-gid_t find_group(const std::string &name_or_number) {
-  gid_t number{};
-  const char *end = name_or_number.data() + name_or_number.size();
-  const auto [stop, error] = std::from_chars(name_or_number.data(), end, number);
-  if (error == std::errc() && stop == end) {
-    return number;
-  }
-  std::vector<char> buffer;
-  const auto entry = look_up<group>(
-      buffer, [&](auto... rest) { return ::getgrnam_r(name_or_number.c_str(), rest...); });
-  if (!entry) {
+gid_t require_group(const std::string &name_or_number) {
+  const std::optional<gid_t> group = find_group(name_or_number);
+  if (!group) {
     throw Failure("group \"" + name_or_number +
                   "\" is not known; expected the name or the number of a group");
   }
-  return entry->gr_gid;
-}
-
-std::string user_name(uid_t user) {
-  std::vector<char> buffer;
-  const auto entry =
-      look_up<passwd>(buffer, [&](auto... rest) { return ::getpwuid_r(user, rest...); });
-  return numbered(entry ? entry->pw_name : nullptr, user);
-}
-
-std::string group_name(gid_t number) {
-  std::vector<char> buffer;
-  const auto entry =
-      look_up<group>(buffer, [&](auto... rest) { return ::getgrgid_r(number, rest...); });
-  return numbered(entry ? entry->gr_name : nullptr, number);
+  return *group;
 }
 
 std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group) {

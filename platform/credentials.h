@@ -9,12 +9,8 @@
 
 namespace olt::platform {
 
-/// Number of a group given by name or by number; throws Failure when there is none of the name.
-gid_t find_group(const std::string &name_or_number);
-
-/// "alice (1001)", or the number alone when it has no name.
-std::string user_name(uid_t user);
-std::string group_name(gid_t number);
+/// The number of the group that find_group finds; throws Failure when there is none.
+gid_t require_group(const std::string &name_or_number);
 
 /// Empty when the peer of the socket is the own user, root or a member of the allowed group; else
 /// a line that tells who it is and who is expected.

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/accounts.h"
 #include "platform/credentials.h"
 #include "platform/failure.h"
 #include "platform/run_dir.h"

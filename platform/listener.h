@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 #include "platform/ledger.h"
 
 namespace olt::platform {

@@ -13,8 +13,9 @@
 #include <memory>
 #include <string_view>
 
+#include "base/accounts.h"
+#include "base/descriptor.h"
 #include "platform/credentials.h"
-#include "platform/descriptor.h"
 #include "platform/failure.h"
 #include "platform/log.h"
 #include "platform/olthost.h"

@@ -44,7 +44,7 @@ Descriptor make_event() {
 }
 
 std::optional<gid_t> group_of(const olt_server_options &options) {
-  return options.group != nullptr ? std::optional(find_group(options.group)) : std::nullopt;
+  return options.group != nullptr ? std::optional(require_group(options.group)) : std::nullopt;
 }
 
 // The client learns why its connection is closed.

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 #include "platform/ledger.h"
 #include "platform/listener.h"
 #include "platform/olthost.h"

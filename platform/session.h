@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/descriptor.h"
+#include "base/descriptor.h"
 #include "platform/frame.h"
 #include "platform/ledger.h"
 #include "platform/olthost.h"

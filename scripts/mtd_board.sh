@@ -64,7 +64,7 @@ pack_files() {
   mkdir -p "$files/lib"
   cp "$build/tests/target/board_init" "$files/init"
   cp "$build/tests/target/mtd_check" "$kernel/mtdram.ko" "$files/"
-  cp "$build/liboltmgmt.so.0" "$build/platform/flash_device/liboltflash.so" "$files/lib/"
+  cp "$build/liboltmgmt.so.0" "$build/flash_device/liboltflash.so" "$files/lib/"
   cp "$system/ld.so.1" "$system/libc.so.6" "$files/lib/"
   (cd "$files" && find . | cpio -o -H newc --quiet | gzip -1) >"$build/files.gz"
 }

@@ -13,6 +13,7 @@
 #include <atomic>
 #include <thread>
 
+#include "base/text.h"
 #include "platform/olthost.h"
 #include "tests/box/support.h"
 #include "tests/support/program.h"
@@ -298,7 +299,7 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
        "fault \"type=12\": /: has no effect, expected a status, a delay_ms, or the action silence "
        "or drop"},
       {{"--group", "no such group"},
-       "--group no such group: is no group, expected a name or a number of one"},
+       "--group no such group: is no group, expected the name or number of one"},
       {{"--topology", daemon.folder / "box.json"},
        (daemon.folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16"},
   };

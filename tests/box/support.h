@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/clock.h"
+#include "base/text.h"
 #include "box/simulator.h"
 #include "tests/support/folder.h"
 
@@ -61,7 +63,7 @@ class TestBox {
  private:
   void start();
 
-  box::TimePoint now_ = box::TimePoint(std::chrono::seconds(1'769'860'800));
+  TimePoint now_ = TimePoint(std::chrono::seconds(1'769'860'800));
   std::unique_ptr<box::Simulator> simulator_;
 };
 

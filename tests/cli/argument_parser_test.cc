@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
 #include "catalog/row.h"
 #include "cli/error.h"
@@ -12,10 +13,10 @@
 
 namespace {
 
+using olt::Bytes;
+using olt::to_hex;
 using olt::catalog::up_to;
-using olt::cli::Bytes;
 using olt::cli::Call;
-using olt::cli::plain_hex;
 using olt::cli::read_arguments;
 using Words = std::vector<std::string>;
 
@@ -48,7 +49,7 @@ std::string plain_call(const Words &words) {
 std::string record_of(const Words &words) {
   Call call(kRecord);
   read_arguments(call, words);
-  return plain_hex(call.bytes(0));
+  return to_hex(call.bytes(0));
 }
 
 template <typename Function>
@@ -182,8 +183,8 @@ TEST(Records, OfOneCallAreToldApart) {
   Call call(kTwoRecords);
   Words words = {"one.debug_op=1", "other.debug_value=2"};
   read_arguments(call, words);
-  EXPECT_EQ(plain_hex(call.bytes(0)), "010000000000000000000000");
-  EXPECT_EQ(plain_hex(call.bytes(1)), "000000000000000002000000");
+  EXPECT_EQ(to_hex(call.bytes(0)), "010000000000000000000000");
+  EXPECT_EQ(to_hex(call.bytes(1)), "000000000000000002000000");
   EXPECT_EQ(error_for(kTwoRecords, {"debug_op=1"}),
             "takes_two_records: debug_op is a field of several records; expected one.debug_op or "
             "other.debug_op");
@@ -203,7 +204,7 @@ TEST(Records, FieldsHaveTheirRanges) {
   Call call(switch_debug);
   Words words = {"debug_value=65535", "reserved_1a=0a0b", "debug_op=1"};
   read_arguments(call, words);
-  EXPECT_EQ(plain_hex(call.bytes(0)),
+  EXPECT_EQ(to_hex(call.bytes(0)),
             "01000000"
             "0000000000000000000000000000000000000000"
             "ffff0a0b");
@@ -213,7 +214,7 @@ TEST(Records, ATextFieldReplacesAllOfAnEarlierText) {
   Call call(*olt::catalog::find("get_system_next_user"));
   Words words = {"user=8:6161616161", "user_name=b"};
   read_arguments(call, words);
-  EXPECT_EQ(plain_hex(call.bytes(0).subspan(8, 6)), "620000000000");
+  EXPECT_EQ(to_hex(call.bytes(0).subspan(8, 6)), "620000000000");
 }
 
 TEST(Streams, AreTakenAsHexOrFromAFile) {

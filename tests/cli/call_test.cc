@@ -5,16 +5,16 @@
 #include <cstring>
 #include <string>
 
+#include "base/text.h"
 #include "catalog/row.h"
-#include "cli/bytes_text.h"
 #include "cli/result_text.h"
 #include "oltmgmt.h"
 #include "oltplatform.h"
 
 namespace {
 
+using olt::Bytes;
 using olt::catalog::in_out;
-using olt::cli::Bytes;
 using olt::cli::Call;
 using olt::cli::describe_result;
 
@@ -74,8 +74,8 @@ TEST(Call, HoldsOutputsAndReleasesTheBlock) {
   EXPECT_EQ(call.make(), 0);
   EXPECT_EQ(call.word(0), 4294967295U);
   EXPECT_EQ(call.bytes(1).size(), 32U);
-  EXPECT_EQ(olt::cli::plain_hex(call.bytes(2)), "02005e100001");
-  EXPECT_EQ(olt::cli::plain_hex(call.bytes(3)), "78797a");
+  EXPECT_EQ(olt::to_hex(call.bytes(2)), "02005e100001");
+  EXPECT_EQ(olt::to_hex(call.bytes(3)), "78797a");
 }
 
 TEST(Call, SurvivesATextThatRunsOverItsRecord) {

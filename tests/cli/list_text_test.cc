@@ -6,13 +6,13 @@
 #include <utility>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
-#include "cli/bytes_text.h"
 
 namespace {
 
+using olt::to_hex;
 using olt::cli::BadItem;
-using olt::cli::plain_hex;
 using olt::cli::read_entries;
 using olt::cli::read_vlan_ids;
 using olt::cli::read_vlans;
@@ -33,7 +33,7 @@ Pairs pairs(const std::string &text) {
 }
 
 std::string entry_hex(const std::string &text) {
-  return plain_hex(read_entries(split_items(text, ';'), entries()));
+  return to_hex(read_entries(split_items(text, ';'), entries()));
 }
 
 template <typename Function>

@@ -303,7 +303,7 @@ TEST(OltctlRun, TheEmbeddedBoxNeedsAPlace) {
   Finished lost = run({"env", "-u", "HOME", "-u", "XDG_STATE_HOME", OLTCTL, "get_olt_mac"}, {});
   EXPECT_EQ(lost.status, 1);
   EXPECT_EQ(lost.errors,
-            "oltctl: no place for the embedded box; expected XDG_STATE_HOME or HOME to name an "
+            "oltctl: no place for state; expected XDG_STATE_HOME or HOME to name an "
             "absolute path\n");
   Oltctl oltctl;
   std::string file = oltctl.folder().write("file", "");

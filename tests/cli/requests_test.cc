@@ -8,9 +8,9 @@
 #include <thread>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
 #include "cli/argument_parser.h"
-#include "cli/bytes_text.h"
 #include "cli/error.h"
 #include "cli/exchanges.h"
 #include "cli/printer.h"
@@ -19,9 +19,9 @@
 
 namespace {
 
-using olt::cli::ByteView;
+using olt::ByteView;
+using olt::to_hex;
 using olt::cli::Call;
-using olt::cli::plain_hex;
 using Words = std::vector<std::string>;
 
 class Requests : public testing::Test {
@@ -82,7 +82,7 @@ class Requests : public testing::Test {
     auto *test = static_cast<Requests *>(context);
     test->requests_.push_back(
         std::to_string(request->message_type) + " " +
-        plain_hex(ByteView(static_cast<const uint8_t *>(request->data), request->length)));
+        to_hex(ByteView(static_cast<const uint8_t *>(request->data), request->length)));
     answer->reply = test->reply_.data();
     answer->reply_length = static_cast<uint32_t>(test->reply_.size());
   }

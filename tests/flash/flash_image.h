@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/flash_device/flash_device.h"
+#include "flash_device/flash_device.h"
 
 namespace olt::tests {
 

@@ -8,7 +8,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include "platform/flash_device/system_calls.h"
+#include "flash_device/system_calls.h"
 
 namespace olt::tests {
 namespace {

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <thread>
 
+#include "base/clock.h"
 #include "tests/platform/support.h"
 
 namespace olt::test {

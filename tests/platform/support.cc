@@ -15,6 +15,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "base/text.h"
+
 namespace olt::test {
 namespace {
 

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/clock.h"
 #include "platform/olthost.h"
 
 namespace olt::test {

@@ -1,0 +1,50 @@
+/// What every family of messages brings: its messages and the state behind them.
+#ifndef OLT_BOX_CORE_FAMILY_H
+#define OLT_BOX_CORE_FAMILY_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "box/core/listing.h"
+#include "box/message/message.h"
+#include "box/state/json.h"
+
+namespace olt::box {
+
+/// State comes in two sorts. Configuration is what save_system_config saves; it has a factory
+/// state, in which a family is constructed. Running state lasts until the next reboot.
+class Family {
+ public:
+  virtual ~Family() = default;
+
+  /// The family's key in state files.
+  virtual std::string_view name() const = 0;
+  virtual std::vector<Message> messages() = 0;
+
+  virtual Json configuration() const { return Json::object(); }
+  /// Takes what configuration gave. Throws BadInput.
+  virtual void configure(const Json &value, const std::string &place) {
+    ObjectReader(value, place).finish();
+  }
+  virtual void restore_factory() {}
+
+  virtual Json running() const { return Json::object(); }
+  /// Takes what running gave. Throws BadInput.
+  virtual void resume(const Json &value, const std::string &place) {
+    ObjectReader(value, place).finish();
+  }
+  virtual void reboot() {}
+
+  /// Adds the family's sections to the running-configuration listing.
+  virtual void describe_configuration(Report & /*report*/) const {}
+  /// Adds the family's sections to the basic-information listing.
+  virtual void describe_running(Report & /*report*/) const {}
+
+  /// Bytes that the family's state takes, about.
+  virtual size_t footprint() const = 0;
+};
+
+}  // namespace olt::box
+
+#endif

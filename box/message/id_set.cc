@@ -1,0 +1,145 @@
+#include "box/message/id_set.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+namespace olt::box {
+
+namespace {
+
+std::string range_text(IdRange range) {
+  return range.first == range.last ? fmt::to_string(range.first)
+                                   : fmt::format("{}-{}", range.first, range.last);
+}
+
+/// Takes a number off the text's front.
+std::optional<uint16_t> take_number(std::string_view &text) {
+  uint16_t number = 0;
+  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc()) return std::nullopt;
+  text.remove_prefix(static_cast<size_t>(end - text.data()));
+  return number;
+}
+
+bool take(std::string_view &text, char c) {
+  if (!text.starts_with(c)) return false;
+  text.remove_prefix(1);
+  return true;
+}
+
+bool is_range(IdRange range) {
+  return range.first >= 1 && range.first <= range.last && range.last <= kLastVlan;
+}
+
+std::optional<IdSet> ids_from_text(std::string_view text) {
+  IdSet ids;
+  if (text.empty()) return ids;
+  do {
+    auto first = take_number(text);
+    auto last = take(text, '-') ? take_number(text) : first;
+    if (!first || !last || !is_range({*first, *last})) return std::nullopt;
+    ids |= ids_in(IdRange{*first, *last});
+  } while (take(text, ','));
+  if (!text.empty()) return std::nullopt;
+  return ids;
+}
+
+}  // namespace
+
+IdSet ids_in(IdRange range) {
+  const IdSet all = ~IdSet();
+  return (all << range.first) & (all >> static_cast<size_t>(kLastVlan - range.last));
+}
+
+IdSet ids_in(const std::vector<IdRange> &ranges) {
+  IdSet ids;
+  for (IdRange range : ranges) ids |= ids_in(range);
+  return ids;
+}
+
+std::vector<IdRange> ranges_of(const IdSet &ids) {
+  std::vector<IdRange> ranges;
+  for (uint16_t id = 1; id <= kLastVlan; ++id) {
+    if (!ids[id]) continue;
+    if (ids[id - 1U]) {
+      ranges.back().last = id;
+    } else {
+      ranges.push_back({id, id});
+    }
+  }
+  return ranges;
+}
+
+std::optional<IdSet> known_ids(const std::vector<IdRange> &ranges, const IdSet &known) {
+  IdSet ids;
+  for (IdRange range : ranges) {
+    IdSet found = ids_in(range) & known;
+    if (found.none()) return std::nullopt;
+    ids |= found;
+  }
+  return ids;
+}
+
+std::string ids_to_text(const IdSet &ids) {
+  std::string text;
+  for (IdRange range : ranges_of(ids)) {
+    if (!text.empty()) text += ',';
+    text += range_text(range);
+  }
+  return text;
+}
+
+std::string ids_to_cell(const IdSet &ids, std::string_view prefix) {
+  std::string cell;
+  for (IdRange range : ranges_of(ids)) {
+    if (!cell.empty()) cell += ',';
+    cell += prefix;
+    cell += range_text(range);
+  }
+  return cell.empty() ? "-" : cell;
+}
+
+std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width) {
+  std::vector<std::string> cells = {""};
+  for (IdRange range : ranges_of(ids)) {
+    std::string text = range_text(range);
+    if (!cells.back().empty()) {
+      cells.back() += ',';
+      if (cells.back().size() + text.size() > width) cells.emplace_back();
+    }
+    cells.back() += text;
+  }
+  if (cells.back().empty()) cells.back().push_back('-');
+  return cells;
+}
+
+IdSet read_ids(ObjectReader &reader, std::string_view key) {
+  auto ids = ids_from_text(reader.text(key));
+  if (!ids) refuse(reader.place_of(key), reader.get(key), "numbers up to 4094 as in \"1,20-25\"");
+  return *ids;
+}
+
+std::optional<std::vector<IdRange>> read_vlans(const Request &request, size_t offset,
+                                               size_t element) {
+  std::vector<IdRange> ranges;
+  ranges.reserve((request.size() - offset) / element);
+  for (size_t at = offset; at < request.size(); at += element) {
+    request.bytes(at, element);
+    uint16_t first = request.u16(at);
+    uint16_t second = request.u16(at + 2);
+    ranges.push_back({first, second == 0 ? first : second});
+    if (!is_range(ranges.back())) return std::nullopt;
+  }
+  return ranges;
+}
+
+Message vlan_message(uint32_t type, std::string_view name, size_t head, VlanAction act) {
+  auto handle = [head, act = std::move(act)](const Request &request, Reply &) {
+    auto ranges = read_vlans(request, head);
+    return ranges ? act(request, *ranges) : Status::kBadValue;
+  };
+  return {kMainModule, type, name, {head, head + kVlanElement * kLastVlan}, handle};
+}
+
+}  // namespace olt::box

@@ -1,0 +1,57 @@
+/// Sets of VLANs and of ports: on the wire, as text, in listings.
+#ifndef OLT_BOX_MESSAGE_ID_SET_H
+#define OLT_BOX_MESSAGE_ID_SET_H
+
+#include <bitset>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "box/message/message.h"
+#include "box/state/json.h"
+
+namespace olt::box {
+
+inline constexpr uint16_t kLastVlan = 4094;
+/// What a VLAN takes on the wire: the first id of a range and its last one; 0 for a single id.
+inline constexpr size_t kVlanElement = 4;
+
+/// Numbered from 1.
+using IdSet = std::bitset<kLastVlan + 1>;
+
+struct IdRange {
+  uint16_t first;
+  uint16_t last;
+};
+
+IdSet ids_in(IdRange range);
+IdSet ids_in(const std::vector<IdRange> &ranges);
+std::vector<IdRange> ranges_of(const IdSet &ids);
+/// Those of the ranges' ids that are known; nothing when a range names none of these.
+std::optional<IdSet> known_ids(const std::vector<IdRange> &ranges, const IdSet &known);
+
+/// "1,10,20-25".
+std::string ids_to_text(const IdSet &ids);
+/// The same as a cell of a table: with a prefix before each range, "-" for none.
+std::string ids_to_cell(const IdSet &ids, std::string_view prefix = {});
+/// The same as cells below each other, of about the width.
+std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width);
+/// Reads a member that is a text as ids_to_text writes it. Throws BadInput.
+IdSet read_ids(ObjectReader &reader, std::string_view key);
+
+/// The VLAN elements behind the offset; nothing when one is no range of ids. Throws BadLength when
+/// they do not fill the request.
+std::optional<std::vector<IdRange>> read_vlans(const Request &request, size_t offset,
+                                               size_t element = kVlanElement);
+
+using VlanAction = std::function<Status(const Request &, const std::vector<IdRange> &)>;
+
+/// A message to the main module that carries up to 4,094 VLAN elements behind a head.
+Message vlan_message(uint32_t type, std::string_view name, size_t head, VlanAction act);
+
+}  // namespace olt::box
+
+#endif

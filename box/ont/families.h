@@ -1,0 +1,37 @@
+/// The families of the services of ONTs, one source file each, and what others see of them.
+#ifndef OLT_BOX_ONT_FAMILIES_H
+#define OLT_BOX_ONT_FAMILIES_H
+
+#include <memory>
+#include <vector>
+
+#include "box/core/hardware.h"
+#include "box/ont/iptv_state.h"
+#include "box/pon/onu_family.h"
+
+namespace olt::box {
+
+inline constexpr size_t kWanConnectionRecord = 125;
+
+/// How a voice line stands.
+enum class LineState : uint32_t {
+  kUnknown = 0,  ///< the ONU is not up
+  kOff = 1,
+  kUnregistered = 2,  ///< it is on, but has no user account
+  kRegistered = 3,
+};
+
+LineState line_state(const OnuRecords &records, const OnuPart &line, bool onu_is_up);
+const char *line_state_text(LineState state);
+
+std::unique_ptr<Family> make_ont_voice(Hardware &hardware, const SharedOnus &state);
+std::unique_ptr<Family> make_ont_wan(Hardware &hardware, const SharedOnus &state);
+std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, const SharedOnus &state, SharedIptv iptv);
+
+/// Adds all of them, in the order in which listings show them.
+void add_ont_families(Hardware &hardware, const SharedOnus &state, const SharedIptv &iptv,
+                      std::vector<std::unique_ptr<Family>> &families);
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,311 @@
+// IPTV profiles with their channels, the profiles of ONUs, and the channels of single users.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/mac.h"
+#include "base/text.h"
+#include "box/ont/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kMostProfiles = 256;
+constexpr size_t kMostChannels = 1024;  ///< of one profile
+constexpr size_t kMostUserChannels = 16'384;
+
+constexpr size_t kUserChannelRecord = 20;
+constexpr size_t kAAt = 8;
+constexpr size_t kBAt = 12;
+constexpr size_t kCAt = 14;
+constexpr size_t kDAt = 16;
+
+using Profiles = std::map<std::string, IptvState::Channels>;
+
+/// A name that may fill its field; nothing when it is empty.
+std::optional<std::string> read_name(const Request &request, size_t at) {
+  auto field = request.bytes(at, kProfileName);
+  std::string name(field.begin(), std::find(field.begin(), field.end(), 0));
+  return name.empty() ? std::nullopt : std::optional(name);
+}
+
+std::string channels_text(const IptvState::Channels &channels) {
+  return fmt::format("{} {}", channels.size(), channels.size() == 1 ? "channel" : "channels");
+}
+
+Status add_channel(IptvState::Channels &channels, const Request &request) {
+  uint32_t number = request.u32(kChannelNumberAt);
+  if (channels.contains(number)) return Status::kExists;
+  if (channels.size() == kMostChannels) return Status::kFull;
+  auto settings = request.bytes(kChannelSettingsAt, sizeof(ChannelSettings));
+  std::copy(settings.begin(), settings.end(), channels[number].begin());
+  return Status::kOk;
+}
+
+Status delete_channel(IptvState::Channels &channels, const Request &request) {
+  bool known = channels.erase(request.u32(kChannelNumberAt)) != 0;
+  return known ? Status::kOk : Status::kNotFound;
+}
+
+class OntIptv final : public OnuFamily {
+ public:
+  OntIptv(Hardware &hardware, const SharedOnus &shared, SharedIptv iptv)
+      : OnuFamily("ont-iptv", shared, {&shared->records.iptv_profile}),
+        hardware_(hardware),
+        iptv_(std::move(iptv)) {}
+
+  std::vector<Message> messages() override {
+    return {
+        part_message(state(), 155, "set-iptv-profile", Scope::kOnu, exactly(kProfileName),
+                     [this](const OnuPart &onu, const Request &request, Reply &) {
+                       return attach(onu, request);
+                     }),
+        part_message(state(), 156, "unset-iptv-profile", Scope::kOnu, exactly(0),
+                     [this](const OnuPart &onu, const Request &, Reply &) { return detach(onu); }),
+        {kMainModule, 157, "create-iptv-profile", exactly(kProfileName),
+         on(this, &OntIptv::create)},
+        profile_message(
+            158, "clear-iptv-profile", 0,
+            [this](Profile profile, const Request &, Reply &) { return remove(profile); }),
+        channel_message(159, "delete-iptv-channel", delete_channel),
+        channel_message(160, "add-iptv-channel", add_channel),
+        profile_message(161, "iptv-profile", 0,
+                        [this](Profile profile, const Request &, Reply &reply) {
+                          return list(profile, reply);
+                        }),
+        {kMainModule, 162, "add-user-channel", exactly(kUserChannelRecord),
+         on(this, &OntIptv::add_user_channel)},
+        {kMainModule, 163, "delete-user-channel", exactly(kUserChannelRecord),
+         on(this, &OntIptv::delete_user_channel)},
+    };
+  }
+
+  Json configuration() const override {
+    Json profiles = Json::array();
+    for (const auto &[name, channels] : iptv_->profiles) {
+      Json list = Json::array();
+      for (const auto &[number, settings] : channels) {
+        list.push_back({{"number", number}, {"settings", to_hex(settings)}});
+      }
+      profiles.push_back({{"name", bytes_to_utf8(name)}, {"channels", list}});
+    }
+    Json user_channels = Json::array();
+    for (const UserChannel &channel : iptv_->user_channels) {
+      user_channels.push_back({{"user", to_hex(channel.user)},
+                               {"a", channel.a},
+                               {"b", channel.b},
+                               {"c", channel.c},
+                               {"d", channel.d}});
+    }
+    return {{"profiles", profiles},
+            {"user_channels", user_channels},
+            {"onus", OnuFamily::configuration()}};
+  }
+
+  void configure(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    iptv_->profiles.clear();
+    iptv_->user_channels.clear();
+    for_each_element(
+        reader.get("profiles"), reader.place_of("profiles"),
+        [this](const Json &element, const std::string &at) { take_profile(element, at); });
+    for_each_element(
+        reader.get("user_channels"), reader.place_of("user_channels"),
+        [this](const Json &element, const std::string &at) { take_user_channel(element, at); });
+    OnuFamily::configure(reader.get("onus"), reader.place_of("onus"));
+    for (const auto &[onu, record] : attachments().kept()) {
+      auto name = read_name(Request(record), 0);
+      if (!name || !iptv_->profiles.contains(*name)) {
+        refuse(reader.place_of("onus"), reader.get("onus"), "profiles that exist");
+      }
+    }
+    reader.finish();
+  }
+
+  void restore_factory() override {
+    OnuFamily::restore_factory();
+    iptv_->profiles.clear();
+    iptv_->user_channels.clear();
+  }
+
+  void describe_configuration(Report &report) const override {
+    if (!iptv_->profiles.empty()) report.section("IPTV profiles");
+    for (const auto &[name, channels] : iptv_->profiles) {
+      report.row({printable_ascii(name), channels_text(channels)});
+      for (const auto &[number, settings] : channels) {
+        report.row({"", fmt::to_string(number), to_hex(settings)});
+      }
+    }
+    if (!iptv_->user_channels.empty()) {
+      report.section("IPTV channels of single users", {"User", "a", "b", "c", "d"});
+    }
+    for (const UserChannel &channel : iptv_->user_channels) {
+      report.row({mac_text(channel.user), fmt::to_string(channel.a), fmt::to_string(channel.b),
+                  fmt::to_string(channel.c), fmt::to_string(channel.d)});
+    }
+    OnuFamily::describe_configuration(report);
+  }
+
+  size_t footprint() const override {
+    size_t size = OnuFamily::footprint() + iptv_->user_channels.size() * sizeof(UserChannel);
+    for (const auto &[name, channels] : iptv_->profiles) {
+      size +=
+          sizeof(Profiles::value_type) + channels.size() * sizeof(IptvState::Channels::value_type);
+    }
+    return size;
+  }
+
+ private:
+  using Profile = Profiles::iterator;
+  using ProfileAction = std::function<Status(Profile, const Request &, Reply &)>;
+
+  /// A message about a profile that must exist; its name stands behind so many bytes.
+  Message profile_message(uint32_t type, std::string_view message, size_t name_at,
+                          ProfileAction act) {
+    auto handler = [this, name_at, act = std::move(act)](const Request &request, Reply &reply) {
+      auto name = read_name(request, name_at);
+      if (!name) return Status::kBadValue;
+      auto profile = iptv_->profiles.find(*name);
+      if (profile == iptv_->profiles.end()) return Status::kNotFound;
+      return act(profile, request, reply);
+    };
+    return {kMainModule, type, message, exactly(name_at + kProfileName), handler};
+  }
+
+  /// One that changes its channels, by a channel record before the name.
+  Message channel_message(uint32_t type, std::string_view message,
+                          Status (*change)(IptvState::Channels &, const Request &)) {
+    return profile_message(type, message, kChannelRecord,
+                           [change](Profile profile, const Request &request, Reply &) {
+                             return change(profile->second, request);
+                           });
+  }
+
+  Status create(const Request &request, Reply & /*reply*/) {
+    auto name = read_name(request, 0);
+    if (!name) return Status::kBadValue;
+    if (iptv_->profiles.contains(*name)) return Status::kExists;
+    if (iptv_->profiles.size() == kMostProfiles) return Status::kFull;
+    iptv_->profiles[*name];
+    record(*name, "created");
+    return Status::kOk;
+  }
+
+  Status remove(Profile profile) {
+    for (const OnuPart &onu : users_of(profile->first)) attachments().erase(onu);
+    record(profile->first, "cleared");
+    iptv_->profiles.erase(profile);
+    return Status::kOk;
+  }
+
+  Status list(Profile profile, Reply &reply) {
+    const auto &[name, channels] = *profile;
+    Report report(fmt::format("IPTV profile {}", printable_ascii(name)));
+    report.section(channels_text(channels), {"Channel", "Settings"});
+    for (const auto &[number, settings] : channels) {
+      report.row({fmt::to_string(number), to_hex(settings)});
+    }
+    auto users = users_of(name);
+    report.section(fmt::format("{} {}", users.size(), users.size() == 1 ? "ONU" : "ONUs"));
+    for (const OnuPart &onu : users) report.row({to_text(onu)});
+    return hardware_.list_at_start("iptv", report.text(), reply);
+  }
+
+  Status attach(const OnuPart &onu, const Request &request) {
+    auto name = read_name(request, kOntTarget);
+    if (!name) return Status::kBadValue;
+    if (!iptv_->profiles.contains(*name)) return Status::kNotFound;
+    // Behind the end of the name stands whatever the sender's memory held.
+    std::vector<uint8_t> record(name->begin(), name->end());
+    record.resize(kProfileName);
+    attachments().set(onu, record);
+    return Status::kOk;
+  }
+
+  Status detach(const OnuPart &onu) {
+    if (!attachments().kept().contains(onu)) return Status::kNotFound;
+    attachments().erase(onu);
+    return Status::kOk;
+  }
+
+  Status add_user_channel(const Request &request, Reply & /*reply*/) {
+    UserChannel channel = read_user_channel(request);
+    if (!is_unicast(channel.user)) return Status::kBadValue;
+    if (iptv_->user_channels.contains(channel)) return Status::kExists;
+    if (iptv_->user_channels.size() == kMostUserChannels) return Status::kFull;
+    iptv_->user_channels.insert(channel);
+    return Status::kOk;
+  }
+
+  Status delete_user_channel(const Request &request, Reply & /*reply*/) {
+    bool known = iptv_->user_channels.erase(read_user_channel(request)) != 0;
+    return known ? Status::kOk : Status::kNotFound;
+  }
+
+  static UserChannel read_user_channel(const Request &request) {
+    UserChannel channel{
+        {}, request.u32(kAAt), request.u16(kBAt), request.u16(kCAt), request.u32(kDAt)};
+    auto user = request.bytes(0, sizeof(Mac));
+    std::copy(user.begin(), user.end(), channel.user.begin());
+    return channel;
+  }
+
+  std::vector<OnuPart> users_of(const std::string &profile) const {
+    std::vector<OnuPart> users;
+    for (const auto &[onu, record] : attachments().kept()) {
+      if (read_name(Request(record), 0) == profile) users.push_back(onu);
+    }
+    return users;
+  }
+
+  void take_profile(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    std::string name = reader.bytes("name", kProfileName);
+    bool usable = !name.empty() && name.find('\0') == std::string::npos;
+    if (!usable || iptv_->profiles.contains(name)) {
+      refuse(reader.place_of("name"), reader.get("name"), "a name, each once");
+    }
+    IptvState::Channels &channels = iptv_->profiles[name];
+    for_each_element(reader.get("channels"), reader.place_of("channels"),
+                     [&channels](const Json &channel, const std::string &at) {
+                       ObjectReader members(channel, at);
+                       auto number = static_cast<uint32_t>(members.number("number", kAnyU32));
+                       members.hex("settings", channels[number]);
+                       members.finish();
+                     });
+    reader.finish();
+  }
+
+  void take_user_channel(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    UserChannel channel{};
+    reader.hex("user", channel.user);
+    channel.a = static_cast<uint32_t>(reader.number("a", kAnyU32));
+    channel.b = static_cast<uint16_t>(reader.number("b", kAnyU16));
+    channel.c = static_cast<uint16_t>(reader.number("c", kAnyU16));
+    channel.d = static_cast<uint32_t>(reader.number("d", kAnyU32));
+    reader.finish();
+    iptv_->user_channels.insert(channel);
+  }
+
+  RecordTable &attachments() const { return state().records.iptv_profile; }
+
+  void record(std::string_view profile, std::string_view what) {
+    hardware_.events().record(Level::kNotice, kMainModule,
+                              fmt::format("IPTV profile {} {}", printable_ascii(profile), what));
+  }
+
+  Hardware &hardware_;
+  SharedIptv iptv_;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, const SharedOnus &state,
+                                      SharedIptv iptv) {
+  return std::make_unique<OntIptv>(hardware, state, std::move(iptv));
+}
+
+}  // namespace olt::box

@@ -1,0 +1,52 @@
+/// The IPTV profiles of the box, their channels, and the channels of single users.
+#ifndef OLT_BOX_ONT_IPTV_STATE_H
+#define OLT_BOX_ONT_IPTV_STATE_H
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <tuple>
+
+#include "base/mac.h"
+
+namespace olt::box {
+
+/// A name fills its field, or ends with a zero.
+inline constexpr size_t kProfileName = 32;
+
+// A channel record, which is also a row of the table of channels.
+inline constexpr size_t kChannelRecord = 56;
+inline constexpr size_t kChannelProfileAt = 4;
+inline constexpr size_t kChannelNumberAt = 36;
+inline constexpr size_t kChannelSettingsAt = 40;
+/// What a profile keeps of it: all behind the words that name the row.
+using ChannelSettings = std::array<uint8_t, kChannelRecord - kChannelSettingsAt>;
+
+/// A channel of a single user, by the values of its request, which mean nothing to the box.
+struct UserChannel {
+  Mac user;
+  uint32_t a;
+  uint16_t b;
+  uint16_t c;
+  uint32_t d;
+
+  bool operator<(const UserChannel &other) const {
+    return std::tie(user, a, b, c, d) < std::tie(other.user, other.a, other.b, other.c, other.d);
+  }
+};
+
+struct IptvState {
+  using Channels = std::map<uint32_t, ChannelSettings>;  ///< by number
+
+  std::map<std::string, Channels> profiles;  ///< by name
+  std::set<UserChannel> user_channels;
+};
+
+using SharedIptv = std::shared_ptr<IptvState>;
+
+}  // namespace olt::box
+
+#endif

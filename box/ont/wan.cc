@@ -1,0 +1,101 @@
+// The WAN connections of ONTs, and the configuration actions on them.
+
+#include <fmt/format.h>
+
+#include "box/ont/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kOperationAt = kOntTarget;
+constexpr size_t kNumberAt = kOntTarget + 4;
+constexpr size_t kActionAt = kOntTarget;
+
+enum Operation : uint32_t { kAdd = 1, kChange = 2, kDelete = 3 };
+enum Action : uint32_t { kSave = 1, kRestoreDefaults = 2, kRestart = 3 };
+
+class OntWan final : public OnuFamily {
+ public:
+  OntWan(Hardware &hardware, const SharedOnus &shared)
+      : OnuFamily("ont-wan", shared,
+                  {&shared->records.wan_connection, &shared->records.configuration_action}),
+        hardware_(hardware) {}
+
+  std::vector<Message> messages() override {
+    return {
+        message(145, "wan-connection", kWanConnectionRecord, &OntWan::deal),
+        message(146, "wan-connections", 0, &OntWan::list),
+        message(147, "ont-configuration", 4, &OntWan::act),
+    };
+  }
+
+ private:
+  Message message(uint32_t type, std::string_view name, size_t tail,
+                  Status (OntWan::*handle)(const OnuPart &, const Request &, Reply &)) {
+    auto handler = [this, handle](const OnuPart &onu, const Request &request, Reply &reply) {
+      return (this->*handle)(onu, request, reply);
+    };
+    return part_message(state(), type, name, Scope::kOnu, exactly(tail), handler);
+  }
+
+  Status deal(const OnuPart &onu, const Request &request, Reply & /*reply*/) {
+    RecordTable &connections = state().records.wan_connection;
+    OnuPart place = {onu.interface, onu.onu, request.u32(kNumberAt)};
+    if (!state().has(Scope::kWanConnection, place)) return Status::kBadValue;
+    bool exists = connections.kept().contains(place);
+    uint32_t operation = request.u32(kOperationAt);
+    switch (operation) {
+      case kAdd:
+        if (exists) return Status::kExists;
+        break;
+      case kChange:
+      case kDelete:
+        if (!exists) return Status::kNotFound;
+        break;
+      default:
+        return Status::kBadValue;
+    }
+    if (operation == kDelete) {
+      connections.erase(place);
+    } else {
+      connections.set(place, request.bytes(kOntTarget, kWanConnectionRecord));
+    }
+    return Status::kOk;
+  }
+
+  Status list(const OnuPart &onu, const Request & /*request*/, Reply &reply) {
+    Report report("WAN connections of ONU " + to_text(onu));
+    for (const auto &[place, record] : state().records.wan_connection.kept_of(onu)) {
+      report.section(fmt::format("Connection {}", place.part));
+      report.dump(record);
+    }
+    return hardware_.list_at_start("wan", report.text(), reply);
+  }
+
+  Status act(const OnuPart &place, const Request &request, Reply & /*reply*/) {
+    Onu &onu = *state().find(place);
+    uint32_t action = request.u32(kActionAt);
+    bool needs_onu = action >= kSave && action <= kRestart;
+    if (needs_onu && !onu.up(hardware_.now())) return Status::kOffline;
+    if (action == kRestoreDefaults) state().forget_services(place);
+    if (action == kRestoreDefaults || action == kRestart) {
+      onu.restart(hardware_.now() + hardware_.topology().onu_restart);
+    }
+    state().records.configuration_action.set(place, request.bytes(kActionAt, 4));
+    hardware_.events().record(
+        Level::kNotice, kMainModule,
+        fmt::format("ONU {}: configuration action {}", to_text(place), action));
+    return Status::kOk;
+  }
+
+  Hardware &hardware_;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_ont_wan(Hardware &hardware, const SharedOnus &state) {
+  return std::make_unique<OntWan>(hardware, state);
+}
+
+}  // namespace olt::box

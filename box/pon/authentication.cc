@@ -1,0 +1,348 @@
+// Authentication: the modes and allow lists of the PON interfaces, and the ONUs that they block.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/clock.h"
+#include "base/mac.h"
+#include "base/text.h"
+#include "box/message/id_set.h"
+#include "box/pon/families.h"
+#include "box/state/moment.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kModeAt = 36;
+
+/// The keys of the lists in state files.
+constexpr std::string_view kListKeys[] = {"mac", "loid", "mac_loid"};
+
+const char *verdict_text(Verdict verdict) {
+  switch (verdict) {
+    case Verdict::kAllowed:
+      return "let in";
+    case Verdict::kNotListed:
+      return "refused, not on the list";
+    case Verdict::kWrongPassword:
+      break;
+  }
+  return "refused, wrong password";
+}
+
+std::string text_cell(std::span<const uint8_t> field) {
+  std::string text(field.begin(), std::find(field.begin(), field.end(), 0));
+  return text.empty() ? "-" : printable_ascii(text);
+}
+
+class PonAuthentication final : public Family {
+ public:
+  PonAuthentication(Hardware &hardware, SharedOnus state, SharedAdmission admission)
+      : hardware_(hardware), state_(std::move(state)), admission_(std::move(admission)) {}
+
+  std::string_view name() const override { return "pon-authentication"; }
+
+  std::vector<Message> messages() override {
+    return {
+        {kMainModule, 37, "blocked-onus", exactly(kInterfaceRecord),
+         on(this, &PonAuthentication::list_blocked)},
+        entries_message(41, "unblock-onus",
+                        [this](uint32_t interface, auto macs) { return unblock(interface, macs); }),
+        list_message(108, "allow-mac-loids", AuthMode::kMacAndLoid, &AllowList::add),
+        list_message(109, "disallow-mac-loids", AuthMode::kMacAndLoid, &AllowList::remove),
+        list_message(110, "allow-loids", AuthMode::kLoid, &AllowList::add),
+        list_message(111, "disallow-loids", AuthMode::kLoid, &AllowList::remove),
+        list_message(112, "allow-macs", AuthMode::kMac, &AllowList::add),
+        list_message(113, "disallow-macs", AuthMode::kMac, &AllowList::remove),
+        {kMainModule, 114, "set-auth-mode", exactly(kInterfaceRecord),
+         on(this, &PonAuthentication::set_mode)},
+        {kMainModule, 115, "auth-lists", exactly(kInterfaceRecord),
+         on(this, &PonAuthentication::list_access)},
+        {kMainModule, 116, "auth-mode", exactly(kInterfaceRecord),
+         on(this, &PonAuthentication::mode)},
+    };
+  }
+
+  Json configuration() const override {
+    Json interfaces = Json::array();
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      const PonAccess &access = admission_->of(interface);
+      if (access.as_from_factory()) continue;
+      Json value = {{"interface", interface}, {"mode", static_cast<uint32_t>(access.mode)}};
+      for (size_t i = 0; i < access.lists.size(); ++i) {
+        Json entries = Json::array();
+        for (const auto &entry : access.lists[i].records()) entries.push_back(to_hex(entry));
+        value[std::string(kListKeys[i])] = std::move(entries);
+      }
+      interfaces.push_back(std::move(value));
+    }
+    return {{"interfaces", interfaces}};
+  }
+
+  void configure(const Json &value, const std::string &place) override {
+    admission_->clear();
+    ObjectReader reader(value, place);
+    for_each_element(reader.get("interfaces"), reader.place_of("interfaces"),
+                     [this](const Json &element, const std::string &at) { take(element, at); });
+    reader.finish();
+    try_all();
+  }
+
+  void restore_factory() override {
+    admission_->clear();
+    try_all();
+  }
+
+  Json running() const override {
+    Json groups = Json::array();
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      add_groups(interface, groups);
+    }
+    return {{"onus", groups}};
+  }
+
+  void resume(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    for_each_element(
+        reader.get("onus"), reader.place_of("onus"),
+        [this](const Json &element, const std::string &at) { resume_group(element, at); });
+    reader.finish();
+  }
+
+  void reboot() override {
+    for (Onu &onu : state_->onus) {
+      onu.admit(hardware_.now());
+      onu.restart(hardware_.now());
+    }
+  }
+
+  void describe_configuration(Report &report) const override {
+    report.section("Authentication of ONUs",
+                   {"PON interface", "Mode", "MAC addresses", "LOIDs", "MAC addresses with LOIDs"});
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      const PonAccess &access = admission_->of(interface);
+      std::vector<std::string> cells = {pon_name(interface), auth_mode_name(access.mode)};
+      for (const AllowList &list : access.lists) cells.push_back(fmt::to_string(list.size()));
+      report.row(std::move(cells));
+    }
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      for (const AllowList &list : admission_->of(interface).lists) {
+        if (!list.empty()) add_list(report, interface, list);
+      }
+    }
+  }
+
+  void describe_running(Report &report) const override {
+    report.section("ONUs", {"PON interface", "Authentication", "Up", "Away", "Blocked"});
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      size_t up = count(interface, Presence::kUp);
+      size_t away = count(interface, Presence::kAway);
+      report.row({pon_name(interface), auth_mode_name(admission_->of(interface).mode),
+                  fmt::to_string(up), fmt::to_string(away),
+                  fmt::to_string(count(interface, Presence::kBlocked))});
+    }
+  }
+
+  size_t footprint() const override {
+    return sizeof *this + state_->onus.capacity() * sizeof(Onu) + admission_->footprint();
+  }
+
+ private:
+  using Entries = std::span<const uint8_t>;
+  using EntriesAction = std::function<Status(uint32_t interface, Entries entries)>;
+
+  uint32_t interfaces_count() const { return state_->topology.pon_interfaces; }
+
+  size_t count(uint32_t interface, Presence presence) const {
+    auto onus = state_->of_interface(interface);
+    TimePoint now = hardware_.now();
+    return static_cast<size_t>(std::count_if(
+        onus.begin(), onus.end(), [&](const Onu &onu) { return onu.presence(now) == presence; }));
+  }
+
+  void try_all() {
+    TimePoint now = hardware_.now();
+    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+      admission_->try_all(interface, now);
+    }
+  }
+
+  void record(uint32_t interface, std::string_view what) {
+    hardware_.events().record(
+        Level::kNotice, kMainModule,
+        fmt::format("PON interface {}: {}; up {}, blocked {}", pon_name(interface), what,
+                    count(interface, Presence::kUp), count(interface, Presence::kBlocked)));
+  }
+
+  /// A message with entries behind the interface.
+  Message entries_message(uint32_t type, std::string_view name, EntriesAction act) {
+    Lengths lengths = {kInterfaceRecord, kInterfaceRecord + kAuthEntry * kMostAllowed};
+    auto handler = [this, act = std::move(act)](const Request &request, Reply & /*reply*/) {
+      Entries entries = request.bytes(kInterfaceRecord, request.size() - kInterfaceRecord);
+      if (entries.size() % kAuthEntry != 0) return Status::kBadLength;
+      auto interface = state_->interface_named(request, 0);
+      return interface ? act(*interface, entries) : Status::kNotFound;
+    };
+    return {kMainModule, type, name, lengths, handler};
+  }
+
+  Message list_message(uint32_t type, std::string_view name, AuthMode mode,
+                       Status (AllowList::*change)(Entries)) {
+    return entries_message(type, name, [=, this](uint32_t interface, Entries entries) {
+      Status status = (admission_->of(interface).list(mode).*change)(entries);
+      if (status != Status::kOk) return status;
+      size_t thrown_out = admission_->throw_out(interface, hardware_.now());
+      if (thrown_out > 0) record(interface, fmt::format("ONUs thrown out: {}", thrown_out));
+      return status;
+    });
+  }
+
+  Status unblock(uint32_t interface, Entries entries) {
+    std::vector<Onu *> unblocked;
+    for (; !entries.empty(); entries = entries.subspan(kAuthEntry)) {
+      Onu *onu = state_->find(interface, entries.first<6>());
+      if (onu == nullptr || onu->admitted()) return Status::kNotFound;
+      unblocked.push_back(onu);
+    }
+    for (Onu *onu : unblocked) admission_->try_anew(*onu, hardware_.now());
+    record(interface, fmt::format("deleted from the block list: {}", unblocked.size()));
+    return Status::kOk;
+  }
+
+  Status set_mode(const Request &request, Reply & /*reply*/) {
+    auto interface = state_->interface_named(request, 0);
+    if (!interface) return Status::kNotFound;
+    uint32_t mode = request.u32(kModeAt);
+    if (mode > kLastAuthMode) return Status::kBadValue;
+    admission_->of(*interface).mode = static_cast<AuthMode>(mode);
+    admission_->try_all(*interface, hardware_.now());
+    record(*interface,
+           fmt::format("authentication {}", auth_mode_name(admission_->of(*interface).mode)));
+    return Status::kOk;
+  }
+
+  Status mode(const Request &request, Reply &reply) {
+    auto interface = state_->interface_named(request, 0);
+    if (!interface) return Status::kNotFound;
+    reply.bytes(0, std::vector<uint8_t>(kInterfaceRecord));
+    reply.u32(0, kPonSlot);
+    reply.u32(4, *interface);
+    reply.u32(kModeAt, static_cast<uint32_t>(admission_->of(*interface).mode));
+    return Status::kOk;
+  }
+
+  Status list_blocked(const Request &request, Reply &reply) {
+    auto interface = state_->interface_named(request, kListedInterfaceAt);
+    if (!interface) return Status::kNotFound;
+    Report report("Block list of PON interface " + pon_name(*interface));
+    size_t blocked = count(*interface, Presence::kBlocked);
+    report.section(fmt::format("{} {}", blocked, blocked == 1 ? "ONU" : "ONUs"),
+                   {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
+    for (const Onu &onu : state_->of_interface(*interface)) {
+      if (onu.admitted()) continue;
+      report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(), utc_seconds(onu.from()),
+                  verdict_text(admission_->judge(onu))});
+    }
+    return hardware_.list_behind_header("blocklist", report.text(), reply);
+  }
+
+  Status list_access(const Request &request, Reply &reply) {
+    auto interface = state_->interface_named(request, kListedInterfaceAt);
+    if (!interface) return Status::kNotFound;
+    const PonAccess &access = admission_->of(*interface);
+    Report report("Authentication on PON interface " + pon_name(*interface));
+    report.section("Mode");
+    report.row({fmt::to_string(static_cast<uint32_t>(access.mode)), auth_mode_name(access.mode)});
+    for (const AllowList &list : access.lists) add_list(report, *interface, list);
+    return hardware_.list_behind_header("authmode", report.text(), reply);
+  }
+
+  static void add_list(Report &report, uint32_t interface, const AllowList &list) {
+    bool mac = list.mode() != AuthMode::kLoid;
+    bool loid = list.mode() != AuthMode::kMac;
+    std::vector<std::string> columns;
+    if (mac) columns.emplace_back("MAC address");
+    if (loid) columns.insert(columns.end(), {"LOID", "Password"});
+    report.section(fmt::format("Allowed {} on {}: {}", auth_mode_name(list.mode()),
+                               pon_name(interface), list.size()),
+                   columns);
+    for (const auto &entry : list.records()) {
+      std::vector<std::string> cells;
+      Mac address;
+      std::copy_n(entry.begin(), address.size(), address.begin());
+      if (mac) cells.push_back(mac_text(address));
+      if (loid) cells.push_back(text_cell(std::span(entry).subspan(kEntryLoidAt, 24)));
+      if (loid) cells.emplace_back(entry[kEntryPasswordAt] == 0 ? "any" : "**");
+      report.row(std::move(cells));
+    }
+  }
+
+  void take(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    PonAccess &access = admission_->of(read_interface(reader));
+    access.mode = static_cast<AuthMode>(reader.number("mode", {0, kLastAuthMode}));
+    for (size_t i = 0; i < access.lists.size(); ++i) {
+      for_each_element(reader.get(kListKeys[i]), reader.place_of(kListKeys[i]),
+                       [&list = access.lists[i]](const Json &entry, const std::string &at) {
+                         auto bytes = from_hex(entry.is_string() ? entry.get<std::string>() : "");
+                         bool sound = bytes && bytes->size() == kAuthEntry;
+                         if (!sound || list.add(*bytes) != Status::kOk) {
+                           refuse(at, entry, "an entry of the list, 44 bytes in hex");
+                         }
+                       });
+    }
+    reader.finish();
+  }
+
+  uint32_t read_interface(ObjectReader &reader) const {
+    return static_cast<uint32_t>(reader.number("interface", {1, interfaces_count()}));
+  }
+
+  /// ONUs that stand alike are written together: as a rule that is all of an interface.
+  void add_groups(uint32_t interface, Json &groups) const {
+    std::map<std::pair<bool, uint64_t>, IdSet> alike;
+    for (const Onu &onu : state_->of_interface(interface)) {
+      alike[{onu.admitted(), to_milliseconds(onu.from())}].set(onu.place().onu);
+    }
+    for (const auto &[standing, onus] : alike) {
+      groups.push_back({{"interface", interface},
+                        {"onus", ids_to_text(onus)},
+                        {"admitted", standing.first},
+                        {"from", standing.second}});
+    }
+  }
+
+  void resume_group(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    uint32_t interface = read_interface(reader);
+    IdSet onus = read_ids(reader, "onus");
+    bool admitted = reader.flag("admitted");
+    TimePoint from = read_time(reader, "from");
+    reader.finish();
+    for (IdRange range : ranges_of(onus)) {
+      for (uint32_t number = range.first; number <= range.last; ++number) {
+        Onu *onu = state_->find(interface, number);
+        if (onu == nullptr) {
+          refuse(reader.place_of("onus"), reader.get("onus"), "ONUs that the box has");
+        }
+        onu->block(from);
+        if (admitted) onu->admit(from);
+      }
+    }
+  }
+
+  Hardware &hardware_;
+  SharedOnus state_;
+  SharedAdmission admission_;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_pon_authentication(Hardware &hardware, SharedOnus state,
+                                                SharedAdmission admission) {
+  return std::make_unique<PonAuthentication>(hardware, std::move(state), std::move(admission));
+}
+
+}  // namespace olt::box

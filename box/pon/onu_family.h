@@ -1,0 +1,42 @@
+/// A family whose configuration is a handful of records for each ONU.
+#ifndef OLT_BOX_PON_ONU_FAMILY_H
+#define OLT_BOX_PON_ONU_FAMILY_H
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "box/core/family.h"
+#include "box/pon/onu_state.h"
+
+namespace olt::box {
+
+using SharedOnus = std::shared_ptr<OnuState>;
+
+/// Saves, restores and describes the tables that it is given; they belong to the state.
+class OnuFamily : public Family {
+ public:
+  OnuFamily(std::string_view name, SharedOnus state, std::vector<RecordTable *> tables);
+
+  std::string_view name() const override { return name_; }
+  Json configuration() const override;
+  void configure(const Json &value, const std::string &place) override;
+  void restore_factory() override;
+  void describe_configuration(Report &report) const override;
+  size_t footprint() const override;
+
+ protected:
+  OnuState &state() const { return *state_; }
+
+  /// Reads what a family has beside its tables. Throws BadInput.
+  virtual void configure_rest(ObjectReader & /*reader*/) {}
+
+ private:
+  std::string_view name_;
+  SharedOnus state_;
+  std::vector<RecordTable *> tables_;
+};
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,107 @@
+/// What is kept for ONUs and their parts: records that setters write and readers give back.
+#ifndef OLT_BOX_PON_ONU_RECORD_H
+#define OLT_BOX_PON_ONU_RECORD_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "box/core/listing.h"
+#include "box/state/json.h"
+
+namespace olt::box {
+
+/// An ONU, or one of its parts: a UNI port, a voice line, a WAN connection. All count from 1; part
+/// 0 is the ONU itself.
+struct OnuPart {
+  uint32_t interface = 0;
+  uint32_t onu = 0;
+  uint32_t part = 0;
+
+  bool operator==(const OnuPart &) const = default;
+  bool operator<(const OnuPart &other) const {
+    return std::tie(interface, onu, part) < std::tie(other.interface, other.onu, other.part);
+  }
+};
+
+/// The one slot that holds the PON interfaces.
+inline constexpr uint32_t kPonSlot = 1;
+
+/// "1/2/3" for an ONU, "1/2/3:4" for a part of it.
+std::string to_text(const OnuPart &place);
+std::optional<OnuPart> to_onu_part(std::string_view text);
+
+/// What a record belongs to.
+enum class Scope { kOnu, kUniPort, kVoiceLine, kWanConnection };
+
+/// How listings show a record.
+enum class Shown { kWords, kBytes, kText, kCountedIds };
+
+/// The ids in a record of half-words behind a byte that says how many they are.
+std::vector<uint16_t> counted_ids(std::span<const uint8_t> record);
+
+/// One record for each ONU or part, all of one size. Those that are as the factory made them take
+/// no memory.
+class RecordTable {
+ public:
+  using Bytes = std::vector<uint8_t>;
+  using Kept = std::map<OnuPart, Bytes>;
+
+  /// For loops.
+  struct KeptOfOnu {
+    Kept::const_iterator begin() const { return first; }
+    Kept::const_iterator end() const { return last; }
+    bool empty() const { return first == last; }
+
+    Kept::const_iterator first;
+    Kept::const_iterator last;
+  };
+
+  /// The record is zero from the factory, but for the bytes given.
+  RecordTable(std::string_view key, std::string_view title, Scope scope, size_t size,
+              Shown shown = Shown::kWords, Bytes factory = {});
+
+  std::string_view key() const { return key_; }
+  std::string_view title() const { return title_; }
+  Scope scope() const { return scope_; }
+  size_t size() const { return factory_.size(); }
+
+  /// The factory's record when none was set.
+  std::span<const uint8_t> at(const OnuPart &place) const;
+  void set(const OnuPart &place, std::span<const uint8_t> record);
+  void erase(const OnuPart &place) { records_.erase(place); }
+  /// Makes the record of an ONU and those of its parts as from the factory.
+  void forget(const OnuPart &onu);
+  void clear() { records_.clear(); }
+
+  /// Those that differ from the factory's, in order.
+  const Kept &kept() const { return records_; }
+  /// The same of one ONU and its parts.
+  KeptOfOnu kept_of(const OnuPart &onu) const;
+  std::string show(std::span<const uint8_t> record) const;
+
+  Json to_json() const;
+  /// Throws BadInput. A place is valid when the function says so.
+  void from_json(const Json &value, const std::string &place,
+                 const std::function<bool(Scope, const OnuPart &)> &valid);
+
+  size_t footprint() const;
+
+ private:
+  std::string_view key_;
+  std::string_view title_;
+  Scope scope_;
+  Shown shown_;
+  Bytes factory_;
+  Kept records_;
+};
+
+}  // namespace olt::box
+
+#endif

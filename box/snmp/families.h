@@ -1,0 +1,27 @@
+/// The readers of SNMP tables, one source file for each side.
+#ifndef OLT_BOX_SNMP_FAMILIES_H
+#define OLT_BOX_SNMP_FAMILIES_H
+
+#include <memory>
+#include <vector>
+
+#include "box/core/hardware.h"
+#include "box/ont/iptv_state.h"
+#include "box/pon/admission.h"
+#include "box/pon/onu_family.h"
+#include "box/switch/families.h"
+
+namespace olt::box {
+
+std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, SharedOnus onus, SharedIptv iptv);
+std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SharedSwitch ethernet,
+                                           SharedOnus onus, SharedAdmission admission);
+
+/// Adds both.
+void add_snmp_families(Hardware &hardware, const SharedSwitch &ethernet, const SharedOnus &onus,
+                       const SharedAdmission &admission, const SharedIptv &iptv,
+                       std::vector<std::unique_ptr<Family>> &families);
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,157 @@
+#include "box/state/files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "base/folders.h"
+
+namespace olt::box {
+
+namespace {
+
+std::string why(int error) {
+  return std::generic_category().message(error);
+}
+
+[[noreturn]] void fail(const std::string &what) {
+  int error = errno;
+  throw StorageFailure(what + ": " + why(error));
+}
+
+void write_all(int fd, std::string_view content, const std::string &name) {
+  while (!content.empty()) {
+    ssize_t count = write(fd, content.data(), content.size());
+    if (count < 0 && errno != EINTR) fail(name);
+    if (count > 0) content.remove_prefix(static_cast<size_t>(count));
+  }
+}
+
+std::string read_all(int fd, const std::string &name) {
+  std::string content;
+  char part[16 * 1024];
+  for (;;) {
+    ssize_t count = read(fd, part, sizeof part);
+    if (count == 0) return content;
+    if (count < 0 && errno != EINTR) fail(name);
+    if (count > 0) content.append(part, static_cast<size_t>(count));
+  }
+}
+
+void fill(int directory, const std::string &name, std::string_view content,
+          const Placement &placement) {
+  Descriptor file(
+      openat(directory, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
+  if (!file.is_open()) fail(name);
+  if (placement.group && fchown(file.get(), static_cast<uid_t>(-1), *placement.group) != 0) {
+    fail(name);
+  }
+  if (fchmod(file.get(), placement.mode) != 0) fail(name);
+  write_all(file.get(), content, name);
+  if (placement.durable && fsync(file.get()) != 0) fail(name);
+}
+
+void rename_within(int directory, const std::string &from, const std::string &to) {
+  if (renameat(directory, from.c_str(), directory, to.c_str()) != 0) fail(to);
+}
+
+/// Renames, and has the directory on disk. The old file stays at hand until that is done, so that
+/// it can be put back.
+void put_durably(int directory, const std::string &from, const std::string &to) {
+  const std::string old = ".old";
+  unlinkat(directory, old.c_str(), 0);
+  bool existed = linkat(directory, to.c_str(), directory, old.c_str(), 0) == 0;
+  if (!existed && errno != ENOENT) fail(to);
+  try {
+    rename_within(directory, from, to);
+    if (fsync(directory) != 0) {
+      int error = errno;
+      if (existed) {
+        renameat(directory, old.c_str(), directory, to.c_str());
+      } else {
+        unlinkat(directory, to.c_str(), 0);
+      }
+      errno = error;
+      fail(to);
+    }
+  } catch (...) {
+    unlinkat(directory, old.c_str(), 0);
+    throw;
+  }
+  unlinkat(directory, old.c_str(), 0);
+}
+
+}  // namespace
+
+Descriptor open_directory(const std::filesystem::path &path) {
+  if (std::error_code error = make_directories(path)) {
+    throw StorageFailure(path.string() + ": " + error.message());
+  }
+  Descriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!directory.is_open()) fail(path.string());
+  return directory;
+}
+
+std::string read_file(const std::filesystem::path &path) {
+  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.is_open()) fail("cannot be read");
+  return read_all(file.get(), "cannot be read");
+}
+
+void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
+                  const Placement &placement) {
+  // One writer a directory: a left-over of a process that was killed is nobody's.
+  const std::string temporary = ".new";
+  unlinkat(directory.get(), temporary.c_str(), 0);
+  try {
+    fill(directory.get(), temporary, content, placement);
+    if (placement.durable) {
+      put_durably(directory.get(), temporary, name);
+    } else {
+      rename_within(directory.get(), temporary, name);
+    }
+  } catch (...) {
+    unlinkat(directory.get(), temporary.c_str(), 0);
+    throw;
+  }
+}
+
+StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience)
+    : path_(std::move(path)), directory_(open_directory(path_)) {
+  auto deadline = std::chrono::steady_clock::now() + patience;
+  while (flock(directory_.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) fail(path_.string());
+    if (std::chrono::steady_clock::now() >= deadline) {
+      throw StorageFailure(path_.string() +
+                           ": another box uses this state directory; end it or name another one");
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
+std::optional<std::string> StateDirectory::read(const std::string &name) const {
+  Descriptor file(openat(directory_.get(), name.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.is_open() && errno == ENOENT) return std::nullopt;
+  if (!file.is_open()) fail(path_of(name));
+  return read_all(file.get(), path_of(name));
+}
+
+void StateDirectory::write(const std::string &name, std::string_view content) {
+  try {
+    replace_file(directory_, name, content, {});
+  } catch (const StorageFailure &failure) {
+    throw StorageFailure(path_.string() + '/' + failure.what());
+  }
+}
+
+void StateDirectory::remove(const std::string &name) {
+  if (unlinkat(directory_.get(), name.c_str(), 0) != 0 && errno != ENOENT) fail(path_of(name));
+}
+
+}  // namespace olt::box

@@ -1,0 +1,61 @@
+/// Files that are always whole, and the directory that one box at a time may use.
+#ifndef OLT_BOX_STATE_FILES_H
+#define OLT_BOX_STATE_FILES_H
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "base/descriptor.h"
+
+namespace olt::box {
+
+/// A file could not be read or written; what() is one line with the reason.
+class StorageFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Creates the directory, and what is missing above it, for the own user alone, and opens it.
+/// Throws StorageFailure.
+Descriptor open_directory(const std::filesystem::path &path);
+
+/// The whole content. Throws StorageFailure.
+std::string read_file(const std::filesystem::path &path);
+
+struct Placement {
+  mode_t mode = 0600;
+  std::optional<gid_t> group;
+  bool durable = true;  ///< on disk when the call returns
+};
+
+/// Replaces or creates the file in one step: whoever looks, whenever the process ends, finds the
+/// old content or the new one, whole. Throws StorageFailure; the old content then stands.
+void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
+                  const Placement &placement);
+
+/// A directory of state files, locked while the object exists. Throws StorageFailure.
+class StateDirectory {
+ public:
+  /// Waits so long for another box to go away.
+  StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience);
+
+  /// The content, or nothing when there is no such file.
+  std::optional<std::string> read(const std::string &name) const;
+  void write(const std::string &name, std::string_view content);
+  void remove(const std::string &name);
+  std::string path_of(const std::string &name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+  Descriptor directory_;
+};
+
+}  // namespace olt::box
+
+#endif

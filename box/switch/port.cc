@@ -1,0 +1,184 @@
+// The Ethernet ports: their settings, their links, and the aggregation of uplinks.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/clock.h"
+#include "box/switch/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kAggregationRecord = 32;
+constexpr size_t kAggregationAt = 8;
+
+class SwitchPort final : public Family {
+ public:
+  SwitchPort(Hardware &hardware, SharedSwitch state)
+      : hardware_(hardware), state_(std::move(state)) {}
+
+  std::string_view name() const override { return "switch-port"; }
+
+  std::vector<Message> messages() override {
+    std::vector<size_t> all;
+    for (const PortSetting &setting : kPortSettings) all.push_back(setting.offset);
+    return {
+        setter(13, "set-sfp-module", {12}),
+        setter(14, "set-port-enable", {kPortEnableAt}),
+        getter(15, "port-enable"),
+        getter(16, "link-state"),
+        getter(17, "link-duplex"),
+        getter(18, "link-speed"),
+        setter(24, "set-vlan-mode", {kVlanModeFirstAt, kVlanModeSecondAt}),
+        {kMainModule, 34, "set-uplink-aggregation", exactly(kAggregationRecord),
+         on(this, &SwitchPort::set_aggregation)},
+        setter(66, "set-rate-control", {52, 56}),
+        setter(67, "set-rstp-state", {kRstpStateAt}),
+        setter(68, "set-ingress-filter", {44, 48}),
+        setter(69, "set-flow-control", {40}),
+        getter(70, "snmp-port"),
+        setter(71, "set-snmp-port", all),
+        getter(72, "snmp-port-status"),
+        {kMainModule, 74, "uplink-aggregation", exactly(0),
+         [this](const Request &, Reply &reply) {
+           reply.bytes(0, std::vector<uint8_t>(kAggregationRecord));
+           reply.u32(kAggregationAt, aggregation_);
+           return Status::kOk;
+         }},
+        setter(102, "set-max-link", {76}),
+    };
+  }
+
+  Json configuration() const override {
+    Json ports = Json::array();
+    for (const EthernetPort &port : state_->ports) {
+      Json entry = {{"port", port.number()}};
+      for (const PortSetting &setting : kPortSettings) {
+        entry[std::string(setting.key)] = port.setting(setting.offset);
+      }
+      ports.push_back(std::move(entry));
+    }
+    return {{"uplink_aggregation", aggregation_}, {"ports", ports}};
+  }
+
+  void configure(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    aggregation_ = static_cast<uint32_t>(reader.number("uplink_aggregation", kAnyU32));
+    for_each_element(reader.get("ports"), reader.place_of("ports"),
+                     [this](const Json &element, const std::string &at) { take(element, at); });
+    reader.finish();
+  }
+
+  void restore_factory() override {
+    for (EthernetPort &port : state_->ports) port.restore_factory(hardware_.now());
+    aggregation_ = 0;
+  }
+
+  Json running() const override {
+    Json ports = Json::array();
+    for (const EthernetPort &port : state_->ports) ports.push_back(port.running());
+    return {{"ports", ports}};
+  }
+
+  void resume(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    for_each_element(reader.get("ports"), reader.place_of("ports"),
+                     [this](const Json &element, const std::string &at) {
+                       ObjectReader port(element, at);
+                       state_->ports[state_->read_port(port) - 1].resume(port);
+                       port.finish();
+                     });
+    reader.finish();
+  }
+
+  void reboot() override {
+    for (EthernetPort &port : state_->ports) port.reboot(hardware_.now());
+  }
+
+  void describe_configuration(Report &report) const override {
+    std::vector<std::string> columns = {"Port"};
+    for (const PortSetting &setting : kPortSettings) columns.emplace_back(setting.heading);
+    report.section("Ethernet ports", columns);
+    for (const EthernetPort &port : state_->ports) {
+      std::vector<std::string> row = {port.name()};
+      for (const PortSetting &setting : kPortSettings) {
+        row.push_back(fmt::to_string(port.setting(setting.offset)));
+      }
+      report.row(std::move(row));
+    }
+    report.section("Uplinks");
+    report.row({"Aggregation", fmt::to_string(aggregation_)});
+  }
+
+  void describe_running(Report &report) const override {
+    TimePoint now = hardware_.now();
+    report.section("Ethernet links", {"Port", "Enabled", "Link", "Speed in Mbit/s", "Duplex"});
+    for (const EthernetPort &port : state_->ports) {
+      bool up = port.link_up(now);
+      const char *duplex = port.hardware().full_duplex ? "full" : "half";
+      report.row({port.name(), port.setting(kPortEnableAt) == 0 ? "no" : "yes", up ? "up" : "down",
+                  up ? fmt::to_string(port.link_speed(now)) : "-", up ? duplex : "-"});
+    }
+  }
+
+  size_t footprint() const override {
+    return sizeof *this + sizeof(SwitchState) + state_->ports.capacity() * sizeof(EthernetPort);
+  }
+
+ private:
+  void take(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    EthernetPort &port = state_->ports[state_->read_port(reader) - 1];
+    for (const PortSetting &setting : kPortSettings) {
+      auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.most}));
+      port.set(setting.offset, value, hardware_.now());
+    }
+    reader.finish();
+  }
+
+  /// A message that sets the words at the offsets, and looks at no others.
+  Message setter(uint32_t type, std::string_view message, std::vector<size_t> offsets) {
+    auto set = [this, message, offsets = std::move(offsets)](const Request &request, Reply &) {
+      EthernetPort *port = state_->find(request, 0);
+      if (port == nullptr) return Status::kNotFound;
+      bool fits = std::all_of(offsets.begin(), offsets.end(), [&request](size_t offset) {
+        return request.u32(offset) <= find_port_setting(offset)->most;
+      });
+      if (!fits) return Status::kBadValue;
+      for (size_t offset : offsets) port->set(offset, request.u32(offset), hardware_.now());
+      hardware_.events().record(Level::kNotice, kMainModule,
+                                fmt::format("port {}: {}", port->name(), message));
+      return Status::kOk;
+    };
+    return {kMainModule, type, message, exactly(kPortRecord), set};
+  }
+
+  Message getter(uint32_t type, std::string_view message) {
+    auto get = [this](const Request &request, Reply &reply) {
+      const EthernetPort *port = state_->find(request, 0);
+      if (port == nullptr) return Status::kNotFound;
+      port->show(hardware_.now(), reply);
+      return Status::kOk;
+    };
+    return {kMainModule, type, message, exactly(kPortRecord), get};
+  }
+
+  Status set_aggregation(const Request &request, Reply & /*reply*/) {
+    aggregation_ = request.u32(kAggregationAt);
+    return Status::kOk;
+  }
+
+  Hardware &hardware_;
+  SharedSwitch state_;
+  uint32_t aggregation_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_switch_port(Hardware &hardware, SharedSwitch state) {
+  return std::make_unique<SwitchPort>(hardware, std::move(state));
+}
+
+}  // namespace olt::box

@@ -1,0 +1,365 @@
+// The VLAN table with its queries, and the trunk membership of the ports.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+#include "box/switch/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kHead = 80;
+constexpr size_t kDescription = 32;
+constexpr size_t kDescriptionElement = kVlanElement + kDescription;
+
+constexpr size_t kTrunkValueAt = 8;
+
+constexpr size_t kInterfaceAt = 4;
+constexpr size_t kSearchedAt = 16;
+constexpr size_t kSearchedField = kHead - kSearchedAt;
+enum QueryKind : uint32_t { kByInterface, kByList, kByDescription, kAll };
+
+constexpr size_t kListColumn = 40;
+constexpr size_t kMostInEvent = 80;
+
+constexpr uint16_t kFactoryVlan = 1;
+constexpr std::string_view kFactoryDescription = "default";
+
+/// One half of a membership.
+using Side = IdSet Membership::*;
+
+class SwitchVlan final : public Family {
+ public:
+  SwitchVlan(Hardware &hardware, SharedSwitch state)
+      : hardware_(hardware), state_(std::move(state)) {
+    SwitchVlan::restore_factory();
+  }
+
+  std::string_view name() const override { return "switch-vlan"; }
+
+  std::vector<Message> messages() override {
+    constexpr Side kTagged = &Membership::tagged;
+    constexpr Side kUntagged = &Membership::untagged;
+    return {
+        list_message(19, "add-vlans", &SwitchVlan::add),
+        list_message(20, "delete-vlans", &SwitchVlan::remove),
+        {kMainModule,
+         21,
+         "describe-vlans",
+         {0, kDescriptionElement * kLastVlan},
+         on(this, &SwitchVlan::describe)},
+        list_message(22, "undescribe-vlans", &SwitchVlan::undescribe),
+        {kMainModule,
+         23,
+         "vlan-query",
+         {kHead, kHead + kVlanElement * kLastVlan},
+         on(this, &SwitchVlan::query)},
+        trunk_message(25, "add-trunk-tagged", kTagged, kUntagged, false),
+        trunk_message(26, "add-trunk-untagged", kUntagged, kTagged, false),
+        trunk_message(27, "set-trunk-tagged", kTagged, kUntagged, true),
+        trunk_message(28, "set-trunk-untagged", kUntagged, kTagged, true),
+    };
+  }
+
+  Json configuration() const override {
+    Json descriptions = Json::array();
+    for (const auto &[vlan, text] : state_->descriptions) {
+      descriptions.push_back({{"vlan", vlan}, {"text", bytes_to_utf8(text)}});
+    }
+    Json trunks = Json::array();
+    for (const EthernetPort &port : state_->ports) {
+      const Membership &membership = membership_of(port);
+      trunks.push_back({{"port", port.number()},
+                        {"trunk_value", membership.trunk_value},
+                        {"tagged", ids_to_text(membership.tagged)},
+                        {"untagged", ids_to_text(membership.untagged)}});
+    }
+    return {
+        {"vlans", ids_to_text(state_->vlans)}, {"descriptions", descriptions}, {"trunks", trunks}};
+  }
+
+  void configure(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    state_->vlans = read_ids(reader, "vlans");
+    state_->descriptions.clear();
+    for_each_element(
+        reader.get("descriptions"), reader.place_of("descriptions"),
+        [this](const Json &element, const std::string &at) { take_description(element, at); });
+    std::fill(state_->memberships.begin(), state_->memberships.end(), Membership());
+    for_each_element(
+        reader.get("trunks"), reader.place_of("trunks"),
+        [this](const Json &element, const std::string &at) { take_trunk(element, at); });
+    reader.finish();
+  }
+
+  void restore_factory() override {
+    state_->vlans = IdSet().set(kFactoryVlan);
+    state_->descriptions = {{kFactoryVlan, std::string(kFactoryDescription)}};
+    for (Membership &membership : state_->memberships) {
+      membership = {.untagged = IdSet().set(kFactoryVlan)};
+    }
+  }
+
+  void describe_configuration(Report &report) const override {
+    report.section("VLANs", {"VLANs", "Description"});
+    for (const auto &[range, text] : described_ranges()) {
+      report.row({ids_to_cell(ids_in(range)), text});
+    }
+    report.section("Trunks", {"Port", "Trunk value", "Tagged VLANs", "Untagged VLANs"});
+    for (const EthernetPort &port : state_->ports) {
+      const Membership &membership = membership_of(port);
+      auto tagged = ids_to_cells(membership.tagged, kListColumn);
+      auto untagged = ids_to_cells(membership.untagged, kListColumn);
+      size_t lines = std::max(tagged.size(), untagged.size());
+      tagged.resize(lines);
+      untagged.resize(lines);
+      report.row({port.name(), fmt::to_string(membership.trunk_value), tagged[0], untagged[0]});
+      for (size_t i = 1; i < lines; ++i) report.row({"", "", tagged[i], untagged[i]});
+    }
+  }
+
+  size_t footprint() const override {
+    return sizeof *this + state_->memberships.capacity() * sizeof(Membership) +
+           state_->descriptions.size() * (sizeof(uint16_t) + sizeof(std::string));
+  }
+
+ private:
+  using Ranges = std::vector<IdRange>;
+
+  void take_description(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    auto vlan = static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan}));
+    if (!state_->vlans[vlan]) refuse(reader.place_of("vlan"), vlan, "a VLAN of the table");
+    state_->descriptions[vlan] = reader.bytes("text", kDescription);
+    reader.finish();
+  }
+
+  void take_trunk(const Json &element, const std::string &place) {
+    ObjectReader reader(element, place);
+    Membership &membership = state_->memberships[state_->read_port(reader) - 1];
+    membership.trunk_value = static_cast<uint32_t>(reader.number("trunk_value", kAnyU32));
+    membership.tagged = read_side(reader, "tagged", state_->vlans);
+    membership.untagged = read_side(reader, "untagged", state_->vlans & ~membership.tagged);
+    reader.finish();
+  }
+
+  static IdSet read_side(ObjectReader &reader, std::string_view key, const IdSet &possible) {
+    IdSet vlans = read_ids(reader, key);
+    if ((vlans & ~possible).any()) {
+      refuse(reader.place_of(key), reader.get(key), "VLANs of the table, each on one side");
+    }
+    return vlans;
+  }
+
+  Message list_message(uint32_t type, std::string_view message,
+                       Status (SwitchVlan::*act)(const Ranges &)) {
+    return vlan_message(type, message, 0, [this, act](const Request &, const Ranges &ranges) {
+      return (this->*act)(ranges);
+    });
+  }
+
+  Status add(const Ranges &ranges) {
+    IdSet vlans = ids_in(ranges);
+    state_->vlans |= vlans;
+    record("added", vlans);
+    return Status::kOk;
+  }
+
+  Status remove(const Ranges &ranges) {
+    auto vlans = known_ids(ranges, state_->vlans);
+    if (!vlans) return Status::kNotFound;
+    state_->vlans &= ~*vlans;
+    forget_descriptions(*vlans);
+    for (Membership &membership : state_->memberships) {
+      membership.tagged &= ~*vlans;
+      membership.untagged &= ~*vlans;
+    }
+    record("deleted", *vlans);
+    return Status::kOk;
+  }
+
+  Status describe(const Request &request, Reply & /*reply*/) {
+    auto ranges = read_vlans(request, 0, kDescriptionElement);
+    if (!ranges) return Status::kBadValue;
+    auto vlans = known_ids(*ranges, state_->vlans);
+    if (!vlans) return Status::kNotFound;
+    // Of elements that name the same VLAN the last one counts; only that one is copied.
+    std::array<uint16_t, kLastVlan + 1> element_of = {};
+    for (size_t i = 0; i < ranges->size(); ++i) {
+      auto [first, last] = (*ranges)[i];
+      std::fill(element_of.begin() + first, element_of.begin() + last + 1,
+                static_cast<uint16_t>(i));
+    }
+    for (uint16_t vlan = 1; vlan <= kLastVlan; ++vlan) {
+      if (!(*vlans)[vlan]) continue;
+      size_t at = element_of[vlan] * kDescriptionElement + kVlanElement;
+      set_description(vlan, request.bytes(at, kDescription));
+    }
+    record("described", *vlans);
+    return Status::kOk;
+  }
+
+  void set_description(uint16_t vlan, std::span<const uint8_t> field) {
+    std::string text(field.begin(), std::find(field.begin(), field.end(), 0));
+    if (text.empty()) {
+      state_->descriptions.erase(vlan);
+    } else {
+      state_->descriptions[vlan] = std::move(text);
+    }
+  }
+
+  Status undescribe(const Ranges &ranges) {
+    auto vlans = known_ids(ranges, state_->vlans);
+    if (!vlans) return Status::kNotFound;
+    forget_descriptions(*vlans);
+    record("no longer described", *vlans);
+    return Status::kOk;
+  }
+
+  void forget_descriptions(const IdSet &vlans) {
+    std::erase_if(state_->descriptions, [&vlans](const auto &entry) { return vlans[entry.first]; });
+  }
+
+  Message trunk_message(uint32_t type, std::string_view message, Side side, Side other,
+                        bool replace) {
+    auto act = [this, side, other, replace](const Request &request, const Ranges &ranges) {
+      EthernetPort *port = state_->find(request, 0);
+      if (port == nullptr) return Status::kNotFound;
+      auto vlans = known_ids(ranges, state_->vlans);
+      if (!vlans) return Status::kNotFound;
+      Membership &membership = membership_of(*port);
+      if (replace) (membership.*side).reset();
+      membership.*side |= *vlans;
+      membership.*other &= ~*vlans;
+      membership.trunk_value = request.u32(kTrunkValueAt);
+      hardware_.events().record(Level::kNotice, kMainModule,
+                                fmt::format("port {}: VLANs of its trunk changed", port->name()));
+      return Status::kOk;
+    };
+    return vlan_message(type, message, kHead, act);
+  }
+
+  Status query(const Request &request, Reply &reply) {
+    uint32_t kind = request.u32(0);
+    if (kind != kByList && request.size() != kHead) return Status::kBadLength;
+    switch (kind) {
+      case kByInterface:
+        return list_port(state_->find(request, kInterfaceAt), reply);
+      case kByList:
+        return list_named(request, reply);
+      case kByDescription:
+        return list_described(request, reply);
+      case kAll:
+        return list("VLANs of " + hardware_.topology().name, state_->vlans, reply);
+      default:
+        return Status::kBadValue;
+    }
+  }
+
+  Status list_port(const EthernetPort *port, Reply &reply) {
+    if (port == nullptr) return Status::kNotFound;
+    const Membership &membership = membership_of(*port);
+    Report report("VLANs of port " + port->name());
+    report.section("Port");
+    report.row({"VLAN mode", fmt::format("{} {}", port->setting(kVlanModeFirstAt),
+                                         port->setting(kVlanModeSecondAt))});
+    report.row({"Trunk value", fmt::to_string(membership.trunk_value)});
+    IdSet vlans = membership.tagged | membership.untagged;
+    report.section(number_of(vlans), {"VLAN", "Membership", "Description"});
+    for_each(vlans, [&](uint16_t vlan) {
+      report.row({fmt::to_string(vlan), membership.tagged[vlan] ? "tagged" : "untagged",
+                  description_of(vlan)});
+    });
+    return hardware_.list_behind_header("vlan", report.text(), reply);
+  }
+
+  Status list_named(const Request &request, Reply &reply) {
+    auto ranges = read_vlans(request, kHead);
+    if (!ranges) return Status::kBadValue;
+    return list("VLANs by list", ids_in(*ranges) & state_->vlans, reply);
+  }
+
+  Status list_described(const Request &request, Reply &reply) {
+    auto searched = request.text(kSearchedAt, kSearchedField);
+    if (!searched) return Status::kBadValue;
+    IdSet vlans;
+    for (const auto &[vlan, text] : state_->descriptions) {
+      if (text == *searched) vlans.set(vlan);
+    }
+    return list(fmt::format("VLANs described as \"{}\"", printable_ascii(*searched)), vlans, reply);
+  }
+
+  Status list(std::string title, const IdSet &vlans, Reply &reply) {
+    Report report(std::move(title));
+    report.section(number_of(vlans), {"VLAN", "Tagged ports", "Untagged ports", "Description"});
+    for_each(vlans, [this, &report](uint16_t vlan) {
+      report.row({fmt::to_string(vlan), ports_in(vlan, &Membership::tagged),
+                  ports_in(vlan, &Membership::untagged), description_of(vlan)});
+    });
+    return hardware_.list_behind_header("vlan", report.text(), reply);
+  }
+
+  template <typename Function>
+  static void for_each(const IdSet &vlans, Function function) {
+    for (uint16_t vlan = 1; vlan <= kLastVlan; ++vlan) {
+      if (vlans[vlan]) function(vlan);
+    }
+  }
+
+  static std::string number_of(const IdSet &vlans) {
+    return fmt::format("{} {}", vlans.count(), vlans.count() == 1 ? "VLAN" : "VLANs");
+  }
+
+  std::string description_of(uint16_t vlan) const {
+    auto found = state_->descriptions.find(vlan);
+    return found == state_->descriptions.end() ? "-" : printable_ascii(found->second);
+  }
+
+  std::string ports_in(uint16_t vlan, Side side) const {
+    IdSet ports;
+    for (const EthernetPort &port : state_->ports) {
+      if ((membership_of(port).*side)[vlan]) ports.set(port.number());
+    }
+    return ids_to_cell(ports, fmt::format("{}/", kEthernetSlot));
+  }
+
+  /// Ranges of VLANs that have one description, and that.
+  std::vector<std::pair<IdRange, std::string>> described_ranges() const {
+    std::vector<std::pair<IdRange, std::string>> ranges;
+    for_each(state_->vlans, [this, &ranges](uint16_t vlan) {
+      std::string text = description_of(vlan);
+      bool continues = !ranges.empty() && ranges.back().first.last + 1 == vlan;
+      if (continues && ranges.back().second == text) {
+        ranges.back().first.last = vlan;
+      } else {
+        ranges.emplace_back(IdRange{vlan, vlan}, std::move(text));
+      }
+    });
+    return ranges;
+  }
+
+  Membership &membership_of(const EthernetPort &port) const {
+    return state_->memberships[port.number() - 1];
+  }
+
+  void record(std::string_view what, const IdSet &vlans) {
+    std::string text = ids_to_cell(vlans);
+    if (text.size() > kMostInEvent) text = text.substr(0, kMostInEvent) + "...";
+    hardware_.events().record(Level::kNotice, kMainModule, fmt::format("VLANs {} {}", text, what));
+  }
+
+  Hardware &hardware_;
+  SharedSwitch state_;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_switch_vlan(Hardware &hardware, SharedSwitch state) {
+  return std::make_unique<SwitchVlan>(hardware, std::move(state));
+}
+
+}  // namespace olt::box

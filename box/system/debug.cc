@@ -1,0 +1,166 @@
+// Debug switches and values, and what memory the modules use.
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <set>
+
+#include "box/system/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kMostValues = 256;
+constexpr size_t kSwitchRecord = 28;
+constexpr size_t kSwitchValueAt = 24;
+
+class SystemDebug final : public Family {
+ public:
+  explicit SystemDebug(Hardware &hardware) : hardware_(hardware) {}
+
+  std::string_view name() const override { return "system-debug"; }
+
+  std::vector<Message> messages() override {
+    std::vector<Message> messages = {
+        {kMainModule, 39, "debug-value", exactly(12), on(this, &SystemDebug::value)},
+        {kMainModule, 40, "switch-debug", exactly(kSwitchRecord),
+         on(this, &SystemDebug::switch_value)},
+    };
+    for (uint32_t module : kModules) {
+      messages.push_back(
+          {module, 2, "debug-enable", exactly(4), [this, module](const Request &request, Reply &) {
+             switches_[module] = request.u32(0);
+             return Status::kOk;
+           }});
+      messages.push_back(
+          {module, 3, "memory", exactly(0),
+           [this, module](const Request &, Reply &reply) { return list_memory(module, reply); }});
+    }
+    return messages;
+  }
+
+  Json running() const override {
+    return {{"switches", pairs(switches_)}, {"values", pairs(values_)}, {"switch", switch_value_}};
+  }
+
+  void resume(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    switches_ = map_of(reader.get("switches"), reader.place_of("switches"));
+    values_ = map_of(reader.get("values"), reader.place_of("values"));
+    switch_value_ = static_cast<uint16_t>(reader.number("switch", kAnyU16));
+    reader.finish();
+  }
+
+  void reboot() override {
+    switches_.clear();
+    values_.clear();
+    switch_value_ = 0;
+  }
+
+  void describe_running(Report &report) const override {
+    report.section("Debug switches", {"Module", "Switches"});
+    for (uint32_t module : kModules) {
+      auto found = switches_.find(module);
+      report.row({fmt::to_string(module),
+                  fmt::format("0x{:08x}", found == switches_.end() ? 0 : found->second)});
+    }
+    report.section("Debug values", {"Selector", "Value"});
+    for (const auto &[selector, debug_value] : values_) {
+      report.row({fmt::format("0x{:08x}", selector), fmt::format("0x{:08x}", debug_value)});
+    }
+    report.row({"switch", fmt::format("0x{:04x}", switch_value_)});
+  }
+
+  size_t footprint() const override {
+    return sizeof *this + (switches_.size() + values_.size()) * sizeof(Values::value_type);
+  }
+
+ private:
+  using Values = std::map<uint32_t, uint32_t>;
+
+  static Json pairs(const Values &values) {
+    Json list = Json::array();
+    for (const auto &[key, value] : values) list.push_back({{"key", key}, {"value", value}});
+    return list;
+  }
+
+  static Values map_of(const Json &list, const std::string &place) {
+    Values values;
+    for_each_element(list, place, [&values](const Json &element, const std::string &at) {
+      ObjectReader pair(element, at);
+      auto key = static_cast<uint32_t>(pair.number("key", kAnyU32));
+      values[key] = static_cast<uint32_t>(pair.number("value", kAnyU32));
+      pair.finish();
+    });
+    return values;
+  }
+
+  Status value(const Request &request, Reply &reply) {
+    uint32_t selector = request.u32(4);
+    auto found = values_.find(selector);
+    if (request.u32(0) == 0) {
+      reply.u32(4, selector);
+      reply.u32(8, found == values_.end() ? 0 : found->second);
+      return Status::kOk;
+    }
+    if (found == values_.end() && values_.size() >= kMostValues) return Status::kFull;
+    values_[selector] = request.u32(8);
+    return Status::kOk;
+  }
+
+  Status switch_value(const Request &request, Reply &reply) {
+    if (request.u32(0) != 0) {
+      switch_value_ = request.u16(kSwitchValueAt);
+      return Status::kOk;
+    }
+    reply.bytes(0, request.bytes(0, kSwitchRecord));
+    reply.u16(kSwitchValueAt, switch_value_);
+    return Status::kOk;
+  }
+
+  Status list_memory(uint32_t module, Reply &reply) {
+    Report report(fmt::format("Memory of module {}", module));
+    report.section("State of the module", {"Family", "Bytes"});
+    for (const auto &family : hardware_.families()) {
+      auto messages = family->messages();
+      bool serves = std::any_of(messages.begin(), messages.end(), [module](const Message &message) {
+        return message.module == module;
+      });
+      if (serves) {
+        report.row({std::string(family->name()), fmt::to_string(family->footprint())});
+      }
+    }
+    describe_process(report);
+    return hardware_.list_at_start("memory", report.text(), reply);
+  }
+
+  static void describe_process(Report &report) {
+    std::ifstream statm("/proc/self/statm");
+    uint64_t pages[6] = {};
+    for (uint64_t &figure : pages) statm >> figure;
+    auto page = static_cast<uint64_t>(sysconf(_SC_PAGESIZE)) / 1024;
+    report.section("Process of the box", {"Memory", "KiB"});
+    report.row({"virtual", fmt::to_string(pages[0] * page)});
+    report.row({"resident", fmt::to_string(pages[1] * page)});
+    report.row({"shared", fmt::to_string(pages[2] * page)});
+    report.row({"code", fmt::to_string(pages[3] * page)});
+    report.row({"data and stack", fmt::to_string(pages[5] * page)});
+  }
+
+  Hardware &hardware_;
+  Values switches_;
+  Values values_;
+  uint16_t switch_value_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_system_debug(Hardware &hardware) {
+  return std::make_unique<SystemDebug>(hardware);
+}
+
+}  // namespace olt::box

@@ -1,0 +1,196 @@
+// User accounts: looked up, added, deleted, modified, and walked in the order of the table.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "box/system/families.h"
+
+namespace olt::box {
+
+namespace {
+
+constexpr size_t kRecord = 80;
+constexpr size_t kOpAt = 0;
+constexpr size_t kIndexAt = 4;
+constexpr size_t kNameAt = 8;
+constexpr size_t kPasswordAt = 40;
+constexpr size_t kLevelAAt = 72;
+constexpr size_t kLevelBAt = 76;
+constexpr size_t kTextField = 32;
+
+constexpr size_t kMostUsers = 32;
+constexpr ByteRange kPassword = {kPasswordAt, kPasswordAt + kTextField};
+
+struct User {
+  std::string name;
+  std::string password;
+  uint32_t level_a;
+  uint32_t level_b;
+};
+
+std::vector<User> factory_users() {
+  return {{"admin", "admin", 1, 1}};
+}
+
+class SystemUsers final : public Family {
+ public:
+  explicit SystemUsers(Hardware &hardware) : hardware_(hardware) {}
+
+  std::string_view name() const override { return "system-users"; }
+
+  std::vector<Message> messages() override {
+    std::vector<Message> messages = {
+        {kMainModule, 10, "user", exactly(kRecord), on(this, &SystemUsers::act)},
+        {kMainModule, 62, "next-user", exactly(kRecord), on(this, &SystemUsers::next)},
+        {kMainModule, 63, "user-by-index", exactly(kRecord), on(this, &SystemUsers::by_index)},
+    };
+    for (Message &message : messages) message.secret = kPassword;
+    return messages;
+  }
+
+  Json configuration() const override {
+    Json list = Json::array();
+    for (const User &user : users_) {
+      Json entry = Json::object();
+      entry["name"] = bytes_to_utf8(user.name);
+      entry["password"] = bytes_to_utf8(user.password);
+      entry["level_a"] = user.level_a;
+      entry["level_b"] = user.level_b;
+      list.push_back(std::move(entry));
+    }
+    return {{"users", list}};
+  }
+
+  void configure(const Json &value, const std::string &place) override {
+    ObjectReader reader(value, place);
+    std::vector<User> users;
+    for_each_element(reader.get("users"), reader.place_of("users"),
+                     [&users](const Json &element, const std::string &at) {
+                       ObjectReader user(element, at);
+                       users.push_back({user.bytes("name", kTextField - 1),
+                                        user.bytes("password", kTextField - 1),
+                                        static_cast<uint32_t>(user.number("level_a", kAnyU32)),
+                                        static_cast<uint32_t>(user.number("level_b", kAnyU32))});
+                       user.finish();
+                     });
+    reader.finish();
+    users_ = std::move(users);
+  }
+
+  void restore_factory() override { users_ = factory_users(); }
+
+  void describe_configuration(Report &report) const override {
+    report.section("Users", {"Index", "Name", "Password", "Level A", "Level B"});
+    for (size_t i = 0; i < users_.size(); ++i) {
+      report.row({fmt::to_string(i), printable_ascii(users_[i].name), "**",
+                  fmt::to_string(users_[i].level_a), fmt::to_string(users_[i].level_b)});
+    }
+  }
+
+  size_t footprint() const override { return sizeof *this + users_.capacity() * sizeof(User); }
+
+ private:
+  enum Op : uint32_t { kLookUp = 0, kAdd = 1, kDelete = 2, kModify = 3 };
+
+  Status act(const Request &request, Reply &reply) {
+    auto name = request.text(kNameAt, kTextField);
+    auto password = request.text(kPasswordAt, kTextField);
+    if (!name || name->empty() || !password) return Status::kBadValue;
+    User user = {*name, *password, request.u32(kLevelAAt), request.u32(kLevelBAt)};
+    switch (request.u32(kOpAt)) {
+      case kLookUp:
+        return look_up(user, reply);
+      case kAdd:
+        return add(user);
+      case kDelete:
+        return remove(user.name);
+      case kModify:
+        return modify(user);
+      default:
+        return Status::kBadValue;
+    }
+  }
+
+  Status look_up(const User &asked, Reply &reply) {
+    auto user = find(asked.name);
+    if (user == users_.end()) {
+      record(Level::kWarning, asked.name, "is unknown: login refused");
+      return Status::kNotFound;
+    }
+    if (user->password != asked.password) {
+      record(Level::kWarning, asked.name, "gave a wrong password: login refused");
+      return Status::kDenied;
+    }
+    return show(user, reply);
+  }
+
+  Status add(const User &user) {
+    if (find(user.name) != users_.end()) return Status::kExists;
+    if (users_.size() >= kMostUsers) return Status::kFull;
+    users_.push_back(user);
+    record(Level::kNotice, user.name, "added");
+    return Status::kOk;
+  }
+
+  Status remove(const std::string &name) {
+    auto user = find(name);
+    if (user == users_.end()) return Status::kNotFound;
+    users_.erase(user);
+    record(Level::kNotice, name, "deleted");
+    return Status::kOk;
+  }
+
+  Status modify(const User &changed) {
+    auto user = find(changed.name);
+    if (user == users_.end()) return Status::kNotFound;
+    *user = changed;
+    record(Level::kNotice, changed.name, "modified");
+    return Status::kOk;
+  }
+
+  Status next(const Request &request, Reply &reply) {
+    auto previous = request.text(kNameAt, kTextField);
+    if (!previous) return Status::kBadValue;
+    if (previous->empty()) return show(users_.begin(), reply);
+    auto user = find(*previous);
+    return user == users_.end() ? Status::kNotFound : show(user + 1, reply);
+  }
+
+  Status by_index(const Request &request, Reply &reply) {
+    uint32_t index = request.u32(kIndexAt);
+    if (index >= users_.size()) return Status::kNotFound;
+    return show(users_.begin() + static_cast<std::ptrdiff_t>(index), reply);
+  }
+
+  Status show(std::vector<User>::iterator user, Reply &reply) {
+    if (user == users_.end()) return Status::kNotFound;
+    reply.u32(kIndexAt, static_cast<uint32_t>(user - users_.begin()));
+    reply.text(kNameAt, kTextField, user->name);
+    reply.text(kPasswordAt, kTextField, user->password);
+    reply.u32(kLevelAAt, user->level_a);
+    reply.u32(kLevelBAt, user->level_b);
+    return Status::kOk;
+  }
+
+  std::vector<User>::iterator find(const std::string &name) {
+    return std::find_if(users_.begin(), users_.end(),
+                        [&name](const User &user) { return user.name == name; });
+  }
+
+  void record(Level level, const std::string &name, std::string_view what) {
+    hardware_.events().record(level, kMainModule, fmt::format("user \"{}\" {}", name, what));
+  }
+
+  Hardware &hardware_;
+  std::vector<User> users_ = factory_users();
+};
+
+}  // namespace
+
+std::unique_ptr<Family> make_system_users(Hardware &hardware) {
+  return std::make_unique<SystemUsers>(hardware);
+}
+
+}  // namespace olt::box

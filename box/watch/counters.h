@@ -1,0 +1,39 @@
+/// What the box counts, in all and by message.
+#ifndef OLT_BOX_WATCH_COUNTERS_H
+#define OLT_BOX_WATCH_COUNTERS_H
+
+#include <cstdint>
+#include <map>
+#include <utility>
+
+#include "box/state/json.h"
+
+namespace olt::box {
+
+struct Tally {
+  uint64_t exchanges = 0;
+  uint64_t refused = 0;  ///< answered with a status other than 0 by the module
+  uint64_t unserved = 0;
+  uint64_t bad_lengths = 0;
+  uint64_t faults = 0;
+};
+
+class Counters {
+ public:
+  /// Adds to the totals and to the message's own tally. Of unserved messages, those beyond a
+  /// generous number of different ones are counted in the totals only.
+  void add(uint32_t module, uint32_t type, const Tally &tally);
+
+  Json to_json() const;
+  void from_json(const Json &value, const std::string &place);
+
+ private:
+  using Key = std::pair<uint32_t, uint32_t>;  ///< module, type
+
+  Tally total_;
+  std::map<Key, Tally> messages_;
+};
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,55 @@
+/// The newest events of the box, for its log listing.
+#ifndef OLT_BOX_WATCH_EVENT_LOG_H
+#define OLT_BOX_WATCH_EVENT_LOG_H
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "base/clock.h"
+#include "box/state/json.h"
+
+namespace olt::box {
+
+/// Severities as syslog numbers them: the lower, the more severe.
+enum class Level : uint8_t {
+  kEmergency,
+  kAlert,
+  kCritical,
+  kError,
+  kWarning,
+  kNotice,
+  kInformational,
+  kDebug
+};
+
+std::string_view level_name(Level level);
+
+struct Event {
+  TimePoint time;
+  Level level;
+  uint32_t module;
+  std::string text;
+};
+
+class EventLog {
+ public:
+  explicit EventLog(const Clock &clock) : clock_(clock) {}
+
+  /// Forgets the oldest event when there are too many.
+  void record(Level level, uint32_t module, std::string_view text);
+  /// Oldest first.
+  const std::deque<Event> &events() const { return events_; }
+
+  Json to_json() const;
+  void from_json(const Json &value, const std::string &place);
+
+ private:
+  const Clock &clock_;
+  std::deque<Event> events_;
+};
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,63 @@
+/// Faults that a tester arms: what becomes of some requests instead of an answer.
+#ifndef OLT_BOX_WATCH_FAULTS_H
+#define OLT_BOX_WATCH_FAULTS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "box/message/message.h"
+#include "box/state/json.h"
+
+namespace olt::box {
+
+struct Fault {
+  uint32_t id = 0;
+  std::optional<uint32_t> module;  ///< any when empty
+  uint32_t type = 0;
+  uint16_t status = 0;
+  uint32_t delay_ms = 0;
+  Answer::Action action = Answer::Action::kSend;
+  uint64_t from = 1;   ///< the first matching request that it strikes
+  uint64_t count = 0;  ///< how many it strikes; 0 is all that follow
+  uint64_t seen = 0;
+  uint64_t applied = 0;
+
+  /// A fault that only delays lets the request be handled.
+  bool replaces_handling() const { return status != 0 || action != Answer::Action::kSend; }
+};
+
+std::string_view action_name(Answer::Action action);
+
+/// What the text describes, in the form of JSON that FaultTable::add takes: words KEY=VALUE, or
+/// the name of an action alone. Throws BadInput.
+Json fault_from_text(std::string_view text);
+
+class FaultTable {
+ public:
+  /// @return the id, never used before. Throws BadInput; places in it begin with the given one.
+  uint32_t add(const Json &fault, const std::string &place);
+  bool clear(uint32_t id);
+  /// @return how many there were.
+  size_t clear_all();
+
+  /// Counts the request with every fault that matches; the oldest one that is due strikes.
+  /// @return null when none does.
+  const Fault *strike(uint32_t module, uint32_t type);
+
+  const std::vector<Fault> &faults() const { return faults_; }
+  Json list() const;
+
+  Json to_json() const;
+  void from_json(const Json &value, const std::string &place);
+
+ private:
+  std::vector<Fault> faults_;
+  uint32_t last_id_ = 0;
+};
+
+}  // namespace olt::box
+
+#endif

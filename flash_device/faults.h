@@ -1,0 +1,72 @@
+/// What is to go wrong, and when.
+#ifndef OLT_FLASH_DEVICE_FAULTS_H
+#define OLT_FLASH_DEVICE_FAULTS_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include <string_view>
+
+namespace olt::flash_device {
+
+enum class Call : uint8_t { kOpen, kSeek, kControl, kRead, kWrite, kClose };
+constexpr size_t kCalls = 6;
+
+struct Fault {
+  Call call;
+  uint32_t number;  ///< of the call among its kind, from 1
+  int error;        ///< errno; 0: the call succeeds, cut short
+  uint32_t most;    ///< bytes that a short call moves
+};
+
+/// How many bytes the device still changes before its power goes.
+class PowerCut {
+ public:
+  void plan(uint32_t bytes) {
+    planned_ = true;
+    left_ = bytes;
+  }
+
+  /// How many of the next bytes are still changed. The byte that uses up the rest is the last one.
+  uint32_t admit(uint32_t bytes) {
+    if (!planned_) return bytes;
+    const uint32_t admitted = bytes < left_ ? bytes : left_;
+    left_ -= admitted;
+    happened_ = left_ == 0;
+    return admitted;
+  }
+
+  bool happened() const { return happened_; }
+
+ private:
+  bool planned_ = false;
+  bool happened_ = false;
+  uint32_t left_ = 0;
+};
+
+class Faults {
+ public:
+  /// Adds what the text asks for: words between blanks or commas.
+  /// @return the first word that means nothing; empty when all is well
+  std::string_view plan(std::string_view text);
+
+  /// Counts a call. @return what is planned for it, or null
+  const Fault *next(Call call);
+
+  PowerCut write_cut;
+  PowerCut erase_cut;
+
+ private:
+  bool plan_word(std::string_view word);
+  bool plan_call(std::string_view word);
+
+  static constexpr size_t kMost = 32;
+
+  Fault planned_[kMost] = {};
+  size_t count_ = 0;
+  uint32_t calls_[kCalls] = {};
+};
+
+}  // namespace olt::flash_device
+
+#endif

@@ -1,0 +1,209 @@
+// How the PON side names ONUs and their parts, walks them and keeps their records.
+
+#include "box/pon/onu_state.h"
+
+#include <gtest/gtest.h>
+
+#include "base/clock.h"
+#include "base/mac.h"
+#include "box/box.h"
+#include "tests/box/onu_support.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using olt::TimePoint;
+using olt::box::Onu;
+using olt::box::OnuPart;
+using olt::box::OnuState;
+using olt::box::Presence;
+using olt::box::RecordTable;
+using olt::box::Request;
+using olt::box::Scope;
+using olt::box::Shown;
+using olt::box::Topology;
+using olt::tests::Bytes;
+using olt::tests::hex;
+using olt::tests::record;
+using olt::tests::SmallPon;
+using olt::tests::target;
+using olt::tests::target_with;
+using olt::tests::word;
+
+const TimePoint kNow{1'769'860'800s};
+
+Topology small() {
+  Topology topology;
+  topology.pon_interfaces = 2;
+  topology.onus_per_interface = 3;
+  topology.uni_ports_per_onu = 2;
+  return topology;
+}
+
+Bytes words(uint32_t slot, uint32_t interface, uint32_t onu, uint32_t part) {
+  return record(88, {{0, word(slot)}, {4, word(interface)}, {8, word(onu)}, {16, word(part)}});
+}
+
+ptrdiff_t count(const RecordTable::KeptOfOnu &kept) {
+  return std::distance(kept.begin(), kept.end());
+}
+
+/// The names of all rows, walked from the first to the last.
+std::string walk(const OnuState &state, Scope scope) {
+  std::string names;
+  Bytes at = words(0, 0, 0, 0);
+  while (auto row = state.behind(Request(at), scope)) {
+    names += to_text(*row) + ' ';
+    at = words(1, row->interface, row->onu, row->part);
+  }
+  return names;
+}
+
+TEST(OnuState, RowsAreWalkedInOrder) {
+  Topology topology = small();
+  OnuState state(topology, kNow);
+  EXPECT_EQ(walk(state, Scope::kOnu), "1/1/1 1/1/2 1/1/3 1/2/1 1/2/2 1/2/3 ");
+  EXPECT_EQ(walk(state, Scope::kUniPort),
+            "1/1/1:1 1/1/1:2 1/1/2:1 1/1/2:2 1/1/3:1 1/1/3:2 "
+            "1/2/1:1 1/2/1:2 1/2/2:1 1/2/2:2 1/2/3:1 1/2/3:2 ");
+  topology.voice_lines_per_onu = 0;
+  EXPECT_EQ(walk(state, Scope::kVoiceLine), "");
+}
+
+TEST(OnuState, WalksGoOnFromPlacesThatAreNotThere) {
+  Topology topology = small();
+  OnuState state(topology, kNow);
+  auto behind = [&state](const Bytes &at, Scope scope) {
+    auto row = state.behind(Request(at), scope);
+    return row ? to_text(*row) : "none";
+  };
+  EXPECT_EQ(behind(words(1, 0, 7, 7), Scope::kOnu), "1/1/1");
+  EXPECT_EQ(behind(words(1, 1, 99, 0), Scope::kOnu), "1/2/1");
+  EXPECT_EQ(behind(words(1, 1, 2, 99), Scope::kUniPort), "1/1/3:1");
+  EXPECT_EQ(behind(words(1, 2, 99, 0), Scope::kOnu), "none");
+  EXPECT_EQ(behind(words(1, 3, 1, 0), Scope::kOnu), "none");
+  EXPECT_EQ(behind(words(2, 1, 1, 0), Scope::kOnu), "none");
+}
+
+TEST(OnuState, AVoiceLineThatIsNotNamedIsTheFirst) {
+  Topology topology = small();
+  OnuState state(topology, kNow);
+  Bytes at = words(1, 2, 3, 0);
+  EXPECT_EQ(state.named(Request(at), Scope::kVoiceLine), (OnuPart{2, 3, 1}));
+  EXPECT_EQ(state.named(Request(at), Scope::kUniPort), std::nullopt);
+  EXPECT_EQ(state.named(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
+  at = words(1, 2, 3, 3);
+  EXPECT_EQ(state.named(Request(at), Scope::kVoiceLine), std::nullopt);
+  EXPECT_EQ(state.named(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
+}
+
+TEST(OnuState, AClockThatIsSetBackKeepsNoOnuAway) {
+  Onu onu({1, 1}, kNow);
+  EXPECT_EQ(onu.presence(kNow), Presence::kUp);
+  onu.restart(kNow + 3s);
+  EXPECT_EQ(onu.presence(kNow), Presence::kAway);
+  EXPECT_EQ(onu.presence(kNow + 3s), Presence::kUp);
+  EXPECT_EQ(onu.presence(kNow - 24h), Presence::kUp);
+}
+
+TEST(OnuState, IdentitiesFillTheirFieldsAtMost) {
+  Onu onu({16, 1024}, kNow);
+  EXPECT_EQ(onu.mac(), (olt::Mac{0x02, 0x20, 0x10, 0x04, 0x00, 0x01}));
+  EXPECT_EQ(onu.loid(), "onu-1-16-1024");
+  EXPECT_EQ(onu.password(), "pw-1-16-1024");
+}
+
+TEST(OnuPartName, IsReadAsItIsWritten) {
+  EXPECT_EQ(olt::box::to_onu_part("1/2/3"), (OnuPart{2, 3, 0}));
+  EXPECT_EQ(olt::box::to_onu_part("1/2/3:4"), (OnuPart{2, 3, 4}));
+  for (const char *bad : {"", "1", "1/2", "2/2/3", "1/0/3", "1/2/0", "1/2/3:", "1/2/3:0",
+                          "1/2/3:4x", "1/2/3 ", "-1/2/3", "1/2/99999999999"}) {
+    EXPECT_EQ(olt::box::to_onu_part(bad), std::nullopt) << bad;
+  }
+}
+
+TEST(RecordTable, KeepsOnlyWhatDiffersFromTheFactory) {
+  RecordTable table("key", "Title", Scope::kUniPort, 4, Shown::kWords, {7});
+  const OnuPart place = {1, 2, 3};
+  EXPECT_EQ(table.show(table.at(place)), "7");
+  table.set(place, word(9));
+  EXPECT_EQ(table.show(table.at(place)), "9");
+  EXPECT_EQ(table.kept().size(), 1U);
+  table.set(place, word(7));
+  EXPECT_TRUE(table.kept().empty());
+}
+
+TEST(RecordTable, ForgetsAnOnuWithItsParts) {
+  RecordTable table("key", "Title", Scope::kUniPort, 4);
+  for (uint32_t onu = 1; onu <= 3; ++onu) {
+    for (uint32_t port = 1; port <= 2; ++port) table.set({1, onu, port}, word(onu));
+  }
+  EXPECT_EQ(count(table.kept_of({1, 2})), 2);
+  table.forget({1, 2});
+  EXPECT_EQ(table.kept().size(), 4U);
+  EXPECT_TRUE(table.kept_of({1, 2}).empty());
+}
+
+TEST(OnuStateFile, MistakesAreReportedWithTheirPlace) {
+  const std::pair<const char *, const char *> kMistakes[] = {
+      {R"("1/9/9:1":"09000000")", "expected no member of this name: the box has no such part"},
+      {R"("1/1/2:3":"09000000")", "expected no member of this name: the box has no such part"},
+      {R"("1/1/2":"09000000")", "expected no member of this name: the box has no such part"},
+      {R"("1/1/2:1":"0900")", "is \"0900\", expected 4 bytes in hex"},
+      {R"("1/1/2:1":9)", "is 9, expected a text"},
+  };
+  SmallPon box;
+  EXPECT_EQ(box.status(2, 121, target_with(target(1, 2, 1), word(9))), 0U);
+  EXPECT_EQ(box.status(2, 8), 0U);
+  box.end();
+  const std::string path = box.folder / "state/saved.json";
+  const std::string saved = olt::tests::read_file(path);
+  const std::string kept = R"("1/1/2:1": "09000000")";
+  ASSERT_NE(saved.find(kept), std::string::npos) << saved;
+  for (const auto &[mistake, complaint] : kMistakes) {
+    std::string damaged = saved;
+    damaged.replace(damaged.find(kept), kept.size(), mistake);
+    olt::tests::write_file(path, damaged);
+    try {
+      box.restart();
+      ADD_FAILURE() << "accepted " << mistake;
+    } catch (const std::runtime_error &error) {
+      EXPECT_NE(std::string(error.what()).find(complaint), std::string::npos) << error.what();
+    }
+  }
+}
+
+TEST(OnuStateFile, HoldsNextToNothingForOnusAsFromTheFactory) {
+  SmallPon box;
+  box.options.keep_running_state = true;
+  box.options.topology_file =
+      box.folder.write("box.json", R"({"pon":{"interfaces":16,"onus_per_interface":1024}})");
+  EXPECT_EQ(box.status(2, 107, target(16, 1024)), 0U);
+  box.keep();
+  std::string running = olt::tests::read_file(box.folder / "state/running.json");
+  EXPECT_LT(running.size(), 20'000U);
+  EXPECT_NE(running.find("1-1023"), std::string::npos) << running;
+}
+
+TEST(OnuStateFile, OnusThatTheBoxDoesNotHaveAreRefused) {
+  SmallPon box;
+  box.options.keep_running_state = true;
+  EXPECT_EQ(box.status(2, 114, record(80, {{0, word(1)}, {4, word(1)}, {36, word(1)}})), 0U);
+  box.keep();
+  box.end();
+  const std::string path = box.folder / "state/running.json";
+  std::string running = olt::tests::read_file(path);
+  size_t at = running.find("\"1-4\"");
+  ASSERT_NE(at, std::string::npos) << running;
+  olt::tests::write_file(path, running.replace(at, 5, "\"1-5\""));
+  try {
+    box.restart();
+    ADD_FAILURE() << "accepted";
+  } catch (const std::runtime_error &error) {
+    EXPECT_NE(std::string(error.what()).find("/onus: is \"1-5\", expected ONUs that the box has"),
+              std::string::npos)
+        << error.what();
+  }
+}
+
+}  // namespace

@@ -1,0 +1,253 @@
+// Faults: which requests they strike, what becomes of those, and how they are armed and cleared.
+
+#include "box/watch/faults.h"
+
+#include <gtest/gtest.h>
+
+#include "base/bad_input.h"
+#include "tests/box/support.h"
+
+namespace {
+
+using olt::box::Answer;
+using olt::tests::Bytes;
+using olt::tests::hex;
+using olt::tests::TestBox;
+using olt::tests::text;
+using olt::tests::word;
+
+TEST(Faults, StatusStrikesFromTheNthRequestForSoMany) {
+  TestBox box;
+  EXPECT_EQ(box.command(R"({"command":"fault_add","fault":{"module":2,"type":12,"status":5,)"
+                        R"("delay_ms":0,"action":"status","from":3,"count":2}})"),
+            R"({"ok":true,"id":1})");
+  std::vector<uint32_t> statuses;
+  for (int i = 0; i < 6; ++i) statuses.push_back(box.status(2, 12));
+  EXPECT_EQ(statuses, (std::vector<uint32_t>{0, 0, 5, 5, 0, 0}));
+  EXPECT_EQ(box.command(R"({"command":"fault_list"})"),
+            R"({"ok":true,"faults":[{"id":1,"module":2,"type":12,"status":5,"delay_ms":0,)"
+            R"("action":"status","from":3,"count":2,"seen":6,"applied":2}]})");
+}
+
+TEST(Faults, StrikeAtOnceAndForEverByDefault) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":65535}})");
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(box.status(2, 12), 65'535U);
+}
+
+TEST(Faults, StrikeTheirTypeAndModuleOnly) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"module":22,"type":83,"status":5}})");
+  EXPECT_EQ(box.status(2, 83, word(3)), 0U);
+  EXPECT_EQ(box.status(22, 82, word(3)), 0U);
+  EXPECT_EQ(box.status(22, 83, word(3)), 5U);
+}
+
+TEST(Faults, OfAnyModuleStrikeEveryModule) {
+  for (const char *any : {"0", "\"any\""}) {
+    TestBox box;
+    box.command(std::string(R"({"command":"fault_add","fault":{"type":2,"status":5,"module":)") +
+                any + "}}");
+    EXPECT_EQ(box.status(2, 2, word(1)), 5U);
+    EXPECT_EQ(box.status(23, 2, word(1)), 5U);
+  }
+}
+
+TEST(Faults, LeaveTheStateOfTheBoxAlone) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":56,"status":5,"count":1}})");
+  box.command(
+      R"({"command":"fault_add","fault":{"type":56,"action":"silence","from":2,"count":1}})");
+  box.command(R"({"command":"fault_add","fault":{"type":56,"action":"drop","from":3,"count":1}})");
+  EXPECT_EQ(box.status(2, 56, Bytes(136, 1)), 5U);
+  EXPECT_EQ(box.ask(2, 56, Bytes(136, 2)).action, Answer::Action::kWithhold);
+  EXPECT_EQ(box.ask(2, 56, Bytes(136, 3)).action, Answer::Action::kDisconnect);
+  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0));
+  EXPECT_EQ(box.status(2, 56, Bytes(136, 4)), 0U);
+  EXPECT_EQ(box.reply(2, 57), Bytes(136, 4));
+}
+
+TEST(Faults, DelayAnAnswerThatIsOtherwiseTheUsualOne) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":250}})");
+  Answer answer = box.ask(2, 12);
+  EXPECT_EQ(answer.delay_ms, 250U);
+  EXPECT_EQ(answer.status, 0);
+  EXPECT_EQ(answer.reply, hex("02 00 00 00 00 01"));
+}
+
+TEST(Faults, DelayStatusesAndDrops) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":250,"status":7,"count":1}})");
+  box.command(
+      R"({"command":"fault_add","fault":{"type":12,"delay_ms":20,"action":"drop","from":2}})");
+  Answer refused = box.ask(2, 12);
+  EXPECT_EQ(refused.delay_ms, 250U);
+  EXPECT_EQ(refused.status, 7);
+  Answer dropped = box.ask(2, 12);
+  EXPECT_EQ(dropped.delay_ms, 20U);
+  EXPECT_EQ(dropped.action, Answer::Action::kDisconnect);
+}
+
+TEST(Faults, TheOldestThatIsDueStrikesAndAllCount) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":5,"from":2,"count":1}})");
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":6,"count":3}})");
+  std::vector<uint32_t> statuses;
+  for (int i = 0; i < 4; ++i) statuses.push_back(box.status(2, 12));
+  EXPECT_EQ(statuses, (std::vector<uint32_t>{6, 5, 6, 0}));
+}
+
+TEST(Faults, AreClearedOneByOneOrAll) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":5}})");
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":6}})");
+  box.command(R"({"command":"fault_add","fault":{"type":12,"status":7}})");
+  EXPECT_EQ(box.command(R"({"command":"fault_clear","id":1})"), R"({"ok":true,"cleared":1})");
+  EXPECT_EQ(box.status(2, 12), 6U);
+  EXPECT_EQ(box.command(R"({"command":"fault_clear","id":1})"),
+            R"({"ok":false,"error":"/id: no fault 1 is armed"})");
+  EXPECT_EQ(box.command(R"({"command":"fault_clear"})"), R"({"ok":true,"cleared":2})");
+  EXPECT_EQ(box.status(2, 12), 0U);
+  EXPECT_EQ(box.command(R"({"command":"fault_add","fault":{"type":12,"status":5}})"),
+            R"({"ok":true,"id":4})");
+}
+
+TEST(Faults, AreCountedAndTraced) {
+  TestBox box;
+  box.command(R"({"command":"fault_add","fault":{"type":12,"action":"silence","count":1}})");
+  box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":5}})");
+  box.trace.clear();
+  box.ask(2, 12);
+  box.ask(2, 12);
+  EXPECT_EQ(box.trace,
+            (std::vector<std::string>{
+                "2026-01-31T12:00:00.000000Z module 2 type 12 olt-mac: request 0, no answer, "
+                "fault 1 silence",
+                "2026-01-31T12:00:00.000000Z module 2 type 12 olt-mac: request 0, status 0 ok, "
+                "reply 6 [020000000001], after 5 ms, fault 2 status"}));
+  EXPECT_EQ(box.command(R"({"command":"counters"})"),
+            R"({"ok":true,"counters":{"exchanges":2,"refused":0,"unserved":0,"bad_lengths":0,)"
+            R"("faults":2,"messages":[{"module":2,"type":12,"exchanges":2,"refused":0,)"
+            R"("unserved":0,"bad_lengths":0,"faults":2}]}})");
+}
+
+TEST(Faults, AreNoMoreThan256) {
+  TestBox box;
+  for (int i = 0; i < 256; ++i) {
+    box.command(R"({"command":"fault_add","fault":{"module":255,"type":4294967295,"status":65535,)"
+                R"("delay_ms":600000,"from":4294967295,"count":4294967295}})");
+  }
+  EXPECT_EQ(
+      box.command(R"({"command":"fault_add","fault":{"type":12,"status":5}})"),
+      R"({"ok":false,"error":"256 faults are armed already, expected one to be cleared first"})");
+  std::string list = box.command(R"({"command":"fault_list"})");
+  EXPECT_EQ(list.substr(0, 12), R"({"ok":true,")");
+}
+
+TEST(Faults, CanBeArmedByText) {
+  TestBox box;
+  box.options.faults = {"type=12 status=5 from=2 count=1", "type=0x21 silence module=2",
+                        "type=53 action=drop delay_ms=7 module=any"};
+  EXPECT_EQ(box.status(2, 12), 0U);
+  EXPECT_EQ(box.status(2, 12), 5U);
+  EXPECT_EQ(box.ask(2, 33).action, Answer::Action::kWithhold);
+  EXPECT_EQ(box.ask(2, 53).action, Answer::Action::kDisconnect);
+  EXPECT_EQ(olt::box::fault_add_command("module=22 type=83 status=0x10"),
+            R"({"command":"fault_add","fault":{"module":22,"type":83,"status":16}})");
+}
+
+TEST(Faults, MistakesInTextsGetOneLine) {
+  const std::pair<const char *, const char *> kMistakes[] = {
+      {"", "fault \"\": /type: is missing"},
+      {"status=5", "fault \"status=5\": /type: is missing"},
+      {"type=twelve status=5",
+       "fault \"type=twelve status=5\": /type: is \"twelve\", expected an integer from 0 to "
+       "4294967295"},
+      {"type=12",
+       "fault \"type=12\": /: has no effect, expected a status, a delay_ms, or the "
+       "action silence or drop"},
+      {"type=12 loud",
+       "fault \"type=12 loud\": \"loud\" is not understood, expected KEY=VALUE, "
+       "silence or drop"},
+      {"type=12 action=loud",
+       "fault \"type=12 action=loud\": /action: is \"loud\", expected "
+       "status, silence or drop"},
+      {"type=12 status=65536",
+       "fault \"type=12 status=65536\": /status: is 65536, expected an "
+       "integer from 0 to 65535"},
+      {"type=12 status=-1",
+       "fault \"type=12 status=-1\": /status: is \"-1\", expected an integer from 0 to 65535"},
+      {"type=12 status=5 status=6",
+       "fault \"type=12 status=5 status=6\": status is given twice, expected once"},
+      {"type=12 statsu=5",
+       "fault \"type=12 statsu=5\": /statsu: is unknown, expected one of action, count, delay_ms, "
+       "from, module, status, type"},
+      {"type=12 status=5 from=0",
+       "fault \"type=12 status=5 from=0\": /from: is 0, expected an "
+       "integer from 1 to 4294967295"},
+      {"type=12 silence status=5",
+       "fault \"type=12 silence status=5\": /: has a status that is never sent, expected it "
+       "without silence and drop"},
+      {"type=12 silence delay_ms=5",
+       "fault \"type=12 silence delay_ms=5\": /: delays an answer that is never sent, expected "
+       "delay_ms without silence"},
+      {"type=12 delay_ms=600001",
+       "fault \"type=12 delay_ms=600001\": /delay_ms: is 600001, expected an integer from 0 to "
+       "600000"},
+      {"type=12 status=5 module=1000",
+       "fault \"type=12 status=5 module=1000\": /module: is 1000, expected a module from 1 to 255, "
+       "or 0 or \"any\""},
+      {"type=12 \x01\xFF=5",
+       "fault \"type=12 \\x01\\xff=5\": /\\x01\\xff: is unknown, expected one of action, count, "
+       "delay_ms, from, module, status, type"},
+  };
+  for (const auto &[mistake, line] : kMistakes) {
+    try {
+      olt::box::fault_add_command(mistake);
+      ADD_FAILURE() << mistake << " was accepted";
+    } catch (const olt::BadInput &error) {
+      EXPECT_STREQ(error.what(), line);
+    }
+  }
+}
+
+TEST(Control, AnswersAnythingWithOneLineOfJson) {
+  TestBox box;
+  const std::pair<const char *, const char *> kMistakes[] = {
+      {"",
+       "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', "
+       "or a literal"},
+      {"rubbish", "1:1: syntax error while parsing value - invalid literal; last read: 'r'"},
+      {"[]", "/: is an array, expected an object"},
+      {"{}", "/command: is missing"},
+      {R"({"command":7})", "/command: is 7, expected a text"},
+      {R"({"command":"explode"})",
+       "/command: is \\\"explode\\\", expected fault_add, fault_list, fault_clear or counters"},
+      {R"({"command":"fault_add"})", "/fault: is missing"},
+      {R"({"command":"fault_add","fault":{"type":"12"}})",
+       "/fault/type: is \\\"12\\\", expected an integer from 0 to 4294967295"},
+      {R"({"command":"fault_add","fault":{"type":12}})",
+       "/fault: has no effect, expected a status, a delay_ms, or the action silence or drop"},
+      {R"({"command":"fault_add","fault":{"type":12,"status":1.5}})",
+       "/fault/status: is 1.5, expected an integer from 0 to 65535"},
+      {R"({"command":"counters","what":1})", "/what: is unknown, expected one of command"},
+      {R"({"command":"fault_clear","id":-1})",
+       "/id: is -1, expected an integer from 0 to 4294967295"},
+      {R"({"command":"counters","command":"fault_clear"})",
+       "/command: is given twice, expected once"},
+  };
+  for (const auto &[mistake, line] : kMistakes) {
+    EXPECT_EQ(box.command(mistake), std::string(R"({"ok":false,"error":")") + line + "\"}");
+  }
+}
+
+TEST(Control, ServesOneTypeAndRequestsOfReasonableLength) {
+  TestBox box;
+  EXPECT_EQ(box.status(1000, 0, text(R"({"command":"counters"})")), 1U);
+  EXPECT_EQ(box.status(1000, 2, text(R"({"command":"counters"})")), 1U);
+  EXPECT_EQ(box.status(1000, 1, Bytes(65'537, '[')), 2U);
+  EXPECT_EQ(box.status(1000, 1, Bytes(65'536, '[')), 0U);
+}
+
+}  // namespace
