@@ -1,0 +1,327 @@
+#include "box/state/archive.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "base/bad_input.h"
+
+namespace olt::box {
+
+using Kind = CborReader::Kind;
+
+namespace {
+
+constexpr size_t kShownValue = 40;
+/// More than any object has whose members are described one by one.
+constexpr size_t kMostMembers = 256;
+/// In milliseconds since 1970.
+constexpr NumberRange kMoments = {0, uint64_t{UINT32_MAX} * 1000};
+constexpr std::string_view kMask = "********";
+
+/// A key as a part of a JSON pointer.
+std::string escaped(std::string_view key) {
+  std::string text;
+  for (char c : key) {
+    if (c == '~' || c == '/') {
+      text += c == '~' ? "~0" : "~1";
+    } else {
+      text += c;
+    }
+  }
+  return printable_ascii(text);
+}
+
+std::string shown(const CborReader::Value &value) {
+  std::string text;
+  switch (value.kind) {
+    case Kind::kNumber:
+      return fmt::to_string(value.number);
+    case Kind::kFlag:
+      return value.number != 0 ? "true" : "false";
+    case Kind::kText:
+      text = fmt::format("\"{}\"", printable_ascii(value.data));
+      break;
+    case Kind::kBytes:
+      text = to_hex(as_bytes(value.data));
+      break;
+    case Kind::kList:
+      return "an array";
+    case Kind::kMap:
+    case Kind::kEnd:
+      return "an object";
+  }
+  return text.size() <= kShownValue ? text : text.substr(0, kShownValue) + "...";
+}
+
+/// The bytes that a value stands for: as they are, or in hex from JSON.
+std::optional<Bytes> bytes_in(const CborReader::Value &value) {
+  if (value.kind == Kind::kText) return from_hex(value.data);
+  if (value.kind != Kind::kBytes) return std::nullopt;
+  return Bytes(value.data.begin(), value.data.end());
+}
+
+}  // namespace
+
+Archive::Archive() : mode_(Writing()) {
+  out().begin_map();
+}
+
+Archive::Archive(std::string_view data) : mode_(Reading{data, {}}) {
+  CborReader reader(data);
+  enter("", reader);
+  if (!reader.at_end()) throw BadInput("more follows behind its end");
+}
+
+void Archive::wide_number(std::string_view key, uint64_t &value, NumberRange range) {
+  if (!is_reading()) {
+    out().text(key);
+    out().number(value);
+    return;
+  }
+  CborReader::Value found = value_of(key).next();
+  if (found.kind != Kind::kNumber || found.number < range.min || found.number > range.max) {
+    refuse(place_of(key), found, fmt::format("an integer from {} to {}", range.min, range.max));
+  }
+  value = found.number;
+}
+
+void Archive::flag(std::string_view key, bool &value) {
+  if (!is_reading()) {
+    out().text(key);
+    out().flag(value);
+    return;
+  }
+  CborReader::Value found = value_of(key).next();
+  if (found.kind != Kind::kFlag) refuse(place_of(key), found, "true or false");
+  value = found.number != 0;
+}
+
+void Archive::text(std::string_view key, std::string &value, size_t max) {
+  characters(key, value, max, false);
+}
+
+void Archive::secret(std::string_view key, std::string &value, size_t max) {
+  characters(key, value, max, true);
+}
+
+void Archive::characters(std::string_view key, std::string &value, size_t max, bool is_secret) {
+  if (!is_reading()) {
+    out().text(key);
+    if (is_secret) out().secret();
+    out().text(bytes_to_utf8(value));
+    return;
+  }
+  CborReader::Value found = value_of(key).next();
+  found.is_secret = is_secret;
+  auto bytes = found.kind == Kind::kText ? utf8_to_bytes(found.data) : std::nullopt;
+  if (!bytes || bytes->size() > max || (is_secret && *bytes == kMask)) {
+    refuse(place_of(key), found, fmt::format("a text of at most {} bytes", max));
+  }
+  value = std::move(*bytes);
+}
+
+void Archive::bytes(std::string_view key, std::span<uint8_t> field) {
+  fixed(key, field, false);
+}
+
+void Archive::secret_bytes(std::string_view key, std::span<uint8_t> field) {
+  fixed(key, field, true);
+}
+
+void Archive::fixed(std::string_view key, std::span<uint8_t> field, bool is_secret) {
+  if (!is_reading()) {
+    out().text(key);
+    if (is_secret) out().secret();
+    out().bytes(field);
+    return;
+  }
+  CborReader::Value found = value_of(key).next();
+  found.is_secret = is_secret;
+  auto bytes = bytes_in(found);
+  if (!bytes || bytes->size() != field.size()) {
+    refuse(place_of(key), found, fmt::format("{} bytes in hex", field.size()));
+  }
+  std::copy(bytes->begin(), bytes->end(), field.begin());
+}
+
+void Archive::moment(std::string_view key, TimePoint &value) {
+  using std::chrono::milliseconds;
+  auto count = std::chrono::floor<milliseconds>(value.time_since_epoch()).count();
+  auto wide = static_cast<uint64_t>(std::max<int64_t>(count, 0));
+  wide_number(key, wide, kMoments);
+  if (is_reading()) value = TimePoint(milliseconds(wide));
+}
+
+void Archive::object(std::string_view key, const std::function<void()> &describe) {
+  if (!is_reading()) {
+    out().text(key);
+    write_element(describe);
+    return;
+  }
+  CborReader reader = value_of(key);
+  enter(place_of(key), reader);
+  describe();
+  leave();
+}
+
+void Archive::write_element(const std::function<void()> &describe) {
+  out().begin_map();
+  describe();
+  out().end();
+}
+
+void Archive::write_list(std::string_view key, const std::function<void()> &write) {
+  out().text(key);
+  out().begin_list();
+  write();
+  out().end();
+}
+
+void Archive::read_list(std::string_view key, size_t max, const std::function<void()> &read) {
+  CborReader reader = value_of(key);
+  CborReader::Value list = reader.next();
+  if (list.kind != Kind::kList) refuse(place_of(key), list, "an array");
+  std::string place = place_of(key);
+  for (size_t i = 0;; ++i) {
+    CborReader element = reader;
+    if (element.next().kind == Kind::kEnd) return;
+    if (i == max) refuse(place, list, fmt::format("at most {} elements", max));
+    element = reader;
+    reader.skip();
+    size_t depth = in().scopes.size();
+    attempt([&] {
+      enter(fmt::format("{}/{}", place, i), element);
+      read();
+      leave();
+    });
+    in().scopes.resize(depth);
+  }
+}
+
+void Archive::entries(std::string_view key, const std::function<void()> &write,
+                      const TakeEntry &take) {
+  if (!is_reading()) {
+    out().text(key);
+    write_element(write);
+    return;
+  }
+  CborReader reader = value_of(key);
+  CborReader::Value map = reader.next();
+  if (map.kind != Kind::kMap) refuse(place_of(key), map, "an object");
+  std::string place = place_of(key);
+  for (;;) {
+    CborReader::Value name = reader.next();
+    if (name.kind == Kind::kEnd) return;
+    CborReader::Value value = CborReader(reader).next();
+    reader.skip();
+    attempt([&] {
+      std::string entry_place = place + '/' + escaped(name.data);
+      auto bytes = bytes_in(value);
+      if (!bytes) refuse(entry_place, value, "bytes in hex");
+      try {
+        take(name.data, *bytes);
+      } catch (const BadInput &error) {
+        throw BadInput(fmt::format("{}: {}", entry_place, error.what()));
+      }
+    });
+  }
+}
+
+void Archive::entry(std::string_view name, ByteView value, bool is_secret) {
+  out().text(name);
+  if (is_secret) out().secret();
+  out().bytes(value);
+}
+
+void Archive::attempt(const std::function<void()> &read) {
+  try {
+    read();
+  } catch (const BadInput &error) {
+    if (!adopts_) throw;
+    left_out_.emplace_back(error.what());
+  }
+}
+
+bool Archive::has(std::string_view key) {
+  return !is_reading() || find(key) != nullptr;
+}
+
+std::string Archive::take() {
+  out().end();
+  return out().take();
+}
+
+void Archive::finish() {
+  leave();
+}
+
+Archive::Member *Archive::find(std::string_view key) {
+  Scope &scope = in().scopes.back();
+  if (std::find(scope.known.begin(), scope.known.end(), key) == scope.known.end()) {
+    scope.known.push_back(key);
+  }
+  for (Member &member : scope.members) {
+    if (member.key != key) continue;
+    member.described = true;
+    return &member;
+  }
+  return nullptr;
+}
+
+CborReader Archive::value_of(std::string_view key) {
+  const Member *member = find(key);
+  if (member == nullptr) throw BadInput(place_of(key) + ": is missing");
+  return CborReader(in().data, member->at);
+}
+
+void Archive::enter(std::string place, CborReader &reader) {
+  CborReader::Value map = reader.next();
+  if (map.kind != Kind::kMap) refuse(place, map, "an object");
+  Scope scope{std::move(place), {}, {}};
+  for (;;) {
+    CborReader::Value key = reader.next();
+    if (key.kind == Kind::kEnd) break;
+    if (key.kind != Kind::kText) refuse(scope.place, key, "the name of a member");
+    if (scope.members.size() == kMostMembers) {
+      throw BadInput(fmt::format("{}: has more members than any object of the box", scope.place));
+    }
+    for (const Member &member : scope.members) {
+      if (member.key != key.data) continue;
+      throw BadInput(
+          fmt::format("{}/{}: is given twice; expected once", scope.place, escaped(key.data)));
+    }
+    scope.members.push_back({key.data, reader.position()});
+    reader.skip();
+  }
+  in().scopes.push_back(std::move(scope));
+}
+
+void Archive::leave() {
+  const Scope &scope = in().scopes.back();
+  for (const Member &member : scope.members) {
+    if (member.described) continue;
+    throw BadInput(fmt::format("{}: is unknown; expected one of {}", place_of(member.key),
+                               fmt::join(scope.known, ", ")));
+  }
+  in().scopes.pop_back();
+}
+
+std::string Archive::place_of(std::string_view key) {
+  return in().scopes.back().place + '/' + escaped(key);
+}
+
+void Archive::refuse(const std::string &place, const CborReader::Value &value,
+                     std::string_view expected) const {
+  std::string given = !value.is_secret      ? shown(value)
+                      : value.data == kMask ? "masked"
+                                            : "not as it should be";
+  throw BadInput(
+      fmt::format("{}: is {}; expected {}", place.empty() ? "/" : place, given, expected));
+}
+
+void Archive::refuse(std::string_view key, std::string_view expected) {
+  refuse(place_of(key), value_of(key).next(), expected);
+}
+
+}  // namespace olt::box

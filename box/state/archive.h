@@ -1,0 +1,149 @@
+/// What the box keeps, described once: the same calls write it and read it back.
+#ifndef OLT_BOX_STATE_ARCHIVE_H
+#define OLT_BOX_STATE_ARCHIVE_H
+
+#include <concepts>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "base/clock.h"
+#include "box/state/cbor.h"
+
+namespace olt::box {
+
+struct NumberRange {
+  uint64_t min;
+  uint64_t max;
+};
+
+/// Describes an object member by member. Writing takes the values; reading checks them and replaces
+/// them, in any order of the members. Reading throws BadInput, "PLACE: is VALUE; expected WHAT",
+/// where PLACE is a JSON pointer; it shows no part of a secret. Keys must outlive the archive.
+class Archive {
+ public:
+  /// One to write to.
+  Archive();
+  /// One to read what take gave, or what came from JSON.
+  explicit Archive(std::string_view data);
+  Archive(const Archive &) = delete;
+  Archive &operator=(const Archive &) = delete;
+
+  bool is_reading() const { return std::holds_alternative<Reading>(mode_); }
+
+  template <std::unsigned_integral Number>
+  void number(std::string_view key, Number &value,
+              NumberRange range = {0, std::numeric_limits<Number>::max()}) {
+    uint64_t wide = value;
+    wide_number(key, wide, range);
+    value = static_cast<Number>(wide);
+  }
+  void flag(std::string_view key, bool &value);
+  /// A text of any bytes, at most so many.
+  void text(std::string_view key, std::string &value, size_t max);
+  void secret(std::string_view key, std::string &value, size_t max);
+  /// As many bytes as the field has.
+  void bytes(std::string_view key, std::span<uint8_t> field);
+  void secret_bytes(std::string_view key, std::span<uint8_t> field);
+  /// To the millisecond.
+  void moment(std::string_view key, TimePoint &value);
+
+  /// A member whose own members the function describes.
+  void object(std::string_view key, const std::function<void()> &describe);
+
+  /// A member that is a list of objects, each described by the function. Reading appends to an
+  /// empty container, at most max elements.
+  template <typename Container, typename Describe>
+  void list(std::string_view key, Container &elements, size_t max, Describe describe) {
+    if (is_reading()) {
+      elements.clear();
+      read_list(key, max, [&] {
+        typename Container::value_type element{};
+        describe(element);
+        elements.insert(elements.end(), std::move(element));
+      });
+    } else {
+      write_list(key, [&] {
+        for (auto &element : elements) {
+          auto copy = element;
+          write_element([&] { describe(copy); });
+        }
+      });
+    }
+  }
+
+  /// A member whose own members are named by what they belong to, each of them bytes. Writing calls
+  /// write, which calls entry for each; reading calls take for each.
+  using TakeEntry = std::function<void(std::string_view name, ByteView value)>;
+  void entries(std::string_view key, const std::function<void()> &write, const TakeEntry &take);
+  void entry(std::string_view name, ByteView value, bool is_secret = false);
+
+  /// Reading: whether the member is there; the values of one that is not stay as they are.
+  bool has(std::string_view key);
+
+  /// Reading: what is wrong with the member, which was read.
+  [[noreturn]] void refuse(std::string_view key, std::string_view expected);
+
+  /// Writing: ends the object. @return the data.
+  std::string take();
+  /// Reading, last: refuses members that nobody described.
+  void finish();
+
+  /// Reading: elements and entries that are refused are left out from now on.
+  void adopt() { adopts_ = true; }
+  /// Why each of them was.
+  const std::vector<std::string> &left_out() const { return left_out_; }
+
+ private:
+  struct Member {
+    std::string_view key;
+    size_t at;
+    bool described = false;
+  };
+  /// An object that is being read, and the way to it.
+  struct Scope {
+    std::string place;
+    std::vector<Member> members;
+    std::vector<std::string_view> known;  ///< keys that were asked for
+  };
+  struct Reading {
+    std::string_view data;
+    std::vector<Scope> scopes;
+  };
+  struct Writing {
+    CborWriter out;
+  };
+
+  Reading &in() { return std::get<Reading>(mode_); }
+  CborWriter &out() { return std::get<Writing>(mode_).out; }
+
+  void wide_number(std::string_view key, uint64_t &value, NumberRange range);
+  void characters(std::string_view key, std::string &value, size_t max, bool is_secret);
+  void fixed(std::string_view key, std::span<uint8_t> field, bool is_secret);
+  void write_list(std::string_view key, const std::function<void()> &write);
+  void write_element(const std::function<void()> &describe);
+  void read_list(std::string_view key, size_t max, const std::function<void()> &read);
+
+  Member *find(std::string_view key);
+  CborReader value_of(std::string_view key);
+  void enter(std::string place, CborReader &reader);
+  void leave();
+  std::string place_of(std::string_view key);
+  [[noreturn]] void refuse(const std::string &place, const CborReader::Value &value,
+                           std::string_view expected) const;
+  void attempt(const std::function<void()> &read);
+
+  std::variant<Writing, Reading> mode_;
+  bool adopts_ = false;
+  std::vector<std::string> left_out_;
+};
+
+}  // namespace olt::box
+
+#endif

@@ -1,0 +1,209 @@
+#include "box/state/json_form.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+#include "base/bad_input.h"
+#include "box/state/cbor.h"
+
+namespace olt::box {
+
+using Json = nlohmann::json;
+using Kind = CborReader::Kind;
+
+namespace {
+
+constexpr std::string_view kMask = "\"********\"";
+constexpr size_t kDeepest = 32;
+
+class JsonWriter {
+ public:
+  JsonWriter(std::string_view archive, Secrets secrets) : reader_(archive), secrets_(secrets) {}
+
+  std::string write() {
+    value(reader_.next());
+    text_ += '\n';
+    if (!reader_.at_end()) throw BadInput("more follows behind its end");
+    return std::move(text_);
+  }
+
+ private:
+  void value(const CborReader::Value &value) {
+    if (value.is_secret && secrets_ == Secrets::kMasked) {
+      text_ += kMask;
+      return;
+    }
+    switch (value.kind) {
+      case Kind::kNumber:
+        text_ += fmt::to_string(value.number);
+        break;
+      case Kind::kFlag:
+        text_ += value.number != 0 ? "true" : "false";
+        break;
+      case Kind::kText:
+        quote(value.data);
+        break;
+      case Kind::kBytes:
+        text_ += '"' + to_hex(as_bytes(value.data)) + '"';
+        break;
+      case Kind::kList:
+        elements('[', ']', [this](const CborReader::Value &element) { this->value(element); });
+        break;
+      case Kind::kMap:
+        elements('{', '}', [this](const CborReader::Value &key) {
+          quote(key.data);
+          text_ += ": ";
+          this->value(reader_.next());
+        });
+        break;
+      case Kind::kEnd:
+        throw BadInput("is not encoded as state is");
+    }
+  }
+
+  template <typename Element>
+  void elements(char open, char close, Element element) {
+    text_ += open;
+    if (++depth_ > kDeepest) throw BadInput("nests deeper than state does");
+    bool first = true;
+    for (;; first = false) {
+      CborReader::Value next = reader_.next();
+      if (next.kind == Kind::kEnd) break;
+      text_ += first ? "\n" : ",\n";
+      text_.append(depth_, ' ');
+      element(next);
+    }
+    --depth_;
+    if (!first) {
+      text_ += '\n';
+      text_.append(depth_, ' ');
+    }
+    text_ += close;
+  }
+
+  void quote(std::string_view characters) {
+    text_ += Json(characters).dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
+
+  CborReader reader_;
+  Secrets secrets_;
+  std::string text_;
+  size_t depth_ = 0;
+};
+
+std::string escaped(std::string_view key) {
+  std::string text;
+  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+  return printable_ascii(text);
+}
+
+/// Takes the parser's events.
+class JsonReader : public nlohmann::json_sax<Json> {
+ public:
+  explicit JsonReader(std::string_view text) : text_(text) {}
+
+  std::string take() { return out_.take(); }
+
+  bool null() override {
+    return refuse("null", "a number, a text, true, false, or what holds them");
+  }
+  bool boolean(bool value) override {
+    out_.flag(value);
+    return true;
+  }
+  bool number_integer(number_integer_t value) override {
+    return refuse(fmt::to_string(value), "a number from 0");
+  }
+  bool number_unsigned(number_unsigned_t value) override {
+    out_.number(value);
+    return true;
+  }
+  bool number_float(number_float_t /*value*/, const string_t &text) override {
+    return refuse(text, "an integer");
+  }
+  bool string(string_t &value) override {
+    out_.text(value);
+    return true;
+  }
+  bool binary(binary_t & /*value*/) override { return false; }
+  bool start_object(size_t /*elements*/) override {
+    out_.begin_map();
+    objects_.emplace_back();
+    return true;
+  }
+  bool key(string_t &value) override {
+    out_.text(value);
+    Object &object = objects_.back();
+    object.current = value;
+    if (!object.keys.insert(value).second) {
+      throw BadInput(place() + ": is given twice; expected once");
+    }
+    return true;
+  }
+  bool end_object() override {
+    objects_.pop_back();
+    return end_array();
+  }
+  bool start_array(size_t /*elements*/) override {
+    out_.begin_list();
+    return true;
+  }
+  bool end_array() override {
+    out_.end();
+    return true;
+  }
+  bool parse_error(size_t position, const std::string & /*token*/,
+                   const Json::exception &error) override {
+    std::string_view before =
+        text_.substr(0, std::min(std::max<size_t>(position, 1) - 1, text_.size()));
+    auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    size_t column = before.size() - (before.rfind('\n') + 1) + 1;
+    throw BadInput(fmt::format("{}:{}: is not JSON; expected {}", line, column, expected(error)));
+  }
+
+ private:
+  struct Object {
+    std::set<std::string> keys;
+    std::string current;
+  };
+
+  bool refuse(std::string_view given, std::string_view wanted) {
+    throw BadInput(fmt::format("{}: is {}; expected {}", place(), given, wanted));
+  }
+
+  std::string place() const {
+    std::string text;
+    for (const Object &object : objects_) text += '/' + escaped(object.current);
+    return text.empty() ? "/" : text;
+  }
+
+  /// What the parser's message says that it waited for; the message as a whole may show a secret.
+  static std::string expected(const Json::exception &error) {
+    std::string_view message = error.what();
+    size_t at = message.rfind("; expected ");
+    if (at == std::string_view::npos) return "a value that JSON allows";
+    return printable_ascii(message.substr(at + 11));
+  }
+
+  std::string_view text_;
+  CborWriter out_;
+  std::vector<Object> objects_;
+};
+
+}  // namespace
+
+std::string to_json_text(std::string_view archive, Secrets secrets) {
+  return JsonWriter(archive, secrets).write();
+}
+
+std::string from_json_text(std::string_view text) {
+  JsonReader reader(text);
+  Json::sax_parse(text.begin(), text.end(), &reader);
+  return reader.take();
+}
+
+}  // namespace olt::box
