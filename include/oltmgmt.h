@@ -16,7 +16,7 @@
 ///   buffers and strings may start at any address.
 /// - Strings are zero-terminated.
 /// - Bytes of a request that are called uninitialized hold whatever the stack or the allocator left
-///   there.
+///   there; modules must ignore them.
 #ifndef OLTMGMT_H
 #define OLTMGMT_H
 

@@ -42,3 +42,22 @@ if(OLT_TEST_mipsel_gcc)
     COMMAND ${OLT_TEST_mipsel_gcc} -std=c11 ${common_warnings} -I ${include_dir}
       -fsyntax-only ${CMAKE_CURRENT_SOURCE_DIR}/records.c)
 endif()
+
+# The assertions are complete, and a missing one is found.
+set(check_records ${CMAKE_CURRENT_SOURCE_DIR}/check_records.sh ${include_dir}/oltmgmt.h)
+add_test(NAME abi.records.complete
+  COMMAND ${check_records} ${CMAKE_CURRENT_SOURCE_DIR}/records.c)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS records.c)
+file(READ records.c assertions)
+function(add_missing_assertion name assertion complaint)
+  set(incomplete ${CMAKE_CURRENT_BINARY_DIR}/${name}.c)
+  string(REPLACE "${assertion}" "" rest "${assertions}")
+  file(WRITE ${incomplete} "${rest}")
+  add_test(NAME abi.check_finds.${name}
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/expect_complaint.sh ${complaint}
+      ${check_records} ${incomplete})
+endfunction()
+add_missing_assertion(record_without_assertion
+  "ASSERT_RECORD(olt_rstp_bridge, " "no assertion of olt_rstp_bridge")
+add_missing_assertion(field_without_assertion
+  "ASSERT_FIELD(olt_rstp_brief, values, " "no assertion of olt_rstp_brief.values")
