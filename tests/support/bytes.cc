@@ -69,7 +69,7 @@ Bytes counting(size_t size, uint8_t first) {
 
 Bytes scattered(size_t size) {
   Bytes bytes(size);
-  for (size_t i = 0; i != size; ++i) bytes[i] = static_cast<uint8_t>(i * 2654435761u >> 24);
+  for (size_t i = 0; i != size; ++i) bytes[i] = static_cast<uint8_t>((i + 1) * 2654435761u >> 24);
   return bytes;
 }
 
