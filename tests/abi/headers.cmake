@@ -1,11 +1,11 @@
-# The public headers, each alone, in every language and by every compiler that is there.
+# Each public header alone, in every language and with every compiler that is installed.
 set(include_dir ${PROJECT_SOURCE_DIR}/include)
 set(common_warnings -Wall -Wextra -Wpedantic -Werror)
 set(gcc_warnings ${common_warnings}
   -Wshadow -Wconversion -Wsign-conversion -Wundef -Wcast-qual -Wredundant-decls)
 set(gcc_c_warnings -Wc++-compat -Wstrict-prototypes -Wmissing-prototypes)
 set(gcc_cxx_warnings -Wold-style-cast -Wuseless-cast -Wextra-semi)
-# Nothing here is meant for C++98, and the names of the platform's calls are given.
+# Nothing here is meant for C++98, and the platform determines the names of its calls.
 set(clang_warnings ${common_warnings} -Weverything -Wno-reserved-identifier)
 set(clang_c_warnings)
 set(clang_cxx_warnings -Wno-c++98-compat -Wno-c++98-compat-pedantic)
@@ -23,7 +23,7 @@ foreach(compiler gcc clang)
       set(language c++)
       set(warnings ${${compiler}_warnings} ${${compiler}_cxx_warnings})
     endif()
-    # Included twice, as in a program of many parts.
+    # Included twice, as in programs with many files.
     foreach(header oltmgmt oltplatform)
       add_test(NAME abi.header.${header}.${compiler}.${standard}
         COMMAND ${OLT_TEST_${compiler}} -x ${language} -std=${standard} ${warnings}
