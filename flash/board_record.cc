@@ -7,8 +7,8 @@ namespace {
 
 constexpr uint32_t kBoardRegion = 2;
 
-/// The board's own record, at the start of its region. The bytes in between belong to others and
-/// are carried along.
+/// The board's own record, at the start of its region. The reserved bytes belong to others and are
+/// written back unchanged.
 struct BoardRecord {
   uint8_t reserved_00[43];
   uint8_t serial_digits[3];

@@ -11,7 +11,7 @@ struct Region {
   uint32_t size;
 };
 
-/// Regions 1 to 5 by number. By address, region 5 lies before region 4.
+/// Regions 1 to 5 by number. By address, region 5 comes before region 4.
 constexpr Region kRegions[] = {
     {0x000000, 0x010000}, {0x010000, 0x001000}, {0x011000, 0x0B0000},
     {0x1C1000, 0x23F000}, {0x0C1000, 0x100000},
@@ -43,13 +43,13 @@ int32_t seek(int device, uint32_t offset) {
   return static_cast<int32_t>(lseek(device, static_cast<off_t>(offset), SEEK_SET));
 }
 
-/// What the device's erase request takes.
+/// Argument of the device's erase request.
 struct EraseRequest {
   uint32_t start;
   uint32_t length;
 };
 
-/// The C libraries declare ioctl with different types for the request.
+/// C libraries declare ioctl with different types of the request number.
 template <typename Number>
 int send_erase(int (*call)(int, Number, ...), int device, EraseRequest *request) {
   return call(device, static_cast<Number>(0x80084D02U), request);
@@ -70,8 +70,8 @@ int32_t write_at(int device, uint32_t offset, const void *buffer, uint32_t lengt
   return result < 0 ? result : static_cast<int32_t>(write(device, buffer, length));
 }
 
-/// Erases the blocks that the data touches and writes it, in as many pieces as the device makes
-/// of it.
+/// Erases the blocks that the data occupies and writes the data, in as many writes as the device
+/// needs.
 int32_t replace(int device, uint32_t offset, const char *data, uint32_t length) {
   int32_t result = erase(device, offset, (length + kEraseBlock - 1) & ~(kEraseBlock - 1));
   while (result >= 0 && length != 0) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint32_t kNameLength = 32;
 
-/// Writes the name without a terminating zero, as long as it is.
+/// Copies the name without its terminating zero and without a length check.
 void put_name(char *field, const char *name) {
   memcpy(field, name, strlen(name));  // NOLINT(bugprone-not-null-terminated-result)
 }
@@ -61,48 +61,48 @@ static_assert(sizeof(UserChannel) == 20 && offsetof(UserChannel, channel_param_a
 
 }  // namespace
 
-int32_t create_iptv_profile(const char *name) {
-  return post_profile(name, kCall<NamedCall(157, __func__)>);
+int32_t create_iptv_profile(const char *profile) {
+  return post_profile(profile, OLT_CALL(157));
 }
 
-int32_t clear_iptv_profile(const char *name) {
-  return post_profile(name, kCall<NamedCall(158, __func__)>);
+int32_t clear_iptv_profile(const char *profile) {
+  return post_profile(profile, OLT_CALL(158));
 }
 
-int32_t delete_iptv_channel(const char *name, const olt_iptv_channel *channel) {
-  return post_channel(name, channel, kCall<NamedCall(159, __func__)>);
+int32_t delete_iptv_channel(const char *profile, const olt_iptv_channel *channel) {
+  return post_channel(profile, channel, OLT_CALL(159));
 }
 
-int32_t add_iptv_channel(const char *name, const olt_iptv_channel *channel) {
-  return post_channel(name, channel, kCall<NamedCall(160, __func__)>);
+int32_t add_iptv_channel(const char *profile, const olt_iptv_channel *channel) {
+  return post_channel(profile, channel, OLT_CALL(160));
 }
 
-/// A name of 32 characters leaves no zero in what is sent.
-int32_t show_iptv_byprofile(const char *name, char out[32]) {
+/// Of a name of 32 characters, the terminating zero is not sent.
+int32_t show_iptv_byprofile(const char *profile, char name[32]) {
   char request[kNameLength + 1] = {};
-  strcpy(request, name);
-  return fetch(request, out, {kNameLength, kLeadingName}, 161);
+  strcpy(request, profile);
+  return fetch(request, name, {kNameLength, kLeadingName}, 161);
 }
 
-int32_t set_ont_iptv_profile(const olt_ont_target *target, const char *name) {
+int32_t set_ont_iptv_profile(const olt_ont_target *ont, const char *profile) {
   constexpr uint32_t kLength = kTargetLength + kNameLength;
-  const Call &call = kCall<NamedCall(155, __func__)>;
-  char *block = open_target(target, name, static_cast<uint32_t>(strlen(name)), kLength, call);
+  const Call &call = OLT_CALL(155);
+  char *block = open_target(ont, profile, static_cast<uint32_t>(strlen(profile)), kLength, call);
   return post_block(block, kLength, call);
 }
 
-int32_t clear_ont_iptv_profile(const olt_ont_target *target) {
-  return post(156, *target);
+int32_t clear_ont_iptv_profile(const olt_ont_target *ont) {
+  return post(156, *ont);
 }
 
-/// On the wire c comes behind a and b.
+/// In the request, c comes after a and b.
 int32_t add_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a, uint32_t b,
                               uint32_t d) {
-  return post_user_channel(user_address, c, a, b, d, kCall<NamedCall(162, __func__)>);
+  return post_user_channel(user_address, c, a, b, d, OLT_CALL(162));
 }
 
-/// On the wire c comes behind a and b.
+/// In the request, c comes after a and b.
 int32_t delete_iptv_user_channel(const olt_mac *user_address, uint32_t c, uint32_t a, uint32_t b,
                                  uint32_t d) {
-  return post_user_channel(user_address, c, a, b, d, kCall<NamedCall(163, __func__)>);
+  return post_user_channel(user_address, c, a, b, d, OLT_CALL(163));
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr uint8_t kAuthMode = 36;
 
-/// What a request with entries begins with; the entries follow.
+/// Head of a request with entries; the entries follow it.
 struct EntriesHead {
   uint32_t iface_a;
   uint32_t iface_b;
@@ -18,14 +18,14 @@ struct EntriesHead {
 };
 static_assert(sizeof(EntriesHead) == 80 && sizeof(olt_auth_entry) == 44);
 
-/// The entries of a list, as an operation gets them.
+/// The arguments of an operation on a list.
 struct Entries {
   uint32_t iface_a;
   uint32_t iface_b;
   int32_t count;
   const olt_auth_entry *first;
 
-  /// A negative count wraps around, as no entry is copied then.
+  /// A negative count wraps around; no entry is copied then.
   uint32_t size() const { return static_cast<uint32_t>(count) * uint32_t{sizeof *first}; }
   uint32_t length() const { return uint32_t{sizeof(EntriesHead)} + size(); }
 };
@@ -39,14 +39,14 @@ int32_t post_entries(const Entries &entries, void *block, const Call &call) {
   return post_block(head, entries.length(), call);
 }
 
-/// The allocation is not tested.
+/// The allocation is not checked.
 [[gnu::noinline]] int32_t add_entries(Entries entries, const Call &call) {
   void *block = open_block(entries.length(), call);
   memset(block, 0, entries.length());
   return post_entries(entries, block, call);
 }
 
-/// The allocation is not tested, and the head keeps what the allocator left in it.
+/// The allocation is not checked, and the rest of the head is uninitialized.
 [[gnu::noinline]] int32_t delete_entries(Entries entries, const Call &call) {
   return post_entries(entries, open_block(entries.length(), call), call);
 }
@@ -57,7 +57,7 @@ int32_t set_olt_auth_mode(uint32_t iface_a, uint32_t iface_b, uint32_t auth_mode
   return post_setting(iface_a, iface_b, auth_mode, {114, kAuthMode});
 }
 
-/// A failure is told as mode 0.
+/// On failure, reports mode 0.
 int32_t get_olt_auth_mode(uint32_t iface_a, uint32_t iface_b, uint32_t *auth_mode) {
   Reply reply;
   bool answered = ask_setting(iface_a, iface_b, 116, reply) == 0;
@@ -68,43 +68,37 @@ int32_t get_olt_auth_mode(uint32_t iface_a, uint32_t iface_b, uint32_t *auth_mod
 
 int32_t add_authallowed_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
                             const olt_auth_entry *entries) {
-  return add_entries({iface_a, iface_b, count, entries},
-                     kCall<NamedCall(112, __func__, 1897, 1917)>);
+  return add_entries({iface_a, iface_b, count, entries}, OLT_CALL(112, 1897, 1917));
 }
 
 int32_t delete_authallowed_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
                                const olt_auth_entry *entries) {
-  return delete_entries({iface_a, iface_b, count, entries},
-                        kCall<NamedCall(113, __func__, 2046, 2064)>);
+  return delete_entries({iface_a, iface_b, count, entries}, OLT_CALL(113, 2046, 2064));
 }
 
 int32_t add_authallowed_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
                              const olt_auth_entry *entries) {
-  return add_entries({iface_a, iface_b, count, entries},
-                     kCall<NamedCall(110, __func__, 2096, 2116)>);
+  return add_entries({iface_a, iface_b, count, entries}, OLT_CALL(110, 2096, 2116));
 }
 
 int32_t delete_authallowed_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
                                 const olt_auth_entry *entries) {
-  return delete_entries({iface_a, iface_b, count, entries},
-                        kCall<NamedCall(111, __func__, 2130, 2147)>);
+  return delete_entries({iface_a, iface_b, count, entries}, OLT_CALL(111, 2130, 2147));
 }
 
 int32_t add_authallowed_mac_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
                                  const olt_auth_entry *entries) {
-  return add_entries({iface_a, iface_b, count, entries},
-                     kCall<NamedCall(108, __func__, 2166, 2186)>);
+  return add_entries({iface_a, iface_b, count, entries}, OLT_CALL(108, 2166, 2186));
 }
 
 int32_t delete_authallowed_mac_loid(uint32_t iface_a, uint32_t iface_b, int32_t count,
                                     const olt_auth_entry *entries) {
-  return delete_entries({iface_a, iface_b, count, entries},
-                        kCall<NamedCall(109, __func__, 2201, 2218)>);
+  return delete_entries({iface_a, iface_b, count, entries}, OLT_CALL(109, 2201, 2218));
 }
 
 int32_t delete_blocklist_mac(uint32_t iface_a, uint32_t iface_b, int32_t count,
                              const olt_auth_entry *entries) {
-  const Call &call = kCall<NamedCall(41, __func__, 2006, 2030)>;
+  const Call &call = OLT_CALL(41, 2006, 2030);
   Entries list{iface_a, iface_b, count, entries};
   void *block = open_block(list.length(), call);
   return block == nullptr ? log_no_memory("less of memory", call) : post_entries(list, block, call);

@@ -29,7 +29,7 @@ int32_t getonu_ont_opticalfile(const olt_ont_target *ont, char name[32]) {
   return fetch_ont_listing(106, ont, name);
 }
 
-/// The two bytes between address and word are not touched.
+/// Copies address and word separately, so that the two bytes between them stay unchanged.
 int32_t get_onu_basic_mac_byindex(olt_ont_target *ont) {
   Reply reply;
   if (int32_t result = ask(ont, sizeof *ont, Route(65), reply)) return result;

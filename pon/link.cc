@@ -22,8 +22,8 @@ struct FeatureRequest {
 };
 static_assert(sizeof(FeatureRequest) == 136);
 
-/// Writes target words, kind, address when there is one, and feature, and nothing else of the
-/// request. @return -1, with a line in the log, when there is no memory.
+/// Sends target words, kind, address if there is one, and feature; the rest of the request is
+/// uninitialized. @return -1, after logging it, if there is no memory.
 int32_t post_feature(const uint32_t (&target)[3], const olt_onu_feature *feature,
                      const olt_mac *mac, const Call &call) {
   auto *block = static_cast<FeatureRequest *>(open_block(sizeof(FeatureRequest), call));
@@ -37,8 +37,7 @@ int32_t post_feature(const uint32_t (&target)[3], const olt_onu_feature *feature
 
 }  // namespace
 
-// What these three do not set of the request is left as it happens to be.
-// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+// The next three leave the rest of the request uninitialized.
 
 int32_t set_ont_p2p_function(uint32_t p2p_function) {
   olt_global_parameter request;
@@ -58,17 +57,16 @@ int32_t set_ont_linkSecurityEncryption(uint32_t link_security_a, uint32_t link_s
   request.link_security_b = link_security_b;
   return post(78, request);
 }
-// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 int32_t process_olt_global_paramter(olt_global_parameter *parameter) {
   return fetch_over(79, *parameter);
 }
 
-/// A setter that waits for a reply: the last two words come back as granted.
+/// A setter with a reply: only the two granted words are copied back.
 int32_t set_ont_linkdba(const olt_ont_target *ont, olt_link_dba *dba) {
   constexpr uint32_t kLength = kTargetLength + sizeof *dba;
   constexpr Range kGranted{offsetof(olt_link_dba, granted), sizeof dba->granted};
-  const Call &call = kCall<NamedCall(54, __func__, 3524, 3533)>;
+  const Call &call = OLT_CALL(54, 3524, 3533);
   char *block = open_target(ont, dba, sizeof *dba, kLength, call);
   return block == nullptr ? -1 : fetch_block(block, kLength, dba->granted, kGranted, call);
 }
@@ -99,17 +97,14 @@ int32_t set_ont_usertraffic(const olt_ont_target *ont) {
 
 int32_t set_onu_basic_feature_force(uint32_t target_a, uint32_t target_b, uint32_t target_c,
                                     const olt_onu_feature *feature) {
-  return post_feature({target_a, target_b, target_c}, feature, nullptr,
-                      kCall<NamedCall(49, __func__, 3785, 3804)>);
+  return post_feature({target_a, target_b, target_c}, feature, nullptr, OLT_CALL(49, 3785, 3804));
 }
 
 int32_t set_onu_basic_feature_f(uint32_t target_a, uint32_t target_b, uint32_t target_c,
                                 const olt_onu_feature *feature, const olt_mac *mac) {
-  return post_feature({target_a, target_b, target_c}, feature, mac,
-                      kCall<NamedCall(42, __func__, 3821, 3841)>);
+  return post_feature({target_a, target_b, target_c}, feature, mac, OLT_CALL(42, 3821, 3841));
 }
 
 int32_t add_ont_description(const olt_target_words *target, const olt_onu_feature *description) {
-  return post_feature(target->words, description, nullptr,
-                      kCall<NamedCall(44, __func__, 3965, 3984)>);
+  return post_feature(target->words, description, nullptr, OLT_CALL(44, 3965, 3984));
 }

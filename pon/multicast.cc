@@ -11,7 +11,7 @@ int32_t get_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t *value) 
 }
 
 int32_t set_ont_port_muticastgrounp(const olt_ont_target *ont, uint32_t value) {
-  return post_target_word(ont, value, kCall<NamedCall(121, __func__)>);
+  return post_target_word(ont, value, OLT_CALL(121));
 }
 
 int32_t show_ont_port_muticastvlan(const olt_ont_target *ont, char name[32]) {
@@ -23,13 +23,11 @@ int32_t clear_ont_port_muticastvlan(const olt_ont_target *ont) {
 }
 
 int32_t add_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n, const uint16_t *vlans) {
-  return post_target(ont, vlans, n * uint32_t{sizeof *vlans},
-                     kCallIfMemory<NamedCall(124, __func__)>);
+  return post_target(ont, vlans, n * uint32_t{sizeof *vlans}, OLT_CALL_IF_MEMORY(124));
 }
 
 int32_t delete_ont_port_muticastvlan(const olt_ont_target *ont, uint32_t n, const uint16_t *vlans) {
-  return post_target(ont, vlans, n * uint32_t{sizeof *vlans},
-                     kCallIfMemory<NamedCall(125, __func__)>);
+  return post_target(ont, vlans, n * uint32_t{sizeof *vlans}, OLT_CALL_IF_MEMORY(125));
 }
 
 int32_t show_ont_port_muticaststrip(const olt_ont_target *ont, char name[32]) {
@@ -37,7 +35,7 @@ int32_t show_ont_port_muticaststrip(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_port_muticastrip(const olt_ont_target *ont, const olt_uni_strip *strip) {
-  return post_target(ont, *strip, kCall<NamedCall(127, __func__)>);
+  return post_target(ont, *strip, OLT_CALL(127));
 }
 
 int32_t show_ont_muticast_group(const olt_ont_target *ont, char name[32]) {
@@ -45,5 +43,5 @@ int32_t show_ont_muticast_group(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_fastleave(const olt_ont_target *ont, uint32_t value) {
-  return post_target_word(ont, value, kCall<NamedCall(154, __func__)>);
+  return post_target_word(ont, value, OLT_CALL(154));
 }

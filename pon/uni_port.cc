@@ -12,11 +12,11 @@ int32_t get_ont_port_alarmsetting(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_port_alarmsetting(const olt_ont_target *ont, uint32_t port_value) {
-  return flatten(post_target_word(ont, port_value, kCall<NamedCall(105, __func__, 2761, 2769)>));
+  return flatten(post_target_word(ont, port_value, OLT_CALL(105, 2761, 2769)));
 }
 
 int32_t set_ont_port_loopback(const olt_ont_target *ont, uint32_t port_value) {
-  return flatten(post_target_word(ont, port_value, kCall<NamedCall(117, __func__, 2788, 2796)>));
+  return flatten(post_target_word(ont, port_value, OLT_CALL(117, 2788, 2796)));
 }
 
 int32_t show_ont_port_vlanmode(const olt_ont_target *ont, char name[32]) {
@@ -24,7 +24,7 @@ int32_t show_ont_port_vlanmode(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_port_vlanmode(const olt_ont_target *ont, const olt_uni_vlan_mode *mode) {
-  return post_target(ont, *mode, kCallIfMemory<NamedCall(129, __func__, 2839, 2848)>);
+  return post_target(ont, *mode, OLT_CALL_IF_MEMORY(129, 2839, 2848));
 }
 
 int32_t get_ont_port_downrate(const olt_ont_target *ont, olt_uni_downrate *rates) {
@@ -32,15 +32,15 @@ int32_t get_ont_port_downrate(const olt_ont_target *ont, olt_uni_downrate *rates
 }
 
 int32_t set_ont_port_downrate(const olt_ont_target *ont, const olt_uni_downrate *rates) {
-  return post_target(ont, *rates, kCall<NamedCall(118, __func__, 3048, 3056)>);
+  return post_target(ont, *rates, OLT_CALL(118, 3048, 3056));
 }
 
 int32_t set_ont_port_basicinfo(const olt_ont_target *ont, const olt_uni_block *info) {
-  return post_target(ont, *info, kCall<NamedCall(132, __func__, 3067, 3075)>);
+  return post_target(ont, *info, OLT_CALL(132, 3067, 3075));
 }
 
 int32_t set_ont_port_description(const olt_ont_target *ont, const olt_uni_block *description) {
-  return post_target(ont, *description, kCall<NamedCall(84, __func__, 3085, 3093)>);
+  return post_target(ont, *description, OLT_CALL(84, 3085, 3093));
 }
 
 int32_t show_ont_port_basicinfo(const olt_ont_target *ont, char name[32]) {
@@ -48,7 +48,7 @@ int32_t show_ont_port_basicinfo(const olt_ont_target *ont, char name[32]) {
 }
 
 int32_t set_ont_port_policying(const olt_ont_target *ont, const olt_uni_policing *policing) {
-  return post_target(ont, *policing, kCall<NamedCall(130, __func__, 3551, 3559)>);
+  return post_target(ont, *policing, OLT_CALL(130, 3551, 3559));
 }
 
 int32_t get_ont_port_policying(const olt_ont_target *ont, olt_uni_policing *policing) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Compares the binary interface of a built library, by its debug information, with the released one
-# that abi/oltmgmt.abi describes. Fails on any difference; --update records today's interface.
+# Compares the binary interface of a built library, taken from its debug information, with the one
+# recorded in abi/oltmgmt.abi. Fails on any difference; --update records the current one.
 # usage: scripts/abi.sh BUILD_FOLDER [--update]
 #
 # Debian packages: abigail-tools
@@ -21,7 +21,7 @@ esac
 
 today=$(mktemp)
 trap 'rm -f "$today"' EXIT
-# What describes this machine or the inside of the library is left out.
+# Leaves out everything specific to this machine or internal to the library.
 abidw --header-file "$PWD/include/oltmgmt.h" --drop-private-types --exported-interfaces-only \
   --no-corpus-path --no-comp-dir-path --no-architecture --no-show-locs --no-elf-needed \
   --no-parameter-names --type-id-style hash "$library" |
@@ -32,6 +32,6 @@ if [ "$mode" = --update ]; then
   exit
 fi
 abidiff "$released" "$today" || {
-  echo "abi.sh: the interface is no longer the released one; when it is meant to change: ./dev abi --update"
+  echo "abi.sh: the interface differs from the recorded one; if this is intended: ./dev abi --update"
   exit 1
 }

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Bytes on the target: per section and per exported function, with the change against
-# abi/sizes.csv, and how far the goals of abi/size_goals.csv are reached.
+# Bytes on the target, per section and per exported function: the changes from abi/sizes.csv, and
+# whether the goals in abi/size_goals.csv are reached.
 # usage: scripts/sizes.sh BUILD_FOLDER [--check | --update] [RECORDED GOALS]
-# --check shows changes alone; it fails on any and on an enforced goal that is missed. --update
-# records today's figures.
+# --check shows only changes; it fails on any change and on an enforced goal that is not reached.
+# --update records the current sizes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Bytes of stack on the target that each operation takes with all that it calls in the library, by
-# the compiler's own account. Prints the hungriest; complains of those outside flash/ that take more
-# than they may, and of what is not known.
+# Stack use on the target of each operation and everything it calls in the library, as reported by
+# the compiler. Prints the operation that uses most. Fails if an operation outside flash/ uses more
+# than MOST bytes or if its use cannot be determined.
 # usage: scripts/stack.sh BUILD_FOLDER MOST
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -32,10 +32,10 @@ nodes_and_edges() {
   function taken(name, names, count, i, deepest, bytes) {
     if (name in total) return total[name]
     if (!(name in own)) {
-      if (!(name in imported)) complain("nothing is known of " name)
+      if (!(name in imported)) complain("unknown stack use of " name)
       return total[name] = 0
     }
-    if (kind[name] != "static") complain(name " takes a " kind[name] " amount")
+    if (kind[name] != "static") complain(name " has " kind[name] " stack use")
     if (name in open) { complain(name " calls itself"); return 0 }
     open[name]
     count = split(called[name], names, " ")
@@ -50,11 +50,11 @@ nodes_and_edges() {
     for (name in operation) {
       bytes = taken(name)
       if (file[name] ~ /^flash\//) continue
-      if (bytes > most) complain(name " takes " bytes " bytes, expected at most " most)
-      if (hungriest == "" || bytes > taken(hungriest)) hungriest = name
+      if (bytes > most) complain(name " uses " bytes " bytes, expected at most " most)
+      if (deepest_operation == "" || bytes > taken(deepest_operation)) deepest_operation = name
       ++count
     }
     if (count == 0) complain("there are no operations")
-    printf "stack: at most %d of %d bytes, in %s (%d operations outside flash/)\n", taken(hungriest), most, hungriest, count
+    printf "stack: at most %d of %d bytes, in %s (%d operations outside flash/)\n", taken(deepest_operation), most, deepest_operation, count
     exit wrong
   }'

@@ -14,11 +14,11 @@ constexpr uint8_t kReadTimeout = 20;
 }  // namespace
 
 int32_t add_muticastvlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, kCall<NamedCall(149, __func__)>);
+  return post_vlans(list, kVlanElement, OLT_CALL(149));
 }
 
 int32_t delete_muticastvlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, kCall<NamedCall(150, __func__)>);
+  return post_vlans(list, kVlanElement, OLT_CALL(150));
 }
 
 int32_t get_igmpproxy_config(olt_igmpproxy *config) {
@@ -30,7 +30,7 @@ int32_t set_igmpproxy_config(const olt_igmpproxy *config) {
 }
 
 int32_t get_igmpproxy_config_all(void **dump) {
-  const Call &call = kCall<NamedCall({153, kMainModule, kReadTimeout}, __func__)>;
+  const Call &call = OLT_CALL({153, kMainModule, kReadTimeout});
   Reply reply;
   if (int32_t result = ask(nullptr, 0, call, reply)) return result;
   return hand_over(reply, reply.length, dump, call);

@@ -60,15 +60,14 @@ int32_t get_port_link_speed(uint32_t slot, uint32_t port, uint32_t *link_speed) 
   return fetch_keep(slot, port, link_speed, {18, offsetof(olt_port_attributes, link_speed)});
 }
 
-/// On the wire the second value comes before the first.
+/// In the request, the second value comes before the first.
 int32_t Set_port_vlanmode(uint32_t slot, uint32_t port, uint32_t first, uint32_t second) {
   return post({24, kMainModule, 60},
               olt_port_attributes{
                   .slot = slot, .port = port, .vlanmode_second = second, .vlanmode_first = first});
 }
 
-// What the next four do not set of the request is left as it happens to be.
-// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
+// The next four leave the rest of the request uninitialized.
 
 int32_t set_olt_port_ratecontrol(uint32_t slot, uint32_t port, uint32_t first, uint32_t second) {
   olt_port_attributes request;
@@ -103,7 +102,6 @@ int32_t set_olt_port_flowcontrol(uint32_t slot, uint32_t port, uint32_t flowcont
   request.flowcontrol = flowcontrol;
   return post(69, request);
 }
-// NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
 int32_t get_snmp_olt_port_basic_info(olt_port_attributes *record) {
   return names_port(*record, 1, 4) ? fetch_over(70, *record) : -1;

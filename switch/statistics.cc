@@ -7,7 +7,7 @@ using namespace olt;
 
 namespace {
 
-/// Other than the listings, the clearers name the port in the first two words. They set no word.
+/// Unlike in listings, slot and port are the first two words. No setting follows.
 int32_t post_clear(uint8_t message_type, uint32_t slot, uint32_t port) {
   return post_setting(slot, port, 0, {message_type, offsetof(olt_port_attributes, reserved_08)});
 }

@@ -20,7 +20,7 @@ constexpr Route trunk(uint8_t message_type) {
   return {message_type, kMainModule, kTimeout};
 }
 
-/// The allocation is not tested, and what lies between head and list is not cleared.
+/// The allocation is not checked, and the bytes between trunk_value and the list are uninitialized.
 int32_t post_trunk(uint32_t slot, uint32_t port, const olt_vlan_list *list, uint32_t trunk_value,
                    const Call &call) {
   uint32_t length = sizeof(TrunkRequest) + wire_length(*list, kVlanElement);
@@ -36,20 +36,20 @@ int32_t post_trunk(uint32_t slot, uint32_t port, const olt_vlan_list *list, uint
 
 int32_t process_trunk_vlan(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                            uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(25), __func__)>);
+  return post_trunk(slot, port, list, trunk_value, OLT_CALL(trunk(25)));
 }
 
 int32_t process_trunk_vlan_untag(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                  uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(26), __func__)>);
+  return post_trunk(slot, port, list, trunk_value, OLT_CALL(trunk(26)));
 }
 
 int32_t process_trunk_vlan_all(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(27), __func__)>);
+  return post_trunk(slot, port, list, trunk_value, OLT_CALL(trunk(27)));
 }
 
 int32_t process_trunk_vlan_untag_all(uint32_t slot, uint32_t port, const olt_vlan_list *list,
                                      uint32_t trunk_value) {
-  return post_trunk(slot, port, list, trunk_value, kCall<NamedCall(trunk(28), __func__)>);
+  return post_trunk(slot, port, list, trunk_value, OLT_CALL(trunk(28)));
 }

@@ -26,19 +26,19 @@ static_assert(sizeof(VlanQuery) == 80 && offsetof(VlanQuery, descr) == 16);
 }  // namespace
 
 int32_t add_vlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, kCall<NamedCall(19, __func__)>);
+  return post_vlans(list, kVlanElement, OLT_CALL(19));
 }
 
 int32_t delete_vlan_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, kCall<NamedCall(20, __func__)>);
+  return post_vlans(list, kVlanElement, OLT_CALL(20));
 }
 
 int32_t add_vlan_descr_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanDescrElement, kCall<NamedCall(21, __func__)>);
+  return post_vlans(list, kVlanDescrElement, OLT_CALL(21));
 }
 
 int32_t delete_vlan_descr_list(const olt_vlan_list *list) {
-  return post_vlans(list, kVlanElement, kCall<NamedCall(22, __func__)>);
+  return post_vlans(list, kVlanElement, OLT_CALL(22));
 }
 
 int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char name[32]) {
@@ -46,9 +46,9 @@ int32_t get_vlan_interface_file_byinteface(uint32_t slot, uint32_t port, char na
   return fetch_interface_listing(slot, port, name, kQuery);
 }
 
-/// The allocation is not tested, and what lies between kind and list is not cleared.
+/// The allocation is not checked, and the bytes between kind and list are uninitialized.
 int32_t get_vlan_information_file_bylist(const olt_vlan_list *list, char name[32]) {
-  const Call &call = kCall<NamedCall(kQuery, __func__)>;
+  const Call &call = OLT_CALL(kQuery);
   uint32_t length = sizeof(VlanQuery) + wire_length(*list, kVlanElement);
   auto *query = static_cast<VlanQuery *>(open_block(length, call));
   query->query_kind = kByList;
@@ -56,7 +56,7 @@ int32_t get_vlan_information_file_bylist(const olt_vlan_list *list, char name[32
   return fetch_block(query, length, name, kResultName, call);
 }
 
-/// The description is copied as long as it is.
+/// The description is copied without a length check.
 int32_t get_vlan_information_file_bydescprtion(const char *description, char name[32]) {
   VlanQuery query{.query_kind = kByDescription};
   strcpy(query.descr, description);

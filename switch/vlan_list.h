@@ -1,4 +1,4 @@
-/// Requests made of the caller's VLAN list.
+/// Requests that carry the caller's VLAN list.
 #ifndef OLT_SWITCH_VLAN_LIST_H
 #define OLT_SWITCH_VLAN_LIST_H
 
@@ -7,11 +7,11 @@
 
 namespace olt_switch {
 
-/// On the wire a node is its two VLAN values, or those and the description behind them.
+/// Bytes sent for a node: its two VLAN values, or these and its description.
 inline constexpr uint32_t kVlanElement = 4;
 inline constexpr uint32_t kVlanDescrElement = 36;
 
-/// Bytes that the list takes. A negative count wraps around, as the walk then copies nothing.
+/// Bytes sent for the list. A negative count wraps around; no node is copied then.
 inline uint32_t wire_length(const olt_vlan_list &list, uint32_t element) {
   return static_cast<uint32_t>(list.count) * element;
 }
@@ -19,7 +19,7 @@ inline uint32_t wire_length(const olt_vlan_list &list, uint32_t element) {
 /// Writes one element per node, for as many nodes as the list counts.
 void put_elements(void *out, const olt_vlan_list &list, uint32_t element);
 
-/// Sends the list. @return -1 when there is no memory.
+/// Sends the list. @return -1 if there is no memory.
 int32_t post_vlans(const olt_vlan_list *list, uint32_t element, const olt::Call &call);
 
 }  // namespace olt_switch

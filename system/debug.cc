@@ -13,7 +13,7 @@ namespace {
 constexpr uint8_t kOamModule = 18;
 constexpr uint8_t kLogModule = 22;
 
-/// The log module decides; the main module is told only of what it accepted.
+/// The log module decides: the main module gets only what the log module accepted.
 [[gnu::noinline]] int32_t post_log_then_main(uint8_t type, uint32_t value) {
   int32_t result = post_value(value, {type, kLogModule});
   return result != 0 ? result : post_value(value, type);

@@ -14,12 +14,12 @@ constexpr Route stream(uint8_t message_type) {
 
 int32_t do_handle_epon_updatestream(const void *request, uint32_t length, void **answer,
                                     uint32_t *answer_length) {
-  return fetch_copy(request, length, answer, answer_length, kCall<NamedCall(stream(11), __func__)>);
+  return fetch_copy(request, length, answer, answer_length, OLT_CALL(stream(11)));
 }
 
 int32_t do_handle_epon_updatestream_onu(const void *request, uint32_t length, void **answer,
                                         uint32_t *answer_length) {
-  return fetch_copy(request, length, answer, answer_length, kCall<NamedCall(stream(64), __func__)>);
+  return fetch_copy(request, length, answer, answer_length, OLT_CALL(stream(64)));
 }
 
 int32_t get_card_updatestatus(uint32_t *value) {

@@ -26,8 +26,8 @@ void put_text(char (&field)[32], const char *text) {
   return user;
 }
 
-/// Asks for an account. Other than elsewhere a failed exchange hides the status, and a status that
-/// the platform does not write counts as a refusal.
+/// Requests an account. Unlike elsewhere, a failed exchange hides the status, and a status that the
+/// platform does not set counts as a refusal.
 int32_t ask_user(const olt_user *request, Route route, Reply &reply) {
   reply.status = 0xFFFF;
   int32_t result = request_with_reply(request, sizeof *request, route, reply);
@@ -39,9 +39,9 @@ void copy_levels(const Reply &reply, uint32_t *level_a, uint32_t *level_b) {
   *level_b = word_at(reply, offsetof(olt_user, level_b));
 }
 
-/// Reads an account over the record that asks for it, its place in the table only where there is
-/// room for it. Name and password are copied as long as they are: the reply's zero alone ends them,
-/// and they may run over the fields behind.
+/// Reads an account into the record that requests it; its table position is read only if index is
+/// not null. Name and password are copied without a length check and may overrun the fields after
+/// them.
 int32_t fetch_user(olt_user *user, uint32_t *index, Route route) {
   Reply reply;
   if (int32_t result = ask_user(user, route, reply)) return result;

@@ -1,4 +1,4 @@
-/// The 80-byte records of the OLT side, which begin with the interface that they are about.
+/// The 80-byte requests about one interface of the OLT, given by slot and port.
 #ifndef OLT_TRANSPORT_INTERFACE_REQUEST_H
 #define OLT_TRANSPORT_INTERFACE_REQUEST_H
 
@@ -6,7 +6,7 @@
 
 namespace olt {
 
-/// In listings, unlike in settings, the interface stands behind a word that is zero.
+/// Request of a listing. Unlike in settings, slot and port follow a zero word.
 struct ListingRequest {
   uint32_t reserved_00;
   uint32_t slot;
@@ -16,10 +16,10 @@ struct ListingRequest {
 };
 static_assert(sizeof(ListingRequest) == 80);
 
-/// Asks for a listing of one interface and gives the file's name.
+/// Requests a listing of one interface and returns the file's name.
 int32_t fetch_interface_listing(uint32_t slot, uint32_t port, char *name, Route route);
 
-/// What a setting of one word asks for, and where in the record the word stands. In one register.
+/// Message type of a one-word setting and offset of the word in the record, in one register.
 struct Setting {
   constexpr Setting(uint8_t message_type, uint8_t word_offset)
       : word(uint32_t{word_offset} << 8 | message_type) {}
@@ -30,10 +30,10 @@ struct Setting {
   uint32_t word;
 };
 
-/// Sets one word of an interface; everything else in the request is zero.
+/// Sets one word of an interface; the rest of the request is zero.
 int32_t post_setting(uint32_t slot, uint32_t port, uint32_t value, Setting setting);
 
-/// Asks for the settings of an interface. @return as ask.
+/// Requests the settings of an interface. @return as ask.
 int32_t ask_setting(uint32_t slot, uint32_t port, Route route, Reply &reply);
 
 }  // namespace olt

@@ -1,4 +1,4 @@
-/// Requests that begin with the caller's ONT target record.
+/// Requests that begin with the caller's olt_ont_target record.
 #ifndef OLT_TRANSPORT_ONT_TARGET_H
 #define OLT_TRANSPORT_ONT_TARGET_H
 
@@ -9,35 +9,34 @@ namespace olt {
 
 inline constexpr uint32_t kTargetLength = sizeof(olt_ont_target);
 
-/// A block that begins with a copy of the target and goes on with the tail; what is behind the
-/// tail is as the allocator left it. Null when there is no memory.
-char *open_target(const olt_ont_target *target, const void *tail, uint32_t tail_length,
+/// A block that holds a copy of ont, then the tail; bytes after the tail are uninitialized. Null if
+/// there is no memory.
+char *open_target(const olt_ont_target *ont, const void *tail, uint32_t tail_length,
                   uint32_t length, const Call &call);
 
-/// Sends the target with a tail behind it.
-int32_t post_target(const olt_ont_target *target, const void *tail, uint32_t tail_length,
+/// Sends ont, followed by the tail.
+int32_t post_target(const olt_ont_target *ont, const void *tail, uint32_t tail_length,
                     const Call &call);
 
-/// The same with the caller's record, or one word, behind the target.
+/// The same, followed by a record of the caller's or by one word.
 template <typename Record>
-OLT_INLINE int32_t post_target(const olt_ont_target *target, const Record &record,
-                               const Call &call) {
-  return post_target(target, &record, sizeof record, call);
+OLT_INLINE int32_t post_target(const olt_ont_target *ont, const Record &record, const Call &call) {
+  return post_target(ont, &record, sizeof record, call);
 }
-int32_t post_target_word(const olt_ont_target *target, uint32_t word, const Call &call);
+int32_t post_target_word(const olt_ont_target *ont, uint32_t word, const Call &call);
 
-/// Has a listing of the ONT written and gives the file's name.
-OLT_INLINE int32_t fetch_ont_listing(Route route, const olt_ont_target *target, char *name) {
-  return fetch_range(route, *target, kLeadingName, name);
+/// Requests a listing of the ONT and returns the file's name.
+OLT_INLINE int32_t fetch_ont_listing(Route route, const olt_ont_target *ont, char *name) {
+  return fetch_range(route, *ont, kLeadingName, name);
 }
 
-/// Reads the row that the target names: the reply's head goes back over the target, which then
-/// names the row that was read, and what follows goes to out.
-int32_t fetch_row(olt_ont_target *target, void *out, uint32_t length, Route route);
+/// Reads the row that ont selects. The head of the reply overwrites ont, which then identifies the
+/// row that was read; the bytes after it are copied to out.
+int32_t fetch_row(olt_ont_target *ont, void *out, uint32_t length, Route route);
 
 template <typename Out>
-OLT_INLINE int32_t fetch_row(Route route, olt_ont_target *target, Out *out) {
-  return fetch_row(target, out, sizeof *out, route);
+OLT_INLINE int32_t fetch_row(Route route, olt_ont_target *ont, Out *out) {
+  return fetch_row(ont, out, sizeof *out, route);
 }
 
 }  // namespace olt

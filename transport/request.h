@@ -1,4 +1,4 @@
-/// The one way in which operations talk to the box: a single request, its answer, its release.
+/// How every operation talks to the box: one request, its reply, the reply's release.
 #ifndef OLT_TRANSPORT_REQUEST_H
 #define OLT_TRANSPORT_REQUEST_H
 
@@ -6,7 +6,7 @@
 
 #include "oltplatform.h"
 
-/// Always part of what uses it: a call would cost more than it saves.
+/// Always inlined: a call would cost more than it saves.
 #define OLT_INLINE [[gnu::always_inline]] inline
 
 namespace olt {
@@ -14,8 +14,8 @@ namespace olt {
 inline constexpr uint8_t kMainModule = 2;
 inline constexpr uint8_t kDefaultTimeout = 10;
 
-/// What a request asks for, of whom, and for how many seconds the caller waits. In one register, as
-/// the difference from the common module and time-out: most routes are then one instruction.
+/// Message type, module and time-out in seconds, in one register. Module and time-out are stored as
+/// the difference from the common ones, so that most routes are constants of one instruction.
 struct Route {
   constexpr Route(uint8_t message_type, uint8_t module = kMainModule,
                   uint8_t timeout = kDefaultTimeout)
@@ -31,7 +31,7 @@ struct Route {
   uint32_t word;
 };
 
-/// An answer. The record behind data is the platform's and may lie at any address.
+/// A reply. The record at data belongs to the platform and may start at any address.
 struct Reply {
   void *data = nullptr;
   uint32_t handle = 0;
@@ -39,10 +39,9 @@ struct Reply {
   uint16_t status = 0;
 };
 
-// Part of each shape that sends. A destination is a route, or what else names type, module and
-// time-out.
+// Inlined into each shape that sends. A destination is a Route or a Call.
 
-/// Sends a request of which only the acceptance matters. @return transport result | status.
+/// Sends a request that needs no reply record. @return transport result | status.
 template <typename Destination>
 OLT_INLINE int32_t request_no_reply(const void *request, uint32_t length, const Destination &to) {
   uint16_t status = 0;
@@ -51,8 +50,9 @@ OLT_INLINE int32_t request_no_reply(const void *request, uint32_t length, const 
   return result | status;
 }
 
-/// Sends a request for a reply record. What the platform does not write in reply stays as it was.
-/// @return the transport result; the status is in the reply.
+/// Sends a request for a reply record. Fields of reply that the platform does not set stay
+/// unchanged.
+/// @return the transport result; the status is in reply.
 template <typename Destination>
 OLT_INLINE int32_t request_with_reply(const void *request, uint32_t length, const Destination &to,
                                       Reply &reply) {

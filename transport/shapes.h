@@ -1,17 +1,17 @@
-/// The shapes that operations come in. Each makes one exchange and composes the result; an
-/// operation builds its request, hands it to its shape and returns.
+/// The shapes of operations. Each shape makes one exchange and returns its result; an operation
+/// builds its request, passes it to a shape and returns what the shape returns.
 ///
-///   post         a request of which only the acceptance matters
-///   fetch        a request for a reply, of which a range is copied to the caller
-///   fetch_over   the same, copied over the caller's own request record
-///   ask          a request for a reply that the operation takes apart itself
+///   post         sends a request; no reply record is needed
+///   fetch        sends a request and copies a range of the reply to the caller
+///   fetch_over   the same, over the caller's own request record
+///   ask          sends a request; the operation reads and releases the reply itself
 ///
-/// Those that allocate are in block.h, those that begin with a common record in ont_target.h and
+/// Shapes that allocate are in block.h, those for a common record in ont_target.h and
 /// interface_request.h.
 ///
-/// Functions out of line take what an operation gets from its caller first and what it adds last:
-/// the caller's arguments then stay in the registers in which they came. What it adds is constant
-/// and fits into the registers that are left, so that the operation ends with a jump.
+/// Functions that are not inline take the caller's arguments first, so that these stay in the
+/// registers in which they arrived, and the operation's own constants last. The constants fit into
+/// the remaining registers, so that most operations compile to a tail call.
 #ifndef OLT_TRANSPORT_SHAPES_H
 #define OLT_TRANSPORT_SHAPES_H
 
@@ -22,7 +22,7 @@
 
 namespace olt {
 
-/// Which bytes of a reply the caller gets. In one register.
+/// The bytes of a reply that the caller gets, in one register.
 struct Range {
   constexpr Range(uint8_t offset, uint8_t length) : word(uint32_t{offset} << 8 | length) {}
 
@@ -32,12 +32,12 @@ struct Range {
   uint32_t word;
 };
 
-/// File name in the replies to listings of the OLT side.
+/// The file name in replies to listings of the OLT.
 inline constexpr Range kResultName{48, 32};
-/// File name in the replies of the log and memory listings and of all ONT listings.
+/// The file name in replies to log and memory listings and to all ONT listings.
 inline constexpr Range kLeadingName{0, 32};
 
-/// How much of a request is sent, and which bytes of the reply the caller gets. In one register.
+/// The length of a request and the bytes of the reply that the caller gets, in one register.
 struct Extent {
   constexpr Extent(uint8_t sent, Range taken) : word(taken.word << 8 | sent) {}
 
@@ -49,7 +49,7 @@ struct Extent {
   uint32_t word;
 };
 
-/// Failure of any kind as -1.
+/// Turns any failure into -1.
 OLT_INLINE int32_t flatten(int32_t result) {
   return result != 0 ? -1 : 0;
 }
@@ -60,7 +60,7 @@ OLT_INLINE int32_t post(Route route) {
   return post(nullptr, 0, route);
 }
 
-/// Sends the record from where it lies.
+/// Sends the caller's record itself, not a copy.
 template <typename Record>
 OLT_INLINE int32_t post(Route route, const Record &record) {
   return post(&record, sizeof record, route);
@@ -70,7 +70,7 @@ int32_t post_value(uint32_t value, Route route);
 
 int32_t fetch(const void *request, void *out, Extent extent, Route route);
 
-/// Copies a range of the reply to a request without a body.
+/// Sends a request without a body and copies a range of the reply.
 OLT_INLINE int32_t fetch_range(Route route, Range range, void *out) {
   return fetch(nullptr, out, {0, range}, route);
 }
@@ -81,13 +81,13 @@ OLT_INLINE int32_t fetch_range(Route route, const Record &record, Range range, v
   return fetch(&record, out, {sizeof record, range}, route);
 }
 
-/// Fills the caller's record, or word, from the start of the reply.
+/// Fills the caller's record or word from the start of the reply.
 template <typename Out>
 OLT_INLINE int32_t fetch(Route route, Out *out) {
   return fetch_range(route, {0, sizeof(Out)}, out);
 }
 
-/// Sends the record and fills the caller's other one, or a word, from the start of the reply.
+/// Sends the record and fills another record or word from the start of the reply.
 template <typename Record, typename Out>
 OLT_INLINE int32_t fetch(Route route, const Record &record, Out *out) {
   return fetch_range(route, record, {0, sizeof(Out)}, out);
@@ -106,14 +106,14 @@ OLT_INLINE int32_t fetch_over(Route route, const Record &record, Field &field) {
   return fetch_range(route, record, {static_cast<uint8_t>(offset), sizeof field}, &field);
 }
 
-/// Asks for a reply. @return transport result | status; when it is 0, the reply is to be read and
-/// released.
+/// Sends a request for a reply. @return transport result | status; if it is 0, the operation must
+/// release the reply.
 template <typename Destination>
 OLT_INLINE int32_t ask(const void *request, uint32_t length, const Destination &to, Reply &reply) {
   return request_with_reply(request, length, to, reply) | reply.status;
 }
 
-/// Copies bytes of the reply.
+/// Copies a range of the reply.
 inline void take(const Reply &reply, Range range, void *out) {
   memcpy(out, static_cast<const char *>(reply.data) + range.offset(), range.length());
 }

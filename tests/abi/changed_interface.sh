@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# A copy of the sources with an incompatible change must not pass as the released interface.
+# A copy of the sources with an incompatible change must fail the check of the interface.
 # usage: changed_interface.sh SOURCE_FOLDER WORK_FOLDER CHANGE COMPLAINT
-# The change is a sed command; it is made in the public header and in the sources alike.
+# The change is a sed command that is applied to headers and sources.
 set -euo pipefail
 
 source=$1

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Checks what a built liboltmgmt asks of the system that loads it. Prints a line for each
-# complaint; READELF names the tool to read it with.
+# Checks what a built liboltmgmt requires of the system that loads it. Prints a line for each
+# complaint. READELF is the tool to read the library with.
 set -eu
 
 if [ $# -ne 4 ]; then
@@ -61,14 +61,14 @@ if has_dynamic_tag TEXTREL || echo "$dynamic" | grep -q '(FLAGS).*TEXTREL'; then
   complain "has relocations in its code (TEXTREL)"
 fi
 
-# The linker for MIPS cannot make read-only after relocation.
+# The linker for MIPS does not support RELRO.
 if ! echo "$header" | grep -q 'Machine:.*MIPS'; then
-  echo "$segments" | grep -q GNU_RELRO || complain "stays writable after relocation (no RELRO)"
+  echo "$segments" | grep -q GNU_RELRO || complain "is writable after relocation (no RELRO)"
 fi
 
 stack=$(echo "$segments" | awk '$1 == "GNU_STACK" { print $7 $8 }')
 case $stack in
-  "" | *E*) complain "asks for an executable stack" ;;
+  "" | *E*) complain "requires an executable stack" ;;
 esac
 
 [ "$complaints" -eq 0 ]

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A library configured with OLT_PLATFORM_LIBRARY needs libc and that library, nothing else.
+# A library configured with OLT_PLATFORM_LIBRARY needs only libc and that library.
 # usage: check_platform_option.sh SOURCE_FOLDER WORK_FOLDER PLATFORM_LIBRARY
 set -euo pipefail
 

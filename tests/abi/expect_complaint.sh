@@ -1,5 +1,6 @@
 #!/bin/sh
-# Runs a check that must fail with exit status 1 and a line that contains the given text.
+# Runs a check that must fail with exit status 1 and print a line with the given text.
+# usage: expect_complaint.sh TEXT COMMAND [ARGUMENT...]
 set -eu
 
 text=$1

@@ -1,4 +1,4 @@
-/* A library that liboltmgmt must not be like, in the one point that its build selects. */
+/* A library with one fault that liboltmgmt must not have; its build selects which. */
 #include <stdint.h>
 #include <stdlib.h>
 

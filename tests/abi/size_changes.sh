@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# scripts/sizes.sh accepts what is recorded, and finds growth and a goal that is enforced and missed.
+# scripts/sizes.sh accepts the recorded sizes, and finds a changed size and an enforced goal that is
+# not reached.
 # usage: size_changes.sh BUILD_FOLDER
 set -euo pipefail
 

@@ -1,4 +1,4 @@
-// The platform calls that liboltmgmt wants to find. The flash operations make none of them.
+// The platform calls that liboltmgmt imports. The flash operations make none of them.
 #include <stdlib.h>
 
 #include "oltplatform.h"

@@ -1,10 +1,10 @@
-// The board record's operations: by their exact system calls, and byte for byte.
+// The operations on the board record: their exact system calls, and every byte.
 #include <gtest/gtest.h>
 
 #include "oltmgmt.h"
 #include "tests/flash/scripted_calls.h"
 
-namespace olt::tests {
+namespace olt::test {
 namespace {
 
 Lines load_calls() {
@@ -22,15 +22,15 @@ Lines load_and_save_calls() {
   return calls;
 }
 
-/// Where the calls end when one of them, by its place, fails: with the close that follows.
+/// The calls when the one at this place fails: up to it, and the close.
 Lines ending_with(Lines calls, size_t failed) {
   calls.resize(failed + 1);
   if (calls.back() != "open /dev/mtd0 0x2") calls.emplace_back("close 7");
   return calls;
 }
 
-/// A record of which every byte tells its place.
-Bytes record(uint8_t pending, uint8_t oam_type) {
+/// A record with different bytes in neighbouring places.
+Bytes board_record(uint8_t pending, uint8_t oam_type) {
   Bytes bytes(524);
   for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 3 + 5);
   bytes[522] = pending;
@@ -39,7 +39,7 @@ Bytes record(uint8_t pending, uint8_t oam_type) {
 }
 
 Bytes with_serial(uint8_t first, uint8_t second, uint8_t third) {
-  Bytes bytes = record(0, 0);
+  Bytes bytes = board_record(0, 0);
   bytes[43] = first;
   bytes[44] = second;
   bytes[45] = third;
@@ -55,7 +55,7 @@ struct OamType {
 TEST(ReadOamType, ReadsTheTypeWhenNothingIsPending) {
   for (const uint8_t pending : Bytes{0, 2, 128, 255}) {
     ScriptedCalls system;
-    system.contents = record(pending, 2);
+    system.contents = board_record(pending, 2);
     OamType got;
     EXPECT_EQ(got.read(), 0);
     EXPECT_EQ(got.type, 2U);
@@ -66,27 +66,27 @@ TEST(ReadOamType, ReadsTheTypeWhenNothingIsPending) {
 
 TEST(ReadOamType, WidensTheTypeWithoutItsSign) {
   ScriptedCalls system;
-  system.contents = record(0, 0xfe);
+  system.contents = board_record(0, 0xfe);
   OamType got;
   EXPECT_EQ(got.read(), 0);
   EXPECT_EQ(got.type, 0x000000feU);
 }
 
-TEST(ReadOamType, TakesUpAPendingChange) {
+TEST(ReadOamType, ClearsThePendingFlag) {
   ScriptedCalls system;
-  system.contents = record(1, 1);
+  system.contents = board_record(1, 1);
   OamType got;
   EXPECT_EQ(got.read(), 0);
   EXPECT_EQ(got.type, 1U);
   EXPECT_EQ(got.pending, 1U);
   EXPECT_EQ(system.lines, load_and_save_calls());
-  EXPECT_EQ(system.written, std::vector<Bytes>{record(0, 1)});
+  EXPECT_EQ(system.written, std::vector<Bytes>{board_record(0, 1)});
 }
 
-TEST(ReadOamType, FailsWithAnyCallOfTheLoad) {
+TEST(ReadOamType, FailsIfAnyCallOfTheLoadFails) {
   for (size_t failed = 0; failed < 3; ++failed) {
     ScriptedCalls system;
-    system.contents = record(1, 1);
+    system.contents = board_record(1, 1);
     system.answer(failed, -5);
     OamType got;
     EXPECT_EQ(got.read(), -1);
@@ -104,12 +104,12 @@ TEST(ReadOamType, FailsWhenNothingIsRead) {
   EXPECT_EQ(system.lines, load_calls());
 }
 
-TEST(ReadOamType, HasTheTypeAlreadyWhenTheSaveFails) {
+TEST(ReadOamType, ReturnsTheTypeEvenIfTheSaveFails) {
   const Lines all = load_and_save_calls();
   for (size_t failed = 4; failed < 8; ++failed) {
     SCOPED_TRACE(all[failed]);
     ScriptedCalls system;
-    system.contents = record(1, 2);
+    system.contents = board_record(1, 2);
     system.answer(failed, -5);
     OamType got;
     EXPECT_EQ(got.read(), -1);
@@ -119,26 +119,26 @@ TEST(ReadOamType, HasTheTypeAlreadyWhenTheSaveFails) {
   }
 }
 
-TEST(ReadOamType, DoesNotMindAFailingClose) {
+TEST(ReadOamType, IgnoresAFailingClose) {
   ScriptedCalls system;
-  system.contents = record(1, 2);
+  system.contents = board_record(1, 2);
   system.answer(3, -5).answer(8, -5);
   OamType got;
   EXPECT_EQ(got.read(), 0);
   EXPECT_EQ(system.lines, load_and_save_calls());
 }
 
-TEST(ReadOamType, SavesInPiecesWhenTheDeviceTakesThem) {
+TEST(ReadOamType, SavesInSeveralWritesIfTheDeviceTakesLess) {
   ScriptedCalls system;
-  system.contents = record(1, 2);
+  system.contents = board_record(1, 2);
   system.answer(7, 523);
   OamType got;
   EXPECT_EQ(got.read(), 0);
-  EXPECT_EQ(system.written, (std::vector<Bytes>{record(0, 2), Bytes{2}}));
+  EXPECT_EQ(system.written, (std::vector<Bytes>{board_record(0, 2), Bytes{2}}));
 }
 
-// What a short read did not deliver counts as zero.
-TEST(ReadOamType, TakesAShortRecordAsItIs) {
+// Bytes that a short read does not return count as zero.
+TEST(ReadOamType, AcceptsAShortRecord) {
   ScriptedCalls system;
   system.contents = {9, 9, 9};
   OamType got;
@@ -148,37 +148,37 @@ TEST(ReadOamType, TakesAShortRecordAsItIs) {
   EXPECT_EQ(system.lines, load_calls());
 }
 
-TEST(WriteOamType, ChangesTwoBytesAndCarriesTheOthersAlong) {
+TEST(WriteOamType, ChangesTwoBytesAndKeepsTheOthers) {
   ScriptedCalls system;
-  system.contents = record(0x77, 0x66);
+  system.contents = board_record(0x77, 0x66);
   EXPECT_EQ(write_oam_type(2, 1), 0);
   EXPECT_EQ(system.lines, load_and_save_calls());
-  EXPECT_EQ(system.written, std::vector<Bytes>{record(1, 2)});
+  EXPECT_EQ(system.written, std::vector<Bytes>{board_record(1, 2)});
 }
 
 TEST(WriteOamType, StoresTheLowByteOfTheFlag) {
   ScriptedCalls system;
-  system.contents = record(0, 0);
+  system.contents = board_record(0, 0);
   EXPECT_EQ(write_oam_type(0, 0xffffff02), 0);
-  EXPECT_EQ(system.written, std::vector<Bytes>{record(2, 0)});
+  EXPECT_EQ(system.written, std::vector<Bytes>{board_record(2, 0)});
 }
 
 TEST(WriteOamType, RefusesATypeAboveTwo) {
   for (const uint32_t type : {3U, 0x100U, 0x80000000U, 0xffffffffU}) {
     ScriptedCalls system;
-    system.contents = record(0, 0);
+    system.contents = board_record(0, 0);
     EXPECT_EQ(write_oam_type(type, 1), -1);
     EXPECT_EQ(system.lines, Lines{});
   }
 }
 
-TEST(WriteOamType, FailsWithAnyCallButClose) {
+TEST(WriteOamType, FailsIfAnyCallButCloseFails) {
   const Lines all = load_and_save_calls();
   for (size_t failed = 0; failed < all.size(); ++failed) {
     SCOPED_TRACE(failed);
     const bool closing = all[failed] == "close 7";
     ScriptedCalls system;
-    system.contents = record(0, 0);
+    system.contents = board_record(0, 0);
     system.answer(failed, -5);
     EXPECT_EQ(write_oam_type(1, 1), closing ? 0 : -1);
     EXPECT_EQ(system.lines, closing ? all : ending_with(all, failed));
@@ -243,4 +243,4 @@ TEST(ReadOltSerial, HasADefaultForAnUnreadableFlash) {
 }
 
 }  // namespace
-}  // namespace olt::tests
+}  // namespace olt::test

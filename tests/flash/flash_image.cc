@@ -1,22 +1,10 @@
 #include "tests/flash/flash_image.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <fstream>
 
-namespace olt::tests {
-
-TemporaryFolder::TemporaryFolder() {
-  std::string name = std::filesystem::temp_directory_path() / "olt-flash-XXXXXX";
-  EXPECT_NE(mkdtemp(name.data()), nullptr);
-  path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
+namespace olt::test {
 
 FlashImage::FlashImage() {
   restart();
@@ -30,8 +18,8 @@ void FlashImage::restart(const char *faults, bool nor) const {
   ASSERT_EQ(redirect_error(path_, {.nor = nor, .faults = faults}), "");
 }
 
-std::vector<uint8_t> FlashImage::bytes(size_t offset, size_t length) const {
-  std::vector<uint8_t> bytes(length);
+Bytes FlashImage::bytes(size_t offset, size_t length) const {
+  Bytes bytes(length);
   std::ifstream file(path_, std::ios::binary);
   file.seekg(static_cast<std::streamoff>(offset));
   file.read(reinterpret_cast<char *>(bytes.data()), static_cast<std::streamsize>(length));
@@ -39,7 +27,7 @@ std::vector<uint8_t> FlashImage::bytes(size_t offset, size_t length) const {
   return bytes;
 }
 
-void FlashImage::put(size_t offset, const std::vector<uint8_t> &bytes) const {
+void FlashImage::put(size_t offset, const Bytes &bytes) const {
   std::fstream file(path_, std::ios::binary | std::ios::in | std::ios::out);
   file.seekp(static_cast<std::streamoff>(offset));
   file.write(reinterpret_cast<const char *>(bytes.data()),
@@ -53,4 +41,4 @@ std::string redirect_error(const std::filesystem::path &image,
   return flash_device::redirect(image.c_str(), error, options) ? "" : error;
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

@@ -1,4 +1,4 @@
-/// An image in a folder of its own, and /dev/mtd0 redirected to it.
+/// A flash image in a folder of its own, with /dev/mtd0 redirected to it.
 #ifndef OLT_TESTS_FLASH_FLASH_IMAGE_H
 #define OLT_TESTS_FLASH_FLASH_IMAGE_H
 
@@ -6,23 +6,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "flash_device/flash_device.h"
+#include "tests/support/bytes.h"
+#include "tests/support/folder.h"
 
-namespace olt::tests {
+namespace olt::test {
 
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder &) = delete;
-  TemporaryFolder &operator=(const TemporaryFolder &) = delete;
-  ~TemporaryFolder();
-  std::filesystem::path operator/(const std::string &name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
+using olt::tests::Folder;
 
 class FlashImage {
  public:
@@ -31,24 +22,24 @@ class FlashImage {
   FlashImage &operator=(const FlashImage &) = delete;
   ~FlashImage();
 
-  /// Switches the power off and on again, with these options from now on.
+  /// Switches the power off and on again. The options apply from now on.
   void restart(const char *faults = "", bool nor = false) const;
 
   const std::filesystem::path &path() const { return path_; }
 
-  /// The bytes of the image file, past the device.
-  std::vector<uint8_t> bytes(size_t offset, size_t length) const;
-  void put(size_t offset, const std::vector<uint8_t> &bytes) const;
+  /// Bytes of the image file, not read through the device.
+  Bytes bytes(size_t offset, size_t length) const;
+  void put(size_t offset, const Bytes &bytes) const;
 
  private:
-  TemporaryFolder folder_;
+  Folder folder_;
   std::filesystem::path path_ = folder_ / "flash.img";
 };
 
-/// What redirect says of these options; empty when it takes them.
+/// The error of redirect with these options; empty if it accepts them.
 std::string redirect_error(const std::filesystem::path &image,
                            const flash_device::Options &options = {});
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
 #endif

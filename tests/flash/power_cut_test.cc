@@ -1,5 +1,5 @@
-// What a power cut leaves behind at each byte of a save of the board record, and what the next
-// start reports. docs/flash.md shows these tables.
+// What the next start reports after a power cut at each byte of a save of the board record.
+// docs/flash.md has the same tables.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,10 +7,8 @@
 #include "oltmgmt.h"
 #include "tests/flash/flash_image.h"
 
-namespace olt::tests {
+namespace olt::test {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 Bytes record_block(uint8_t pending, uint8_t oam_type) {
   Bytes block(4096, 0x5a);
@@ -22,7 +20,7 @@ Bytes record_block(uint8_t pending, uint8_t oam_type) {
   return block;
 }
 
-/// Everything that the next start finds out.
+/// Everything that the operations report at the next start.
 struct Report {
   uint32_t oam_type;
   bool pending;
@@ -46,7 +44,7 @@ Report next_start() {
   return report;
 }
 
-/// The same report for a cut after any number of bytes from first to last.
+/// The report after a cut at any number of bytes from first to last.
 struct Row {
   uint32_t first;
   uint32_t last;
@@ -55,7 +53,7 @@ struct Row {
 
 class PowerCut : public testing::Test {
  protected:
-  /// Cuts the power after each number of bytes that the rows cover, which is all of them.
+  /// Cuts the power after each number of bytes. The rows must cover all numbers up to last.
   template <typename Operation>
   void expect_rows(const char *cut, const Bytes &before, Operation operation,
                    const std::vector<Row> &rows, uint32_t last) {
@@ -106,7 +104,7 @@ TEST_F(PowerCut, WritingToChangeTheType) {
   expect_rows("cut=", record_block(0, 2), change_type, writing_to_change_the_type(), 524);
 }
 
-// A device that takes the record in pieces changes nothing: what counts is how many bytes it got.
+// Writing the record in pieces changes nothing: only the number of bytes written counts.
 TEST_F(PowerCut, WritingToChangeTheTypeInPieces) {
   expect_rows("write:1:short=45 write:2:short=478 cut=", record_block(0, 2), change_type,
               writing_to_change_the_type(), 524);
@@ -140,4 +138,4 @@ TEST_F(PowerCut, WritingToTakeAChangeUp) {
 }
 
 }  // namespace
-}  // namespace olt::tests
+}  // namespace olt::test

@@ -1,20 +1,13 @@
-// The region operations by their exact system calls.
+// The region operations: their exact system calls.
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <numeric>
 
 #include "oltmgmt.h"
 #include "tests/flash/scripted_calls.h"
 
-namespace olt::tests {
+namespace olt::test {
 namespace {
-
-Bytes counting(size_t length) {
-  Bytes bytes(length);
-  std::iota(bytes.begin(), bytes.end(), uint8_t{1});
-  return bytes;
-}
 
 /// One row: an operation that succeeds, and its calls.
 struct Row {
@@ -121,7 +114,7 @@ TEST_P(RegionCalls, AreExactlyThese) {
   EXPECT_EQ(system.lines, GetParam().calls);
 }
 
-/// The same calls, of a device that was opened as descriptor 0.
+/// The same calls on descriptor 0.
 Lines with_descriptor_0(Lines calls) {
   for (std::string &call : calls) {
     const size_t descriptor = call.find(" 7");
@@ -130,7 +123,7 @@ Lines with_descriptor_0(Lines calls) {
   return calls;
 }
 
-TEST_P(RegionCalls, TakeDescriptor0ForAnyOther) {
+TEST_P(RegionCalls, WorkWithDescriptor0) {
   ScriptedCalls system;
   system.contents = Bytes(0x240000, 0x33);
   if (!GetParam().calls.empty()) system.answer(0, 0);
@@ -138,7 +131,7 @@ TEST_P(RegionCalls, TakeDescriptor0ForAnyOther) {
   EXPECT_EQ(system.lines, with_descriptor_0(GetParam().calls));
 }
 
-/// Where the calls of a failed operation end: with the failed one, and the close that follows.
+/// The calls of an operation that fails: up to the failed one, and the close.
 Lines calls_up_to(const Lines &calls, size_t failed) {
   Lines expected(calls.begin(), calls.begin() + static_cast<ptrdiff_t>(failed) + 1);
   if (failed > 0 && failed + 1 < calls.size()) expected.push_back("close 7");
@@ -162,9 +155,9 @@ TEST_P(RegionCalls, EndWithTheOneThatFails) {
 INSTANTIATE_TEST_SUITE_P(Flash, RegionCalls, testing::ValuesIn(rows()),
                          [](const auto &row) { return row.param.name; });
 
-// The buffer's place for each piece of a write shows in the bytes that it carries.
-TEST(SaveToFlash, WritesOnWhereAShortWriteEnded) {
-  const Bytes data = counting(524);
+// The bytes of each write show its place in the buffer.
+TEST(SaveToFlash, ContinuesAfterAShortWrite) {
+  const Bytes data = counting(524, 1);
   ScriptedCalls system;
   system.answer(3, 100).answer(5, 1);
   EXPECT_EQ(save_to_flash(2, data.data(), 524), 423);
@@ -178,8 +171,8 @@ TEST(SaveToFlash, WritesOnWhereAShortWriteEnded) {
                                                 {data.begin() + 101, data.end()}}));
 }
 
-TEST(SaveToFlash, TriesAgainAfterAWriteOfNothing) {
-  const Bytes data = counting(10);
+TEST(SaveToFlash, RetriesAWriteOfZeroBytes) {
+  const Bytes data = counting(10, 1);
   ScriptedCalls system;
   system.answer(3, 0).answer(5, 0);
   EXPECT_EQ(save_to_flash(5, data.data(), 10), 10);
@@ -191,8 +184,8 @@ TEST(SaveToFlash, TriesAgainAfterAWriteOfNothing) {
   EXPECT_EQ(system.written, (std::vector<Bytes>{data, data, data}));
 }
 
-TEST(SaveToFlash, EndsWithASeekThatFailsHalfWay) {
-  const Bytes data = counting(524);
+TEST(SaveToFlash, StopsAtASeekThatFailsHalfWay) {
+  const Bytes data = counting(524, 1);
   ScriptedCalls system;
   system.answer(3, 100).answer(4, -22);
   EXPECT_EQ(save_to_flash(2, data.data(), 524), -22);
@@ -201,8 +194,8 @@ TEST(SaveToFlash, EndsWithASeekThatFailsHalfWay) {
                    "lseek 7 0x010000 0", "write 7 524", "lseek 7 0x010064 0", "close 7"}));
 }
 
-TEST(SaveToFlash, EndsWithAWriteThatFailsHalfWay) {
-  const Bytes data = counting(524);
+TEST(SaveToFlash, StopsAtAWriteThatFailsHalfWay) {
+  const Bytes data = counting(524, 1);
   ScriptedCalls system;
   system.answer(3, 100).answer(5, -5);
   EXPECT_EQ(save_to_flash(2, data.data(), 524), -5);
@@ -211,7 +204,7 @@ TEST(SaveToFlash, EndsWithAWriteThatFailsHalfWay) {
                                  "write 7 424", "close 7"}));
 }
 
-TEST(SaveToFlash, GivesTheEraseResultWhenThereIsNothingToWrite) {
+TEST(SaveToFlash, ReturnsTheEraseResultIfThereIsNothingToWrite) {
   ScriptedCalls system;
   system.answer(1, 3);
   EXPECT_EQ(save_to_flash(3, nullptr, 0), 3);
@@ -219,7 +212,7 @@ TEST(SaveToFlash, GivesTheEraseResultWhenThereIsNothingToWrite) {
             (Lines{"open /dev/mtd0 0x2", "ioctl 7 0x80084d02 0x011000 0x000000", "close 7"}));
 }
 
-TEST(ReadFromFlash, GivesAShortReadAsItIs) {
+TEST(ReadFromFlash, ReturnsAShortRead) {
   Bytes buffer(524, 0xa5);
   ScriptedCalls system;
   system.contents = {1, 2, 3};
@@ -229,14 +222,13 @@ TEST(ReadFromFlash, GivesAShortReadAsItIs) {
   EXPECT_EQ(Bytes(buffer.begin(), buffer.begin() + 5), (Bytes{1, 2, 3, 0xa5, 0xa5}));
 }
 
-TEST(EraseToFlash, GivesWhatTheDeviceAnswers) {
+TEST(EraseToFlash, ReturnsTheEraseResult) {
   ScriptedCalls system;
   system.answer(1, 5);
   EXPECT_EQ(erase_to_flash(1, 0, 0), 5);
 }
 
-// Descriptor 0 is one like any other.
-TEST(ReadFromFlash, WorksWithTheLowestDescriptor) {
+TEST(ReadFromFlash, WorksWithDescriptor0) {
   Bytes buffer(4);
   ScriptedCalls system;
   system.contents = {1, 2, 3, 4};
@@ -247,4 +239,4 @@ TEST(ReadFromFlash, WorksWithTheLowestDescriptor) {
 }
 
 }  // namespace
-}  // namespace olt::tests
+}  // namespace olt::test

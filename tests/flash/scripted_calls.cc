@@ -10,12 +10,12 @@
 
 #include "flash_device/system_calls.h"
 
-namespace olt::tests {
+namespace olt::test {
 namespace {
 
 thread_local ScriptedCalls *active = nullptr;
 
-std::string hex(uint64_t value, int digits) {
+std::string hexadecimal(uint64_t value, int digits) {
   std::ostringstream text;
   text << " 0x" << std::hex << std::setfill('0') << std::setw(digits) << value;
   return text.str();
@@ -25,7 +25,7 @@ std::string decimal(int64_t value) {
   return " " + std::to_string(value);
 }
 
-/// The script, out of its own way: what it needs itself goes to the system.
+/// The active script, suspended while it runs: its own calls go to the system.
 class Script {
  public:
   Script() : script_(active) { active = nullptr; }
@@ -62,8 +62,9 @@ int scripted_ioctl(ScriptedCalls &script, int descriptor, unsigned long request,
   std::array<uint32_t, 2> fields;
   std::memcpy(fields.data(), argument, sizeof fields);
   const auto number = static_cast<uint32_t>(request);
-  return static_cast<int>(script.take(
-      "ioctl" + decimal(descriptor) + hex(number, 8) + hex(fields[0], 6) + hex(fields[1], 6), 0));
+  return static_cast<int>(script.take("ioctl" + decimal(descriptor) + hexadecimal(number, 8) +
+                                          hexadecimal(fields[0], 6) + hexadecimal(fields[1], 6),
+                                      0));
 }
 
 }  // namespace
@@ -87,9 +88,9 @@ int64_t ScriptedCalls::take(const std::string &line, int64_t result) {
   return found == answers_.end() ? result : found->second;
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
-// Under names of their own, because the C library's headers declare the others with attributes.
+// With names of their own, because the C library declares the real names with attributes.
 extern "C" {
 int scripted_open_call(const char *path, int flags, mode_t mode) __asm__("open");
 int scripted_ioctl_call(int descriptor, unsigned long request, void *argument) __asm__("ioctl");
@@ -99,42 +100,42 @@ ssize_t scripted_write_call(int descriptor, const void *data, size_t length) __a
 int scripted_close_call(int descriptor) __asm__("close");
 }
 
-using olt::tests::decimal;
-using olt::tests::hex;
-using olt::tests::Script;
+using olt::test::decimal;
+using olt::test::hexadecimal;
+using olt::test::Script;
 namespace next = olt::flash_device::next;
 
 int scripted_open_call(const char *path, int flags, mode_t mode) {
   const Script script;
   if (!script) return next::open(path, flags, mode);
   return static_cast<int>(
-      script->take("open " + std::string(path) + hex(static_cast<uint32_t>(flags), 1), 7));
+      script->take("open " + std::string(path) + hexadecimal(static_cast<uint32_t>(flags), 1), 7));
 }
 
 int scripted_ioctl_call(int descriptor, unsigned long request, void *argument) {
   const Script script;
   if (!script) return next::ioctl(descriptor, request, argument);
-  return olt::tests::scripted_ioctl(*script, descriptor, request, argument);
+  return olt::test::scripted_ioctl(*script, descriptor, request, argument);
 }
 
 off_t scripted_lseek_call(int descriptor, off_t offset, int whence) {
   const Script script;
   if (!script) return next::lseek(descriptor, offset, whence);
   const auto place = static_cast<uint64_t>(offset);
-  return static_cast<off_t>(
-      script->take("lseek" + decimal(descriptor) + hex(place, 6) + decimal(whence), offset));
+  return static_cast<off_t>(script->take(
+      "lseek" + decimal(descriptor) + hexadecimal(place, 6) + decimal(whence), offset));
 }
 
 ssize_t scripted_read_call(int descriptor, void *buffer, size_t length) {
   const Script script;
   if (!script) return next::read(descriptor, buffer, length);
-  return olt::tests::scripted_read(*script, descriptor, buffer, length);
+  return olt::test::scripted_read(*script, descriptor, buffer, length);
 }
 
 ssize_t scripted_write_call(int descriptor, const void *data, size_t length) {
   const Script script;
   if (!script) return next::write(descriptor, data, length);
-  return olt::tests::scripted_write(*script, descriptor, data, length);
+  return olt::test::scripted_write(*script, descriptor, data, length);
 }
 
 int scripted_close_call(int descriptor) {

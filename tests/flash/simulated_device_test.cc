@@ -1,5 +1,5 @@
-// The simulated device, as far as it is more than what mtd_check expects of a real one: its image,
-// its faults, and that nothing else is touched.
+// What the simulated device adds to a real one, which mtd_check covers: its image, its faults, and
+// that it leaves everything else alone.
 #include <errno.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -17,10 +17,9 @@
 #include "oltmgmt.h"
 #include "tests/flash/flash_image.h"
 
-namespace olt::tests {
+namespace olt::test {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using testing::Each;
 using testing::HasSubstr;
 
@@ -29,7 +28,7 @@ int erase(int device, uint32_t start, uint32_t length) {
   return ioctl(device, 0x80084D02U, request.data());
 }
 
-/// A result, and the errno that came with it.
+/// A result; if negative, with errno.
 std::string outcome(int64_t result) {
   const int error = errno;
   return result < 0 ? std::to_string(result) + " " + strerrorname_np(error)
@@ -46,7 +45,7 @@ class SimulatedDevice : public testing::Test {
   FlashImage image;
 };
 
-TEST_F(SimulatedDevice, BeginsBlank) {
+TEST_F(SimulatedDevice, StartsBlank) {
   EXPECT_EQ(std::filesystem::file_size(image.path()), 4194304U);
   EXPECT_TRUE(image.bytes(0, 4194304) == Bytes(4194304, 0xff));
 }
@@ -97,7 +96,7 @@ TEST_F(SimulatedDevice, OnlyClearsBitsAsNorFlash) {
   EXPECT_EQ(close(device), 0);
 }
 
-// The request's top bit is set: a caller that holds it in an int passes it with its sign.
+// The top bit of the request is set: a caller that holds it in an int passes a negative number.
 TEST_F(SimulatedDevice, TakesTheEraseRequestWithItsSign) {
   image.put(0x2000, {1, 2, 3});
   const int device = open("/dev/mtd0", O_RDWR);
@@ -108,7 +107,7 @@ TEST_F(SimulatedDevice, TakesTheEraseRequestWithItsSign) {
   EXPECT_EQ(image.bytes(0x2000, 3), (Bytes{0xff, 0xff, 0xff}));
 }
 
-TEST_F(SimulatedDevice, IsReachedByEachWayToOpen) {
+TEST_F(SimulatedDevice, IsOpenedByEveryOpenCall) {
   image.put(0, {0x5a});
   for (const int device :
        {open("/dev/mtd0", O_RDONLY), open64("/dev/mtd0", O_RDONLY),
@@ -130,7 +129,7 @@ TEST_F(SimulatedDevice, ClosesWithTheProgramWhenAsked) {
   EXPECT_EQ(close(closed), 0);
 }
 
-TEST_F(SimulatedDevice, OpensSixtyFourTimesAtOnce) {
+TEST_F(SimulatedDevice, OpensAtMostSixtyFourTimesAtOnce) {
   std::vector<int> devices(64);
   for (int &device : devices) device = open("/dev/mtd0", O_RDWR);
   EXPECT_THAT(devices, Each(testing::Ge(0)));
@@ -162,7 +161,7 @@ std::string two_rounds() {
   return outcomes;
 }
 
-TEST_F(SimulatedDevice, FailsAtTheCallThatIsAskedFor) {
+TEST_F(SimulatedDevice, FailsAtTheGivenCall) {
   const std::string good = "open, ioctl 0, lseek 16, write 8, read 8, close 0\n";
   const Failure failures[] = {
       {"ioctl:1:EIO", "open, ioctl -1 EIO, lseek 16, write 8, read 8, close 0\n"},
@@ -206,7 +205,7 @@ TEST_F(SimulatedDevice, IsDeadAfterAPowerCut) {
   EXPECT_EQ(outcome(fcntl(device, F_GETFD)), "-1 EBADF") << "the descriptor is closed all the same";
 }
 
-TEST_F(SimulatedDevice, MayLosePowerWhileItErases) {
+TEST_F(SimulatedDevice, CanLosePowerDuringAnErase) {
   image.put(0, Bytes(8192, 0x11));
   image.restart("erase-cut=4098");
   const int device = open("/dev/mtd0", O_RDWR);
@@ -222,7 +221,7 @@ TEST_F(SimulatedDevice, HasItsPowerBackAfterARestart) {
   EXPECT_EQ(save_to_flash(1, "abc", 3), 3);
 }
 
-TEST_F(SimulatedDevice, RefusesFaultsThatMeanNothing) {
+TEST_F(SimulatedDevice, RefusesUnknownFaults) {
   for (const std::string fault :
        {"wirte:1:EIO", "write", "write:1", "write:0:EIO", "write:x:EIO", "write:-1:EIO",
         "write:1:EWHAT", "write:1:short=", "write:1:short=x", "open:1:short=1", "cut",
@@ -236,23 +235,23 @@ TEST_F(SimulatedDevice, RefusesFaultsThatMeanNothing) {
               HasSubstr("flash fault \"read:33:EIO\" is unknown or one too many"));
 }
 
-TEST_F(SimulatedDevice, StaysAsItIsWhenARedirectIsRefused) {
+TEST_F(SimulatedDevice, IsUnchangedAfterARefusedRedirect) {
   image.restart("open:1:ETIMEDOUT");
   EXPECT_NE(redirect_error(image.path(), {.faults = "nonsense"}), "");
   EXPECT_EQ(outcome(open("/dev/mtd0", O_RDWR)), "-1 ETIMEDOUT");
 }
 
-TEST(FlashImageFile, IsRefusedWhenItIsNoImage) {
-  const TemporaryFolder folder;
-  EXPECT_THAT(redirect_error(folder / "no" / "image"), HasSubstr("No such file or directory"));
+TEST(FlashImageFile, IsRefusedIfItIsNotAnImage) {
+  const Folder folder;
+  EXPECT_THAT(redirect_error(folder / "no/image"), HasSubstr("No such file or directory"));
   EXPECT_THAT(redirect_error(folder / ""), HasSubstr("is not a file of 4194304 bytes"));
   std::ofstream(folder / "short") << "too short";
   EXPECT_THAT(redirect_error(folder / "short"), HasSubstr("is not a file of 4194304 bytes"));
   EXPECT_EQ(std::filesystem::file_size(folder / "short"), 9U);
 }
 
-TEST(FlashImageFile, IsCreatedOnceByManyAtATime) {
-  const TemporaryFolder folder;
+TEST(FlashImageFile, IsCreatedOnceByConcurrentProcesses) {
+  const Folder folder;
   const auto image = folder / "flash.img";
   std::vector<pid_t> children(8);
   for (pid_t &child : children) {
@@ -265,12 +264,12 @@ TEST(FlashImageFile, IsCreatedOnceByManyAtATime) {
     EXPECT_EQ(status, 0);
   }
   EXPECT_EQ(std::filesystem::file_size(image), 4194304U);
-  const auto files = std::filesystem::directory_iterator(image.parent_path());
+  const auto files = std::filesystem::directory_iterator(folder.path());
   EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
 TEST(FlashImageFile, StaysTheSameWhenTheFolderChanges) {
-  const TemporaryFolder folder;
+  const Folder folder;
   const auto before = std::filesystem::current_path();
   std::filesystem::create_directory(folder / "other");
   std::filesystem::current_path(folder / "");
@@ -282,7 +281,7 @@ TEST(FlashImageFile, StaysTheSameWhenTheFolderChanges) {
 }
 
 TEST(Redirect, IsOffUntilAsked) {
-  const TemporaryFolder folder;
+  const Folder folder;
   EXPECT_EQ(redirect_error(folder / "flash.img", {.faults = "open:1:ETIMEDOUT"}), "");
   flash_device::off();
   struct stat device {};
@@ -313,7 +312,7 @@ TEST_F(SimulatedDevice, LeavesOtherFilesAlone) {
   EXPECT_EQ(outcome(open("/dev/mtd0", O_RDWR)), "-1 EIO") << "the first open of the device";
 }
 
-TEST_F(SimulatedDevice, LeavesDescriptorsAloneThatOnceWereItsOwn) {
+TEST_F(SimulatedDevice, LeavesReusedDescriptorsAlone) {
   const auto path = image.path().string() + ".other";
   const int other = open(path.c_str(), O_RDWR | O_CREAT, 0600);
   const int device = open("/dev/mtd0", O_RDWR);
@@ -323,7 +322,7 @@ TEST_F(SimulatedDevice, LeavesDescriptorsAloneThatOnceWereItsOwn) {
   EXPECT_EQ(close(other), 0);
 }
 
-// Each thread has its region, and all have a pipe that is no flash.
+// Each thread has a region of its own; one uses a pipe instead of the flash.
 TEST_F(SimulatedDevice, ServesManyThreads) {
   std::vector<std::thread> threads;
   for (uint32_t region = 1; region <= 5; ++region) {
@@ -353,4 +352,4 @@ TEST_F(SimulatedDevice, ServesManyThreads) {
 }
 
 }  // namespace
-}  // namespace olt::tests
+}  // namespace olt::test

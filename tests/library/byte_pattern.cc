@@ -65,7 +65,7 @@ class Parser {
   }
 
   void parse_address() {
-    const void *address = addresses_.handed_over;
+    const void *address = addresses_.returned_block;
     if (at_[1] >= '0' && at_[1] < static_cast<char>('0' + kMaxBlocks)) {
       address = addresses_.blocks[at_[1] - '0'];
     } else if (at_[1] == '-') {

@@ -1,15 +1,4 @@
-/// Bytes as the tables write them down.
-///
-///   0A0B     the bytes 0A 0B; blanks may stand anywhere between bytes
-///   00*76    the byte 76 times
-///   10+172   172 bytes, each one more than the one before: 10 11 12 ...
-///   ??*4     4 bytes that may have any value
-///   ~~*72    72 bytes as ___MALLOC left them
-///   'name'   the characters, without a terminator
-///   &1       the address of the caller's block 1
-///   &=       the address of the block that the operation handed over, or null
-///   &-       an address that cannot be read or written
-///   &1/12    the same, filled up to 12 bytes
+/// Reads the byte patterns that operation_table.h explains.
 #ifndef OLT_TESTS_LIBRARY_BYTE_PATTERN_H
 #define OLT_TESTS_LIBRARY_BYTE_PATTERN_H
 
@@ -20,20 +9,20 @@ namespace olt::test {
 
 inline constexpr size_t kMaxBlocks = 6;
 
-/// What the addresses in a pattern stand for.
+/// The addresses that a pattern can refer to.
 struct Addresses {
   const void *blocks[kMaxBlocks] = {};
-  const void *handed_over = nullptr;
+  const void *returned_block = nullptr;
 };
 
-/// What a fresh block of ___MALLOC holds at the offset.
+/// The byte at an offset of a new ___MALLOC block.
 constexpr uint8_t fresh_byte(size_t offset) {
   return static_cast<uint8_t>(0xB7 ^ (offset * 29));
 }
 
 class BytePattern {
  public:
-  /// A null text has no bytes. A text that is no pattern ends the program.
+  /// A null text has no bytes. Anything that is not a pattern aborts the program.
   BytePattern(const char *text, const Addresses &addresses);
   ~BytePattern();
   BytePattern(const BytePattern &) = delete;
@@ -42,7 +31,7 @@ class BytePattern {
   size_t size() const { return size_; }
   const uint8_t *data() const { return bytes_; }
 
-  /// Offset of the first byte, of size() many, that differs; size() when none does.
+  /// Offset of the first of size() bytes that does not match; size() if all match.
   size_t mismatch(const uint8_t *bytes) const;
 
  private:

@@ -1,5 +1,5 @@
-/// Memory of a known size whose every neighbour is watched: pages that cannot be touched on both
-/// sides, known bytes between them and the block.
+/// Memory that detects accesses outside of it: inaccessible pages on both sides, and canary bytes
+/// between these and the memory.
 #ifndef OLT_TESTS_LIBRARY_GUARDED_MEMORY_H
 #define OLT_TESTS_LIBRARY_GUARDED_MEMORY_H
 
@@ -15,21 +15,21 @@ class GuardedMemory {
   GuardedMemory(const GuardedMemory &) = delete;
   GuardedMemory &operator=(const GuardedMemory &) = delete;
 
-  /// Takes size bytes as close to the page behind as their address allows, which is remainder
-  /// modulo alignment. An alignment of 1 puts the last byte right before that page. The memory is
-  /// shared with forked children.
+  /// Allocates size bytes at an address that is remainder modulo alignment, as close to the page
+  /// after them as that allows: with an alignment of 1, the last byte is right before the page.
+  /// Shared with forked children.
   void place(size_t size, size_t alignment, size_t remainder = 0);
 
   uint8_t *data() const { return data_; }
   size_t size() const { return size_; }
 
-  /// From now on every access to the bytes is a memory fault.
+  /// From now on, every access to the bytes is a memory fault.
   void forbid();
 
-  /// Is nothing written around the bytes? Not to be asked once they are forbidden.
+  /// Whether the canaries are unchanged. Must not be called after forbid().
   bool intact() const;
 
-  /// Does the address lie in the bytes or in what surrounds them?
+  /// Whether the address is in the bytes or in what surrounds them.
   bool surrounds(const void *address) const;
 
   /// An address that cannot be read or written.

@@ -1,5 +1,28 @@
 /// What an operation does, as one row of a table: the call, the exchanges that it makes and what it
-/// does with memory. Bytes are written as byte_pattern.h says.
+/// does with memory. runner.h runs each row through all addresses and failures.
+///
+/// A row reads like this:
+///
+///   {.operation = "set_ont_port_downrate",
+///    .call = [](Caller c) { return set_ont_port_downrate(c[0], c[1]); },  // its two blocks below
+///    .exchanges = {{.type = 118, .request = "10+88 A0+12"}},  // one, to module 2, with 10 s
+///    .blocks = {kept("ont", kWord, "10+88"), kept("rates", kWord, "A0+12")},
+///    .request_block = {.out_of_memory = OutOfMemory::kMinusOne,  // the request is allocated
+///                      .allocation_line = 3048,
+///                      .release_line = 3056}}
+///
+/// Bytes are written as patterns:
+///
+///   0A0B     the bytes 0A 0B; blanks may stand anywhere between bytes
+///   00*76    the byte 00, 76 times
+///   10+172   172 bytes that count up: 10 11 12 ...
+///   ??*4     4 bytes with any value
+///   ~~*72    72 uninitialized bytes of a ___MALLOC block, as the test's allocator filled them
+///   'name'   the characters, without a terminating zero
+///   &1       the address of the caller's block 1
+///   &=       the address of the block that the operation returned, or null
+///   &-       an address that cannot be read or written
+///   &1/12    an address, padded to 12 bytes
 #ifndef OLT_TESTS_LIBRARY_OPERATION_TABLE_H
 #define OLT_TESTS_LIBRARY_OPERATION_TABLE_H
 
@@ -10,13 +33,13 @@
 
 namespace olt::test {
 
-/// A caller's block as an argument, of whatever type the parameter asks for.
+/// A caller's block as an argument; converts to whatever pointer the parameter is.
 class BlockArgument {
  public:
   explicit BlockArgument(void *block) : block_(block) {}
 
   template <typename T>
-  operator T *() const {  // NOLINT(google-explicit-constructor)
+  operator T *() const {
     return static_cast<T *>(block_);
   }
 
@@ -24,7 +47,7 @@ class BlockArgument {
   void *block_;
 };
 
-/// The caller of an operation: c[0] is its first block.
+/// The caller of an operation: c[0] is the first of the row's blocks.
 class Caller {
  public:
   explicit Caller(const Addresses &addresses) : addresses_(addresses) {}
@@ -39,16 +62,27 @@ class Caller {
 
 enum class Alignment : uint8_t { kAny = 1, kHalfWord = 2, kWord = 4, kPointer = alignof(void *) };
 
-/// Memory that the caller hands to the operation.
+/// Memory that the caller passes to the operation, and its bytes before and after the call.
 struct CallerBlock {
   const char *name = nullptr;
   Alignment alignment = Alignment::kAny;
   const char *before = nullptr;
-  /// After success; null: as before.
+  /// After success; null: unchanged.
   const char *after = nullptr;
-  /// After a failed exchange; null: as before.
+  /// After a failed exchange; null: unchanged.
   const char *after_failure = nullptr;
 };
+
+/// A block that the operation does not change.
+constexpr CallerBlock kept(const char *name, Alignment alignment, const char *bytes) {
+  return {.name = name, .alignment = alignment, .before = bytes};
+}
+
+/// A block that the operation changes if it succeeds.
+constexpr CallerBlock filled(const char *name, Alignment alignment, const char *before,
+                             const char *after) {
+  return {.name = name, .alignment = alignment, .before = before, .after = after};
+}
 
 inline constexpr int kNoBlock = -1;
 
@@ -59,34 +93,35 @@ struct Exchange {
   uint32_t timeout = 10;
   /// Null: no request body.
   const char *request = nullptr;
-  /// Number of the caller's block that is sent from where it lies.
+  /// Index of the caller's block that is the request itself; kNoBlock: the request is a copy.
   int sent_from = kNoBlock;
   /// Null: no reply is wanted.
   const char *reply = nullptr;
 };
 
+/// How an operation's result follows from the transport result and the status.
 enum class Results : uint8_t {
   kCombined,  ///< transport result | status
-  kFlat,      ///< -1 for any failure
+  kMinusOne,  ///< -1 on any failure
   kAlwaysZero,
-  kAccount,  ///< the transport result alone, else the status, which starts as 0xFFFF
-  kRefused,  ///< -1 before anything is sent
+  kTransportElseStatus,  ///< the transport result unless it is 0; the status starts as 0xFFFF
+  kRefused,              ///< -1, and nothing is sent
 };
 
-/// What an operation does when ___MALLOC returns null.
+/// What an operation does if ___MALLOC returns null.
 enum class OutOfMemory : uint8_t {
   kAllocatesNothing,
   kMinusOne,        ///< returns -1
   kZero,            ///< returns 0
   kZeroAndRelease,  ///< calls ___FREE with null, returns 0
-  kUntested,        ///< writes through the null pointer if there is anything to write
-  kNullAnswer,      ///< hands over null, returns 0
+  kUntested,        ///< writes to the null pointer if there is anything to write
+  kNullAnswer,      ///< returns 0 and a null block
 };
 
-/// A request that is built in a block of ___MALLOC.
+/// A request that is built in a ___MALLOC block.
 struct RequestBlock {
   OutOfMemory out_of_memory = OutOfMemory::kAllocatesNothing;
-  /// Line numbers that matter; 0: any.
+  /// Line numbers; 0: any.
   int allocation_line = 0;
   int release_line = 0;
   int log_line = 0;
@@ -94,17 +129,17 @@ struct RequestBlock {
   const char *log = nullptr;
 };
 
-/// A block of ___MALLOC that the caller gets.
-struct HandedOver {
+/// A ___MALLOC block that the operation returns to its caller.
+struct ReturnedBlock {
   OutOfMemory out_of_memory = OutOfMemory::kAllocatesNothing;
   const char *bytes = nullptr;
-  /// Is the block as long as the reply, however long that is?
+  /// Whether the block is as long as the reply, however long that is.
   bool whole_reply = false;
 };
 
 struct Row {
   const char *operation = nullptr;
-  /// Tells rows of one operation apart.
+  /// Distinguishes the rows of one operation.
   const char *variant = nullptr;
   int32_t (*call)(Caller) = nullptr;
   Exchange exchanges[2] = {};
@@ -112,7 +147,7 @@ struct Row {
   Results results = Results::kCombined;
   bool releases_reply = true;
   RequestBlock request_block = {};
-  HandedOver handed_over = {};
+  ReturnedBlock returned_block = {};
 };
 
 struct Table {

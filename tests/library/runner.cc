@@ -19,16 +19,16 @@ namespace {
 constexpr size_t kNoExchange = SIZE_MAX;
 constexpr uint8_t kBehindReply = 0xEE;
 
-/// One thing that happens to a call.
+/// One thing that can happen to a call.
 struct Case {
   const char *name;
-  /// The exchange that is answered with what follows; all others are accepted.
+  /// Index of the exchange that is answered with the next four members; all others succeed.
   size_t exchange = kNoExchange;
   int32_t result = 0;
   uint16_t status = 0;
   bool writes_status = true;
   bool writes_reply = true;
-  /// Remainders of addresses modulo 4; below 0: right before forbidden memory.
+  /// Addresses modulo 4; -1: right before inaccessible memory.
   int reply_remainder = -1;
   int buffer_remainder = -1;
   size_t extra_reply = 0;
@@ -122,13 +122,13 @@ void leave_call(int /*signal*/, siginfo_t *info, void * /*context*/) {
 constexpr int kSurvived = 0;
 constexpr int kDiedElsewhere = 77;
 
-/// Lets the process die of a fault in the first page, which is what null pointers lead to.
+/// Lets the process die of a fault in the first page, where null pointers point.
 void die_of_null(int signal_number, siginfo_t *info, void * /*context*/) {
   if (reinterpret_cast<uintptr_t>(info->si_addr) >= 4096) _exit(kDiedElsewhere);
   static_cast<void>(signal(signal_number, SIG_DFL));
 }
 
-/// Handles memory faults as long as it lives.
+/// Handles memory faults during its lifetime.
 class FaultHandler {
  public:
   explicit FaultHandler(void (*handler)(int, siginfo_t *, void *)) {
@@ -151,7 +151,7 @@ class FaultHandler {
   struct sigaction old_bus_;
 };
 
-/// @return false when the call touched forbidden memory.
+/// @return false if the call touched inaccessible memory.
 bool call(const Row &row, const Addresses &addresses, int32_t *result) {
   FaultHandler handler(leave_call);
   if (sigsetjmp(g_before_call, 1) != 0) return false;
@@ -168,7 +168,7 @@ bool call(const Row &row, const Addresses &addresses, int32_t *result) {
   _exit(kSurvived);
 }
 
-/// A sanitizer may end the process before it comes to the memory fault.
+/// A sanitizer may end the process before the memory fault.
 bool died_of_null(int wait_status) {
 #ifdef OLT_TEST_SANITIZED
   if (WIFEXITED(wait_status))
@@ -179,11 +179,11 @@ bool died_of_null(int wait_status) {
 #endif
 }
 
-/// What a case makes of a row.
+/// What is expected of a row in a case.
 struct Outcome {
   int32_t result;
-  size_t exchanges;  ///< how many take place
-  bool accepted;     ///< all of them
+  size_t exchanges;  ///< how many are made
+  bool accepted;     ///< whether all of them are
   bool dies;
 };
 
@@ -198,17 +198,17 @@ Outcome expected_outcome(const Row &row, const Case &now) {
     OutOfMemory policy = row.request_block.out_of_memory;
     return {policy == OutOfMemory::kMinusOne ? -1 : 0, 0, false, policy == OutOfMemory::kUntested};
   }
-  uint16_t initial_status = row.results == Results::kAccount ? 0xFFFF : 0;
+  uint16_t initial_status = row.results == Results::kTransportElseStatus ? 0xFFFF : 0;
   uint16_t status = now.writes_status ? now.status : initial_status;
   if (now.exchange == kNoExchange || (now.result == 0 && status == 0)) {
-    bool dies = allocation_fails(now, row.handed_over.out_of_memory) &&
-                row.handed_over.out_of_memory == OutOfMemory::kUntested &&
-                BytePattern(row.handed_over.bytes, {}).size() != 0;
+    bool dies = allocation_fails(now, row.returned_block.out_of_memory) &&
+                row.returned_block.out_of_memory == OutOfMemory::kUntested &&
+                BytePattern(row.returned_block.bytes, {}).size() != 0;
     return {0, all, true, dies};
   }
   Outcome failed{now.result | status, now.exchange + 1, false, false};
-  if (row.results == Results::kAccount && now.result != 0) failed.result = now.result;
-  if (row.results == Results::kFlat) failed.result = -1;
+  if (row.results == Results::kTransportElseStatus && now.result != 0) failed.result = now.result;
+  if (row.results == Results::kMinusOne) failed.result = -1;
   if (row.results == Results::kAlwaysZero) failed.result = 0;
   return failed;
 }
@@ -291,7 +291,7 @@ class Run {
     if (child == 0) call_in_child(row_, addresses_);
     int status = 0;
     if (child < 0 || waitpid(child, &status, 0) != child) {
-      findings_.add("no child process to be had");
+      findings_.add("cannot fork");
       return false;
     }
     if (died_of_null(status)) return true;
@@ -310,11 +310,11 @@ class Run {
       return;
     }
     const char *place = platform_.describe(address);
-    findings_.add("touched %s (%p)", place != nullptr ? place : "forbidden memory", address);
+    findings_.add("touched %s (%p)", place != nullptr ? place : "inaccessible memory", address);
   }
 
-  // Events come in the one order that every operation keeps: the request block is there before the
-  // exchange and gone right after it; the reply is released last.
+  // Every operation makes its calls in the same order: it allocates the request block before the
+  // exchange, releases it right after the exchange, and releases the reply last.
 
   void check_events() {
     const void *request_block = nullptr;
@@ -342,13 +342,13 @@ class Run {
   bool expect_reply_use() {
     const Event *exchange = &platform_.event(next_event_ - 1);
     if (exchange->kind != EventKind::kExchange) exchange = &platform_.event(next_event_ - 2);
-    if (row_.handed_over.out_of_memory != OutOfMemory::kAllocatesNothing) {
-      BytePattern bytes(row_.handed_over.bytes, addresses_);
-      if (!expect_allocation(bytes.size(), 0, &addresses_.handed_over)) return false;
+    if (row_.returned_block.out_of_memory != OutOfMemory::kAllocatesNothing) {
+      BytePattern bytes(row_.returned_block.bytes, addresses_);
+      if (!expect_allocation(bytes.size(), 0, &addresses_.returned_block)) return false;
       if (expected_.dies) return true;
-      if (addresses_.handed_over != nullptr)
-        check_bytes("handed over block", bytes,
-                    static_cast<const uint8_t *>(addresses_.handed_over));
+      if (addresses_.returned_block != nullptr)
+        check_bytes("returned block", bytes,
+                    static_cast<const uint8_t *>(addresses_.returned_block));
     }
     if (!row_.releases_reply) return true;
     const Event *event = expect(EventKind::kReplyReleased);
@@ -376,7 +376,7 @@ class Run {
     expect_number("module", expected.module, event->module);
     expect_number("time-out", expected.timeout, event->timeout);
     expect_number("no-reply flag", no_reply ? 1 : 0, event->no_reply);
-    expect_number("initial status", row_.results == Results::kAccount ? 0xFFFF : 0,
+    expect_number("initial status", row_.results == Results::kTransportElseStatus ? 0xFFFF : 0,
                   event->initial_status);
     ReplyArguments arguments = no_reply ? ReplyArguments::kAllNull : ReplyArguments::kAllGiven;
     if (event->reply_arguments != arguments)
@@ -449,7 +449,7 @@ class Run {
     }
   }
 
-  /// Before any exchange nothing has happened to the block.
+  /// Without any exchange, the block is unchanged.
   const char *failed_text(const CallerBlock &block) const {
     return expected_.exchanges == 0 ? nullptr : block.after_failure;
   }
@@ -514,7 +514,7 @@ void run_failures(const Row &row, Findings &findings) {
 
 }  // namespace
 
-// Like printf, and checked like it; a line that is too long is cut.
+// Arguments as for printf, checked by the compiler. Long lines are truncated.
 // NOLINTBEGIN(clang-analyzer-valist.Uninitialized)
 void Findings::about(const Row &row, const char *format, ...) {
   int length =
@@ -541,13 +541,13 @@ void Findings::add(const char *format, ...) {
 
 void run_row(const Row &row, Findings &findings) {
   run_addresses(row, findings);
-  if (wants_reply(row) && !row.handed_over.whole_reply) {
+  if (wants_reply(row) && !row.returned_block.whole_reply) {
     run_case(row, {.name = "longer reply", .extra_reply = 64}, findings);
     run_case(row, {.name = "reply length of 0", .hides_reply_length = true}, findings);
   }
   run_failures(row, findings);
   if (row.request_block.out_of_memory != OutOfMemory::kAllocatesNothing ||
-      row.handed_over.out_of_memory != OutOfMemory::kAllocatesNothing)
+      row.returned_block.out_of_memory != OutOfMemory::kAllocatesNothing)
     run_case(row, {.name = "out of memory", .out_of_memory = true}, findings);
 }
 

@@ -1,5 +1,5 @@
-/// Runs the rows of operation_table.h through everything that can happen to a call: each address
-/// that replies and buffers may have, each way in which an exchange fails, a failing allocator.
+/// Runs the rows of operation_table.h through everything that can happen to a call: every alignment
+/// of replies and buffers, every way in which an exchange can fail, a failing allocator.
 #ifndef OLT_TESTS_LIBRARY_RUNNER_H
 #define OLT_TESTS_LIBRARY_RUNNER_H
 
@@ -7,14 +7,14 @@
 
 namespace olt::test {
 
-/// Where findings go: one line each, "operation, case: what was expected and what was there".
+/// Passes findings on, one line each: "operation, case: expectation and actual value".
 class Findings {
  public:
   using Sink = void (*)(void *context, const char *line);
 
   Findings(Sink sink, void *context) : sink_(sink), context_(context) {}
 
-  /// The words with which the following findings start.
+  /// Sets the beginning of the findings that follow.
   void about(const Row &row, const char *format, ...) __attribute__((format(printf, 3, 4)));
   void add(const char *format, ...) __attribute__((format(printf, 2, 3)));
 

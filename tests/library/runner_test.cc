@@ -1,6 +1,5 @@
 // The runner must report every fault that an operation can have. Two sample operations behave as
-// their rows say, or wrongly in one point at a time; further samples show that rows can say what
-// operations of all kinds do.
+// their rows say or have one fault at a time; further samples cover the other kinds of operations.
 #include "tests/library/runner.h"
 
 #include <gmock/gmock.h>
@@ -71,7 +70,7 @@ bool is(Fault fault) {
   return g_fault == fault;
 }
 
-/// Sends 7 bytes of the caller from where they lie, fills 5 from offset 2 of the reply.
+/// Sends the caller's 7 bytes themselves, fills 5 from offset 2 of the reply.
 int32_t sample_reader(const uint8_t *record, uint8_t *out) {
   uint8_t other[8];
   memcpy(other, record, is(Fault::kReadsBehindRecord) ? 8 : 7);
@@ -121,7 +120,8 @@ constexpr Row kReader = {
     .operation = "sample_reader",
     .call = [](Caller c) { return sample_reader(c[0], c[1]); },
     .exchanges = {{.type = 0x101, .request = "10+7", .sent_from = 0, .reply = "20+7"}},
-    .blocks = {{"record", Alignment::kAny, "10+7"}, {"out", Alignment::kAny, "AA*5", "22+5"}}};
+    .blocks = {kept("record", Alignment::kAny, "10+7"),
+               filled("out", Alignment::kAny, "AA*5", "22+5")}};
 
 struct FaultAndFinding {
   Fault fault;
@@ -267,9 +267,9 @@ int32_t sample_setter(const List *list) {
 constexpr Row kSetter = {.operation = "sample_setter",
                          .call = [](Caller c) { return sample_setter(c[0]); },
                          .exchanges = {{.type = 0x102, .request = "0101 ~~*6 12003400 56007800"}},
-                         .blocks = {{"list", Alignment::kPointer, "&2/16 02000000"},
-                                    {"last node", Alignment::kPointer, "&-/12 5600 7800"},
-                                    {"first node", Alignment::kPointer, "&1/12 1200 3400"}},
+                         .blocks = {kept("list", Alignment::kPointer, "&2/16 02000000"),
+                                    kept("last node", Alignment::kPointer, "&-/12 5600 7800"),
+                                    kept("first node", Alignment::kPointer, "&1/12 1200 3400")},
                          .request_block = {.out_of_memory = OutOfMemory::kMinusOne,
                                            .allocation_line = 11,
                                            .release_line = 33,
@@ -324,14 +324,14 @@ INSTANTIATE_TEST_SUITE_P(
         BlockFaultAndFinding{BlockFault::kOtherLogText,
                              "log line: expected >less of momery<, got >less of memory<"},
         BlockFaultAndFinding{BlockFault::kOtherLogLine, "log_log line: expected 22, got 23"},
-        BlockFaultAndFinding{BlockFault::kStopsAtLastNode, "success: touched forbidden memory"}));
+        BlockFaultAndFinding{BlockFault::kStopsAtLastNode,
+                             "success: touched inaccessible memory"}));
 
 TEST(Runner, FindsNothingWrongWithASetterThatKeepsItsRow) {
   EXPECT_THAT(findings_of(kSetter), IsEmpty());
 }
 
-/// Sends a block of 4 bytes; without memory it does as it is told, if need be against the rules of
-/// the language.
+/// Sends a block of 4 bytes. Without memory it follows the policy, even into undefined behaviour.
 __attribute__((no_sanitize("undefined"))) int32_t post_block(OutOfMemory policy) {
   void *block = ___MALLOC(4, "sample_policy", 0);
   if (block == nullptr && policy == OutOfMemory::kMinusOne) return -1;
@@ -355,7 +355,7 @@ Row policy_row(int32_t (*call)(Caller), OutOfMemory policy) {
   return row;
 }
 
-TEST(Runner, TellsThePoliciesForAFailedAllocationApart) {
+TEST(Runner, DistinguishesThePoliciesForAFailedAllocation) {
   struct {
     OutOfMemory policy;
     int32_t (*call)(Caller);
@@ -375,7 +375,8 @@ TEST(Runner, TellsThePoliciesForAFailedAllocationApart) {
   }
 }
 
-/// Fetches a reply for 4 bytes of the caller; both steps behind it are the caller's choice.
+/// Sends the caller's 4 bytes and copies the reply; the arguments select what it does after a
+/// failure and whether it releases the reply.
 int32_t fetch(const void *record, uint16_t status_before, int32_t failure_mask, bool releases,
               uint8_t *out) {
   void *reply = nullptr;
@@ -394,7 +395,7 @@ Row getter_row(int32_t (*call)(Caller)) {
   Row row = {.operation = "sample_getter",
              .call = call,
              .exchanges = {{.type = 0x104, .request = "10+4", .sent_from = 0, .reply = "20+4"}},
-             .blocks = {{"record", Alignment::kAny, "10+4", "20+4"}}};
+             .blocks = {filled("record", Alignment::kAny, "10+4", "20+4")}};
   return row;
 }
 
@@ -408,7 +409,7 @@ TEST(Runner, KnowsRepliesThatAreNeverReleased) {
 
 TEST(Runner, KnowsResultsThatHideTheFailure) {
   Row flat = getter_row([](Caller c) { return fetch(c[0], 0, -1, true, c[0]) != 0 ? -1 : 0; });
-  flat.results = Results::kFlat;
+  flat.results = Results::kMinusOne;
   EXPECT_THAT(findings_of(flat), IsEmpty());
   flat.results = Results::kAlwaysZero;
   EXPECT_THAT(findings_of(flat), testing::Contains(HasSubstr("result: expected 0, got -1")));
@@ -435,7 +436,7 @@ TEST(Runner, KnowsCallsThatAreRefusedBeforeAnythingIsSent) {
   EXPECT_THAT(findings_of(row), testing::Contains(HasSubstr("result: expected -1, got 0")));
 }
 
-/// Builds the request in a block, releases it before looking at the outcome, copies the reply back.
+/// Builds the request in a block, releases it before checking the result, copies the reply back.
 int32_t fetch_through_block(uint8_t *record) {
   void *block = ___MALLOC(4, "sample_getter", 0);
   if (block == nullptr) return 0;
@@ -459,7 +460,7 @@ TEST(Runner, KnowsRequestBlocksOfReaders) {
   EXPECT_THAT(findings_of(row), IsEmpty());
 }
 
-/// Hands over the reply's first 2 bytes, or null.
+/// Returns the reply's first 2 bytes in a block, or null.
 int32_t fetch_answer(void **answer, uint32_t size) {
   uint8_t record[4] = {};
   void *reply = nullptr;
@@ -475,16 +476,16 @@ int32_t fetch_answer(void **answer, uint32_t size) {
   return 0;
 }
 
-TEST(Runner, KnowsAnswersThatAreHandedOver) {
+TEST(Runner, KnowsBlocksThatAreReturned) {
   Row row = {.operation = "sample_answer",
              .call = [](Caller c) { return fetch_answer(c[0], 2); },
              .exchanges = {{.type = 0x105, .request = "00*4", .reply = "20+4"}},
-             .blocks = {{"answer", Alignment::kPointer, "&-", "&="}},
-             .handed_over = {.out_of_memory = OutOfMemory::kNullAnswer, .bytes = "2021"}};
+             .blocks = {filled("answer", Alignment::kPointer, "&-", "&=")},
+             .returned_block = {.out_of_memory = OutOfMemory::kNullAnswer, .bytes = "2021"}};
   EXPECT_THAT(findings_of(row), IsEmpty());
 
   Row dying = row;
-  dying.handed_over.out_of_memory = OutOfMemory::kUntested;
+  dying.returned_block.out_of_memory = OutOfMemory::kUntested;
   EXPECT_THAT(findings_of(dying),
               testing::Contains(HasSubstr("out of memory: expected to die of writing to null")));
 
@@ -493,9 +494,9 @@ TEST(Runner, KnowsAnswersThatAreHandedOver) {
   EXPECT_THAT(findings_of(longer), testing::Contains(HasSubstr("___MALLOC size: expected 2")));
 
   Row other_bytes = row;
-  other_bytes.handed_over.bytes = "2022";
+  other_bytes.returned_block.bytes = "2022";
   EXPECT_THAT(findings_of(other_bytes),
-              testing::Contains(HasSubstr("handed over block, byte 1 of 2: expected 22, got 21")));
+              testing::Contains(HasSubstr("returned block, byte 1 of 2: expected 22, got 21")));
 }
 
 /// Sends the value to module 22, then to module 2, or the other way round.

@@ -34,7 +34,7 @@ void copy_text(char (&to)[64], const char *from) {
 
 }  // namespace
 
-// Lies in memory shared with forked children, so that a test sees what they did.
+// In memory shared with forked children, so that a test sees what they did.
 struct ScriptedPlatform::Notebook {
   size_t event_count;
   Event events[24];

@@ -1,9 +1,9 @@
-/// The five platform calls, for tests: they answer as told and keep a notebook of every call.
+/// The five platform calls, for tests: they answer as scripted and record every call.
 ///
-/// Each thread has its own platform. Requests are copied when they are sent. A reply lies right
-/// before memory that cannot be touched, and cannot be read once it is released; blocks of
-/// ___MALLOC start with known bytes, are watched on both sides, and cannot be touched once they are
-/// released. Every call leaves a meaningless errno behind.
+/// Each thread has its own platform. Requests are copied when they are sent. A reply ends right
+/// before inaccessible memory and cannot be read after its release. A ___MALLOC block starts with
+/// known bytes, has guards on both sides and cannot be accessed after its release. Every call sets
+/// errno to a meaningless value.
 #ifndef OLT_TESTS_LIBRARY_SCRIPTED_PLATFORM_H
 #define OLT_TESTS_LIBRARY_SCRIPTED_PLATFORM_H
 
@@ -22,17 +22,17 @@ struct Answer {
   bool writes_reply = true;
   const uint8_t *reply = nullptr;
   uint16_t reply_length = 0;
-  /// Is the reply said to have no bytes at all?
+  /// Whether the reported reply length is 0, whatever the reply.
   bool hides_reply_length = false;
   bool reply_is_readable = true;
-  /// Address of the reply modulo 4; below 0 its last byte lies right before the forbidden page.
+  /// Address of the reply modulo 4; -1: its last byte is right before an inaccessible page.
   int reply_remainder = -1;
 };
 
 enum class EventKind : uint8_t { kExchange, kReplyReleased, kAllocated, kReleased, kLogged };
 enum class ReplyArguments : uint8_t { kAllNull, kAllGiven, kMixed };
 
-/// One platform call. Members that its kind does not have are 0.
+/// One platform call. Members that its kind does not use are 0.
 struct Event {
   EventKind kind;
 
@@ -47,7 +47,7 @@ struct Event {
   uint32_t no_reply;
   uint32_t timeout;
 
-  /// kExchange: given out; kReplyReleased: passed in.
+  /// kExchange: returned; kReplyReleased: passed in.
   uint32_t handle;
 
   uint32_t size;
@@ -61,26 +61,26 @@ struct Event {
 
 class ScriptedPlatform {
  public:
-  /// Becomes the platform of the calling thread until it is destroyed.
+  /// The platform of the calling thread until it is destroyed.
   ScriptedPlatform();
   ~ScriptedPlatform();
   ScriptedPlatform(const ScriptedPlatform &) = delete;
   ScriptedPlatform &operator=(const ScriptedPlatform &) = delete;
 
-  /// Answers the next exchange that has no answer yet. The reply bytes are used when it happens.
-  /// Exchanges beyond the last answer get it again; without any answer all are accepted.
+  /// Adds the answer to the next exchange that has none yet. The reply bytes must stay valid until
+  /// then. Further exchanges get the last answer again; without any answer, all succeed.
   void answer(const Answer &answer);
 
-  /// Lets the n-th allocation fail, counted from 1; a lasting failure all later ones, too.
+  /// Makes the n-th allocation fail, counted from 1, and all later ones if lasting.
   void fail_allocation(unsigned n, bool lasting = false);
 
   size_t event_count() const;
   const Event &event(size_t index) const;
 
-  /// Is nothing written around the blocks that are not released yet?
+  /// Whether nothing was written around the blocks that are not released yet.
   bool blocks_intact() const;
 
-  /// Says what of the platform lies at the address, null when nothing does.
+  /// Describes what the platform has at the address; null if nothing.
   const char *describe(const void *address) const;
 
   int32_t exchange(uint32_t message_type, uint32_t module, const void *request,

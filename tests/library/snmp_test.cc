@@ -1,43 +1,31 @@
-// What the rows of the SNMP table readers cannot say.
+// Tests of the SNMP table readers that rows cannot express.
 #include <gtest/gtest.h>
 #include <string.h>
 
-#include <vector>
-
 #include "oltmgmt.h"
-#include "tests/library/scripted_platform.h"
+#include "tests/library/exchange_bytes.h"
 
 namespace olt::test {
 
 namespace {
 
-using Record = std::vector<uint8_t>;
-
-Record request_of(const Event &event) {
-  return {event.request_bytes, event.request_bytes + event.request_length};
-}
-
-TEST(TableWalk, PassesTheTargetOfTheAnswerBefore) {
-  Record first(100);
-  Record second(100);
-  for (size_t i = 0; i != 100; ++i) {
-    first[i] = static_cast<uint8_t>(0x20 + i);
-    second[i] = static_cast<uint8_t>(0x90 + i);
-  }
+TEST(TableWalk, SendsTheOntRecordOfThePreviousReply) {
+  const Bytes first = counting(100, 0x20);
+  const Bytes second = counting(100, 0x90);
   ScriptedPlatform platform;
-  platform.answer({.reply = first.data(), .reply_length = 100});
-  platform.answer({.reply = second.data(), .reply_length = 100});
+  platform.answer(answer_with(first));
+  platform.answer(answer_with(second));
   platform.answer({.status = 9});
-  olt_ont_target target = {};
+  olt_ont_target ont = {};
   olt_uni_downrate rates = {};
-  EXPECT_EQ(process_onu_portdownrate(&target, &rates), 0);
-  EXPECT_EQ(process_onu_portdownrate(&target, &rates), 0);
-  EXPECT_EQ(process_onu_portdownrate(&target, &rates), 9);
+  EXPECT_EQ(process_onu_portdownrate(&ont, &rates), 0);
+  EXPECT_EQ(process_onu_portdownrate(&ont, &rates), 0);
+  EXPECT_EQ(process_onu_portdownrate(&ont, &rates), 9);
   ASSERT_EQ(platform.event_count(), 5u);
-  EXPECT_EQ(request_of(platform.event(0)), Record(88));
-  EXPECT_EQ(request_of(platform.event(2)), Record(first.begin(), first.begin() + 88));
-  EXPECT_EQ(request_of(platform.event(4)), Record(second.begin(), second.begin() + 88));
-  EXPECT_EQ(memcmp(&target, second.data(), 88), 0);
+  EXPECT_EQ(request_of(platform.event(0)), Bytes(88));
+  EXPECT_EQ(request_of(platform.event(2)), slice(first, 0, 88));
+  EXPECT_EQ(request_of(platform.event(4)), slice(second, 0, 88));
+  EXPECT_EQ(memcmp(&ont, second.data(), 88), 0);
   EXPECT_EQ(memcmp(&rates, second.data() + 88, 12), 0);
 }
 
@@ -53,17 +41,15 @@ void PrintTo(const CountedReader &reader, std::ostream *out) {
 
 class CountedBlock : public testing::TestWithParam<CountedReader> {};
 
-TEST_P(CountedBlock, TrustsTheCountHoweverHighItIs) {
+TEST_P(CountedBlock, TrustsAnyCount) {
   for (uint32_t count : {0x0001'0005u, 0x7FFF'FFFFu, 0x8000'0000u, 0xFFFF'FF00u}) {
-    Record reply(GetParam().head);
-    for (unsigned i = 0; i != 4; ++i)
-      reply[GetParam().head - 4u + i] = static_cast<uint8_t>(count >> 8 * i);
+    const Bytes reply = record(GetParam().head, {{GetParam().head - 4u, word(count)}});
     ScriptedPlatform platform;
-    platform.answer({.reply = reply.data(), .reply_length = GetParam().head});
+    platform.answer(answer_with(reply));
     platform.fail_allocation(1);
-    const olt_ont_target target = {};
-    void *block = &reply;
-    EXPECT_EQ(GetParam().read(&target, &block), 0);
+    const olt_ont_target ont = {};
+    void *block = &platform;
+    EXPECT_EQ(GetParam().read(&ont, &block), 0);
     EXPECT_EQ(block, nullptr);
     ASSERT_EQ(platform.event_count(), 3u);
     EXPECT_EQ(platform.event(1).size, count + GetParam().head);

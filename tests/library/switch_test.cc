@@ -1,23 +1,16 @@
-// What the rows of the switch operations cannot say.
+// Tests of the switch operations that rows cannot express.
 #include <gtest/gtest.h>
-#include <string.h>
 
 #include <vector>
 
 #include "oltmgmt.h"
-#include "tests/library/scripted_platform.h"
+#include "tests/library/exchange_bytes.h"
 
 namespace olt::test {
 
 namespace {
 
-using Record = std::vector<uint8_t>;
-
-Record request_of(const Event &event) {
-  return {event.request_bytes, event.request_bytes + event.request_length};
-}
-
-/// As many VLANs as there are, each with its number, what is left of 4,095, and a text of its own.
+/// All 4,094 VLANs: each with its number, the difference from 4,095, and a text of its own.
 class LongList {
  public:
   static constexpr uint16_t kCount = 4'094;
@@ -36,14 +29,14 @@ class LongList {
 
   const olt_vlan_list *list() const { return &list_; }
 
-  static Record elements(bool with_descr) {
-    Record bytes;
+  static Bytes elements(bool with_descr) {
+    const size_t size = with_descr ? 36 : 4;
+    Bytes bytes;
     for (uint16_t vlan = 1; vlan <= kCount; ++vlan) {
-      const auto rest = static_cast<uint16_t>(4'095 - vlan);
-      for (int byte : {vlan & 0xFF, vlan >> 8, rest & 0xFF, rest >> 8})
-        bytes.push_back(static_cast<uint8_t>(byte));
-      for (int i = 0; with_descr && i != 32; ++i)
-        bytes.push_back(static_cast<uint8_t>(vlan * 7 + i));
+      const Bytes element = record(36, {{0, half_word(vlan)},
+                                        {2, half_word(static_cast<uint16_t>(4'095 - vlan))},
+                                        {4, counting(32, static_cast<uint8_t>(vlan * 7))}});
+      bytes.insert(bytes.end(), element.begin(), element.begin() + static_cast<ptrdiff_t>(size));
     }
     return bytes;
   }
@@ -53,7 +46,7 @@ class LongList {
   olt_vlan_list list_ = {};
 };
 
-/// One node, of which the list counts two.
+/// A list of one node that claims to have two.
 class ShortList {
  public:
   ShortList() {
@@ -76,7 +69,7 @@ struct NamedSender {
   const char *name;
   Sender send;
   bool with_descr;
-  /// What one element leaves of 2^32.
+  /// 2^32 minus the length of one element.
   uint32_t length_of_minus_one;
 };
 
@@ -107,7 +100,7 @@ TEST_P(ListSender, GivesUpWhenThereIsNoMemoryForANegativeCount) {
   EXPECT_STREQ(platform.event(0).tag, GetParam().name);
 }
 
-TEST_P(ListSender, DoesNotTestForTheEndOfAListThatIsTooShort) {
+TEST_P(ListSender, ReadsPastTheEndOfAListThatIsTooShort) {
   const ShortList list;
   EXPECT_DEATH(
       {
@@ -133,23 +126,22 @@ using TrunkSender = int32_t (*)(uint32_t, uint32_t, const olt_vlan_list *, uint3
 constexpr TrunkSender kTrunkSenders[] = {&process_trunk_vlan, &process_trunk_vlan_untag,
                                          &process_trunk_vlan_all, &process_trunk_vlan_untag_all};
 
-TEST(TrunkVlans, AreSentWholeHoweverManyTheyAre) {
+TEST(TrunkVlans, AreAllSentFromALongList) {
   const LongList list;
   for (TrunkSender send : kTrunkSenders) {
     ScriptedPlatform platform;
     EXPECT_EQ(send(1, 2, list.list(), 3), 0);
     ASSERT_EQ(platform.event_count(), 3u);
     EXPECT_EQ(platform.event(0).size, 16'456u);
-    const Record request = request_of(platform.event(1));
+    const Bytes request = request_of(platform.event(1));
     ASSERT_EQ(request.size(), 16'456u);
-    EXPECT_EQ(Record(request.begin(), request.begin() + 12),
-              Record({1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0}));
-    EXPECT_TRUE(Record(request.begin() + 80, request.end()) == LongList::elements(false));
+    EXPECT_EQ(slice(request, 0, 12), hex("01000000 02000000 03000000"));
+    EXPECT_TRUE(slice(request, 80, 16'456) == LongList::elements(false));
     EXPECT_TRUE(platform.event(2).block_was_intact);
   }
 }
 
-TEST(TrunkVlans, AreNotTestedForTheEndOfAListThatIsTooShort) {
+TEST(TrunkVlans, AreReadPastTheEndOfAListThatIsTooShort) {
   const ShortList list;
   for (TrunkSender send : kTrunkSenders)
     EXPECT_DEATH(
@@ -160,7 +152,7 @@ TEST(TrunkVlans, AreNotTestedForTheEndOfAListThatIsTooShort) {
         "");
 }
 
-TEST(VlanQuery, DoesNotTestForTheEndOfAListThatIsTooShort) {
+TEST(VlanQuery, ReadsPastTheEndOfAListThatIsTooShort) {
   const ShortList list;
   char name[32];
   EXPECT_DEATH(
@@ -171,20 +163,19 @@ TEST(VlanQuery, DoesNotTestForTheEndOfAListThatIsTooShort) {
       "");
 }
 
-TEST(VlanQuery, NamesAllVlansOfALongList) {
+TEST(VlanQuery, SendsAllVlansOfALongList) {
   const LongList list;
-  Record reply(80);
-  memcpy(&reply[48], "vlans", 5);
+  const Bytes reply = record(80, {{48, text("vlans")}});
   ScriptedPlatform platform;
-  platform.answer({.reply = reply.data(), .reply_length = 80});
+  platform.answer(answer_with(reply));
   char name[32];
   EXPECT_EQ(get_vlan_information_file_bylist(list.list(), name), 0);
   EXPECT_STREQ(name, "vlans");
   ASSERT_EQ(platform.event_count(), 4u);
-  const Record request = request_of(platform.event(1));
+  const Bytes request = request_of(platform.event(1));
   ASSERT_EQ(request.size(), 16'456u);
-  EXPECT_EQ(Record(request.begin(), request.begin() + 4), Record({1, 0, 0, 0}));
-  EXPECT_TRUE(Record(request.begin() + 80, request.end()) == LongList::elements(false));
+  EXPECT_EQ(word_at(request, 0), 1u);
+  EXPECT_TRUE(slice(request, 80, 16'456) == LongList::elements(false));
 }
 
 }  // namespace

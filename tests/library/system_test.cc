@@ -1,32 +1,22 @@
-// What the rows of the system operations cannot say.
+// Tests of the system operations that rows cannot express.
 #include <gtest/gtest.h>
 #include <string.h>
 
 #include <string>
 #include <string_view>
 #include <thread>
-#include <vector>
 
 #include "oltmgmt.h"
 #include "oltplatform.h"
-#include "tests/library/scripted_platform.h"
+#include "tests/library/exchange_bytes.h"
+#include "tests/library/guarded_memory.h"
 
 namespace olt::test {
 
 namespace {
 
-using Record = std::vector<uint8_t>;
-
-Record request_of(const Event &event) {
-  return {event.request_bytes, event.request_bytes + event.request_length};
-}
-
-std::string text_at(const Record &record, size_t offset, size_t size) {
-  return {reinterpret_cast<const char *>(record.data()) + offset, size};
-}
-
-Answer answer_with(const Record &reply) {
-  return {.reply = reply.data(), .reply_length = static_cast<uint16_t>(reply.size())};
+std::string text_at(const Bytes &bytes, size_t offset, size_t size) {
+  return characters(slice(bytes, offset, offset + size));
 }
 
 constexpr char kText31[] = "abcdefghijklmnopqrstuvwxyz01234";
@@ -36,7 +26,7 @@ TEST(UserNames, AreSentWholeUpTo31Bytes) {
   ScriptedPlatform platform;
   uint32_t level_a = 0;
   uint32_t level_b = 0;
-  const Record reply(80);
+  const Bytes reply(80);
   platform.answer(answer_with(reply));
   EXPECT_EQ(get_user_level(kText31, kText31, &level_a, &level_b), 0);
   EXPECT_EQ(text_at(request_of(platform.event(0)), 8, 32), kField31);
@@ -49,8 +39,8 @@ TEST(UserNames, AreCutTo31BytesAndAZero) {
     ScriptedPlatform platform;
     EXPECT_EQ(add_user_level(name.c_str(), name.c_str(), 1, 2), 0);
     EXPECT_EQ(delete_user_level(name.c_str()), 0);
-    const Record add = request_of(platform.event(0));
-    const Record remove = request_of(platform.event(1));
+    const Bytes add = request_of(platform.event(0));
+    const Bytes remove = request_of(platform.event(1));
     EXPECT_EQ(text_at(add, 8, 32), kField31);
     EXPECT_EQ(text_at(add, 40, 32), kField31);
     EXPECT_EQ(text_at(add, 72, 8), std::string("\1\0\0\0\2\0\0\0", 8));
@@ -72,12 +62,10 @@ TEST(UserNames, OfLookUpsAreCutTo31BytesAndAZero) {
 TEST(UserNames, MayBeEmpty) {
   ScriptedPlatform platform;
   EXPECT_EQ(add_user_level("", "", 0, 0), 0);
-  Record expected(80);
-  expected[0] = 1;
-  EXPECT_EQ(request_of(platform.event(0)), expected);
+  EXPECT_EQ(request_of(platform.event(0)), record(80, {{0, word(1)}}));
 }
 
-/// A caller's user record with the memory that follows it.
+/// A caller's user record and the memory after it.
 class UserReply : public testing::TestWithParam<int32_t (*)(olt_user *)> {
  protected:
   static constexpr uint8_t kOld = 0xAA;
@@ -100,9 +88,9 @@ class UserReply : public testing::TestWithParam<int32_t (*)(olt_user *)> {
 
   static bool fills_index() { return GetParam() == get_system_next_user; }
 
-  /// The caller's memory when it took bytes first to last of the reply, and the levels.
-  Record expected(size_t first, size_t last) const {
-    Record bytes(120, kOld);
+  /// The caller's memory if it got bytes first to last of the reply, and the levels.
+  Bytes expected(size_t first, size_t last) const {
+    Bytes bytes(120, kOld);
     for (size_t i = first; i <= last; ++i) bytes[i] = reply_[i];
     for (size_t i = 72; i != 80; ++i) bytes[i] = reply_[i];
     for (size_t i = 0; i != 4 && fills_index(); ++i) {
@@ -112,15 +100,15 @@ class UserReply : public testing::TestWithParam<int32_t (*)(olt_user *)> {
     return bytes;
   }
 
-  Record memory() const { return {memory_.data(), memory_.data() + 120}; }
+  Bytes memory() const { return {memory_.data(), memory_.data() + 120}; }
 
-  Record reply_ = Record(120);
+  Bytes reply_ = Bytes(120);
 
  private:
   GuardedMemory memory_;
 };
 
-TEST_P(UserReply, NameRunsOverThePassword) {
+TEST_P(UserReply, NameOverrunsThePassword) {
   end_text_at(50);
   ask();
   EXPECT_EQ(memory(), expected(8, 50));
@@ -132,16 +120,16 @@ TEST_P(UserReply, NameOf32BytesEndsInThePassword) {
   EXPECT_EQ(memory(), expected(8, 40));
 }
 
-TEST_P(UserReply, PasswordRunsOverTheLevels) {
+TEST_P(UserReply, PasswordOverrunsTheLevels) {
   end_text_at(20);
   end_text_at(74);
   ask();
-  Record expected_memory = expected(8, 20);
+  Bytes expected_memory = expected(8, 20);
   for (size_t i = 40; i != 75; ++i) expected_memory[i] = reply_[i];
   EXPECT_EQ(memory(), expected_memory);
 }
 
-TEST_P(UserReply, TextsRunOverTheWholeRecordAndOn) {
+TEST_P(UserReply, TextsOverrunTheWholeRecord) {
   end_text_at(100);
   ask();
   EXPECT_EQ(memory(), expected(8, 100));
@@ -153,15 +141,10 @@ INSTANTIATE_TEST_SUITE_P(System, UserReply,
                            return reader.param == get_system_next_user ? "next" : "byindex";
                          });
 
-TEST(UserList, IsWalkedWithTheRecordOfTheAnswerBefore) {
+TEST(UserList, IsWalkedWithTheRecordOfThePreviousReply) {
   ScriptedPlatform platform;
-  Record first(80);
-  first[4] = 1;
-  first[8] = 'a';
-  first[40] = 'b';
-  Record second(80);
-  second[4] = 2;
-  second[8] = 'c';
+  const Bytes first = record(80, {{4, word(1)}, {8, text("a")}, {40, text("b")}});
+  const Bytes second = record(80, {{4, word(2)}, {8, text("c")}});
   platform.answer(answer_with(first));
   platform.answer(answer_with(second));
   platform.answer({.status = 9});
@@ -176,7 +159,7 @@ TEST(UserList, IsWalkedWithTheRecordOfTheAnswerBefore) {
 TEST(DebugModule, IsTheLowByteOfItsNumber) {
   ScriptedPlatform platform;
   char name[32];
-  const Record reply(32);
+  const Bytes reply(32);
   platform.answer(answer_with(reply));
   EXPECT_EQ(set_debug_enable(0x112, 1), 0);
   EXPECT_EQ(set_debug_enable(0xFFFFFFFF, 1), 0);
@@ -190,7 +173,7 @@ TEST(DebugModule, IsTheLowByteOfItsNumber) {
 
 TEST(ListingName, NeedsNoZero) {
   ScriptedPlatform platform;
-  const Record reply(80, 'n');
+  const Bytes reply(80, 'n');
   platform.answer(answer_with(reply));
   GuardedMemory name;
   name.place(32, 1);
@@ -203,16 +186,15 @@ using Stream = int32_t (*)(const void *, uint32_t, void **, uint32_t *);
 
 class UpdateStream : public testing::TestWithParam<Stream> {};
 
-TEST_P(UpdateStream, CarriesRequestsOfAnyLengthFromWhereTheyLie) {
+TEST_P(UpdateStream, SendsRequestsOfAnyLengthWithoutCopyingThem) {
   for (uint32_t length : {0u, 1u, 65'535u, 65'536u, 1'048'576u}) {
     GuardedMemory request;
     request.place(length, 1);
-    for (uint32_t i = 0; i != length; ++i)
-      request.data()[i] = static_cast<uint8_t>(i * 2654435761u >> 24);
-    const Record before(request.data(), request.data() + length);
+    const Bytes before = scattered(length);
+    if (length != 0) memcpy(request.data(), before.data(), length);
 
     ScriptedPlatform platform;
-    const Record reply = {1, 2, 3};
+    const Bytes reply = {1, 2, 3};
     platform.answer(answer_with(reply));
     void *answer = nullptr;
     uint32_t answer_length = 0;
@@ -220,17 +202,15 @@ TEST_P(UpdateStream, CarriesRequestsOfAnyLengthFromWhereTheyLie) {
     EXPECT_EQ(platform.event(0).request, request.data());
     EXPECT_TRUE(request_of(platform.event(0)) == before) << length;
     EXPECT_TRUE(request.intact());
-    EXPECT_TRUE(Record(request.data(), request.data() + length) == before) << length;
+    EXPECT_TRUE(Bytes(request.data(), request.data() + length) == before) << length;
     EXPECT_EQ(answer_length, 3u);
     EXPECT_EQ(memcmp(answer, "\1\2\3", 3), 0);
   }
 }
 
-TEST_P(UpdateStream, HandsOverTheShortestAndTheLongestAnswer) {
+TEST_P(UpdateStream, ReturnsTheShortestAndTheLongestAnswer) {
   for (uint32_t length : {1u, 65'535u}) {
-    Record reply(length);
-    for (size_t i = 0; i != reply.size(); ++i)
-      reply[i] = static_cast<uint8_t>((i + 7) * 40503u >> 8);
+    const Bytes reply = scattered(length);
     ScriptedPlatform platform;
     platform.answer(answer_with(reply));
     void *answer = nullptr;
@@ -244,7 +224,7 @@ TEST_P(UpdateStream, HandsOverTheShortestAndTheLongestAnswer) {
 
 TEST_P(UpdateStream, WritesTheLengthBeforeItAllocatesTheAnswer) {
   ScriptedPlatform platform;
-  const Record reply(200, 1);
+  const Bytes reply(200, 1);
   platform.answer(answer_with(reply));
   void *answer = nullptr;
   alignas(void *) uint32_t overwritten[sizeof answer / sizeof(uint32_t)] = {};
@@ -260,14 +240,14 @@ INSTANTIATE_TEST_SUITE_P(System, UpdateStream,
                            return stream.param == do_handle_epon_updatestream ? "olt" : "onu";
                          });
 
-/// Calls again and again with bytes that belong to the thread alone.
+/// Calls repeatedly with bytes that only this thread uses.
 void keep_calling(uint8_t mine, bool *went_well) {
   *went_well = true;
   for (int i = 0; i != 100; ++i) {
     ScriptedPlatform platform;
-    const Record network(172, mine);
-    const Record user(80, static_cast<uint8_t>(mine + i % 10));
-    Record ended = user;
+    const Bytes network(172, mine);
+    const Bytes user(80, static_cast<uint8_t>(mine + i % 10));
+    Bytes ended = user;
     ended[20] = ended[50] = 0;
     platform.answer(answer_with(network));
     platform.answer(answer_with(ended));
@@ -286,7 +266,7 @@ void keep_calling(uint8_t mine, bool *went_well) {
   }
 }
 
-TEST(Threads, CallAtOnceWithoutSeeingEachOther) {
+TEST(Threads, CallConcurrentlyWithoutInterference) {
   bool went_well[2] = {};
   std::thread other(keep_calling, uint8_t{0x51}, &went_well[0]);
   keep_calling(0xA2, &went_well[1]);

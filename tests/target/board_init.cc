@@ -1,5 +1,5 @@
-// The first program of the emulated board: makes the flash, has the flash operations checked on it
-// and switches the board off.
+// The first program of the emulated board: creates the flash device, runs mtd_check on it and
+// switches the board off.
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>

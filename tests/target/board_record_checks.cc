@@ -1,4 +1,4 @@
-// The board record: its bytes at 0x10000, past the library, against what the operations say.
+// The board record: what the operations report, compared with its bytes at 0x10000.
 #include <string.h>
 
 #include "oltmgmt.h"
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A record whose other bytes are 0x5a, through the region access that is checked by itself.
+/// Writes a record whose other bytes are 0x5a, with save_to_flash, which check_regions() checks.
 void put_record(uint8_t digit_1, uint8_t digit_2, uint8_t digit_3, uint8_t pending,
                 uint8_t oam_type) {
   uint8_t record[524];
@@ -40,18 +40,18 @@ void check_oam_type() {
   put_record(1, 2, 3, 0, 2);
   expect("write type 1, pending", 0, write_oam_type(1, 1));
   model_flags(1, 1);
-  expect_flash_as_modelled("type and flag are stored, the rest carried along");
+  expect_flash_as_modelled("type and flag are stored, the rest is kept");
   expect_oam_type("type 1, pending", 1, 1);
   model_flags(0, 1);
-  expect_flash_as_modelled("reading takes the flag up");
-  expect_oam_type("type 1, taken up", 1, 88);
+  expect_flash_as_modelled("reading clears the flag");
+  expect_oam_type("type 1, no longer pending", 1, 88);
   expect("write type 2, pending", 0, write_oam_type(2, 1));
   model_flags(1, 2);
   expect_flash_as_modelled("type 2 and the flag are stored");
   expect("write type 0, flag 0x102", 0, write_oam_type(0, 0x102));
   model_flags(2, 0);
   expect_flash_as_modelled("the low byte of the flag is stored");
-  expect_oam_type("a flag of 2 is none", 0, 88);
+  expect_oam_type("a flag of 2 is not pending", 0, 88);
   expect_flash_as_modelled("a flag of 2 stays");
   expect("write type 3", -1, write_oam_type(3, 1));
   expect("write type 0x100", -1, write_oam_type(0x100, 1));

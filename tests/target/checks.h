@@ -1,5 +1,5 @@
-/// Counts what was checked and says what was not as expected. Needs nothing but a C library, so
-/// that the same checks run on the target's kernel and on the simulated device.
+/// Counts checks and reports the failed ones. Needs only a C library, so that the same checks run
+/// on the target's kernel and on the simulated device.
 #ifndef OLT_TESTS_TARGET_CHECKS_H
 #define OLT_TESTS_TARGET_CHECKS_H
 

@@ -4,7 +4,7 @@
 #include <stdint.h>
 #include <sys/ioctl.h>
 
-/// The C libraries declare ioctl with different types for the request.
+/// C libraries declare ioctl with different types of the request number.
 template <typename Number>
 int control_by(int (*call)(int, Number, ...), int device, uint32_t request, uint32_t *argument) {
   return call(device, static_cast<Number>(request), argument);

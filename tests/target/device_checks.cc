@@ -1,4 +1,4 @@
-// What the device itself does, as the library relies on it.
+// What the library relies on the device to do.
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -27,9 +27,9 @@ void check_erase(int device) {
 
   expect_error("erase from an unaligned start", EINVAL, erase(device, 0x800, 4096));
   expect_error("erase an unaligned length", EINVAL, erase(device, 0, 100));
-  expect_error("erase behind the end", EINVAL, erase(device, 0x400000, 4096));
+  expect_error("erase past the end", EINVAL, erase(device, 0x400000, 4096));
   expect_error("erase across the end", EINVAL, erase(device, 0x3ff000, 8192));
-  expect_error("erase around the end of 32 bits", EINVAL, erase(device, 0xfffff000, 8192));
+  expect_error("erase a range that wraps around 32 bits", EINVAL, erase(device, 0xfffff000, 8192));
   expect("erase nothing", 0, erase(device, 0x5000, 0));
   expect("erase nothing from an unaligned start", 0, erase(device, 0x5001, 0));
   expect_error("erase nothing at the end", EINVAL, erase(device, 0x400000, 0));
@@ -45,7 +45,7 @@ void check_seek(int device) {
   expect_error("seek on beyond the end", EINVAL, lseek(device, 9, SEEK_CUR));
   expect_error("seek back before the start", EINVAL, lseek(device, -0x400000, SEEK_CUR));
   expect("a refused seek moves nothing", 0x3ffff8, lseek(device, 0, SEEK_CUR));
-  expect_error("seek from nowhere", EINVAL, lseek(device, 0, 99));
+  expect_error("seek from an unknown origin", EINVAL, lseek(device, 0, 99));
 }
 
 void check_read(int device) {
@@ -92,7 +92,7 @@ void check_access() {
 
 void check_other_requests(int device) {
   uint32_t request[2] = {0, 4096};
-  expect_error("a request that no flash knows", ENOTTY, control(device, 0x80084DFF, request));
+  expect_error("an unknown request", ENOTTY, control(device, 0x80084DFF, request));
   expect_flash_as_modelled("an unknown request changes nothing");
 }
 

@@ -1,5 +1,5 @@
-// What the kernel knows of its device, and what it sees when the library works: each system call
-// with its arguments, taken at the kernel's border.
+// The device's attributes in the kernel, and every system call of the library with its arguments,
+// as the kernel sees them.
 #include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>
@@ -92,7 +92,7 @@ void note_call(pid_t process, const struct __ptrace_syscall_info &info) {
       return note_seek(arguments[1], arguments[2]);
 #ifdef SYS__llseek
     case SYS__llseek:
-      // The fifth argument lies on the stack. The kernel would report it from the tracer's stack.
+      // The fifth argument is on the stack. The kernel would read it from the tracer's stack.
       return note_seek(arguments[1] << 32 | arguments[2], peek(process, info.stack_pointer + 16));
 #endif
     case SYS_read:
@@ -128,7 +128,7 @@ void expect_calls(const char *what, const char *expected, Operation operation) {
   const pid_t process = fork();
   if (process == 0) {
     ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-    // The stop is the last call that is not the operation's.
+    // This stop is the last call before those of the operation.
     syscall(SYS_kill, getpid(), SIGSTOP);
     const bool good = operation();
     _exit(good ? 0 : 1);
@@ -208,7 +208,7 @@ void check_board_record_calls() {
                  uint32_t pending = 0;
                  return read_oam_type(&type, &pending) == 0 && type == 2;
                });
-  expect_calls("write an OAM type that is none", "", [] { return write_oam_type(3, 0) == -1; });
+  expect_calls("write an unknown OAM type", "", [] { return write_oam_type(3, 0) == -1; });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// Words at odd addresses must be faults where the tests run: otherwise tests with replies at odd
-// addresses would show nothing. Kernels may mend such a load, emulators may not mind it.
+// Loading a word from an odd address must be a fault on this system; otherwise tests with replies
+// at odd addresses would prove nothing. Some kernels emulate such loads, and some emulators allow
+// them.
 #include <signal.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -14,7 +15,7 @@ alignas(4) uint8_t bytes[8];
 [[noreturn]] void load_at_odd_address() {
   const rlimit no_core_file = {};
   setrlimit(RLIMIT_CORE, &no_core_file);
-  // The compiler knows how to load a word from anywhere; it must not know where this one lies.
+  // volatile: knowing the address, the compiler would load the word in a way that works.
   const uint8_t *volatile odd = bytes + 1;
   _exit(*reinterpret_cast<const uint32_t *>(odd) != 0);
 }

@@ -1,4 +1,4 @@
-// Checks the flash operations on whatever is behind /dev/mtd0.
+// Checks the flash operations on the device at /dev/mtd0, or without one.
 #include <stdio.h>
 #include <string.h>
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The programs built for the target, under emulation: oltctl sets VLANs on an oltbox in a process
-# of its own and reads the listing that the box writes.
+# The programs built for the target, under emulation: oltctl sets VLANs on an oltbox in another
+# process and reads the listing that the box writes.
 # usage: programs.sh OLTBOX OLTCTL EMULATOR [EMULATOR_ARGUMENT...]
 set -euo pipefail
 
@@ -42,7 +42,7 @@ VLAN  Tagged ports  Untagged ports  Description
 22    -             -               -
 END
 
-# A box that is asked to end does so well.
+# On SIGTERM, the box ends with exit status 0.
 kill "$box"
 wait "$box"
 box=

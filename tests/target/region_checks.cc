@@ -1,4 +1,4 @@
-// The region operations, on a device and without one.
+// The region operations, with a device and without one.
 #include <stdio.h>
 #include <string.h>
 
@@ -27,7 +27,7 @@ void make_data() {
   for (uint32_t i = 0; i < sizeof data; ++i) data[i] = static_cast<uint8_t>(i * 7 + 1);
 }
 
-/// A name for a check of one region.
+/// Prefixes the name of a check with the region.
 const char *in_region(const Place &place, const char *what) {
   static char text[96];
   static_cast<void>(
@@ -39,7 +39,7 @@ void check_erasing(const Place &place) {
   fill_flash();
   expect(in_region(place, "erase"), 0, erase_to_flash(place.region, 0x123, 0x456));
   model_erased(place.start, place.size);
-  expect_flash_as_modelled(in_region(place, "it alone is erased"));
+  expect_flash_as_modelled(in_region(place, "only this region is erased"));
 }
 
 void check_saving_all(const Place &place) {
@@ -47,7 +47,7 @@ void check_saving_all(const Place &place) {
   expect(in_region(place, "save all of it"), place.size,
          save_to_flash(place.region, data, place.size));
   model_written(place.start, data, place.size);
-  expect_flash_as_modelled(in_region(place, "it alone is written"));
+  expect_flash_as_modelled(in_region(place, "only this region is written"));
   expect(in_region(place, "save too much"), -1, save_to_flash(place.region, data, place.size + 1));
   expect_flash_as_modelled(in_region(place, "a refused save changes nothing"));
 }
@@ -76,7 +76,7 @@ void check_reading(const Place &place) {
   memset(buffer, 0xa5, sizeof buffer);
   expect(in_region(place, "read too much"), place.size,
          read_from_flash(place.region, buffer, 0xffffffff));
-  expect(in_region(place, "nothing behind it is read"), 0xa5, buffer[place.size]);
+  expect(in_region(place, "nothing after it is read"), 0xa5, buffer[place.size]);
   memset(buffer, 0xa5, sizeof buffer);
   expect(in_region(place, "read three bytes"), 3, read_from_flash(place.region, buffer, 3));
   expect(in_region(place, "the three bytes"), 0, memcmp(buffer, model_at(place.start), 3));
@@ -89,11 +89,11 @@ void check_refused_regions() {
   constexpr uint32_t kNone[] = {0, 6, 0x80000000, 0xffffffff};
   fill_flash();
   for (const uint32_t region : kNone) {
-    expect("read a region that is none", -1, read_from_flash(region, buffer, 1));
-    expect("save to a region that is none", -1, save_to_flash(region, data, 1));
-    expect("erase a region that is none", -1, erase_to_flash(region, 0, 0));
+    expect("read an unknown region", -1, read_from_flash(region, buffer, 1));
+    expect("save to an unknown region", -1, save_to_flash(region, data, 1));
+    expect("erase an unknown region", -1, erase_to_flash(region, 0, 0));
   }
-  expect_flash_as_modelled("regions that are none change nothing");
+  expect_flash_as_modelled("unknown regions change nothing");
 }
 
 }  // namespace
