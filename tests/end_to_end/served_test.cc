@@ -55,10 +55,10 @@ std::map<std::string, std::string> comments() {
 
 std::string address_text(const Address &address) {
   std::string type = "Message type " + std::to_string(address.message_type);
-  if (address.module == Address::kNamedByCaller) return type + " to the module that the caller";
+  if (address.module == Address::kNamedByCaller) return type + " to the given module";
   std::string module = "to module " + std::to_string(address.module);
   if (address.second_module == Address::kNone) return type + " " + module + ", time-out ";
-  return type + ", time-out 10 s each, " + module + " and, when that accepted, to module " +
+  return type + ", time-out 10 s each, " + module + " and, if that accepts, to module " +
          std::to_string(address.second_module);
 }
 
