@@ -6,7 +6,7 @@ add_library(olt_flags INTERFACE)
 target_include_directories(olt_flags INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(olt_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wundef -Wcast-qual
-  -Wformat=2 -Werror
+  -Wformat=2
   # Designated initialisers name what matters; the rest is meant to be zero.
   -Wno-missing-field-initializers
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
