@@ -389,6 +389,18 @@ static_assert(sizeof(WanConnection) == 125);
 OLT_AT(WanConnection, number, 4);
 OLT_AT(WanConnection, settings, 8);
 
+/// The WAN interface of the voice service.
+struct InterfaceName {
+  char name[32];  ///< ends with a zero
+};
+static_assert(sizeof(InterfaceName) == 32);
+
+/// The name of an IPTV profile.
+struct ProfileName {
+  char name[32];  ///< may fill the field
+};
+static_assert(sizeof(ProfileName) == 32);
+
 struct UserChannelRecord {
   uint8_t user[6];
   uint8_t reserved_06[2];
