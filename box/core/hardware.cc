@@ -11,13 +11,6 @@
 
 namespace olt::box {
 
-namespace {
-
-constexpr size_t kNameField = 32;
-constexpr size_t kHeader = 48;
-
-}  // namespace
-
 Hardware::Hardware(const Topology &topology, StateDirectory &state, Listings listings, Clock clock)
     : topology_(topology),
       state_(state),
@@ -43,12 +36,16 @@ std::chrono::seconds Hardware::uptime() const {
 }
 
 Status Hardware::list_behind_header(std::string_view kind, const std::string &text, Reply &reply) {
-  reply.text(kHeader, kNameField, listings_.write(kind, text));
+  ListingReply listing = {};
+  set_text(listing.name, listings_.write(kind, text));
+  reply.record(listing);
   return Status::kOk;
 }
 
 Status Hardware::list_at_start(std::string_view kind, const std::string &text, Reply &reply) {
-  reply.text(0, kNameField, listings_.write(kind, text));
+  ListingReply listing = {};
+  set_text(listing.name, listings_.write(kind, text));
+  reply.bytes(0, bytes_of(listing).subspan(offsetof(ListingReply, name)));
   return Status::kOk;
 }
 

@@ -28,10 +28,6 @@ bool take(std::string_view &text, char c) {
   return true;
 }
 
-bool is_range(IdRange range) {
-  return range.first >= 1 && range.first <= range.last && range.last <= kLastVlan;
-}
-
 std::optional<IdSet> ids_from_text(std::string_view text) {
   IdSet ids;
   if (text.empty()) return ids;
@@ -46,6 +42,10 @@ std::optional<IdSet> ids_from_text(std::string_view text) {
 }
 
 }  // namespace
+
+bool is_range(IdRange range) {
+  return range.first >= 1 && range.first <= range.last && range.last <= kLastVlan;
+}
 
 IdSet ids_in(IdRange range) {
   const IdSet all = ~IdSet();
@@ -120,26 +120,12 @@ IdSet read_ids(ObjectReader &reader, std::string_view key) {
   return *ids;
 }
 
-std::optional<std::vector<IdRange>> read_vlans(const Request &request, size_t offset,
-                                               size_t element) {
-  std::vector<IdRange> ranges;
-  ranges.reserve((request.size() - offset) / element);
-  for (size_t at = offset; at < request.size(); at += element) {
-    request.bytes(at, element);
-    uint16_t first = request.u16(at);
-    uint16_t second = request.u16(at + 2);
-    ranges.push_back({first, second == 0 ? first : second});
-    if (!is_range(ranges.back())) return std::nullopt;
-  }
-  return ranges;
-}
-
 Message vlan_message(uint32_t type, std::string_view name, size_t head, VlanAction act) {
   auto handle = [head, act = std::move(act)](const Request &request, Reply &) {
-    auto ranges = read_vlans(request, head);
+    auto ranges = read_ranges(request.records<VlanElement>(head));
     return ranges ? act(request, *ranges) : Status::kBadValue;
   };
-  return {kMainModule, type, name, {head, head + kVlanElement * kLastVlan}, handle};
+  return {kMainModule, type, name, {head, head + sizeof(VlanElement) * kLastVlan}, handle};
 }
 
 }  // namespace olt::box

@@ -16,8 +16,6 @@
 namespace olt::box {
 
 inline constexpr uint16_t kLastVlan = 4094;
-/// What a VLAN takes on the wire: the first id of a range and its last one; 0 for a single id.
-inline constexpr size_t kVlanElement = 4;
 
 /// Numbered from 1.
 using IdSet = std::bitset<kLastVlan + 1>;
@@ -27,6 +25,8 @@ struct IdRange {
   uint16_t last;
 };
 
+/// Whether it is in order and within the ids that there are.
+bool is_range(IdRange range);
 IdSet ids_in(IdRange range);
 IdSet ids_in(const std::vector<IdRange> &ranges);
 std::vector<IdRange> ranges_of(const IdSet &ids);
@@ -42,10 +42,17 @@ std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width);
 /// Reads a member that is a text as ids_to_text writes it. Throws BadInput.
 IdSet read_ids(ObjectReader &reader, std::string_view key);
 
-/// The VLAN elements behind the offset; nothing when one is no range of ids. Throws BadLength when
-/// they do not fill the request.
-std::optional<std::vector<IdRange>> read_vlans(const Request &request, size_t offset,
-                                               size_t element = kVlanElement);
+/// The ranges that VLAN elements name; nothing when one of them is invalid.
+template <typename Element>
+std::optional<std::vector<IdRange>> read_ranges(const std::vector<Element> &elements) {
+  std::vector<IdRange> ranges;
+  ranges.reserve(elements.size());
+  for (const Element &element : elements) {
+    ranges.push_back({element.first, element.last == 0 ? element.first : element.last});
+    if (!is_range(ranges.back())) return std::nullopt;
+  }
+  return ranges;
+}
 
 using VlanAction = std::function<Status(const Request &, const std::vector<IdRange> &)>;
 

@@ -2,8 +2,10 @@
 #ifndef OLT_BOX_MESSAGE_MESSAGE_H
 #define OLT_BOX_MESSAGE_MESSAGE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <exception>
 #include <functional>
 #include <optional>
@@ -13,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "box/wire/records.h"
 #include "box/wire/status.h"
 
 namespace olt::box {
@@ -23,23 +26,78 @@ inline constexpr uint32_t kLogModule = 22;
 inline constexpr uint32_t kRstpModule = 23;
 inline constexpr uint32_t kModules[] = {kMainModule, kOamModule, kLogModule, kRstpModule};
 
-/// Thrown on access behind the end of a request.
+/// The bytes of a record, as they travel.
+template <typename Record>
+std::span<const uint8_t> bytes_of(const Record &record) {
+  static_assert(std::has_unique_object_representations_v<Record>, "padding would travel, too");
+  return {reinterpret_cast<const uint8_t *>(&record), sizeof record};
+}
+
+template <typename Record>
+std::span<uint8_t> bytes_of(Record &record) {
+  static_assert(std::has_unique_object_representations_v<Record>, "padding would travel, too");
+  return {reinterpret_cast<uint8_t *>(&record), sizeof record};
+}
+
+/// Copies a text into a field, filled with zeros; what is longer than the field is cut off.
+template <size_t size>
+void set_text(char (&field)[size], std::string_view text) {
+  std::fill(std::copy_n(text.begin(), std::min(size, text.size()), field), std::end(field), '\0');
+}
+
+/// The text in a field, up to its zero or the field's end.
+template <size_t size>
+std::string text_of(const char (&field)[size]) {
+  return {field, std::find(field, std::end(field), '\0')};
+}
+
+/// The text in a field; nothing when no zero ends it.
+template <size_t size>
+std::optional<std::string> terminated_text_of(const char (&field)[size]) {
+  std::string text = text_of(field);
+  return text.size() < size ? std::optional(text) : std::nullopt;
+}
+
+/// Copies bytes into a field, as many as it has room for.
+template <typename Field>
+void set_bytes(Field &field, std::span<const uint8_t> bytes) {
+  std::copy_n(bytes.begin(), std::min(sizeof field, bytes.size()), bytes_of(field).begin());
+}
+
+/// Thrown on access beyond the end of a request.
 class BadLength : public std::exception {
  public:
   const char *what() const noexcept override { return "request too short"; }
 };
 
-/// Reads little-endian fields of a request. Every access is checked: BadLength.
+/// Reads a request. Every access is checked: BadLength.
 class Request {
  public:
   explicit Request(std::span<const uint8_t> data) : data_(data) {}
 
-  size_t size() const { return data_.size(); }
-  uint16_t u16(size_t offset) const;
-  uint32_t u32(size_t offset) const;
   std::span<const uint8_t> bytes(size_t offset, size_t count) const;
-  /// The zero-terminated text in a field of so many bytes; nothing when no zero ends it.
-  std::optional<std::string> text(size_t offset, size_t field) const;
+
+  /// A copy of the record, or of the word, at the offset.
+  template <typename Record>
+  Record record(size_t offset = 0) const {
+    Record record;
+    auto from = bytes(offset, sizeof record);
+    std::memcpy(&record, from.data(), sizeof record);
+    return record;
+  }
+  uint32_t word(size_t offset = 0) const { return record<uint32_t>(offset); }
+
+  /// All records from the offset on, which must fill the request.
+  template <typename Record>
+  std::vector<Record> records(size_t offset) const {
+    auto from = bytes(offset, data_.size() - std::min(offset, data_.size()));
+    if (from.size() % sizeof(Record) != 0) throw BadLength();
+    std::vector<Record> records(from.size() / sizeof(Record));
+    if (!records.empty()) std::memcpy(records.data(), from.data(), from.size());
+    return records;
+  }
+
+  size_t size() const { return data_.size(); }
 
  private:
   std::span<const uint8_t> data_;
@@ -48,17 +106,19 @@ class Request {
 /// Builds a reply; it grows, filled with zeros, to hold what is written.
 class Reply {
  public:
-  void u16(size_t offset, uint16_t value);
-  void u32(size_t offset, uint32_t value);
   void bytes(size_t offset, std::span<const uint8_t> data);
-  /// A text cut to fit its zero into the field.
-  void text(size_t offset, size_t field, std::string_view value);
+  /// Adds bytes at the end.
+  void append(std::span<const uint8_t> data) { bytes(data_.size(), data); }
+
+  /// A record, or a word, at the start.
+  template <typename Record>
+  void record(const Record &record) {
+    bytes(0, bytes_of(record));
+  }
 
   std::vector<uint8_t> take() { return std::move(data_); }
 
  private:
-  void reach(size_t end);
-
   std::vector<uint8_t> data_;
 };
 

@@ -11,8 +11,6 @@
 
 namespace olt::box {
 
-inline constexpr size_t kWanConnectionRecord = 125;
-
 /// How a voice line stands.
 enum class LineState : uint32_t {
   kUnknown = 0,  ///< the ONU is not up

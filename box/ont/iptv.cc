@@ -16,36 +16,22 @@ constexpr size_t kMostProfiles = 256;
 constexpr size_t kMostChannels = 1024;  ///< of one profile
 constexpr size_t kMostUserChannels = 16'384;
 
-constexpr size_t kUserChannelRecord = 20;
-constexpr size_t kAAt = 8;
-constexpr size_t kBAt = 12;
-constexpr size_t kCAt = 14;
-constexpr size_t kDAt = 16;
-
 using Profiles = std::map<std::string, IptvState::Channels>;
-
-/// A name that may fill its field; nothing when it is empty.
-std::optional<std::string> read_name(const Request &request, size_t at) {
-  auto field = request.bytes(at, kProfileName);
-  std::string name(field.begin(), std::find(field.begin(), field.end(), 0));
-  return name.empty() ? std::nullopt : std::optional(name);
-}
 
 std::string channels_text(const IptvState::Channels &channels) {
   return fmt::format("{} {}", channels.size(), channels.size() == 1 ? "channel" : "channels");
 }
 
 Status add_channel(IptvState::Channels &channels, const Request &request) {
-  uint32_t number = request.u32(kChannelNumberAt);
-  if (channels.contains(number)) return Status::kExists;
+  auto channel = request.record<IptvChannelRow>();
+  if (channels.contains(channel.number)) return Status::kExists;
   if (channels.size() == kMostChannels) return Status::kFull;
-  auto settings = request.bytes(kChannelSettingsAt, sizeof(ChannelSettings));
-  std::copy(settings.begin(), settings.end(), channels[number].begin());
+  channels[channel.number] = std::to_array(channel.settings);
   return Status::kOk;
 }
 
 Status delete_channel(IptvState::Channels &channels, const Request &request) {
-  bool known = channels.erase(request.u32(kChannelNumberAt)) != 0;
+  bool known = channels.erase(request.record<IptvChannelRow>().number) != 0;
   return known ? Status::kOk : Status::kNotFound;
 }
 
@@ -58,13 +44,13 @@ class OntIptv final : public OnuFamily {
 
   std::vector<Message> messages() override {
     return {
-        part_message(state(), 155, "set-iptv-profile", Scope::kOnu, exactly(kProfileName),
+        part_message(state(), 155, "set-iptv-profile", Scope::kOnu, exactly(sizeof(ProfileName)),
                      [this](const OnuPart &onu, const Request &request, Reply &) {
                        return attach(onu, request);
                      }),
         part_message(state(), 156, "unset-iptv-profile", Scope::kOnu, exactly(0),
                      [this](const OnuPart &onu, const Request &, Reply &) { return detach(onu); }),
-        {kMainModule, 157, "create-iptv-profile", exactly(kProfileName),
+        {kMainModule, 157, "create-iptv-profile", exactly(sizeof(ProfileName)),
          on(this, &OntIptv::create)},
         profile_message(
             158, "clear-iptv-profile", 0,
@@ -75,9 +61,9 @@ class OntIptv final : public OnuFamily {
                         [this](Profile profile, const Request &, Reply &reply) {
                           return list(profile, reply);
                         }),
-        {kMainModule, 162, "add-user-channel", exactly(kUserChannelRecord),
+        {kMainModule, 162, "add-user-channel", exactly(sizeof(UserChannelRecord)),
          on(this, &OntIptv::add_user_channel)},
-        {kMainModule, 163, "delete-user-channel", exactly(kUserChannelRecord),
+        {kMainModule, 163, "delete-user-channel", exactly(sizeof(UserChannelRecord)),
          on(this, &OntIptv::delete_user_channel)},
     };
   }
@@ -116,8 +102,7 @@ class OntIptv final : public OnuFamily {
         [this](const Json &element, const std::string &at) { take_user_channel(element, at); });
     OnuFamily::configure(reader.get("onus"), reader.place_of("onus"));
     for (const auto &[onu, record] : attachments().kept()) {
-      auto name = read_name(Request(record), 0);
-      if (!name || !iptv_->profiles.contains(*name)) {
+      if (!iptv_->profiles.contains(text_in(record))) {
         refuse(reader.place_of("onus"), reader.get("onus"), "profiles that exist");
       }
     }
@@ -165,31 +150,31 @@ class OntIptv final : public OnuFamily {
   Message profile_message(uint32_t type, std::string_view message, size_t name_at,
                           ProfileAction act) {
     auto handler = [this, name_at, act = std::move(act)](const Request &request, Reply &reply) {
-      auto name = read_name(request, name_at);
-      if (!name) return Status::kBadValue;
-      auto profile = iptv_->profiles.find(*name);
+      std::string name = text_of(request.record<ProfileName>(name_at).name);
+      if (name.empty()) return Status::kBadValue;
+      auto profile = iptv_->profiles.find(name);
       if (profile == iptv_->profiles.end()) return Status::kNotFound;
       return act(profile, request, reply);
     };
-    return {kMainModule, type, message, exactly(name_at + kProfileName), handler};
+    return {kMainModule, type, message, exactly(name_at + sizeof(ProfileName)), handler};
   }
 
   /// One that changes its channels, by a channel record before the name.
   Message channel_message(uint32_t type, std::string_view message,
                           Status (*change)(IptvState::Channels &, const Request &)) {
-    return profile_message(type, message, kChannelRecord,
+    return profile_message(type, message, sizeof(IptvChannelRow),
                            [change](Profile profile, const Request &request, Reply &) {
                              return change(profile->second, request);
                            });
   }
 
   Status create(const Request &request, Reply & /*reply*/) {
-    auto name = read_name(request, 0);
-    if (!name) return Status::kBadValue;
-    if (iptv_->profiles.contains(*name)) return Status::kExists;
+    std::string name = text_of(request.record<ProfileName>().name);
+    if (name.empty()) return Status::kBadValue;
+    if (iptv_->profiles.contains(name)) return Status::kExists;
     if (iptv_->profiles.size() == kMostProfiles) return Status::kFull;
-    iptv_->profiles[*name];
-    record(*name, "created");
+    iptv_->profiles[name];
+    record(name, "created");
     return Status::kOk;
   }
 
@@ -214,13 +199,12 @@ class OntIptv final : public OnuFamily {
   }
 
   Status attach(const OnuPart &onu, const Request &request) {
-    auto name = read_name(request, kOntTarget);
-    if (!name) return Status::kBadValue;
-    if (!iptv_->profiles.contains(*name)) return Status::kNotFound;
-    // Behind the end of the name stands whatever the sender's memory held.
-    std::vector<uint8_t> record(name->begin(), name->end());
-    record.resize(kProfileName);
-    attachments().set(onu, record);
+    auto field = request.record<ProfileName>(sizeof(OntTarget));
+    std::string name = text_of(field.name);
+    if (name.empty()) return Status::kBadValue;
+    if (!iptv_->profiles.contains(name)) return Status::kNotFound;
+    set_text(field.name, name);
+    attachments().set(onu, bytes_of(field));
     return Status::kOk;
   }
 
@@ -245,24 +229,21 @@ class OntIptv final : public OnuFamily {
   }
 
   static UserChannel read_user_channel(const Request &request) {
-    UserChannel channel{
-        {}, request.u32(kAAt), request.u16(kBAt), request.u16(kCAt), request.u32(kDAt)};
-    auto user = request.bytes(0, sizeof(Mac));
-    std::copy(user.begin(), user.end(), channel.user.begin());
-    return channel;
+    auto record = request.record<UserChannelRecord>();
+    return {std::to_array(record.user), record.a, record.b, record.c, record.d};
   }
 
   std::vector<OnuPart> users_of(const std::string &profile) const {
     std::vector<OnuPart> users;
     for (const auto &[onu, record] : attachments().kept()) {
-      if (read_name(Request(record), 0) == profile) users.push_back(onu);
+      if (text_in(record) == profile) users.push_back(onu);
     }
     return users;
   }
 
   void take_profile(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
-    std::string name = reader.bytes("name", kProfileName);
+    std::string name = reader.bytes("name", sizeof(ProfileName));
     bool usable = !name.empty() && name.find('\0') == std::string::npos;
     if (!usable || iptv_->profiles.contains(name)) {
       refuse(reader.place_of("name"), reader.get("name"), "a name, each once");

@@ -11,19 +11,11 @@
 #include <tuple>
 
 #include "base/mac.h"
+#include "box/wire/records.h"
 
 namespace olt::box {
 
-/// A name fills its field, or ends with a zero.
-inline constexpr size_t kProfileName = 32;
-
-// A channel record, which is also a row of the table of channels.
-inline constexpr size_t kChannelRecord = 56;
-inline constexpr size_t kChannelProfileAt = 4;
-inline constexpr size_t kChannelNumberAt = 36;
-inline constexpr size_t kChannelSettingsAt = 40;
-/// What a profile keeps of it: all behind the words that name the row.
-using ChannelSettings = std::array<uint8_t, kChannelRecord - kChannelSettingsAt>;
+using ChannelSettings = std::array<uint8_t, sizeof(IptvChannelRow::settings)>;
 
 /// A channel of a single user, by the values of its request, which mean nothing to the box.
 struct UserChannel {

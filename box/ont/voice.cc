@@ -11,8 +11,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kInterfaceField = 32;
-
 /// A user account that differs from the factory's.
 bool has_account(const OnuRecords &records, const OnuPart &line) {
   return records.user_account.kept().contains(line);
@@ -46,7 +44,7 @@ class OntVoice final : public OnuFamily {
         listing(140, "sip-config", "sip", &OntVoice::describe_sip),
         set_message(state(), 141, "set-fax-mode", records.fax),
         set_message(state(), 142, "set-sip-config", records.sip),
-        part_message(state(), 143, "bind-voice", Scope::kOnu, exactly(kInterfaceField),
+        part_message(state(), 143, "bind-voice", Scope::kOnu, exactly(sizeof(InterfaceName)),
                      [this](const OnuPart &onu, const Request &request, Reply &) {
                        return bind(onu, request);
                      }),
@@ -72,11 +70,11 @@ class OntVoice final : public OnuFamily {
 
   /// What stands behind the end of the text is whatever the sender's memory held.
   Status bind(const OnuPart &onu, const Request &request) {
-    auto name = request.text(kOntTarget, kInterfaceField);
+    auto field = request.record<InterfaceName>(sizeof(OntTarget));
+    auto name = terminated_text_of(field.name);
     if (!name) return Status::kBadValue;
-    std::vector<uint8_t> record(name->begin(), name->end());
-    record.resize(kInterfaceField);
-    state().records.voice_interface.set(onu, record);
+    set_text(field.name, *name);
+    state().records.voice_interface.set(onu, bytes_of(field));
     return Status::kOk;
   }
 

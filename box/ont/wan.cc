@@ -8,10 +8,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kOperationAt = kOntTarget;
-constexpr size_t kNumberAt = kOntTarget + 4;
-constexpr size_t kActionAt = kOntTarget;
-
 enum Operation : uint32_t { kAdd = 1, kChange = 2, kDelete = 3 };
 enum Action : uint32_t { kSave = 1, kRestoreDefaults = 2, kRestart = 3 };
 
@@ -24,7 +20,7 @@ class OntWan final : public OnuFamily {
 
   std::vector<Message> messages() override {
     return {
-        message(145, "wan-connection", kWanConnectionRecord, &OntWan::deal),
+        message(145, "wan-connection", sizeof(WanConnection), &OntWan::deal),
         message(146, "wan-connections", 0, &OntWan::list),
         message(147, "ont-configuration", 4, &OntWan::act),
     };
@@ -41,11 +37,11 @@ class OntWan final : public OnuFamily {
 
   Status deal(const OnuPart &onu, const Request &request, Reply & /*reply*/) {
     RecordTable &connections = state().records.wan_connection;
-    OnuPart place = {onu.interface, onu.onu, request.u32(kNumberAt)};
+    auto connection = request.record<WanConnection>(sizeof(OntTarget));
+    OnuPart place = {onu.interface, onu.onu, connection.number};
     if (!state().has(Scope::kWanConnection, place)) return Status::kBadValue;
     bool exists = connections.kept().contains(place);
-    uint32_t operation = request.u32(kOperationAt);
-    switch (operation) {
+    switch (connection.operation) {
       case kAdd:
         if (exists) return Status::kExists;
         break;
@@ -56,10 +52,10 @@ class OntWan final : public OnuFamily {
       default:
         return Status::kBadValue;
     }
-    if (operation == kDelete) {
+    if (connection.operation == kDelete) {
       connections.erase(place);
     } else {
-      connections.set(place, request.bytes(kOntTarget, kWanConnectionRecord));
+      connections.set(place, bytes_of(connection));
     }
     return Status::kOk;
   }
@@ -75,14 +71,14 @@ class OntWan final : public OnuFamily {
 
   Status act(const OnuPart &place, const Request &request, Reply & /*reply*/) {
     Onu &onu = *state().find(place);
-    uint32_t action = request.u32(kActionAt);
+    uint32_t action = request.word(sizeof(OntTarget));
     bool needs_onu = action >= kSave && action <= kRestart;
     if (needs_onu && !onu.up(hardware_.now())) return Status::kOffline;
     if (action == kRestoreDefaults) state().forget_services(place);
     if (action == kRestoreDefaults || action == kRestart) {
       onu.restart(hardware_.now() + hardware_.topology().onu_restart);
     }
-    state().records.configuration_action.set(place, request.bytes(kActionAt, 4));
+    state().records.configuration_action.set(place, bytes_of(action));
     hardware_.events().record(
         Level::kNotice, kMainModule,
         fmt::format("ONU {}: configuration action {}", to_text(place), action));

@@ -3,20 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "base/mac.h"
-
 namespace olt::box {
-
-namespace {
-
-constexpr size_t kLoidField = kEntryPasswordAt - kEntryLoidAt;
-
-/// Copies a text up to its zero: front ends may leave anything behind it.
-void copy_text(std::span<const uint8_t> text, std::span<uint8_t> field) {
-  std::copy(text.begin(), std::find(text.begin(), text.end(), 0), field.begin());
-}
-
-}  // namespace
 
 const char *auth_mode_name(AuthMode mode) {
   switch (mode) {
@@ -32,48 +19,33 @@ const char *auth_mode_name(AuthMode mode) {
   return "by MAC address and LOID";
 }
 
-std::optional<AllowList::Key> AllowList::key_of(std::span<const uint8_t> entry) const {
-  Key key = {};
+std::optional<AllowList::Key> AllowList::key_of(const AuthEntry &entry) const {
+  Key key;
   if (goes_by_mac()) {
-    Mac mac;
-    std::copy_n(entry.begin(), mac.size(), mac.begin());
-    if (!is_unicast(mac)) return std::nullopt;
-    std::copy(mac.begin(), mac.end(), key.begin());
+    key.first = std::to_array(entry.mac);
+    if (!is_unicast(key.first)) return std::nullopt;
   }
   if (goes_by_loid()) {
-    copy_text(entry.subspan(kEntryLoidAt, kLoidField), std::span(key).subspan(kEntryLoidAt));
-    if (key[kEntryLoidAt] == 0) return std::nullopt;
+    key.second = text_of(entry.loid);
+    if (key.second.empty()) return std::nullopt;
   }
   return key;
 }
 
-AllowList::Password AllowList::password_of(std::span<const uint8_t> entry) const {
-  Password password = {};
-  if (goes_by_loid()) copy_text(entry.subspan(kEntryPasswordAt, password.size()), password);
-  return password;
-}
-
 Verdict AllowList::judge(const Onu &onu) const {
-  Record record = {};
-  Mac mac = onu.mac();
-  std::string loid = onu.loid();
-  std::string password = onu.password();
-  std::copy(mac.begin(), mac.end(), record.begin());
-  std::copy(loid.begin(), loid.end(), record.begin() + kEntryLoidAt);
-  std::copy(password.begin(), password.end(), record.begin() + kEntryPasswordAt);
-  auto entry = entries_.find(*key_of(record));
+  auto entry = entries_.find({goes_by_mac() ? onu.mac() : Mac(), goes_by_loid() ? onu.loid() : ""});
   if (entry == entries_.end()) return Verdict::kNotListed;
-  bool any_password = entry->second == Password{};
-  return any_password || entry->second == password_of(record) ? Verdict::kAllowed
-                                                              : Verdict::kWrongPassword;
+  bool any_password = entry->second.empty();
+  return any_password || entry->second == onu.password() ? Verdict::kAllowed
+                                                         : Verdict::kWrongPassword;
 }
 
-Status AllowList::add(std::span<const uint8_t> entries) {
+Status AllowList::add(const std::vector<AuthEntry> &entries) {
   Entries added;
-  for (; !entries.empty(); entries = entries.subspan(kAuthEntry)) {
-    auto key = key_of(entries);
+  for (const AuthEntry &entry : entries) {
+    auto key = key_of(entry);
     if (!key) return Status::kBadValue;
-    added[*key] = password_of(entries);
+    added[*key] = goes_by_loid() ? text_of(entry.password) : "";
   }
   auto fresh = std::count_if(added.begin(), added.end(), [this](const Entries::value_type &entry) {
     return !entries_.contains(entry.first);
@@ -83,10 +55,10 @@ Status AllowList::add(std::span<const uint8_t> entries) {
   return Status::kOk;
 }
 
-Status AllowList::remove(std::span<const uint8_t> entries) {
+Status AllowList::remove(const std::vector<AuthEntry> &entries) {
   std::set<Key> keys;
-  for (; !entries.empty(); entries = entries.subspan(kAuthEntry)) {
-    auto key = key_of(entries);
+  for (const AuthEntry &entry : entries) {
+    auto key = key_of(entry);
     if (!key) return Status::kBadValue;
     if (!entries_.contains(*key)) return Status::kNotFound;
     keys.insert(*key);
@@ -95,15 +67,16 @@ Status AllowList::remove(std::span<const uint8_t> entries) {
   return Status::kOk;
 }
 
-std::vector<AllowList::Record> AllowList::records() const {
-  std::vector<Record> records;
-  records.reserve(entries_.size());
+std::vector<AuthEntry> AllowList::entries() const {
+  std::vector<AuthEntry> entries;
+  entries.reserve(entries_.size());
   for (const auto &[key, password] : entries_) {
-    Record &record = records.emplace_back();
-    std::copy(key.begin(), key.end(), record.begin());
-    std::copy(password.begin(), password.end(), record.begin() + kEntryPasswordAt);
+    AuthEntry &entry = entries.emplace_back();
+    set_bytes(entry.mac, key.first);
+    set_text(entry.loid, key.second);
+    set_text(entry.password, password);
   }
-  return records;
+  return entries;
 }
 
 size_t AllowList::footprint() const {

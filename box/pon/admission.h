@@ -7,12 +7,14 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/clock.h"
+#include "base/mac.h"
 #include "box/pon/onu_family.h"
+#include "box/wire/records.h"
 #include "box/wire/status.h"
 
 namespace olt::box {
@@ -25,10 +27,6 @@ inline constexpr uint64_t kLastAuthMode = static_cast<uint64_t>(AuthMode::kMacAn
 /// "by MAC address".
 const char *auth_mode_name(AuthMode mode);
 
-/// An entry on the wire: MAC address, LOID and password.
-inline constexpr size_t kAuthEntry = 44;
-inline constexpr size_t kEntryLoidAt = 8;
-inline constexpr size_t kEntryPasswordAt = 32;
 inline constexpr size_t kMostAllowed = 16'384;
 
 /// Whether an ONU would be let in, and why not.
@@ -37,8 +35,6 @@ enum class Verdict : uint8_t { kAllowed, kNotListed, kWrongPassword };
 /// Which ONUs one mode lets in: their passwords, by what the mode goes by.
 class AllowList {
  public:
-  using Record = std::array<uint8_t, kAuthEntry>;
-
   explicit AllowList(AuthMode mode) : mode_(mode) {}
 
   AuthMode mode() const { return mode_; }
@@ -46,25 +42,23 @@ class AllowList {
   size_t size() const { return entries_.size(); }
   Verdict judge(const Onu &onu) const;
 
-  /// Whole entries behind each other. All are taken, or none.
-  Status add(std::span<const uint8_t> entries);
-  Status remove(std::span<const uint8_t> entries);
+  /// All entries are taken, or none.
+  Status add(const std::vector<AuthEntry> &entries);
+  Status remove(const std::vector<AuthEntry> &entries);
 
-  /// In order, with nothing in the fields that the mode does not go by.
-  std::vector<Record> records() const;
+  /// In order; fields that the mode does not use are zero.
+  std::vector<AuthEntry> entries() const;
   size_t footprint() const;
 
  private:
-  /// MAC address, two zeros, LOID.
-  using Key = std::array<uint8_t, 32>;
-  using Password = std::array<uint8_t, 12>;
+  using Key = std::pair<Mac, std::string>;  ///< with LOID
+  using Password = std::string;             ///< empty: any
   using Entries = std::map<Key, Password>;
 
   bool goes_by_mac() const { return mode_ != AuthMode::kLoid; }
   bool goes_by_loid() const { return mode_ != AuthMode::kMac; }
   /// Nothing when the entry lacks what the mode goes by.
-  std::optional<Key> key_of(std::span<const uint8_t> entry) const;
-  Password password_of(std::span<const uint8_t> entry) const;
+  std::optional<Key> key_of(const AuthEntry &entry) const;
 
   AuthMode mode_;
   Entries entries_;

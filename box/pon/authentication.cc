@@ -9,13 +9,12 @@
 #include "base/text.h"
 #include "box/message/id_set.h"
 #include "box/pon/families.h"
+#include "box/pon/onu_listing.h"
 #include "box/state/moment.h"
 
 namespace olt::box {
 
 namespace {
-
-constexpr size_t kModeAt = 36;
 
 /// The keys of the lists in state files.
 constexpr std::string_view kListKeys[] = {"mac", "loid", "mac_loid"};
@@ -32,11 +31,6 @@ const char *verdict_text(Verdict verdict) {
   return "refused, wrong password";
 }
 
-std::string text_cell(std::span<const uint8_t> field) {
-  std::string text(field.begin(), std::find(field.begin(), field.end(), 0));
-  return text.empty() ? "-" : printable_ascii(text);
-}
-
 class PonAuthentication final : public Family {
  public:
   PonAuthentication(Hardware &hardware, SharedOnus state, SharedAdmission admission)
@@ -46,21 +40,23 @@ class PonAuthentication final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        {kMainModule, 37, "blocked-onus", exactly(kInterfaceRecord),
-         on(this, &PonAuthentication::list_blocked)},
+        interface_listing(hardware_, *state_, 37, "blocked-onus", "blocklist",
+                          [this](uint32_t interface) { return list_blocked(interface); }),
         entries_message(41, "unblock-onus",
-                        [this](uint32_t interface, auto macs) { return unblock(interface, macs); }),
+                        [this](uint32_t interface, const Entries &entries) {
+                          return unblock(interface, entries);
+                        }),
         list_message(108, "allow-mac-loids", AuthMode::kMacAndLoid, &AllowList::add),
         list_message(109, "disallow-mac-loids", AuthMode::kMacAndLoid, &AllowList::remove),
         list_message(110, "allow-loids", AuthMode::kLoid, &AllowList::add),
         list_message(111, "disallow-loids", AuthMode::kLoid, &AllowList::remove),
         list_message(112, "allow-macs", AuthMode::kMac, &AllowList::add),
         list_message(113, "disallow-macs", AuthMode::kMac, &AllowList::remove),
-        {kMainModule, 114, "set-auth-mode", exactly(kInterfaceRecord),
+        {kMainModule, 114, "set-auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::set_mode)},
-        {kMainModule, 115, "auth-lists", exactly(kInterfaceRecord),
-         on(this, &PonAuthentication::list_access)},
-        {kMainModule, 116, "auth-mode", exactly(kInterfaceRecord),
+        interface_listing(hardware_, *state_, 115, "auth-lists", "authmode",
+                          [this](uint32_t interface) { return list_access(interface); }),
+        {kMainModule, 116, "auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::mode)},
     };
   }
@@ -73,7 +69,9 @@ class PonAuthentication final : public Family {
       Json value = {{"interface", interface}, {"mode", static_cast<uint32_t>(access.mode)}};
       for (size_t i = 0; i < access.lists.size(); ++i) {
         Json entries = Json::array();
-        for (const auto &entry : access.lists[i].records()) entries.push_back(to_hex(entry));
+        for (const AuthEntry &entry : access.lists[i].entries()) {
+          entries.push_back(to_hex(bytes_of(entry)));
+        }
         value[std::string(kListKeys[i])] = std::move(entries);
       }
       interfaces.push_back(std::move(value));
@@ -150,8 +148,8 @@ class PonAuthentication final : public Family {
   }
 
  private:
-  using Entries = std::span<const uint8_t>;
-  using EntriesAction = std::function<Status(uint32_t interface, Entries entries)>;
+  using Entries = std::vector<AuthEntry>;
+  using EntriesAction = std::function<Status(uint32_t interface, const Entries &entries)>;
 
   uint32_t interfaces_count() const { return state_->topology.pon_interfaces; }
 
@@ -178,19 +176,20 @@ class PonAuthentication final : public Family {
 
   /// A message with entries behind the interface.
   Message entries_message(uint32_t type, std::string_view name, EntriesAction act) {
-    Lengths lengths = {kInterfaceRecord, kInterfaceRecord + kAuthEntry * kMostAllowed};
+    constexpr size_t kHead = sizeof(PonInterface);
+    Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMostAllowed};
     auto handler = [this, act = std::move(act)](const Request &request, Reply & /*reply*/) {
-      Entries entries = request.bytes(kInterfaceRecord, request.size() - kInterfaceRecord);
-      if (entries.size() % kAuthEntry != 0) return Status::kBadLength;
-      auto interface = state_->interface_named(request, 0);
-      return interface ? act(*interface, entries) : Status::kNotFound;
+      Entries entries = request.records<AuthEntry>(kHead);
+      auto head = request.record<PonInterface>();
+      if (!state_->has_interface(head.slot, head.interface)) return Status::kNotFound;
+      return act(head.interface, entries);
     };
     return {kMainModule, type, name, lengths, handler};
   }
 
   Message list_message(uint32_t type, std::string_view name, AuthMode mode,
-                       Status (AllowList::*change)(Entries)) {
-    return entries_message(type, name, [=, this](uint32_t interface, Entries entries) {
+                       Status (AllowList::*change)(const Entries &)) {
+    return entries_message(type, name, [=, this](uint32_t interface, const Entries &entries) {
       Status status = (admission_->of(interface).list(mode).*change)(entries);
       if (status != Status::kOk) return status;
       size_t thrown_out = admission_->throw_out(interface, hardware_.now());
@@ -199,10 +198,10 @@ class PonAuthentication final : public Family {
     });
   }
 
-  Status unblock(uint32_t interface, Entries entries) {
+  Status unblock(uint32_t interface, const Entries &entries) {
     std::vector<Onu *> unblocked;
-    for (; !entries.empty(); entries = entries.subspan(kAuthEntry)) {
-      Onu *onu = state_->find(interface, entries.first<6>());
+    for (const AuthEntry &entry : entries) {
+      Onu *onu = state_->find(interface, entry.mac);
       if (onu == nullptr || onu->admitted()) return Status::kNotFound;
       unblocked.push_back(onu);
     }
@@ -212,51 +211,47 @@ class PonAuthentication final : public Family {
   }
 
   Status set_mode(const Request &request, Reply & /*reply*/) {
-    auto interface = state_->interface_named(request, 0);
-    if (!interface) return Status::kNotFound;
-    uint32_t mode = request.u32(kModeAt);
-    if (mode > kLastAuthMode) return Status::kBadValue;
-    admission_->of(*interface).mode = static_cast<AuthMode>(mode);
-    admission_->try_all(*interface, hardware_.now());
-    record(*interface,
-           fmt::format("authentication {}", auth_mode_name(admission_->of(*interface).mode)));
+    auto asked = request.record<PonInterface>();
+    if (!state_->has_interface(asked.slot, asked.interface)) return Status::kNotFound;
+    if (asked.auth_mode > kLastAuthMode) return Status::kBadValue;
+    auto mode = static_cast<AuthMode>(asked.auth_mode);
+    admission_->of(asked.interface).mode = mode;
+    admission_->try_all(asked.interface, hardware_.now());
+    record(asked.interface, fmt::format("authentication {}", auth_mode_name(mode)));
     return Status::kOk;
   }
 
   Status mode(const Request &request, Reply &reply) {
-    auto interface = state_->interface_named(request, 0);
-    if (!interface) return Status::kNotFound;
-    reply.bytes(0, std::vector<uint8_t>(kInterfaceRecord));
-    reply.u32(0, kPonSlot);
-    reply.u32(4, *interface);
-    reply.u32(kModeAt, static_cast<uint32_t>(admission_->of(*interface).mode));
+    auto asked = request.record<PonInterface>();
+    if (!state_->has_interface(asked.slot, asked.interface)) return Status::kNotFound;
+    reply.record(PonInterface{
+        .slot = kPonSlot,
+        .interface = asked.interface,
+        .auth_mode = static_cast<uint32_t>(admission_->of(asked.interface).mode),
+    });
     return Status::kOk;
   }
 
-  Status list_blocked(const Request &request, Reply &reply) {
-    auto interface = state_->interface_named(request, kListedInterfaceAt);
-    if (!interface) return Status::kNotFound;
-    Report report("Block list of PON interface " + pon_name(*interface));
-    size_t blocked = count(*interface, Presence::kBlocked);
+  Report list_blocked(uint32_t interface) const {
+    Report report("Block list of PON interface " + pon_name(interface));
+    size_t blocked = count(interface, Presence::kBlocked);
     report.section(fmt::format("{} {}", blocked, blocked == 1 ? "ONU" : "ONUs"),
                    {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
-    for (const Onu &onu : state_->of_interface(*interface)) {
+    for (const Onu &onu : state_->of_interface(interface)) {
       if (onu.admitted()) continue;
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(), utc_seconds(onu.from()),
                   verdict_text(admission_->judge(onu))});
     }
-    return hardware_.list_behind_header("blocklist", report.text(), reply);
+    return report;
   }
 
-  Status list_access(const Request &request, Reply &reply) {
-    auto interface = state_->interface_named(request, kListedInterfaceAt);
-    if (!interface) return Status::kNotFound;
-    const PonAccess &access = admission_->of(*interface);
-    Report report("Authentication on PON interface " + pon_name(*interface));
+  Report list_access(uint32_t interface) const {
+    const PonAccess &access = admission_->of(interface);
+    Report report("Authentication on PON interface " + pon_name(interface));
     report.section("Mode");
     report.row({fmt::to_string(static_cast<uint32_t>(access.mode)), auth_mode_name(access.mode)});
-    for (const AllowList &list : access.lists) add_list(report, *interface, list);
-    return hardware_.list_behind_header("authmode", report.text(), reply);
+    for (const AllowList &list : access.lists) add_list(report, interface, list);
+    return report;
   }
 
   static void add_list(Report &report, uint32_t interface, const AllowList &list) {
@@ -268,13 +263,11 @@ class PonAuthentication final : public Family {
     report.section(fmt::format("Allowed {} on {}: {}", auth_mode_name(list.mode()),
                                pon_name(interface), list.size()),
                    columns);
-    for (const auto &entry : list.records()) {
+    for (const AuthEntry &entry : list.entries()) {
       std::vector<std::string> cells;
-      Mac address;
-      std::copy_n(entry.begin(), address.size(), address.begin());
-      if (mac) cells.push_back(mac_text(address));
-      if (loid) cells.push_back(text_cell(std::span(entry).subspan(kEntryLoidAt, 24)));
-      if (loid) cells.emplace_back(entry[kEntryPasswordAt] == 0 ? "any" : "**");
+      if (mac) cells.push_back(mac_text(entry.mac));
+      if (loid) cells.push_back(printable_ascii(text_of(entry.loid)));
+      if (loid) cells.emplace_back(entry.password[0] == '\0' ? "any" : "**");
       report.row(std::move(cells));
     }
   }
@@ -284,14 +277,15 @@ class PonAuthentication final : public Family {
     PonAccess &access = admission_->of(read_interface(reader));
     access.mode = static_cast<AuthMode>(reader.number("mode", {0, kLastAuthMode}));
     for (size_t i = 0; i < access.lists.size(); ++i) {
-      for_each_element(reader.get(kListKeys[i]), reader.place_of(kListKeys[i]),
-                       [&list = access.lists[i]](const Json &entry, const std::string &at) {
-                         auto bytes = from_hex(entry.is_string() ? entry.get<std::string>() : "");
-                         bool sound = bytes && bytes->size() == kAuthEntry;
-                         if (!sound || list.add(*bytes) != Status::kOk) {
-                           refuse(at, entry, "an entry of the list, 44 bytes in hex");
-                         }
-                       });
+      for_each_element(
+          reader.get(kListKeys[i]), reader.place_of(kListKeys[i]),
+          [&list = access.lists[i]](const Json &entry, const std::string &at) {
+            auto bytes = from_hex(entry.is_string() ? entry.get<std::string>() : "");
+            bool valid = bytes && bytes->size() == sizeof(AuthEntry);
+            if (!valid || list.add(Request(*bytes).records<AuthEntry>(0)) != Status::kOk) {
+              refuse(at, entry, "an entry of the list, 44 bytes in hex");
+            }
+          });
     }
     reader.finish();
   }

@@ -14,8 +14,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kStateAt = 36;
-
 /// There and back, at 5 ns for a metre of fibre.
 constexpr uint32_t kRoundTripPerMetre = 10;
 
@@ -33,8 +31,10 @@ class PonInventory final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        {kMainModule, 35, "onus", exactly(kInterfaceRecord), on(this, &PonInventory::list_onus)},
-        {kMainModule, 36, "links", exactly(kInterfaceRecord), on(this, &PonInventory::list_links)},
+        interface_listing(hardware_, *state_, 35, "onus", "onulist",
+                          [this](uint32_t interface) { return list_onus(interface); }),
+        interface_listing(hardware_, *state_, 36, "links", "linklist",
+                          [this](uint32_t interface) { return list_links(interface); }),
         onu_listing(47, "onu-info", "onuinfo", "Basic information of ONU",
                     &PonInventory::show_basics),
         onu_listing(48, "onu-config", "onuconfig", "Running configuration of ONU",
@@ -71,14 +71,12 @@ class PonInventory final : public Family {
     return text.empty() ? "-" : text;
   }
 
-  Status list_onus(const Request &request, Reply &reply) {
-    auto interface = state_->interface_named(request, kListedInterfaceAt);
-    if (!interface) return Status::kNotFound;
+  Report list_onus(uint32_t interface) const {
     TimePoint now = hardware_.now();
-    auto onus = state_->of_interface(*interface);
+    auto onus = state_->of_interface(interface);
     auto count =
         std::count_if(onus.begin(), onus.end(), [now](const Onu &onu) { return onu.up(now); });
-    Report report("ONUs of PON interface " + pon_name(*interface));
+    Report report("ONUs of PON interface " + pon_name(interface));
     report.section(
         fmt::format("{} {}, {} up", onus.size(), onus.size() == 1 ? "ONU" : "ONUs", count),
         {"ONU", "MAC address", "LOID", "State", "Since", "Description"});
@@ -86,30 +84,28 @@ class PonInventory final : public Family {
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(),
                   presence_name(onu.presence(now)), since(onu), description(onu)});
     }
-    return hardware_.list_behind_header("onulist", report.text(), reply);
+    return report;
   }
 
   /// What the link may carry at most, as granted; all of the PON while nothing was asked for.
   uint32_t bandwidth(const Onu &onu) const {
-    uint32_t granted = Request(state_->records.link_dba.at(onu.place())).u32(kMaximumAt);
-    return granted == 0 ? kMostBandwidth : granted;
+    auto record = Request(state_->records.link_dba.at(onu.place())).record<LinkDba>();
+    return record.granted[1] == 0 ? kMostBandwidth : record.granted[1];
   }
 
-  Status list_links(const Request &request, Reply &reply) {
-    auto interface = state_->interface_named(request, kListedInterfaceAt);
-    if (!interface) return Status::kNotFound;
+  Report list_links(uint32_t interface) const {
     TimePoint now = hardware_.now();
-    Report report("Links of PON interface " + pon_name(*interface));
+    Report report("Links of PON interface " + pon_name(interface));
     report.section("Links of the ONUs that are up", {"Link", "Distance in m", "Round trip in ns",
                                                      "Bandwidth in kbit/s", "Up for in s"});
-    for (const Onu &onu : state_->of_interface(*interface)) {
+    for (const Onu &onu : state_->of_interface(interface)) {
       if (!onu.up(now)) continue;
       uint32_t length = fibre_length(onu.place());
       report.row({to_text(onu.place()), fmt::to_string(length),
                   fmt::to_string(length * kRoundTripPerMetre), fmt::to_string(bandwidth(onu)),
                   since_start(onu.up_from(), now)});
     }
-    return hardware_.list_behind_header("linklist", report.text(), reply);
+    return report;
   }
 
   Status show_basics(const Onu &onu, Report &report) {
@@ -143,9 +139,10 @@ class PonInventory final : public Family {
   }
 
   Status tell_mac(const Onu &onu, const Request &request, Reply &reply) {
-    reply.bytes(0, request.bytes(0, kOntTarget));
-    reply.bytes(kTargetMacAt, onu.mac());
-    reply.u32(kStateAt, onu.up(hardware_.now()) ? 1 : 0);
+    auto target = request.record<OntTarget>();
+    set_bytes(target.mac, onu.mac());
+    target.mac_word = onu.up(hardware_.now()) ? 1 : 0;
+    reply.record(target);
     return Status::kOk;
   }
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 
 #include "base/text.h"
 #include "box/pon/families.h"
@@ -12,24 +11,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kWord = 4;
-constexpr size_t kGlobalRecord = 32;
-constexpr size_t kPeerToPeerAt = 16;
-constexpr size_t kEncryptionAt = 20;
-constexpr size_t kPonPortAt = 28;
-constexpr std::string_view kGlobalFields[] = {
-    "Word 0",
-    "Word 1",
-    "Word 2",
-    "Word 3",
-    "Peer to peer",
-    "Encryption, first",
-    "Encryption, second",
-    "PON port",
-};
-static_assert(std::size(kGlobalFields) * kWord == kGlobalRecord);
-
-constexpr size_t kTrafficAt = 40;  ///< in the target itself
+using GlobalWord = uint32_t GlobalParameters::*;
 
 class PonLink final : public OnuFamily {
  public:
@@ -50,8 +32,8 @@ class PonLink final : public OnuFamily {
         onu_message(45, "undescribe-onu", &PonLink::undescribe),
         part_message(state(), 46, "set-user-traffic", Scope::kOnu, exactly(0),
                      [&records](const OnuPart &onu, const Request &request, Reply & /*reply*/) {
-                       records.user_traffic.set(
-                           onu, request.bytes(kTrafficAt, records.user_traffic.size()));
+                       records.user_traffic.set(onu,
+                                                bytes_of(request.record<OntTarget>().user_traffic));
                        return Status::kOk;
                      }),
         set_message(state(), 49, "force-onu-feature", records.feature),
@@ -59,10 +41,11 @@ class PonLink final : public OnuFamily {
                      [this](const OnuPart &onu, const Request &request, Reply &reply) {
                        return grant(onu, request, reply);
                      }),
-        global_message(76, "set-peer-to-peer", {kPeerToPeerAt, kPeerToPeerAt + kWord}),
-        global_message(77, "set-pon-port", {kPonPortAt, kPonPortAt + kWord}),
-        global_message(78, "set-encryption", {kEncryptionAt, kEncryptionAt + 2 * kWord}),
-        {kMainModule, 79, "global-parameters", exactly(kGlobalRecord),
+        global_message(76, "set-peer-to-peer", {&GlobalParameters::p2p_function}),
+        global_message(77, "set-pon-port", {&GlobalParameters::ponport_function}),
+        global_message(78, "set-encryption",
+                       {&GlobalParameters::link_security_a, &GlobalParameters::link_security_b}),
+        {kMainModule, 79, "global-parameters", exactly(sizeof(GlobalParameters)),
          on(this, &PonLink::exchange_global)},
         onu_message(107, "reboot-onu", &PonLink::reboot_onu),
         onu_message(168, "reboot-onu", &PonLink::reboot_onu),
@@ -72,7 +55,7 @@ class PonLink final : public OnuFamily {
 
   Json configuration() const override {
     Json value = OnuFamily::configuration();
-    value["global"] = to_hex(global_);
+    value["global"] = to_hex(bytes_of(global_));
     return value;
   }
 
@@ -83,20 +66,18 @@ class PonLink final : public OnuFamily {
 
   void describe_configuration(Report &report) const override {
     report.section("Global parameters of the PON");
-    for (size_t i = 0; i < std::size(kGlobalFields); ++i) {
-      report.row({std::string(kGlobalFields[i]), fmt::to_string(Request(global_).u32(kWord * i))});
+    for (size_t i = 0; i < std::size(global_.reserved_00); ++i) {
+      report.row({fmt::format("Word {}", i), fmt::to_string(global_.reserved_00[i])});
     }
+    report.row({"Peer to peer", fmt::to_string(global_.p2p_function)});
+    report.row({"Encryption, first", fmt::to_string(global_.link_security_a)});
+    report.row({"Encryption, second", fmt::to_string(global_.link_security_b)});
+    report.row({"PON port", fmt::to_string(global_.ponport_function)});
     OnuFamily::describe_configuration(report);
   }
 
  private:
-  void configure_rest(ObjectReader &reader) override {
-    auto bytes = from_hex(reader.text("global"));
-    if (!bytes || bytes->size() != kGlobalRecord) {
-      refuse(reader.place_of("global"), reader.get("global"), "32 bytes in hex");
-    }
-    std::copy(bytes->begin(), bytes->end(), global_.begin());
-  }
+  void configure_rest(ObjectReader &reader) override { reader.hex("global", bytes_of(global_)); }
 
   Message onu_message(uint32_t type, std::string_view name, Status (PonLink::*act)(Onu &)) {
     return part_message(state(), type, name, Scope::kOnu, exactly(0),
@@ -105,33 +86,27 @@ class PonLink final : public OnuFamily {
                         });
   }
 
-  /// A setter of the global parameters takes its own bytes alone.
-  Message global_message(uint32_t type, std::string_view name, ByteRange own) {
-    auto handler = [this, own](const Request &request, Reply & /*reply*/) {
-      auto bytes = request.bytes(own.begin, own.end - own.begin);
-      std::copy(bytes.begin(), bytes.end(), &global_[own.begin]);
+  /// A message that sets these words of the global parameters and reads no others.
+  Message global_message(uint32_t type, std::string_view name, std::vector<GlobalWord> words) {
+    auto handler = [this, words = std::move(words)](const Request &request, Reply & /*reply*/) {
+      auto record = request.record<GlobalParameters>();
+      for (GlobalWord word : words) global_.*word = record.*word;
       return Status::kOk;
     };
-    return {kMainModule, type, name, exactly(kGlobalRecord), handler};
+    return {kMainModule, type, name, exactly(sizeof(GlobalParameters)), handler};
   }
 
   Status exchange_global(const Request &request, Reply &reply) {
-    auto bytes = request.bytes(0, kGlobalRecord);
-    std::copy(bytes.begin(), bytes.end(), global_.begin());
-    reply.bytes(0, global_);
+    global_ = request.record<GlobalParameters>();
+    reply.record(global_);
     return Status::kOk;
   }
 
   Status grant(const OnuPart &onu, const Request &request, Reply &reply) {
-    RecordTable &table = state().records.link_dba;
-    Reply granted;
-    granted.bytes(0, request.bytes(kOntTarget, table.size()));
-    for (size_t at : kGrantedAt) {
-      granted.u32(at, std::min(request.u32(kOntTarget + at), kMostBandwidth));
-    }
-    std::vector<uint8_t> record = granted.take();
-    table.set(onu, record);
-    reply.bytes(0, record);
+    auto record = request.record<LinkDba>(sizeof(OntTarget));
+    for (uint32_t &bandwidth : record.granted) bandwidth = std::min(bandwidth, kMostBandwidth);
+    state().records.link_dba.set(onu, bytes_of(record));
+    reply.record(record);
     return Status::kOk;
   }
 
@@ -171,7 +146,7 @@ class PonLink final : public OnuFamily {
 
   Hardware &hardware_;
   SharedAdmission admission_;
-  std::array<uint8_t, kGlobalRecord> global_ = {};
+  GlobalParameters global_ = {};
 };
 
 }  // namespace

@@ -15,8 +15,7 @@ namespace {
 
 using std::chrono::seconds;
 
-constexpr size_t kMostVlans = 64;
-constexpr size_t kVlanId = 2;
+constexpr size_t kMostVlans = std::size(MulticastVlans().vlans);
 constexpr uint32_t kMostGroups = 4;  ///< that a port joins of its own
 constexpr seconds kBetweenGroups{5};
 
@@ -69,14 +68,13 @@ class PonMulticast final : public OnuFamily {
   Message vlans_message(uint32_t type, std::string_view name,
                         Status (PonMulticast::*act)(const OnuPart &, const Vlans &)) {
     auto handler = [this, act](const OnuPart &port, const Request &request, Reply & /*reply*/) {
-      Vlans vlans;
-      for (size_t at = kOntTarget; at < request.size(); at += kVlanId) {
-        vlans.push_back(request.u16(at));
-        if (vlans.back() < 1 || vlans.back() > kLastVlan) return Status::kBadValue;
-      }
-      return (this->*act)(port, vlans);
+      Vlans vlans = request.records<uint16_t>(sizeof(OntTarget));
+      bool valid = std::all_of(vlans.begin(), vlans.end(),
+                               [](uint16_t vlan) { return vlan >= 1 && vlan <= kLastVlan; });
+      return valid ? (this->*act)(port, vlans) : Status::kBadValue;
     };
-    return part_message(state(), type, name, Scope::kUniPort, {0, kVlanId * kLastVlan}, handler);
+    return part_message(state(), type, name, Scope::kUniPort, {0, sizeof(uint16_t) * kLastVlan},
+                        handler);
   }
 
   Vlans vlans_of(const OnuPart &port) const {
@@ -84,14 +82,9 @@ class PonMulticast final : public OnuFamily {
   }
 
   void keep(const OnuPart &port, const Vlans &vlans) {
-    RecordTable &table = state().records.multicast_vlans;
-    std::vector<uint8_t> record(table.size());
-    record[0] = static_cast<uint8_t>(vlans.size());
-    for (size_t i = 0; i < vlans.size(); ++i) {
-      record[1 + kVlanId * i] = static_cast<uint8_t>(vlans[i]);
-      record[2 + kVlanId * i] = static_cast<uint8_t>(vlans[i] >> 8);
-    }
-    table.set(port, record);
+    MulticastVlans record = {.count = static_cast<uint8_t>(vlans.size())};
+    for (size_t i = 0; i < vlans.size(); ++i) record.vlans[i] = vlans[i];
+    state().records.multicast_vlans.set(port, bytes_of(record));
   }
 
   Status add(const OnuPart &port, const Vlans &added) {
@@ -147,7 +140,7 @@ class PonMulticast final : public OnuFamily {
     for (uint32_t part = 1; part <= state().parts(Scope::kUniPort); ++part) {
       OnuPart port = {place.interface, place.onu, part};
       Vlans vlans = vlans_of(port);
-      uint32_t limit = Request(state().records.multicast_group_limit.at(port)).u32(0);
+      uint32_t limit = Request(state().records.multicast_group_limit.at(port)).word();
       uint32_t groups = wanted_groups(port);
       if (limit != 0) groups = std::min(groups, limit);
       for (uint32_t group = 1; group <= groups; ++group) {

@@ -1,4 +1,4 @@
-/// Listings of single ONUs and of their parts.
+/// Listings of PON interfaces, of ONUs and of their parts.
 #ifndef OLT_BOX_PON_ONU_LISTING_H
 #define OLT_BOX_PON_ONU_LISTING_H
 
@@ -19,6 +19,10 @@ using PartReporter = std::function<Status(const OnuPart &, Report &)>;
 Message listing_message(Hardware &hardware, OnuState &state, uint32_t type, std::string_view name,
                         Scope scope, std::string_view kind, std::string_view title,
                         PartReporter fill);
+
+/// A message that lists something of a PON interface.
+Message interface_listing(Hardware &hardware, OnuState &state, uint32_t type, std::string_view name,
+                          std::string_view kind, std::function<Report(uint32_t interface)> report);
 
 }  // namespace olt::box
 

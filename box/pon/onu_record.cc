@@ -27,7 +27,7 @@ std::optional<uint32_t> take_number(std::string_view &text, std::string_view sep
 std::string words_text(std::span<const uint8_t> record) {
   std::string text;
   for (size_t at = 0; at + 4 <= record.size(); at += 4) {
-    text += fmt::format("{}{}", at == 0 ? "" : " ", Request(record).u32(at));
+    text += fmt::format("{}{}", at == 0 ? "" : " ", Request(record).word(at));
   }
   return text;
 }
@@ -47,17 +47,12 @@ std::string counted_ids_text(std::span<const uint8_t> record) {
   return text;
 }
 
-std::string characters(std::span<const uint8_t> record) {
-  auto end = std::find(record.begin(), record.end(), 0);
-  return printable_ascii(std::string(record.begin(), end));
-}
-
 }  // namespace
 
 std::vector<uint16_t> counted_ids(std::span<const uint8_t> record) {
   size_t count = std::min<size_t>(record.front(), (record.size() - 1) / 2);
   std::vector<uint16_t> ids(count);
-  for (size_t i = 0; i < count; ++i) ids[i] = Request(record).u16(1 + 2 * i);
+  for (size_t i = 0; i < count; ++i) ids[i] = Request(record).record<uint16_t>(1 + 2 * i);
   return ids;
 }
 
@@ -111,7 +106,7 @@ std::string RecordTable::show(std::span<const uint8_t> record) const {
     case Shown::kWords:
       return words_text(record);
     case Shown::kText:
-      return characters(record);
+      return printable_ascii(text_in(record));
     case Shown::kCountedIds:
       return counted_ids_text(record);
     case Shown::kBytes:

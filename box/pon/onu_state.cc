@@ -111,12 +111,6 @@ bool OnuState::has_interface(uint32_t slot, uint32_t interface) const {
   return slot == kPonSlot && interface >= 1 && interface <= topology.pon_interfaces;
 }
 
-std::optional<uint32_t> OnuState::interface_named(const Request &request, size_t offset) const {
-  uint32_t interface = request.u32(offset + 4);
-  if (!has_interface(request.u32(offset), interface)) return std::nullopt;
-  return interface;
-}
-
 std::span<Onu> OnuState::of_interface(uint32_t interface) {
   size_t count = topology.onus_per_interface;
   return std::span(onus).subspan((interface - 1) * count, count);
@@ -144,19 +138,20 @@ bool OnuState::has(Scope scope, const OnuPart &place) const {
 }
 
 std::optional<OnuPart> OnuState::named(const Request &request, Scope scope) const {
-  OnuPart place{request.u32(4), request.u32(8), 0};
-  if (scope != Scope::kOnu) place.part = request.u32(kTargetPartAt);
+  auto target = request.record<OntTarget>();
+  OnuPart place{target.interface, target.onu, 0};
+  if (scope != Scope::kOnu) place.part = target.part;
   if (scope == Scope::kVoiceLine && place.part == 0) place.part = 1;
-  if (request.u32(0) != kPonSlot || !has(scope, place)) return std::nullopt;
+  if (target.slot != kPonSlot || !has(scope, place)) return std::nullopt;
   return place;
 }
 
 std::optional<OnuPart> OnuState::behind(const Request &request, Scope scope) const {
-  uint32_t slot = request.u32(0);
-  if (slot > kPonSlot || (scope != Scope::kOnu && parts(scope) == 0)) return std::nullopt;
+  auto target = request.record<OntTarget>();
+  if (target.slot > kPonSlot || (scope != Scope::kOnu && parts(scope) == 0)) return std::nullopt;
   bool whole = scope == Scope::kOnu;
   OnuPart row;
-  if (slot == kPonSlot) row = {request.u32(4), request.u32(8), request.u32(kTargetPartAt)};
+  if (target.slot == kPonSlot) row = {target.interface, target.onu, target.part};
   OnuPart first_of_interface{1, 1, whole ? 0U : 1U};
   if (row.interface == 0) return first_of_interface;
   if (row.interface > topology.pon_interfaces) return std::nullopt;
@@ -184,17 +179,21 @@ void OnuState::forget_services(const OnuPart &onu) {
 Message part_message(OnuState &state, uint32_t type, std::string_view name, Scope scope,
                      Lengths tail, PartHandler act) {
   auto handler = [&state, scope, act = std::move(act)](const Request &request, Reply &reply) {
-    if (request.u32(kTargetKindAt) != kThisRow) return Status::kBadValue;
+    if (request.record<OntTarget>().target_kind != kThisRow) return Status::kBadValue;
     auto place = state.named(request, scope);
     return place ? act(*place, request, reply) : Status::kNotFound;
   };
-  return {kMainModule, type, name, {kOntTarget + tail.least, kOntTarget + tail.most}, handler};
+  return {kMainModule,
+          type,
+          name,
+          {sizeof(OntTarget) + tail.least, sizeof(OntTarget) + tail.most},
+          handler};
 }
 
 Message set_message(OnuState &state, uint32_t type, std::string_view name, RecordTable &table) {
   return part_message(state, type, name, table.scope(), exactly(table.size()),
                       [&table](const OnuPart &place, const Request &request, Reply & /*reply*/) {
-                        table.set(place, request.bytes(kOntTarget, table.size()));
+                        table.set(place, request.bytes(sizeof(OntTarget), table.size()));
                         return Status::kOk;
                       });
 }

@@ -17,25 +17,7 @@
 
 namespace olt::box {
 
-inline constexpr size_t kOntTarget = 88;
-inline constexpr size_t kTargetKindAt = 12;
-inline constexpr size_t kTargetPartAt = 16;
-inline constexpr size_t kTargetMacAt = 28;
-
-/// What the kind of a target asks for.
-enum TargetKind : uint32_t {
-  kThisRow = 1,  ///< what the target names
-  kNextRow = 2,  ///< readers of tables: the row behind what the target names
-};
-
-/// What names a PON interface in requests; those for a listing name it behind a first word.
-inline constexpr size_t kInterfaceRecord = 80;
-inline constexpr size_t kListedInterfaceAt = 4;
-
-/// Words of a DBA record that say what is asked for and then granted, in kbit/s.
-inline constexpr size_t kGrantedAt[] = {12, 16};
-inline constexpr size_t kMaximumAt = kGrantedAt[1];
-inline constexpr uint32_t kMostBandwidth = 1'000'000;
+inline constexpr uint32_t kMostBandwidth = 1'000'000;  ///< in kbit/s
 
 inline constexpr uint32_t kWanConnectionsPerOnu = 8;
 
@@ -83,13 +65,13 @@ class Onu {
 struct OnuRecords {
   RecordTable feature{"feature", "Basic features", Scope::kOnu, 48};
   RecordTable description{"description", "Descriptions", Scope::kOnu, 48, Shown::kText};
-  RecordTable link_dba{"link_dba", "Link bandwidth", Scope::kOnu, 20};
+  RecordTable link_dba{"link_dba", "Link bandwidth", Scope::kOnu, sizeof(LinkDba)};
   RecordTable user_traffic{"user_traffic", "User traffic", Scope::kOnu, 48};
 
   RecordTable port_alarm{"port_alarm", "UNI port alarms", Scope::kUniPort, 4};
   RecordTable port_loopback{"port_loopback", "UNI port loopbacks", Scope::kUniPort, 4};
-  RecordTable port_vlan_mode{"port_vlan_mode", "UNI port VLAN modes", Scope::kUniPort, 36,
-                             Shown::kBytes};
+  RecordTable port_vlan_mode{"port_vlan_mode", "UNI port VLAN modes", Scope::kUniPort,
+                             sizeof(UniVlanMode), Shown::kBytes};
   RecordTable port_down_rate{"port_down_rate", "UNI port downstream rates", Scope::kUniPort, 12};
   RecordTable port_policing{"port_policing", "UNI port policing", Scope::kUniPort, 16};
   RecordTable port_info{"port_info", "UNI port basic information", Scope::kUniPort, 44};
@@ -98,11 +80,10 @@ struct OnuRecords {
 
   RecordTable multicast_group_limit{"multicast_group_limit", "Multicast group limits",
                                     Scope::kUniPort, 4};
-  RecordTable multicast_strip{"multicast_strip", "Multicast tag stripping", Scope::kUniPort, 34,
-                              Shown::kBytes};
-  /// How many (a byte), then the VLANs (half-words).
-  RecordTable multicast_vlans{"multicast_vlans", "Multicast VLANs", Scope::kUniPort, 129,
-                              Shown::kCountedIds};
+  RecordTable multicast_strip{"multicast_strip", "Multicast tag stripping", Scope::kUniPort,
+                              sizeof(UniStripRow::strip), Shown::kBytes};
+  RecordTable multicast_vlans{"multicast_vlans", "Multicast VLANs", Scope::kUniPort,
+                              sizeof(MulticastVlans), Shown::kCountedIds};
   RecordTable fast_leave{"fast_leave", "IGMP fast leave", Scope::kUniPort, 4};
 
   RecordTable line_status{"line_status", "Voice line switches", Scope::kVoiceLine, 4};
@@ -112,8 +93,8 @@ struct OnuRecords {
   RecordTable sip{"sip", "SIP settings", Scope::kOnu, 45, Shown::kBytes};
   RecordTable voice_interface{"voice_interface", "Interfaces of the voice service", Scope::kOnu, 32,
                               Shown::kText};
-  RecordTable wan_connection{"wan_connection", "WAN connections", Scope::kWanConnection, 125,
-                             Shown::kBytes};
+  RecordTable wan_connection{"wan_connection", "WAN connections", Scope::kWanConnection,
+                             sizeof(WanConnection), Shown::kBytes};
   RecordTable configuration_action{"configuration_action", "Configuration actions", Scope::kOnu, 4};
   RecordTable iptv_profile{"iptv_profile", "IPTV profiles of ONUs", Scope::kOnu, 32, Shown::kText};
 
@@ -130,8 +111,6 @@ struct OnuState {
   Onu *find(const OnuPart &place) { return find(place.interface, place.onu); }
   Onu *find(uint32_t interface, std::span<const uint8_t, sizeof(Mac)> mac);
   bool has_interface(uint32_t slot, uint32_t interface) const;
-  /// The PON interface named by slot and number in two words at the offset.
-  std::optional<uint32_t> interface_named(const Request &request, size_t offset) const;
   /// The ONUs of one PON interface, which must exist, in order.
   std::span<Onu> of_interface(uint32_t interface);
 

@@ -66,7 +66,7 @@ class PonUniPort final : public OnuFamily {
   void show_vlan_mode(const OnuPart &port, Report &report) const {
     auto record = state().records.port_vlan_mode.at(port);
     report.section("VLAN mode");
-    report.row({"Mode", vlan_mode_name(Request(record).u32(0))});
+    report.row({"Mode", vlan_mode_name(Request(record).record<UniVlanMode>().mode)});
     report.section("Record");
     report.dump(record);
   }

@@ -13,6 +13,11 @@
 
 namespace olt::box {
 
+/// Whether a request may select rows so.
+inline bool is_selector(uint32_t word) {
+  return word == kThisRow || word == kNextRow;
+}
+
 std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, SharedOnus onus, SharedIptv iptv);
 std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SharedSwitch ethernet,
                                            SharedOnus onus, SharedAdmission admission);

@@ -12,34 +12,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kIndexAt = 4;
-
-constexpr size_t kVlanRow = 52;
-constexpr size_t kDescriptionAt = 8;
-constexpr size_t kDescriptionField = 32;
-constexpr size_t kTaggedPortsAt = 40;
-constexpr size_t kUntaggedPortsAt = 44;
-constexpr size_t kMembersAt = 48;
 constexpr uint32_t kPortsInWord = 32;
-
-constexpr size_t kPortRow = 48;
-constexpr size_t kPortDataAt = 12;
-/// Where the words of a row stand in the record of a port: enabled, link, speed, duplex, VLAN mode
-/// (first and second value), flow control, RSTP, most links.
-constexpr size_t kShownOfPort[] = {kPortEnableAt,     64, 20,           24, kVlanModeFirstAt,
-                                   kVlanModeSecondAt, 40, kRstpStateAt, 76};
-
-constexpr size_t kAuthRow = 60;
-
-/// A row of words; the others are zero.
-void write_words(Reply &reply, size_t size, std::initializer_list<uint32_t> words) {
-  reply.bytes(0, std::vector<uint8_t>(size));
-  size_t at = 0;
-  for (uint32_t word : words) {
-    reply.u32(at, word);
-    at += sizeof word;
-  }
-}
 
 class SnmpOltRows final : public Family {
  public:
@@ -53,9 +26,9 @@ class SnmpOltRows final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        {kMainModule, 73, "row-vlan", exactly(kVlanRow), on(this, &SnmpOltRows::vlan)},
-        {kMainModule, 75, "row-port", exactly(kPortRow), on(this, &SnmpOltRows::port)},
-        {kMainModule, 80, "row-authentication", exactly(kAuthRow),
+        {kMainModule, 73, "row-vlan", exactly(sizeof(VlanRow)), on(this, &SnmpOltRows::vlan)},
+        {kMainModule, 75, "row-port", exactly(sizeof(BasicPortRow)), on(this, &SnmpOltRows::port)},
+        {kMainModule, 80, "row-authentication", exactly(sizeof(AuthRow)),
          on(this, &SnmpOltRows::authentication)},
     };
   }
@@ -64,19 +37,17 @@ class SnmpOltRows final : public Family {
 
  private:
   Status vlan(const Request &request, Reply &reply) {
-    uint32_t selector = request.u32(0);
-    if (!is_selector(selector)) return Status::kBadValue;
-    uint32_t vlan = request.u32(kIndexAt);
-    if (selector == kNextRow) vlan = behind(vlan);
-    if (vlan > kLastVlan || !ethernet_->vlans[vlan]) return Status::kNotFound;
-    write_words(reply, kVlanRow, {selector, vlan});
-    auto description = ethernet_->descriptions.find(static_cast<uint16_t>(vlan));
+    auto index = request.record<VlanRow>();
+    if (!is_selector(index.selector)) return Status::kBadValue;
+    VlanRow row = {.selector = index.selector, .vlan = index.vlan};
+    if (row.selector == kNextRow) row.vlan = behind(row.vlan);
+    if (row.vlan > kLastVlan || !ethernet_->vlans[row.vlan]) return Status::kNotFound;
+    auto description = ethernet_->descriptions.find(static_cast<uint16_t>(row.vlan));
     if (description != ethernet_->descriptions.end()) {
-      const std::string &text = description->second;
-      reply.bytes(kDescriptionAt, {reinterpret_cast<const uint8_t *>(text.data()),
-                                   std::min(text.size(), kDescriptionField)});
+      set_text(row.description, description->second);
     }
-    write_members(vlan, reply);
+    count_members(row);
+    reply.record(row);
     return Status::kOk;
   }
 
@@ -88,53 +59,59 @@ class SnmpOltRows final : public Family {
     return vlan;
   }
 
-  /// One bit for each of the first ports, and how many ports there are in all.
-  void write_members(uint32_t vlan, Reply &reply) const {
-    uint32_t tagged = 0;
-    uint32_t untagged = 0;
-    uint32_t members = 0;
+  void count_members(VlanRow &row) const {
     for (const EthernetPort &port : ethernet_->ports) {
       const Membership &membership = ethernet_->memberships[port.number() - 1];
       uint32_t bit = port.number() <= kPortsInWord ? 1U << (port.number() - 1) : 0;
-      if (membership.tagged[vlan]) tagged |= bit;
-      if (membership.untagged[vlan]) untagged |= bit;
-      if (membership.tagged[vlan] || membership.untagged[vlan]) ++members;
+      bool tagged = membership.tagged[row.vlan];
+      bool untagged = membership.untagged[row.vlan];
+      if (tagged) row.tagged_ports |= bit;
+      if (untagged) row.untagged_ports |= bit;
+      if (tagged || untagged) ++row.members;
     }
-    reply.u32(kTaggedPortsAt, tagged);
-    reply.u32(kUntaggedPortsAt, untagged);
-    reply.u32(kMembersAt, members);
   }
 
   Status port(const Request &request, Reply &reply) {
-    uint32_t selector = request.u32(0);
-    if (!is_selector(selector)) return Status::kBadValue;
-    auto number = in_slot(request, kEthernetSlot, ethernet_->ports.size());
+    auto index = request.record<BasicPortRow>();
+    if (!is_selector(index.selector)) return Status::kBadValue;
+    bool next = index.selector == kNextRow;
+    auto number = in_slot(kEthernetSlot, ethernet_->ports.size(), index.slot, index.port, next);
     if (!number) return Status::kNotFound;
-    const EthernetPort &port = ethernet_->ports[*number - 1];
-    Reply shown;
-    port.show(hardware_.now(), shown);
-    std::vector<uint8_t> record = shown.take();
-    write_words(reply, kPortRow, {selector, kEthernetSlot, *number});
-    size_t at = kPortDataAt;
-    for (size_t offset : kShownOfPort) {
-      reply.u32(at, Request(record).u32(offset));
-      at += 4;
-    }
+    PortRecord port = ethernet_->ports[*number - 1].record(hardware_.now());
+    reply.record(BasicPortRow{.selector = index.selector,
+                              .slot = port.slot,
+                              .port = port.port,
+                              .port_enable = port.port_enable,
+                              .link_state = port.link_state,
+                              .link_speed = port.link_speed,
+                              .link_duplex = port.link_duplex,
+                              .vlanmode_first = port.vlanmode_first,
+                              .vlanmode_second = port.vlanmode_second,
+                              .flowcontrol = port.flowcontrol,
+                              .rstp_state = port.rstp_state,
+                              .max_link = port.max_link});
     return Status::kOk;
   }
 
   Status authentication(const Request &request, Reply &reply) {
-    uint32_t selector = request.u32(0);
-    if (!is_selector(selector)) return Status::kBadValue;
-    auto interface = in_slot(request, kPonSlot, hardware_.topology().pon_interfaces);
+    auto index = request.record<AuthRow>();
+    if (!is_selector(index.selector)) return Status::kBadValue;
+    const Topology &topology = hardware_.topology();
+    bool next = index.selector == kNextRow;
+    auto interface = in_slot(kPonSlot, topology.pon_interfaces, index.slot, index.interface, next);
     if (!interface) return Status::kNotFound;
     const PonAccess &access = admission_->of(*interface);
-    write_words(reply, kAuthRow,
-                {selector, kPonSlot, *interface, static_cast<uint32_t>(access.mode),
-                 allowed(access, AuthMode::kMac), allowed(access, AuthMode::kLoid),
-                 allowed(access, AuthMode::kMacAndLoid), hardware_.topology().onus_per_interface,
-                 count(*interface, Presence::kUp), count(*interface, Presence::kAway),
-                 count(*interface, Presence::kBlocked)});
+    reply.record(AuthRow{.selector = index.selector,
+                         .slot = kPonSlot,
+                         .interface = *interface,
+                         .auth_mode = static_cast<uint32_t>(access.mode),
+                         .allowed_macs = allowed(access, AuthMode::kMac),
+                         .allowed_loids = allowed(access, AuthMode::kLoid),
+                         .allowed_mac_loids = allowed(access, AuthMode::kMacAndLoid),
+                         .onus = topology.onus_per_interface,
+                         .onus_up = count(*interface, Presence::kUp),
+                         .onus_away = count(*interface, Presence::kAway),
+                         .onus_blocked = count(*interface, Presence::kBlocked)});
     return Status::kOk;
   }
 
@@ -150,15 +127,12 @@ class SnmpOltRows final : public Family {
                       [now, presence](const Onu &onu) { return onu.presence(now) == presence; }));
   }
 
-  static bool is_selector(uint32_t word) { return word == kThisRow || word == kNextRow; }
-
-  /// What slot and number in the row's index name, or what is behind it.
-  static std::optional<uint32_t> in_slot(const Request &request, uint32_t slot, size_t last) {
-    bool next = request.u32(0) == kNextRow;
-    uint32_t asked = request.u32(kIndexAt);
-    uint32_t number = request.u32(kIndexAt + 4);
-    if (next && asked < slot) return 1;
-    if (asked != slot || number > last) return std::nullopt;
+  /// The number in the slot, from 1 to the last, that the index names or, for the next row, the
+  /// one after it.
+  static std::optional<uint32_t> in_slot(uint32_t slot, size_t last, uint32_t index_slot,
+                                         uint32_t number, bool next) {
+    if (next && index_slot < slot) return 1;
+    if (index_slot != slot || number > last) return std::nullopt;
     if (next) ++number;
     return number >= 1 && number <= last ? std::optional(number) : std::nullopt;
   }

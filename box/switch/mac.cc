@@ -20,12 +20,6 @@ namespace {
 
 using std::chrono::seconds;
 
-constexpr size_t kRequest = 80;
-constexpr size_t kListedAt = 4;
-constexpr size_t kVlanFilterAt = 12;
-constexpr size_t kClearedAt = 0;
-
-constexpr size_t kPortMacRecord = 16;
 enum PortMacOp : uint16_t { kAdd = 1, kDelete = 2 };
 constexpr size_t kMostStatic = 256;
 
@@ -68,9 +62,11 @@ class SwitchMac final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        {kMainModule, 31, "dynamic-macs", exactly(kRequest), on(this, &SwitchMac::list)},
-        {kMainModule, 32, "clear-dynamic-macs", exactly(kRequest), on(this, &SwitchMac::clear)},
-        {kMainModule, 55, "port-mac", exactly(kPortMacRecord), on(this, &SwitchMac::act)},
+        {kMainModule, 31, "dynamic-macs", exactly(sizeof(ListingRequest)),
+         on(this, &SwitchMac::list)},
+        {kMainModule, 32, "clear-dynamic-macs", exactly(sizeof(PortRecord)),
+         on(this, &SwitchMac::clear)},
+        {kMainModule, 55, "port-mac", exactly(sizeof(PortMac)), on(this, &SwitchMac::act)},
     };
   }
 
@@ -148,9 +144,10 @@ class SwitchMac final : public Family {
   }
 
   Status list(const Request &request, Reply &reply) {
-    const EthernetPort *port = state_->find(request, kListedAt);
+    auto asked = request.record<ListingRequest>();
+    const EthernetPort *port = state_->find(asked.slot, asked.number);
     if (port == nullptr) return Status::kNotFound;
-    uint32_t vlan = request.u32(kVlanFilterAt);
+    uint32_t vlan = asked.vlan;
     if (vlan > kLastVlan) return Status::kBadValue;
     auto rows = rows_of(*port);
     if (vlan != 0) {
@@ -209,21 +206,21 @@ class SwitchMac final : public Family {
   }
 
   Status clear(const Request &request, Reply & /*reply*/) {
-    const EthernetPort *port = state_->find(request, kClearedAt);
+    auto record = request.record<PortRecord>();
+    const EthernetPort *port = state_->find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     forgotten_[port->number() - 1] = hardware_.now();
     return Status::kOk;
   }
 
   Status act(const Request &request, Reply & /*reply*/) {
-    const EthernetPort *port = state_->find(request.u16(0), request.u16(2));
+    auto record = request.record<PortMac>();
+    const EthernetPort *port = state_->find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
-    Address address = {request.u16(6), {}};
-    auto bytes = request.bytes(8, address.mac.size());
-    std::copy(bytes.begin(), bytes.end(), address.mac.begin());
+    Address address = {record.vlan, std::to_array(record.mac)};
     bool sound = address.vlan >= 1 && address.vlan <= kLastVlan && is_unicast(address.mac);
     if (!sound) return Status::kBadValue;
-    switch (request.u16(4)) {
+    switch (record.operation) {
       case kAdd:
         return add(port->number(), address);
       case kDelete:

@@ -2,9 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
-
 #include "base/text.h"
 #include "box/switch/families.h"
 
@@ -12,19 +9,8 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kRecord = 24;
-constexpr std::string_view kFields[] = {
-    "Enabled",
-    "Query interval in s",
-    "Response time in s",
-    "Robustness",
-    "Last member query interval in s",
-    "Fast leave",
-};
-static_assert(std::size(kFields) * 4 == kRecord);
-
-using Proxy = std::array<uint8_t, kRecord>;
-constexpr Proxy kFactory = {0, 0, 0, 0, 125, 0, 0, 0, 10, 0, 0, 0, 2, 0, 0, 0, 1};
+constexpr IgmpProxy kFactory = {
+    .query_interval = 125, .response_time = 10, .robustness = 2, .last_member_query_interval = 1};
 
 class SwitchMulticast final : public Family {
  public:
@@ -43,23 +29,19 @@ class SwitchMulticast final : public Family {
             150, "delete-multicast-vlans", 0,
             [this](const Request &, const std::vector<IdRange> &ranges) { return remove(ranges); }),
         {kMainModule, 151, "igmp-proxy", exactly(0), on(this, &SwitchMulticast::proxy)},
-        {kMainModule, 152, "set-igmp-proxy", exactly(kRecord),
+        {kMainModule, 152, "set-igmp-proxy", exactly(sizeof(IgmpProxy)),
          on(this, &SwitchMulticast::set_proxy)},
         {kMainModule, 153, "igmp-proxy-dump", exactly(0), on(this, &SwitchMulticast::dump)},
     };
   }
 
   Json configuration() const override {
-    return {{"igmp_proxy", to_hex(proxy_)}, {"vlans", ids_to_text(vlans_)}};
+    return {{"igmp_proxy", to_hex(bytes_of(proxy_))}, {"vlans", ids_to_text(vlans_)}};
   }
 
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
-    auto bytes = from_hex(reader.text("igmp_proxy"));
-    if (!bytes || bytes->size() != kRecord) {
-      refuse(reader.place_of("igmp_proxy"), reader.get("igmp_proxy"), "24 bytes in hex");
-    }
-    std::copy(bytes->begin(), bytes->end(), proxy_.begin());
+    reader.hex("igmp_proxy", bytes_of(proxy_));
     vlans_ = read_ids(reader, "vlans");
     reader.finish();
   }
@@ -71,9 +53,13 @@ class SwitchMulticast final : public Family {
 
   void describe_configuration(Report &report) const override {
     report.section("IGMP proxy");
-    for (size_t i = 0; i < std::size(kFields); ++i) {
-      report.row({std::string(kFields[i]), fmt::to_string(Request(proxy_).u32(4 * i))});
-    }
+    report.row({"Enabled", fmt::to_string(proxy_.enabled)});
+    report.row({"Query interval in s", fmt::to_string(proxy_.query_interval)});
+    report.row({"Response time in s", fmt::to_string(proxy_.response_time)});
+    report.row({"Robustness", fmt::to_string(proxy_.robustness)});
+    report.row(
+        {"Last member query interval in s", fmt::to_string(proxy_.last_member_query_interval)});
+    report.row({"Fast leave", fmt::to_string(proxy_.fast_leave)});
     report.section("Multicast VLANs");
     for (std::string &line : ids_to_cells(vlans_, 80)) report.row({std::move(line)});
   }
@@ -89,32 +75,26 @@ class SwitchMulticast final : public Family {
   }
 
   Status proxy(Reply &reply) {
-    reply.bytes(0, proxy_);
+    reply.record(proxy_);
     return Status::kOk;
   }
 
   Status set_proxy(const Request &request, Reply & /*reply*/) {
-    auto bytes = request.bytes(0, kRecord);
-    std::copy(bytes.begin(), bytes.end(), proxy_.begin());
+    proxy_ = request.record<IgmpProxy>();
     hardware_.events().record(Level::kNotice, kMainModule, "IGMP proxy set");
     return Status::kOk;
   }
 
   Status dump(Reply &reply) {
     auto ranges = ranges_of(vlans_);
-    reply.bytes(0, proxy_);
-    reply.u32(kRecord, static_cast<uint32_t>(ranges.size()));
-    size_t at = kRecord + 4;
-    for (auto [first, last] : ranges) {
-      reply.u16(at, first);
-      reply.u16(at + 2, last);
-      at += kVlanElement;
-    }
+    reply.record(proxy_);
+    reply.append(bytes_of(static_cast<uint32_t>(ranges.size())));
+    for (auto [first, last] : ranges) reply.append(bytes_of(VlanElement{first, last}));
     return Status::kOk;
   }
 
   Hardware &hardware_;
-  Proxy proxy_ = kFactory;
+  IgmpProxy proxy_ = kFactory;
   IdSet vlans_;
 };
 

@@ -11,9 +11,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kAggregationRecord = 32;
-constexpr size_t kAggregationAt = 8;
-
 class SwitchPort final : public Family {
  public:
   SwitchPort(Hardware &hardware, SharedSwitch state)
@@ -22,32 +19,29 @@ class SwitchPort final : public Family {
   std::string_view name() const override { return "switch-port"; }
 
   std::vector<Message> messages() override {
-    std::vector<size_t> all;
-    for (const PortSetting &setting : kPortSettings) all.push_back(setting.offset);
+    std::vector<PortWord> all;
+    for (const PortSetting &setting : kPortSettings) all.push_back(setting.word);
     return {
-        setter(13, "set-sfp-module", {12}),
-        setter(14, "set-port-enable", {kPortEnableAt}),
+        setter(13, "set-sfp-module", {&PortRecord::sfp_module}),
+        setter(14, "set-port-enable", {&PortRecord::port_enable}),
         getter(15, "port-enable"),
         getter(16, "link-state"),
         getter(17, "link-duplex"),
         getter(18, "link-speed"),
-        setter(24, "set-vlan-mode", {kVlanModeFirstAt, kVlanModeSecondAt}),
-        {kMainModule, 34, "set-uplink-aggregation", exactly(kAggregationRecord),
+        setter(24, "set-vlan-mode", {&PortRecord::vlanmode_first, &PortRecord::vlanmode_second}),
+        {kMainModule, 34, "set-uplink-aggregation", exactly(sizeof(UplinkAggregation)),
          on(this, &SwitchPort::set_aggregation)},
-        setter(66, "set-rate-control", {52, 56}),
-        setter(67, "set-rstp-state", {kRstpStateAt}),
-        setter(68, "set-ingress-filter", {44, 48}),
-        setter(69, "set-flow-control", {40}),
+        setter(66, "set-rate-control",
+               {&PortRecord::ratecontrol_first, &PortRecord::ratecontrol_second}),
+        setter(67, "set-rstp-state", {&PortRecord::rstp_state}),
+        setter(68, "set-ingress-filter",
+               {&PortRecord::ingressfilter_first, &PortRecord::ingressfilter_second}),
+        setter(69, "set-flow-control", {&PortRecord::flowcontrol}),
         getter(70, "snmp-port"),
         setter(71, "set-snmp-port", all),
         getter(72, "snmp-port-status"),
-        {kMainModule, 74, "uplink-aggregation", exactly(0),
-         [this](const Request &, Reply &reply) {
-           reply.bytes(0, std::vector<uint8_t>(kAggregationRecord));
-           reply.u32(kAggregationAt, aggregation_);
-           return Status::kOk;
-         }},
-        setter(102, "set-max-link", {76}),
+        {kMainModule, 74, "uplink-aggregation", exactly(0), on(this, &SwitchPort::aggregation)},
+        setter(102, "set-max-link", {&PortRecord::max_link}),
     };
   }
 
@@ -56,7 +50,7 @@ class SwitchPort final : public Family {
     for (const EthernetPort &port : state_->ports) {
       Json entry = {{"port", port.number()}};
       for (const PortSetting &setting : kPortSettings) {
-        entry[std::string(setting.key)] = port.setting(setting.offset);
+        entry[std::string(setting.key)] = port.setting(setting.word);
       }
       ports.push_back(std::move(entry));
     }
@@ -104,7 +98,7 @@ class SwitchPort final : public Family {
     for (const EthernetPort &port : state_->ports) {
       std::vector<std::string> row = {port.name()};
       for (const PortSetting &setting : kPortSettings) {
-        row.push_back(fmt::to_string(port.setting(setting.offset)));
+        row.push_back(fmt::to_string(port.setting(setting.word)));
       }
       report.row(std::move(row));
     }
@@ -118,8 +112,9 @@ class SwitchPort final : public Family {
     for (const EthernetPort &port : state_->ports) {
       bool up = port.link_up(now);
       const char *duplex = port.hardware().full_duplex ? "full" : "half";
-      report.row({port.name(), port.setting(kPortEnableAt) == 0 ? "no" : "yes", up ? "up" : "down",
-                  up ? fmt::to_string(port.link_speed(now)) : "-", up ? duplex : "-"});
+      report.row({port.name(), port.setting(&PortRecord::port_enable) == 0 ? "no" : "yes",
+                  up ? "up" : "down", up ? fmt::to_string(port.link_speed(now)) : "-",
+                  up ? duplex : "-"});
     }
   }
 
@@ -133,40 +128,47 @@ class SwitchPort final : public Family {
     EthernetPort &port = state_->ports[state_->read_port(reader) - 1];
     for (const PortSetting &setting : kPortSettings) {
       auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.most}));
-      port.set(setting.offset, value, hardware_.now());
+      port.set(setting.word, value, hardware_.now());
     }
     reader.finish();
   }
 
-  /// A message that sets the words at the offsets, and looks at no others.
-  Message setter(uint32_t type, std::string_view message, std::vector<size_t> offsets) {
-    auto set = [this, message, offsets = std::move(offsets)](const Request &request, Reply &) {
-      EthernetPort *port = state_->find(request, 0);
+  /// A message that sets these words of a port and reads no others.
+  Message setter(uint32_t type, std::string_view message, std::vector<PortWord> words) {
+    auto set = [this, message, words = std::move(words)](const Request &request, Reply &) {
+      auto record = request.record<PortRecord>();
+      EthernetPort *port = state_->find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
-      bool fits = std::all_of(offsets.begin(), offsets.end(), [&request](size_t offset) {
-        return request.u32(offset) <= find_port_setting(offset)->most;
+      bool valid = std::all_of(words.begin(), words.end(), [&record](PortWord word) {
+        return record.*word <= setting_of(word).most;
       });
-      if (!fits) return Status::kBadValue;
-      for (size_t offset : offsets) port->set(offset, request.u32(offset), hardware_.now());
+      if (!valid) return Status::kBadValue;
+      for (PortWord word : words) port->set(word, record.*word, hardware_.now());
       hardware_.events().record(Level::kNotice, kMainModule,
                                 fmt::format("port {}: {}", port->name(), message));
       return Status::kOk;
     };
-    return {kMainModule, type, message, exactly(kPortRecord), set};
+    return {kMainModule, type, message, exactly(sizeof(PortRecord)), set};
   }
 
   Message getter(uint32_t type, std::string_view message) {
     auto get = [this](const Request &request, Reply &reply) {
-      const EthernetPort *port = state_->find(request, 0);
+      auto record = request.record<PortRecord>();
+      const EthernetPort *port = state_->find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
-      port->show(hardware_.now(), reply);
+      reply.record(port->record(hardware_.now()));
       return Status::kOk;
     };
-    return {kMainModule, type, message, exactly(kPortRecord), get};
+    return {kMainModule, type, message, exactly(sizeof(PortRecord)), get};
   }
 
   Status set_aggregation(const Request &request, Reply & /*reply*/) {
-    aggregation_ = request.u32(kAggregationAt);
+    aggregation_ = request.record<UplinkAggregation>().upport_agg;
+    return Status::kOk;
+  }
+
+  Status aggregation(Reply &reply) {
+    reply.record(UplinkAggregation{.upport_agg = aggregation_});
     return Status::kOk;
   }
 

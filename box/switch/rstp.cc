@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 
 #include "base/clock.h"
 #include "base/text.h"
@@ -16,25 +15,6 @@ namespace olt::box {
 namespace {
 
 using std::chrono::seconds;
-
-constexpr size_t kBridgeRecord = 33;
-constexpr size_t kBridgeEnabledAt = 0;
-constexpr size_t kBridgeVersionAt = 1;
-constexpr size_t kBridgePriorityAt = 2;
-constexpr size_t kMaxAgeAt = 4;
-constexpr size_t kHelloTimeAt = 6;
-constexpr size_t kForwardDelayAt = 8;
-constexpr size_t kHoldCountAt = 10;
-
-constexpr size_t kPortRecordSize = 27;
-constexpr size_t kPortStateAt = 8;
-constexpr size_t kOwnAt = 9;  ///< from here on the family keeps the record itself
-constexpr size_t kPriorityAt = 9;
-constexpr size_t kPathCostAt = 10;
-constexpr size_t kEdgeAt = 14;
-constexpr size_t kPointToPointAt = 15;
-
-constexpr size_t kBrief = 40;
 
 enum class Role : uint8_t { kDisabled = 0, kDesignated = 2 };
 enum class State : uint8_t { kDown, kDiscarding, kLearning, kForwarding };
@@ -53,11 +33,18 @@ const char *state_name(State state) {
   return "forwarding";
 }
 
-using Bridge = std::array<uint8_t, kBridgeRecord>;
-using PortBytes = std::array<uint8_t, kPortRecordSize - kOwnAt>;
+constexpr RstpBridge kFactoryBridge = {.version = 2,
+                                       .priority = 32'768,
+                                       .max_age = 20,
+                                       .hello_time = 2,
+                                       .forward_delay = 15,
+                                       .hold_count = 6};
+constexpr RstpPort kFactoryPort = {.priority = 128, .point_to_point = 1};
 
-constexpr Bridge kFactoryBridge = {0, 2, 0x00, 0x80, 20, 0, 2, 0, 15, 0, 6};
-constexpr PortBytes kFactoryPort = {128, 0, 0, 0, 0, 0, 1};
+/// What this family keeps of a port's record: all from its priority on.
+std::span<uint8_t> settings_in(RstpPort &record) {
+  return bytes_of(record).subspan(offsetof(RstpPort, priority));
+}
 
 class SwitchRstp final : public Family {
  public:
@@ -72,32 +59,33 @@ class SwitchRstp final : public Family {
   std::vector<Message> messages() override {
     return {
         {kMainModule, 170, "rstp-bridge", exactly(0), on(this, &SwitchRstp::bridge)},
-        {kMainModule, 171, "rstp-port", exactly(kPortRecordSize), on(this, &SwitchRstp::port)},
-        {kMainModule, 172, "set-rstp-bridge", exactly(kBridgeRecord),
+        {kMainModule, 171, "rstp-port", exactly(sizeof(RstpPort)), on(this, &SwitchRstp::port)},
+        {kMainModule, 172, "set-rstp-bridge", exactly(sizeof(RstpBridge)),
          on(this, &SwitchRstp::set_bridge)},
-        {kMainModule, 173, "set-rstp-port", exactly(kPortRecordSize),
+        {kMainModule, 173, "set-rstp-port", exactly(sizeof(RstpPort)),
          on(this, &SwitchRstp::set_port)},
-        {kRstpModule, 174, "rstp-brief", exactly(kBrief), on(this, &SwitchRstp::brief)},
+        {kRstpModule, 174, "rstp-brief", exactly(sizeof(RstpBrief)), on(this, &SwitchRstp::brief)},
     };
   }
 
   Json configuration() const override {
     Json ports = Json::array();
     for (const EthernetPort &port : state_->ports) {
-      ports.push_back({{"port", port.number()}, {"settings", to_hex(own(port))}});
+      RstpPort record = settings_of(port);
+      ports.push_back({{"port", port.number()}, {"settings", to_hex(settings_in(record))}});
     }
-    return {{"bridge", to_hex(bridge_)}, {"ports", ports}};
+    return {{"bridge", to_hex(bytes_of(bridge_))}, {"ports", ports}};
   }
 
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
-    Bridge bridge;
-    reader.hex("bridge", bridge);
+    RstpBridge bridge;
+    reader.hex("bridge", bytes_of(bridge));
     take_bridge(bridge);
     for_each_element(reader.get("ports"), reader.place_of("ports"),
                      [this](const Json &element, const std::string &at) {
                        ObjectReader port(element, at);
-                       port.hex("settings", ports_[state_->read_port(port) - 1]);
+                       port.hex("settings", settings_in(ports_[state_->read_port(port) - 1]));
                        port.finish();
                      });
     reader.finish();
@@ -120,22 +108,22 @@ class SwitchRstp final : public Family {
 
   void describe_configuration(Report &report) const override {
     report.section("RSTP bridge");
-    report.row({"Enabled", bridge_[kBridgeEnabledAt] == 0 ? "no" : "yes"});
-    report.row({"Version", fmt::to_string(bridge_[kBridgeVersionAt])});
-    report.row({"Priority", fmt::to_string(bridge_word(kBridgePriorityAt))});
-    report.row({"Max age in s", fmt::to_string(bridge_word(kMaxAgeAt))});
-    report.row({"Hello time in s", fmt::to_string(bridge_word(kHelloTimeAt))});
-    report.row({"Forward delay in s", fmt::to_string(bridge_word(kForwardDelayAt))});
-    report.row({"Transmit hold count", fmt::to_string(bridge_[kHoldCountAt])});
+    auto number = [](uint32_t value) { return fmt::to_string(value); };
+    report.row({"Enabled", bridge_.enabled == 0 ? "no" : "yes"});
+    report.row({"Version", number(bridge_.version)});
+    report.row({"Priority", number(bridge_.priority)});
+    report.row({"Max age in s", number(bridge_.max_age)});
+    report.row({"Hello time in s", number(bridge_.hello_time)});
+    report.row({"Forward delay in s", number(bridge_.forward_delay)});
+    report.row({"Transmit hold count", number(bridge_.hold_count)});
     report.section("RSTP ports",
                    {"Port", "Enabled", "Priority", "Path cost", "Edge", "Point to point"});
     for (const EthernetPort &port : state_->ports) {
-      uint32_t cost = configured_cost(port);
-      report.row({port.name(), port.setting(kRstpStateAt) == 0 ? "no" : "yes",
-                  fmt::to_string(byte_of(port, kPriorityAt)),
-                  cost == 0 ? "by speed" : fmt::to_string(cost),
-                  byte_of(port, kEdgeAt) == 0 ? "no" : "yes",
-                  byte_of(port, kPointToPointAt) == 0 ? "no" : "yes"});
+      const RstpPort &settings = settings_of(port);
+      report.row({port.name(), port.setting(&PortRecord::rstp_state) == 0 ? "no" : "yes",
+                  number(settings.priority),
+                  settings.path_cost == 0 ? "by speed" : number(settings.path_cost),
+                  settings.edge == 0 ? "no" : "yes", settings.point_to_point == 0 ? "no" : "yes"});
     }
   }
 
@@ -148,7 +136,7 @@ class SwitchRstp final : public Family {
     }
   }
 
-  size_t footprint() const override { return sizeof *this + ports_.capacity() * sizeof(PortBytes); }
+  size_t footprint() const override { return sizeof *this + ports_.capacity() * sizeof(RstpPort); }
 
  private:
   struct Standing {
@@ -158,69 +146,68 @@ class SwitchRstp final : public Family {
   };
 
   Status bridge(Reply &reply) {
-    reply.bytes(0, bridge_);
+    reply.record(bridge_);
     return Status::kOk;
   }
 
   Status set_bridge(const Request &request, Reply & /*reply*/) {
-    Bridge bridge;
-    auto bytes = request.bytes(0, kBridgeRecord);
-    std::copy(bytes.begin(), bytes.end(), bridge.begin());
-    take_bridge(bridge);
+    take_bridge(request.record<RstpBridge>());
     hardware_.events().record(Level::kNotice, kMainModule, "RSTP settings of the bridge set");
     return Status::kOk;
   }
 
-  void take_bridge(const Bridge &bridge) {
-    bool toggled = (bridge[kBridgeEnabledAt] == 0) != (bridge_[kBridgeEnabledAt] == 0);
+  void take_bridge(const RstpBridge &bridge) {
+    bool toggled = (bridge.enabled == 0) != (bridge_.enabled == 0);
     if (toggled) bridge_from_ = hardware_.now();
     bridge_ = bridge;
   }
 
   Status port(const Request &request, Reply &reply) {
-    const EthernetPort *port = state_->find(request, 0);
+    auto record = request.record<RstpPort>();
+    const EthernetPort *port = state_->find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
-    reply.u32(0, kEthernetSlot);
-    reply.u32(4, port->number());
-    auto state = static_cast<uint8_t>(port->setting(kRstpStateAt));
-    reply.bytes(kPortStateAt, {&state, 1});
-    reply.bytes(kOwnAt, own(*port));
+    record = settings_of(*port);
+    record.slot = kEthernetSlot;
+    record.port = port->number();
+    record.rstp_state = static_cast<uint8_t>(port->setting(&PortRecord::rstp_state));
+    reply.record(record);
     return Status::kOk;
   }
 
   Status set_port(const Request &request, Reply & /*reply*/) {
-    EthernetPort *port = state_->find(request, 0);
+    auto record = request.record<RstpPort>();
+    EthernetPort *port = state_->find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
-    port->set(kRstpStateAt, request.bytes(kPortStateAt, 1)[0], hardware_.now());
-    auto bytes = request.bytes(kOwnAt, sizeof(PortBytes));
-    std::copy(bytes.begin(), bytes.end(), ports_[port->number() - 1].begin());
+    port->set(&PortRecord::rstp_state, record.rstp_state, hardware_.now());
+    ports_[port->number() - 1] = record;
     hardware_.events().record(Level::kNotice, kMainModule,
                               fmt::format("port {}: RSTP settings set", port->name()));
     return Status::kOk;
   }
 
   Status brief(const Request &request, Reply &reply) {
-    const EthernetPort *port = state_->find(request, 0);
+    auto key = request.record<RstpBrief>();
+    const EthernetPort *port = state_->find(key.slot, key.port);
     if (port == nullptr) return Status::kNotFound;
     Standing standing = standing_of(*port);
-    const uint32_t words[] = {
-        kEthernetSlot,
-        port->number(),
-        is_active(*port) ? 1U : 0U,
-        static_cast<uint32_t>(standing.role),
-        static_cast<uint32_t>(standing.state),
-        byte_of(*port, kPriorityAt),
-        path_cost(*port),
-        bridge_word(kBridgePriorityAt),
-        byte_of(*port, kEdgeAt) == 0 ? 0U : 1U,
-        static_cast<uint32_t>(standing.since.count()),
-    };
-    for (size_t i = 0; i < std::size(words); ++i) reply.u32(4 * i, words[i]);
+    const RstpPort &settings = settings_of(*port);
+    reply.record(RstpBrief{
+        .slot = kEthernetSlot,
+        .port = port->number(),
+        .active = is_active(*port) ? 1U : 0U,
+        .role = static_cast<uint32_t>(standing.role),
+        .state = static_cast<uint32_t>(standing.state),
+        .priority = settings.priority,
+        .path_cost = path_cost(*port),
+        .bridge_priority = bridge_.priority,
+        .edge = settings.edge == 0 ? 0U : 1U,
+        .seconds = static_cast<uint32_t>(standing.since.count()),
+    });
     return Status::kOk;
   }
 
   bool is_active(const EthernetPort &port) const {
-    return bridge_[kBridgeEnabledAt] != 0 && port.setting(kRstpStateAt) != 0;
+    return bridge_.enabled != 0 && port.setting(&PortRecord::rstp_state) != 0;
   }
 
   Standing standing_of(const EthernetPort &port) const {
@@ -229,30 +216,24 @@ class SwitchRstp final : public Family {
     TimePoint begin = std::max({port.link_from(), port.rstp_from(), bridge_from_});
     auto elapsed = std::max(std::chrono::duration_cast<seconds>(now - begin), seconds(0));
     if (!is_active(port)) return {Role::kDisabled, State::kForwarding, elapsed};
-    seconds delay(byte_of(port, kEdgeAt) == 0 ? bridge_word(kForwardDelayAt) : 0);
+    seconds delay(settings_of(port).edge == 0 ? bridge_.forward_delay : 0);
     if (elapsed < delay) return {Role::kDesignated, State::kDiscarding, elapsed};
     if (elapsed < 2 * delay) return {Role::kDesignated, State::kLearning, elapsed - delay};
     return {Role::kDesignated, State::kForwarding, elapsed - 2 * delay};
   }
 
-  uint16_t bridge_word(size_t at) const { return Request(bridge_).u16(at); }
-  uint32_t configured_cost(const EthernetPort &port) const {
-    return Request(own(port)).u32(kPathCostAt - kOwnAt);
-  }
-
   uint32_t path_cost(const EthernetPort &port) const {
-    uint32_t cost = configured_cost(port);
+    uint32_t cost = settings_of(port).path_cost;
     return cost == 0 ? 20'000'000 / port.hardware().speed : cost;
   }
 
-  const PortBytes &own(const EthernetPort &port) const { return ports_[port.number() - 1]; }
-  uint8_t byte_of(const EthernetPort &port, size_t at) const { return own(port)[at - kOwnAt]; }
+  const RstpPort &settings_of(const EthernetPort &port) const { return ports_[port.number() - 1]; }
 
   Hardware &hardware_;
   SharedSwitch state_;
-  Bridge bridge_ = kFactoryBridge;
-  std::vector<PortBytes> ports_;
-  TimePoint bridge_from_;  ///< when RSTP was last switched on or off as a whole
+  RstpBridge bridge_ = kFactoryBridge;
+  std::vector<RstpPort> ports_;  ///< from the priority on
+  TimePoint bridge_from_;        ///< when RSTP was last switched on or off as a whole
 };
 
 }  // namespace

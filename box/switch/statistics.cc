@@ -11,10 +11,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kRequest = 80;
-constexpr size_t kListedAt = 4;
-constexpr size_t kClearedAt = 0;
-
 constexpr uint64_t kOctetsPerFrame = 625;
 
 struct Traffic {
@@ -47,8 +43,9 @@ class SwitchStatistics final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        {kMainModule, 29, "statistics", exactly(kRequest), on(this, &SwitchStatistics::list)},
-        {kMainModule, 30, "clear-statistics", exactly(kRequest),
+        {kMainModule, 29, "statistics", exactly(sizeof(ListingRequest)),
+         on(this, &SwitchStatistics::list)},
+        {kMainModule, 30, "clear-statistics", exactly(sizeof(PortRecord)),
          on(this, &SwitchStatistics::clear)},
     };
   }
@@ -57,7 +54,8 @@ class SwitchStatistics final : public Family {
 
  private:
   Status list(const Request &request, Reply &reply) {
-    const EthernetPort *port = state_->find(request, kListedAt);
+    auto asked = request.record<ListingRequest>();
+    const EthernetPort *port = state_->find(asked.slot, asked.number);
     if (port == nullptr) return Status::kNotFound;
     TimePoint now = hardware_.now();
     Traffic in = traffic_of(octets_received(*port, now));
@@ -82,7 +80,8 @@ class SwitchStatistics final : public Family {
   }
 
   Status clear(const Request &request, Reply & /*reply*/) {
-    EthernetPort *port = state_->find(request, kClearedAt);
+    auto record = request.record<PortRecord>();
+    EthernetPort *port = state_->find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     port->clear_counters(hardware_.now());
     return Status::kOk;

@@ -16,9 +16,6 @@ using std::chrono::milliseconds;
 /// From enabling a port to its link.
 constexpr std::chrono::seconds kNegotiation{2};
 
-constexpr size_t kLinkSpeedAt = 20;
-constexpr size_t kLinkDuplexAt = 24;
-constexpr size_t kLinkStateAt = 64;
 enum Duplex : uint32_t { kNoLink, kHalfDuplex, kFullDuplex };
 
 milliseconds between(TimePoint from, TimePoint to) {
@@ -27,15 +24,13 @@ milliseconds between(TimePoint from, TimePoint to) {
 
 }  // namespace
 
-const PortSetting *find_port_setting(size_t offset) {
-  const auto *found =
-      std::find_if(std::begin(kPortSettings), std::end(kPortSettings),
-                   [offset](const PortSetting &setting) { return setting.offset == offset; });
-  return found == std::end(kPortSettings) ? nullptr : found;
+const PortSetting &setting_of(PortWord word) {
+  return *std::find_if(std::begin(kPortSettings), std::end(kPortSettings),
+                       [word](const PortSetting &setting) { return setting.word == word; });
 }
 
 EthernetPort::EthernetPort(uint32_t number, const PortHardware &hardware, TimePoint now)
-    : number_(number), hardware_(hardware) {
+    : number_(number), hardware_(hardware), settings_{kEthernetSlot, number} {
   reboot(now);
 }
 
@@ -43,45 +38,42 @@ std::string EthernetPort::name() const {
   return fmt::format("{}/{}", kEthernetSlot, number_);
 }
 
-void EthernetPort::set(size_t offset, uint32_t value, TimePoint now) {
-  uint32_t &word = words_[offset / 4];
-  bool toggled = (word == 0) != (value == 0);
-  if (offset == kPortEnableAt && toggled && value == 0) {
+void EthernetPort::set(PortWord word, uint32_t value, TimePoint now) {
+  uint32_t &setting = settings_.*word;
+  bool toggled = (setting == 0) != (value == 0);
+  if (word == &PortRecord::port_enable && toggled && value == 0) {
     counted_before_ = counted(now);
-  } else if (offset == kPortEnableAt && toggled) {
+  } else if (word == &PortRecord::port_enable && toggled) {
     link_from_ = counted_from_ = now + kNegotiation;
-  } else if (offset == kRstpStateAt && toggled) {
+  } else if (word == &PortRecord::rstp_state && toggled) {
     rstp_from_ = now;
   }
-  word = value;
+  setting = value;
 }
 
 void EthernetPort::restore_factory(TimePoint now) {
-  for (const PortSetting &setting : kPortSettings) set(setting.offset, setting.factory, now);
+  for (const PortSetting &setting : kPortSettings) set(setting.word, setting.factory, now);
 }
 
 /// Links are up as soon as the box is: negotiating takes less than starting.
 void EthernetPort::reboot(TimePoint now) {
-  for (const PortSetting &setting : kPortSettings) words_[setting.offset / 4] = setting.factory;
+  for (const PortSetting &setting : kPortSettings) settings_.*setting.word = setting.factory;
   link_from_ = rstp_from_ = counted_from_ = now;
   counted_before_ = milliseconds(0);
 }
 
-void EthernetPort::show(TimePoint now, Reply &reply) const {
-  reply.u32(0, kEthernetSlot);
-  reply.u32(4, number_);
-  for (const PortSetting &setting : kPortSettings) {
-    reply.u32(setting.offset, words_[setting.offset / 4]);
-  }
+PortRecord EthernetPort::record(TimePoint now) const {
+  PortRecord record = settings_;
   bool up = link_up(now);
   uint32_t duplex = hardware_.full_duplex ? kFullDuplex : kHalfDuplex;
-  reply.u32(kLinkSpeedAt, link_speed(now));
-  reply.u32(kLinkDuplexAt, up ? duplex : kNoLink);
-  reply.u32(kLinkStateAt, up ? 1 : 0);
+  record.link_speed = link_speed(now);
+  record.link_duplex = up ? duplex : kNoLink;
+  record.link_state = up ? 1 : 0;
+  return record;
 }
 
 bool EthernetPort::link_up(TimePoint now) const {
-  if (setting(kPortEnableAt) == 0 || !hardware_.plugged) return false;
+  if (setting(&PortRecord::port_enable) == 0 || !hardware_.plugged) return false;
   // A clock that was set back must not keep the link down until it has caught up.
   return link_from_ <= now || link_from_ - now > kNegotiation;
 }
@@ -119,10 +111,6 @@ SwitchState::SwitchState(const Topology &topology, TimePoint now)
 
 EthernetPort *SwitchState::find(uint32_t slot, uint32_t port) {
   return slot == kEthernetSlot && port >= 1 && port <= ports.size() ? &ports[port - 1] : nullptr;
-}
-
-EthernetPort *SwitchState::find(const Request &request, size_t slot_at) {
-  return find(request.u32(slot_at), request.u32(slot_at + 4));
 }
 
 uint32_t SwitchState::read_port(ObjectReader &reader) const {

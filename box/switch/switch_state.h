@@ -2,7 +2,6 @@
 #ifndef OLT_BOX_SWITCH_SWITCH_STATE_H
 #define OLT_BOX_SWITCH_SWITCH_STATE_H
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -14,44 +13,40 @@
 #include "base/text.h"
 #include "box/core/topology.h"
 #include "box/message/id_set.h"
-#include "box/message/message.h"
+#include "box/wire/records.h"
 
 namespace olt::box {
 
 /// The one slot that holds the Ethernet ports.
 inline constexpr uint32_t kEthernetSlot = 1;
 
-/// A word of the port attribute record that can be set.
+using PortWord = uint32_t PortRecord::*;
+
+/// A word of a port's record that can be set.
 struct PortSetting {
-  size_t offset;
+  PortWord word;
   std::string_view key;
   std::string_view heading;
   uint32_t most;
   uint32_t factory;
 };
 
-inline constexpr size_t kPortRecord = 80;
-inline constexpr size_t kPortEnableAt = 16;
-inline constexpr size_t kVlanModeSecondAt = 28;
-inline constexpr size_t kVlanModeFirstAt = 32;
-inline constexpr size_t kRstpStateAt = 60;
-
 inline constexpr PortSetting kPortSettings[] = {
-    {kPortEnableAt, "port_enable", "Enabled", 1, 1},
-    {12, "sfp_module", "SFP", UINT32_MAX, 0},
-    {kVlanModeFirstAt, "vlanmode_first", "VLAN mode", UINT32_MAX, 0},
-    {kVlanModeSecondAt, "vlanmode_second", "(second)", UINT32_MAX, 0},
-    {40, "flowcontrol", "Flow control", UINT32_MAX, 0},
-    {44, "ingressfilter_first", "Ingress filter", UINT32_MAX, 0},
-    {48, "ingressfilter_second", "(second)", UINT32_MAX, 0},
-    {52, "ratecontrol_first", "Rate control", UINT32_MAX, 0},
-    {56, "ratecontrol_second", "(second)", UINT32_MAX, 0},
-    {kRstpStateAt, "rstp_state", "RSTP", UINT8_MAX, 1},
-    {76, "max_link", "Max links", UINT32_MAX, 0},
+    {&PortRecord::port_enable, "port_enable", "Enabled", 1, 1},
+    {&PortRecord::sfp_module, "sfp_module", "SFP", UINT32_MAX, 0},
+    {&PortRecord::vlanmode_first, "vlanmode_first", "VLAN mode", UINT32_MAX, 0},
+    {&PortRecord::vlanmode_second, "vlanmode_second", "(second)", UINT32_MAX, 0},
+    {&PortRecord::flowcontrol, "flowcontrol", "Flow control", UINT32_MAX, 0},
+    {&PortRecord::ingressfilter_first, "ingressfilter_first", "Ingress filter", UINT32_MAX, 0},
+    {&PortRecord::ingressfilter_second, "ingressfilter_second", "(second)", UINT32_MAX, 0},
+    {&PortRecord::ratecontrol_first, "ratecontrol_first", "Rate control", UINT32_MAX, 0},
+    {&PortRecord::ratecontrol_second, "ratecontrol_second", "(second)", UINT32_MAX, 0},
+    {&PortRecord::rstp_state, "rstp_state", "RSTP", UINT8_MAX, 1},
+    {&PortRecord::max_link, "max_link", "Max links", UINT32_MAX, 0},
 };
 
-/// Null when no setting stands at the offset.
-const PortSetting *find_port_setting(size_t offset);
+/// The setting of a word that can be set.
+const PortSetting &setting_of(PortWord word);
 
 /// A port, its settings and its link.
 class EthernetPort {
@@ -63,12 +58,12 @@ class EthernetPort {
   /// "1/3".
   std::string name() const;
 
-  uint32_t setting(size_t offset) const { return words_[offset / 4]; }
-  void set(size_t offset, uint32_t value, TimePoint now);
+  uint32_t setting(PortWord word) const { return settings_.*word; }
+  void set(PortWord word, uint32_t value, TimePoint now);
   void restore_factory(TimePoint now);
   void reboot(TimePoint now);
-  /// Writes the port attribute record.
-  void show(TimePoint now, Reply &reply) const;
+  /// Its settings and the state of its link.
+  PortRecord record(TimePoint now) const;
 
   bool link_up(TimePoint now) const;
   uint32_t link_speed(TimePoint now) const { return link_up(now) ? hardware_.speed : 0; }
@@ -88,7 +83,7 @@ class EthernetPort {
  private:
   uint32_t number_;
   PortHardware hardware_;
-  std::array<uint32_t, kPortRecord / 4> words_ = {};
+  PortRecord settings_ = {};  ///< slot, number and the words of kPortSettings
   TimePoint link_from_;
   TimePoint rstp_from_;
   TimePoint counted_from_;
@@ -107,7 +102,6 @@ struct SwitchState {
 
   /// Null when there is no such port.
   EthernetPort *find(uint32_t slot, uint32_t port);
-  EthernetPort *find(const Request &request, size_t slot_at);
 
   /// The number of a port as the member "port" gives it. Throws BadInput.
   uint32_t read_port(ObjectReader &reader) const;

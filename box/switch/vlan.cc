@@ -12,15 +12,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kHead = 80;
-constexpr size_t kDescription = 32;
-constexpr size_t kDescriptionElement = kVlanElement + kDescription;
-
-constexpr size_t kTrunkValueAt = 8;
-
-constexpr size_t kInterfaceAt = 4;
-constexpr size_t kSearchedAt = 16;
-constexpr size_t kSearchedField = kHead - kSearchedAt;
 enum QueryKind : uint32_t { kByInterface, kByList, kByDescription, kAll };
 
 constexpr size_t kListColumn = 40;
@@ -50,13 +41,13 @@ class SwitchVlan final : public Family {
         {kMainModule,
          21,
          "describe-vlans",
-         {0, kDescriptionElement * kLastVlan},
+         {0, sizeof(DescribedVlan) * kLastVlan},
          on(this, &SwitchVlan::describe)},
         list_message(22, "undescribe-vlans", &SwitchVlan::undescribe),
         {kMainModule,
          23,
          "vlan-query",
-         {kHead, kHead + kVlanElement * kLastVlan},
+         {sizeof(VlanQuery), sizeof(VlanQuery) + sizeof(VlanElement) * kLastVlan},
          on(this, &SwitchVlan::query)},
         trunk_message(25, "add-trunk-tagged", kTagged, kUntagged, false),
         trunk_message(26, "add-trunk-untagged", kUntagged, kTagged, false),
@@ -134,7 +125,7 @@ class SwitchVlan final : public Family {
     ObjectReader reader(element, place);
     auto vlan = static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan}));
     if (!state_->vlans[vlan]) refuse(reader.place_of("vlan"), vlan, "a VLAN of the table");
-    state_->descriptions[vlan] = reader.bytes("text", kDescription);
+    state_->descriptions[vlan] = reader.bytes("text", sizeof(DescribedVlan::description));
     reader.finish();
   }
 
@@ -183,7 +174,8 @@ class SwitchVlan final : public Family {
   }
 
   Status describe(const Request &request, Reply & /*reply*/) {
-    auto ranges = read_vlans(request, 0, kDescriptionElement);
+    auto elements = request.records<DescribedVlan>(0);
+    auto ranges = read_ranges(elements);
     if (!ranges) return Status::kBadValue;
     auto vlans = known_ids(*ranges, state_->vlans);
     if (!vlans) return Status::kNotFound;
@@ -196,15 +188,13 @@ class SwitchVlan final : public Family {
     }
     for (uint16_t vlan = 1; vlan <= kLastVlan; ++vlan) {
       if (!(*vlans)[vlan]) continue;
-      size_t at = element_of[vlan] * kDescriptionElement + kVlanElement;
-      set_description(vlan, request.bytes(at, kDescription));
+      set_description(vlan, text_of(elements[element_of[vlan]].description));
     }
     record("described", *vlans);
     return Status::kOk;
   }
 
-  void set_description(uint16_t vlan, std::span<const uint8_t> field) {
-    std::string text(field.begin(), std::find(field.begin(), field.end(), 0));
+  void set_description(uint16_t vlan, std::string text) {
     if (text.empty()) {
       state_->descriptions.erase(vlan);
     } else {
@@ -227,7 +217,8 @@ class SwitchVlan final : public Family {
   Message trunk_message(uint32_t type, std::string_view message, Side side, Side other,
                         bool replace) {
     auto act = [this, side, other, replace](const Request &request, const Ranges &ranges) {
-      EthernetPort *port = state_->find(request, 0);
+      auto head = request.record<TrunkHead>();
+      EthernetPort *port = state_->find(head.slot, head.port);
       if (port == nullptr) return Status::kNotFound;
       auto vlans = known_ids(ranges, state_->vlans);
       if (!vlans) return Status::kNotFound;
@@ -235,24 +226,24 @@ class SwitchVlan final : public Family {
       if (replace) (membership.*side).reset();
       membership.*side |= *vlans;
       membership.*other &= ~*vlans;
-      membership.trunk_value = request.u32(kTrunkValueAt);
+      membership.trunk_value = head.trunk_value;
       hardware_.events().record(Level::kNotice, kMainModule,
                                 fmt::format("port {}: VLANs of its trunk changed", port->name()));
       return Status::kOk;
     };
-    return vlan_message(type, message, kHead, act);
+    return vlan_message(type, message, sizeof(TrunkHead), act);
   }
 
   Status query(const Request &request, Reply &reply) {
-    uint32_t kind = request.u32(0);
-    if (kind != kByList && request.size() != kHead) return Status::kBadLength;
-    switch (kind) {
+    auto query = request.record<VlanQuery>();
+    if (query.kind != kByList && request.size() != sizeof query) return Status::kBadLength;
+    switch (query.kind) {
       case kByInterface:
-        return list_port(state_->find(request, kInterfaceAt), reply);
+        return list_port(state_->find(query.slot, query.port), reply);
       case kByList:
         return list_named(request, reply);
       case kByDescription:
-        return list_described(request, reply);
+        return list_described(query, reply);
       case kAll:
         return list("VLANs of " + hardware_.topology().name, state_->vlans, reply);
       default:
@@ -265,8 +256,8 @@ class SwitchVlan final : public Family {
     const Membership &membership = membership_of(*port);
     Report report("VLANs of port " + port->name());
     report.section("Port");
-    report.row({"VLAN mode", fmt::format("{} {}", port->setting(kVlanModeFirstAt),
-                                         port->setting(kVlanModeSecondAt))});
+    report.row({"VLAN mode", fmt::format("{} {}", port->setting(&PortRecord::vlanmode_first),
+                                         port->setting(&PortRecord::vlanmode_second))});
     report.row({"Trunk value", fmt::to_string(membership.trunk_value)});
     IdSet vlans = membership.tagged | membership.untagged;
     report.section(number_of(vlans), {"VLAN", "Membership", "Description"});
@@ -278,13 +269,13 @@ class SwitchVlan final : public Family {
   }
 
   Status list_named(const Request &request, Reply &reply) {
-    auto ranges = read_vlans(request, kHead);
+    auto ranges = read_ranges(request.records<VlanElement>(sizeof(VlanQuery)));
     if (!ranges) return Status::kBadValue;
     return list("VLANs by list", ids_in(*ranges) & state_->vlans, reply);
   }
 
-  Status list_described(const Request &request, Reply &reply) {
-    auto searched = request.text(kSearchedAt, kSearchedField);
+  Status list_described(const VlanQuery &query, Reply &reply) {
+    auto searched = terminated_text_of(query.description);
     if (!searched) return Status::kBadValue;
     IdSet vlans;
     for (const auto &[vlan, text] : state_->descriptions) {

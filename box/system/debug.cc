@@ -15,8 +15,6 @@ namespace olt::box {
 namespace {
 
 constexpr size_t kMostValues = 256;
-constexpr size_t kSwitchRecord = 28;
-constexpr size_t kSwitchValueAt = 24;
 
 class SystemDebug final : public Family {
  public:
@@ -26,14 +24,15 @@ class SystemDebug final : public Family {
 
   std::vector<Message> messages() override {
     std::vector<Message> messages = {
-        {kMainModule, 39, "debug-value", exactly(12), on(this, &SystemDebug::value)},
-        {kMainModule, 40, "switch-debug", exactly(kSwitchRecord),
+        {kMainModule, 39, "debug-value", exactly(sizeof(DebugValue)),
+         on(this, &SystemDebug::value)},
+        {kMainModule, 40, "switch-debug", exactly(sizeof(SwitchDebug)),
          on(this, &SystemDebug::switch_value)},
     };
     for (uint32_t module : kModules) {
       messages.push_back(
           {module, 2, "debug-enable", exactly(4), [this, module](const Request &request, Reply &) {
-             switches_[module] = request.u32(0);
+             switches_[module] = request.word();
              return Status::kOk;
            }});
       messages.push_back(
@@ -100,25 +99,26 @@ class SystemDebug final : public Family {
   }
 
   Status value(const Request &request, Reply &reply) {
-    uint32_t selector = request.u32(4);
-    auto found = values_.find(selector);
-    if (request.u32(0) == 0) {
-      reply.u32(4, selector);
-      reply.u32(8, found == values_.end() ? 0 : found->second);
+    auto record = request.record<DebugValue>();
+    auto found = values_.find(record.selector);
+    if (record.debug_op == 0) {
+      record.debug_value = found == values_.end() ? 0 : found->second;
+      reply.record(record);
       return Status::kOk;
     }
     if (found == values_.end() && values_.size() >= kMostValues) return Status::kFull;
-    values_[selector] = request.u32(8);
+    values_[record.selector] = record.debug_value;
     return Status::kOk;
   }
 
   Status switch_value(const Request &request, Reply &reply) {
-    if (request.u32(0) != 0) {
-      switch_value_ = request.u16(kSwitchValueAt);
+    auto record = request.record<SwitchDebug>();
+    if (record.debug_op != 0) {
+      switch_value_ = record.debug_value;
       return Status::kOk;
     }
-    reply.bytes(0, request.bytes(0, kSwitchRecord));
-    reply.u16(kSwitchValueAt, switch_value_);
+    record.debug_value = switch_value_;
+    reply.record(record);
     return Status::kOk;
   }
 

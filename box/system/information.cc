@@ -47,12 +47,12 @@ class SystemInformation final : public Family {
 
  private:
   Status oam_support(Reply &reply) {
-    reply.u32(0, hardware_.topology().oam_support);
+    reply.record(hardware_.topology().oam_support);
     return Status::kOk;
   }
 
   Status mac(Reply &reply) {
-    reply.bytes(0, hardware_.topology().mac);
+    reply.record(hardware_.topology().mac);
     return Status::kOk;
   }
 

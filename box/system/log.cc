@@ -34,14 +34,14 @@ class SystemLog final : public Family {
     for (LogSettings *settings : {&log_, &main_}) {
       messages.push_back({settings->module, 82, "log-size", exactly(4),
                           [settings](const Request &request, Reply &) {
-                            if (request.u32(0) == 0) return Status::kBadValue;
-                            settings->size_kib = request.u32(0);
+                            if (request.word() == 0) return Status::kBadValue;
+                            settings->size_kib = request.word();
                             return Status::kOk;
                           }});
       messages.push_back({settings->module, 83, "log-level", exactly(4),
                           [settings](const Request &request, Reply &) {
-                            if (request.u32(0) > 7) return Status::kBadValue;
-                            settings->level = request.u32(0);
+                            if (request.word() > 7) return Status::kBadValue;
+                            settings->level = request.word();
                             return Status::kOk;
                           }});
     }
@@ -100,7 +100,7 @@ class SystemLog final : public Family {
   }
 
   Status list(const Request &request, Reply &reply) {
-    uint32_t module = request.u32(0);
+    uint32_t module = request.word();
     bool known = module == kAllModules ||
                  std::find(std::begin(kModules), std::end(kModules), module) != std::end(kModules);
     if (!known) return Status::kNotFound;

@@ -10,7 +10,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kHead = 8;
 constexpr size_t kLongestPiece = size_t{16} * 1024 * 1024;
 constexpr uint32_t kLargestImage = 268'435'456;
 constexpr uint32_t kUpdateFailed = 0x80000001;
@@ -23,9 +22,8 @@ class UpdateStream {
   std::string_view key() const { return key_; }
 
   Status take(const Request &request, Reply &reply, EventLog &events) {
-    uint32_t total = request.u32(0);
-    uint32_t offset = request.u32(4);
-    auto length = static_cast<uint32_t>(request.size() - kHead);
+    auto [total, offset] = request.record<UpdatePiece>();
+    auto length = static_cast<uint32_t>(request.size() - sizeof(UpdatePiece));
     bool sound = total <= kLargestImage && offset < total && length <= total - offset;
     if (!sound) return Status::kBadValue;
     if (offset == 0) begin(total, events);
@@ -35,8 +33,7 @@ class UpdateStream {
       state_ = State::kComplete;
       record(events, Level::kNotice, "complete");
     }
-    reply.u32(0, received_);
-    reply.u32(4, progress());
+    reply.record(UpdateProgress{received_, progress()});
     return Status::kOk;
   }
 
@@ -154,14 +151,14 @@ class SystemUpdate final : public Family {
     return {kMainModule,
             type,
             message,
-            {kHead, kLongestPiece},
+            {sizeof(UpdatePiece), kLongestPiece},
             [this, &stream](const Request &request, Reply &reply) {
               return stream.take(request, reply, hardware_.events());
             }};
   }
 
   Status card_status(Reply &reply) {
-    reply.u32(0, olt_.progress());
+    reply.record(olt_.progress());
     return Status::kOk;
   }
 

@@ -11,17 +11,10 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kRecord = 80;
-constexpr size_t kOpAt = 0;
-constexpr size_t kIndexAt = 4;
-constexpr size_t kNameAt = 8;
-constexpr size_t kPasswordAt = 40;
-constexpr size_t kLevelAAt = 72;
-constexpr size_t kLevelBAt = 76;
-constexpr size_t kTextField = 32;
-
 constexpr size_t kMostUsers = 32;
-constexpr ByteRange kPassword = {kPasswordAt, kPasswordAt + kTextField};
+constexpr size_t kMostText = sizeof(UserRecord::user_name) - 1;
+constexpr ByteRange kPassword = {offsetof(UserRecord, user_password),
+                                 offsetof(UserRecord, level_a)};
 
 struct User {
   std::string name;
@@ -42,9 +35,10 @@ class SystemUsers final : public Family {
 
   std::vector<Message> messages() override {
     std::vector<Message> messages = {
-        {kMainModule, 10, "user", exactly(kRecord), on(this, &SystemUsers::act)},
-        {kMainModule, 62, "next-user", exactly(kRecord), on(this, &SystemUsers::next)},
-        {kMainModule, 63, "user-by-index", exactly(kRecord), on(this, &SystemUsers::by_index)},
+        {kMainModule, 10, "user", exactly(sizeof(UserRecord)), on(this, &SystemUsers::act)},
+        {kMainModule, 62, "next-user", exactly(sizeof(UserRecord)), on(this, &SystemUsers::next)},
+        {kMainModule, 63, "user-by-index", exactly(sizeof(UserRecord)),
+         on(this, &SystemUsers::by_index)},
     };
     for (Message &message : messages) message.secret = kPassword;
     return messages;
@@ -66,15 +60,15 @@ class SystemUsers final : public Family {
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
     std::vector<User> users;
-    for_each_element(reader.get("users"), reader.place_of("users"),
-                     [&users](const Json &element, const std::string &at) {
-                       ObjectReader user(element, at);
-                       users.push_back({user.bytes("name", kTextField - 1),
-                                        user.bytes("password", kTextField - 1),
-                                        static_cast<uint32_t>(user.number("level_a", kAnyU32)),
-                                        static_cast<uint32_t>(user.number("level_b", kAnyU32))});
-                       user.finish();
-                     });
+    for_each_element(
+        reader.get("users"), reader.place_of("users"),
+        [&users](const Json &element, const std::string &at) {
+          ObjectReader user(element, at);
+          users.push_back({user.bytes("name", kMostText), user.bytes("password", kMostText),
+                           static_cast<uint32_t>(user.number("level_a", kAnyU32)),
+                           static_cast<uint32_t>(user.number("level_b", kAnyU32))});
+          user.finish();
+        });
     reader.finish();
     users_ = std::move(users);
   }
@@ -95,11 +89,12 @@ class SystemUsers final : public Family {
   enum Op : uint32_t { kLookUp = 0, kAdd = 1, kDelete = 2, kModify = 3 };
 
   Status act(const Request &request, Reply &reply) {
-    auto name = request.text(kNameAt, kTextField);
-    auto password = request.text(kPasswordAt, kTextField);
+    auto record = request.record<UserRecord>();
+    auto name = terminated_text_of(record.user_name);
+    auto password = terminated_text_of(record.user_password);
     if (!name || name->empty() || !password) return Status::kBadValue;
-    User user = {*name, *password, request.u32(kLevelAAt), request.u32(kLevelBAt)};
-    switch (request.u32(kOpAt)) {
+    User user = {*name, *password, record.level_a, record.level_b};
+    switch (record.user_op) {
       case kLookUp:
         return look_up(user, reply);
       case kAdd:
@@ -151,7 +146,7 @@ class SystemUsers final : public Family {
   }
 
   Status next(const Request &request, Reply &reply) {
-    auto previous = request.text(kNameAt, kTextField);
+    auto previous = terminated_text_of(request.record<UserRecord>().user_name);
     if (!previous) return Status::kBadValue;
     if (previous->empty()) return show(users_.begin(), reply);
     auto user = find(*previous);
@@ -159,18 +154,19 @@ class SystemUsers final : public Family {
   }
 
   Status by_index(const Request &request, Reply &reply) {
-    uint32_t index = request.u32(kIndexAt);
+    uint32_t index = request.record<UserRecord>().user_index;
     if (index >= users_.size()) return Status::kNotFound;
     return show(users_.begin() + static_cast<std::ptrdiff_t>(index), reply);
   }
 
   Status show(std::vector<User>::iterator user, Reply &reply) {
     if (user == users_.end()) return Status::kNotFound;
-    reply.u32(kIndexAt, static_cast<uint32_t>(user - users_.begin()));
-    reply.text(kNameAt, kTextField, user->name);
-    reply.text(kPasswordAt, kTextField, user->password);
-    reply.u32(kLevelAAt, user->level_a);
-    reply.u32(kLevelBAt, user->level_b);
+    UserRecord record = {.user_index = static_cast<uint32_t>(user - users_.begin()),
+                         .level_a = user->level_a,
+                         .level_b = user->level_b};
+    set_text(record.user_name, user->name);
+    set_text(record.user_password, user->password);
+    reply.record(record);
     return Status::kOk;
   }
 

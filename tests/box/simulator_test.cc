@@ -153,22 +153,35 @@ TEST(Simulator, HidesPasswordsInTraces) {
 TEST(Request, IsNeverReadBehindItsEnd) {
   const Bytes data = hex("01 02 03 04 05");
   olt::box::Request request{data};
-  EXPECT_EQ(request.u32(1), 0x05040302U);
-  EXPECT_EQ(request.u16(3), 0x0504U);
-  EXPECT_THROW(request.u32(2), olt::box::BadLength);
-  EXPECT_THROW(request.u16(4), olt::box::BadLength);
-  EXPECT_THROW(request.u16(SIZE_MAX), olt::box::BadLength);
+  EXPECT_EQ(request.word(1), 0x05040302U);
+  EXPECT_EQ(request.record<uint16_t>(3), 0x0504U);
+  EXPECT_EQ(request.records<uint16_t>(1), (std::vector<uint16_t>{0x0302, 0x0504}));
+  EXPECT_THROW(request.word(2), olt::box::BadLength);
+  EXPECT_THROW(request.record<uint16_t>(4), olt::box::BadLength);
+  EXPECT_THROW(request.record<uint16_t>(SIZE_MAX), olt::box::BadLength);
+  EXPECT_THROW(request.records<uint16_t>(0), olt::box::BadLength);
+  EXPECT_THROW(request.records<uint16_t>(7), olt::box::BadLength);
   EXPECT_THROW(request.bytes(1, SIZE_MAX), olt::box::BadLength);
-  EXPECT_THROW(request.text(0, 6), olt::box::BadLength);
-  EXPECT_EQ(request.text(0, 5), std::nullopt);
+}
+
+TEST(Field, HoldsATextWithOrWithoutItsZero) {
+  char field[4] = {'w', 'x', 'y', 'z'};
+  EXPECT_EQ(olt::box::text_of(field), "wxyz");
+  EXPECT_EQ(olt::box::terminated_text_of(field), std::nullopt);
+  olt::box::set_text(field, "a");
+  EXPECT_EQ(std::string_view(field, 4), std::string_view("a\0\0\0", 4));
+  EXPECT_EQ(olt::box::terminated_text_of(field), "a");
+  olt::box::set_text(field, "abcdef");
+  EXPECT_EQ(olt::box::text_of(field), "abcd");
 }
 
 TEST(Reply, GrowsToWhatIsWrittenAndNoFurther) {
   olt::box::Reply reply;
-  reply.text(2, 4, "abcdef");
-  reply.u16(8, 0x1234);
-  EXPECT_EQ(reply.take(), hex("00 00 61 62 63 00 00 00 34 12"));
-  EXPECT_THROW(olt::box::Reply().u32(65'532, 0), std::length_error);
+  reply.bytes(2, hex("61 62"));
+  reply.append(hex("63"));
+  reply.record(uint16_t{0x1234});
+  EXPECT_EQ(reply.take(), hex("34 12 61 62 63"));
+  EXPECT_THROW(olt::box::Reply().bytes(65'532, hex("00 00 00 00")), std::length_error);
 }
 
 }  // namespace
