@@ -21,7 +21,7 @@ void require(bool holds, const char *what);
 /// Binds this process, and the children to come, to the last CPU that it may use.
 void pin_to_one_cpu();
 
-using tests::Folder;
+using test::Folder;
 
 /// Writes a file of the caller's own.
 void write_file(const std::string &path, const std::string &content);

@@ -1,5 +1,5 @@
-// The arguments of every operation that sends: words that are taken make a request, words that are
-// refused a line. What is written from a value is read as that value again.
+// The arguments of every operation that sends: accepted words make a request, refused words one
+// line of error. What is written from a value is read as that value again.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -40,8 +40,8 @@ constexpr size_t kMostWords = 12;
 constexpr char kFile[] = "\n# a comment\n10\n20-25\n";
 
 /// A folder with one file, named f; nobody answers when a password is asked for.
-const olt::tests::Folder &folder() {
-  static const olt::tests::Folder instance;
+const olt::test::Folder &folder() {
+  static const olt::test::Folder instance;
   static const bool prepared = [] {
     instance.write("f", kFile);
     return std::freopen("/dev/null", "r", stdin) != nullptr;
@@ -50,7 +50,7 @@ const olt::tests::Folder &folder() {
   return instance;
 }
 
-/// Files of this machine are none of the input's business: names mean files of that folder.
+/// Confines the files that an input names to that folder.
 void keep_to_folder(std::string &word) {
   size_t at = word.find('@');
   if (at == std::string::npos) return;
@@ -114,7 +114,7 @@ bool leaves_bytes_unset(const Operation &operation) {
   return std::find(std::begin(kNames), std::end(kNames), operation.name) != std::end(kNames);
 }
 
-/// A mode that cannot be read is told as mode 0.
+/// A mode that cannot be read is reported as mode 0.
 bool never_fails(const Operation &operation) {
   return operation.name == std::string_view("get_olt_auth_mode");
 }

@@ -12,6 +12,7 @@
 
 #include "fuzz/target.h"
 #include "platform/olthost.h"
+#include "tests/support/bytes.h"
 
 // In the place of the platform's own, which would write to standard error.
 void log_log(int /*level*/, const char *tag, int /*line*/, const char *message) {
@@ -23,21 +24,15 @@ namespace {
 
 using olt::fuzz::Input;
 using olt::fuzz::require;
-using Bytes = std::vector<uint8_t>;
+using olt::test::Bytes;
+using olt::test::word_at;
 using View = std::span<const uint8_t>;
 
 constexpr size_t kHeader = 16;
-/// The client sees at most so many bytes at once, and what stands behind the answer among them.
+/// The client reads this many bytes at once, and so notices bytes after the answer among them.
 constexpr size_t kFirstPiece = kHeader + 4096;
 constexpr uint32_t kTimeout = 5;
 constexpr unsigned kExchanges = 3;
-
-template <typename Value>
-Value value_at(View bytes, size_t offset) {
-  Value value{};
-  std::memcpy(&value, &bytes[offset], sizeof value);
-  return value;
-}
 
 /// A module that has answered before it was asked.
 class Module {
@@ -45,7 +40,7 @@ class Module {
   explicit Module(View answers) {
     std::array<int, 2> ends{};
     require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0,
-            "sockets are to be had");
+            "sockets are available");
     client_ = ends[0];
     own_ = ends[1];
     require(answers.empty() || send(own_, answers.data(), answers.size(), MSG_DONTWAIT) ==
@@ -91,18 +86,19 @@ class Model {
  private:
   int32_t receive(bool no_reply) {
     if (left_.size() < kHeader) return OLT_TRANSPORT_LOST;
-    auto kind = value_at<uint16_t>(left_, 10);
-    auto length = value_at<uint32_t>(left_, 12);
+    const uint32_t status_and_kind = word_at(left_, 8);
+    const uint32_t kind = status_and_kind >> 16;
+    const uint32_t length = word_at(left_, 12);
     if (std::memcmp(left_.data(), "OLA1", 4) != 0 || kind > 1 || length > OLT_REPLY_LIMIT) {
       return OLT_TRANSPORT_GARBLED;
     }
     if (kind == 1) return OLT_TRANSPORT_REFUSED;
     size_t behind = std::min(left_.size(), kFirstPiece) - kHeader;
-    if (value_at<uint32_t>(left_, 4) != sequence_ || behind > length || (no_reply && length > 0)) {
+    if (word_at(left_, 4) != sequence_ || behind > length || (no_reply && length > 0)) {
       return OLT_TRANSPORT_GARBLED;
     }
     if (left_.size() - kHeader < length) return OLT_TRANSPORT_LOST;
-    status_ = value_at<uint16_t>(left_, 8);
+    status_ = static_cast<uint16_t>(status_and_kind);
     reply_ = left_.subspan(kHeader, length);
     left_ = left_.subspan(kHeader + length);
     return OLT_TRANSPORT_OK;

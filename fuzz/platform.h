@@ -1,5 +1,5 @@
-/// The platform's message service in the place of its own: nothing is sent, every request is
-/// remembered, and every answer is the same.
+/// Replaces the platform's message service: sends nothing, records every request, and always gives
+/// the same answer.
 #ifndef OLT_FUZZ_PLATFORM_H
 #define OLT_FUZZ_PLATFORM_H
 
@@ -19,13 +19,13 @@ struct Request {
   bool operator==(const Request &) const = default;
 };
 
-/// From now on every request is answered so. A reply comes with status 0 only; zeros follow it.
+/// The answer to every request from now on. A reply comes with status 0 only; zeros follow it.
 void answer_with(uint16_t status, std::span<const uint8_t> reply);
 
 /// The requests since the last call.
 std::vector<Request> take_requests();
 
-/// The exchange that was made last.
+/// The latest exchange.
 const olt_exchange &last_exchange();
 
 }  // namespace olt::fuzz

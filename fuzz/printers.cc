@@ -138,7 +138,7 @@ void trace(const std::vector<uint8_t> &bytes, uint16_t status, uint32_t type) {
 
 /// A name that a module gives must not lead out of the folder of listings.
 void read_listing(std::span<const uint8_t> field) {
-  static const olt::tests::Folder folder;
+  static const olt::test::Folder folder;
   static const std::string text = folder.write("listing", "a line\n");
   try {
     std::string name = olt::cli::listing_name(field);

@@ -21,14 +21,14 @@ std::vector<std::string> files_in(const char *directory) {
   return files;
 }
 
-// A block of its own, exactly as long as the input: reading behind its end shows.
+// The buffer is exactly as long as the input, so that sanitizers notice reads past its end.
 void replay(const std::string &path) {
   std::ifstream file(path, std::ios::binary);
   const std::vector<uint8_t> input{std::istreambuf_iterator<char>(file), {}};
   if (file.bad() || input.size() != std::filesystem::file_size(path)) {
     throw std::runtime_error(path + ": cannot be read");
   }
-  // Said before: whoever looks at a program that was ended sees by which input.
+  // Printed first, so that it names the input that ends the program.
   std::printf("%s\n", path.c_str());
   static_cast<void>(std::fflush(stdout));
   LLVMFuzzerTestOneInput(input.data(), input.size());

@@ -14,13 +14,15 @@
 #include "base/text.h"
 #include "fuzz/target.h"
 #include "platform/olthost.h"
+#include "tests/support/bytes.h"
 
 namespace {
 
 using olt::fuzz::Input;
 using olt::fuzz::require;
 using olt::fuzz::require_line;
-using Bytes = std::vector<uint8_t>;
+using olt::test::Bytes;
+using olt::test::word_at;
 using View = std::span<const uint8_t>;
 
 constexpr uint32_t kModule = 7;
@@ -70,12 +72,6 @@ void handle(void * /*context*/, const olt_request *request, olt_answer *answer) 
   if (orders.delays()) answer->delay_ms = 1;
 }
 
-uint32_t word(View bytes, size_t offset) {
-  uint32_t value = 0;
-  std::memcpy(&value, &bytes[offset], sizeof value);
-  return value;
-}
-
 template <typename Value>
 void append(Bytes &bytes, Value value) {
   const auto *from = reinterpret_cast<const uint8_t *>(&value);
@@ -107,8 +103,8 @@ class Model {
         return;
       }
       if (stream.size() < kHeader) break;
-      uint32_t length = word(stream, 16);
-      if (word(stream, 12) > 1 || length > OLT_REQUEST_LIMIT) {
+      uint32_t length = word_at(stream, 16);
+      if (word_at(stream, 12) > 1 || length > OLT_REQUEST_LIMIT) {
         ending_ = {.broken = 1};
         return;
       }
@@ -122,7 +118,7 @@ class Model {
 
   /// @return whether the connection goes on
   bool take(View frame) {
-    uint32_t type = word(frame, 8);
+    uint32_t type = word_at(frame, 8);
     Orders orders(type);
     if (orders.withholds() && !orders.fails()) {
       owes_ = true;
@@ -140,11 +136,12 @@ class Model {
   }
 
   void answer(View frame, const Orders &orders) {
-    bool no_reply = orders.fails() || word(frame, 12) == 1;
+    bool no_reply = orders.fails() || word_at(frame, 12) == 1;
     uint32_t length = no_reply ? 0 : orders.reply_length;
-    uint16_t status = orders.fails() ? 0xFFFF : status_of(word(frame, 8), frame.subspan(kHeader));
+    uint16_t status =
+        orders.fails() ? 0xFFFF : status_of(word_at(frame, 8), frame.subspan(kHeader));
     answers_.insert(answers_.end(), kAnswerMagic.begin(), kAnswerMagic.end());
-    append(answers_, word(frame, 4));
+    append(answers_, word_at(frame, 4));
     append(answers_, status);
     append(answers_, uint16_t{0});
     append(answers_, length);

@@ -27,8 +27,8 @@ constexpr char kTopology[] =
         "pon": {"interfaces": 2, "onus_per_interface": 3, "uni_ports_per_onu": 2,
                 "voice_lines_per_onu": 2}})";
 
-const tests::Folder &folder() {
-  static const tests::Folder instance;
+const test::Folder &folder() {
+  static const test::Folder instance;
   return instance;
 }
 
@@ -108,11 +108,11 @@ void SmallBox::restart() {
 
 void SmallBox::write_state(const char *name, std::string_view content) {
   std::filesystem::create_directories(folder() / "state");
-  tests::write_file(state_file(name), content);
+  test::write_file(state_file(name), content);
 }
 
 std::string SmallBox::read_state(const char *name) {
-  return tests::read_file(state_file(name));
+  return test::read_file(state_file(name));
 }
 
 Answer SmallBox::ask(uint32_t module, uint32_t type, std::span<const uint8_t> request) {
@@ -210,7 +210,7 @@ void SmallBox::require_persistence() {
 void SmallBox::require_listings() {
   std::error_code missing;
   for (const auto &entry : std::filesystem::directory_iterator(folder() / "listings", missing)) {
-    std::string text = tests::read_file(entry.path().string());
+    std::string text = test::read_file(entry.path().string());
     require(!text.empty(), "a listing is not empty", entry.path().string());
     require_lines(text);
     std::filesystem::remove(entry.path());

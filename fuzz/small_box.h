@@ -43,13 +43,13 @@ class SmallBox {
   static void write_state(const char *name, std::string_view content);
   static std::string read_state(const char *name);
 
-  /// Hands over a request, and requires of the answer what holds for every answer.
+  /// Sends a request, and requires of the answer what holds for every answer.
   box::Answer ask(uint32_t module, uint32_t type, std::span<const uint8_t> request);
   /// A command to the control module; its JSON reply.
   box::Json command(std::string_view text);
 
   void advance(std::chrono::seconds time) { now_ += time; }
-  /// Keeps the running state, ends the box and starts it anew.
+  /// Keeps the running state, ends the box and starts it again.
   void restart();
 
   /// Requires the box's counters to be what was asked since the last fresh start.

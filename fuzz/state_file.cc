@@ -12,6 +12,7 @@
 
 #include "fuzz/small_box.h"
 #include "fuzz/target.h"
+#include "tests/support/wire_names.h"
 
 namespace {
 
@@ -21,11 +22,10 @@ using olt::fuzz::message_rows;
 using olt::fuzz::MessageRow;
 using olt::fuzz::require;
 using olt::fuzz::SmallBox;
+using olt::test::kReboot;
+using olt::test::kRestoreDefaults;
 
 constexpr size_t kMostEdits = 16;
-/// Types that would undo what is there: reboot and restore of the factory configuration.
-constexpr uint32_t kReboot = 7;
-constexpr uint32_t kDefault = 9;
 
 /// The two files of a box in which many things are set: each request that may set something is
 /// made with a few bytes everywhere, and with small words.
@@ -37,7 +37,8 @@ struct Samples {
 void set_things(SmallBox &box) {
   constexpr size_t kLongest = 1024;
   for (const MessageRow &row : message_rows()) {
-    if (row.type == kReboot || row.type == kDefault) continue;
+    // These two would undo what the others set.
+    if (row.type == kReboot || row.type == kRestoreDefaults) continue;
     for (uint8_t word : std::initializer_list<uint8_t>{1, 2, 65}) {
       std::vector<uint8_t> request(std::clamp(row.request.least, size_t{0}, kLongest));
       for (size_t at = 0; at < request.size(); at += word == 65 ? 1 : 4) request[at] = word;

@@ -1,4 +1,4 @@
-/// What every fuzz target has: the function that takes an input, and the means to judge.
+/// What the fuzz targets share: the function that takes an input, and checks of rules.
 #ifndef OLT_FUZZ_TARGET_H
 #define OLT_FUZZ_TARGET_H
 
@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace olt::fuzz {
 
-/// Ends the program, with the rule that was broken and what broke it, unless it holds.
+/// Ends the program and prints the rule and what broke it, unless the rule holds.
 void require(bool holds, std::string_view rule, std::string_view broken_by = {});
 
 /// A message to a person: one line, not empty, without anything that moves a terminal's cursor.
@@ -22,7 +22,7 @@ void require_line(std::string_view line);
 /// Lines that end with a newline, each as above but perhaps empty.
 void require_lines(std::string_view text);
 
-/// Reads an input from its beginning. Behind its end there are zeros.
+/// Reads an input from its beginning. Past its end it reads zeros.
 class Input {
  public:
   Input(const uint8_t *data, size_t size) : data_(data, size) {}

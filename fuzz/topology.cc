@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/bad_input.h"
+#include "base/mac.h"
 #include "base/text.h"
 #include "box/state/json.h"
 #include "fuzz/target.h"
@@ -52,16 +53,10 @@ std::string written(const Topology &topology) {
                      {"plugged", port.plugged},
                      {"stations", port.stations}});
   }
-  std::string mac;
-  for (uint8_t byte : topology.mac) {
-    if (!mac.empty()) mac += ':';
-    mac += "0123456789abcdef"[byte >> 4];
-    mac += "0123456789abcdef"[byte & 15];
-  }
   Json value = {{"version", 1},
                 {"olt",
                  {{"name", topology.name},
-                  {"mac", mac},
+                  {"mac", olt::mac_text(topology.mac)},
                   {"serial", topology.serial},
                   {"software_version", topology.software_version},
                   {"oam_support", topology.oam_support},

@@ -18,18 +18,14 @@
 #include "tests/box/support.h"
 #include "tests/support/program.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::tests::Bytes;
-using olt::tests::Folder;
-using olt::tests::hex;
-using olt::tests::read_file;
-using olt::tests::text;
-using olt::tests::write_file;
 using std::chrono::steady_clock;
 
-/// An oltbox process in private directories, with what it prints in files.
+/// An oltbox process in private folders. Its output goes to files.
 class Daemon {
  public:
   Daemon() { setenv("OLT_RUN_DIR", run_dir().c_str(), 1); }
@@ -51,10 +47,10 @@ class Daemon {
     if (pid_ != 0) return;
     dup2(open(output.c_str(), O_WRONLY), STDOUT_FILENO);
     dup2(open(errors.c_str(), O_WRONLY), STDERR_FILENO);
-    olt::tests::execute(options, {});
+    execute(options, {});
   }
 
-  /// Launches it in its directories and waits until it says that it serves.
+  /// Starts it in its folders and waits until it serves.
   void start(std::vector<std::string> options = {}) {
     for (const char *argument : {"--run-dir", "--state-dir"}) {
       options.emplace_back(argument);
@@ -70,7 +66,7 @@ class Daemon {
 
   /// @return its exit status, or 128 + the signal that ended it.
   int wait() {
-    int status = olt::tests::wait_for(pid_);
+    int status = wait_for(pid_);
     pid_ = -1;
     return status;
   }
@@ -97,7 +93,7 @@ struct Result {
   Bytes reply;
 };
 
-Result ask(uint32_t module, uint32_t type, Bytes request = {}, uint32_t timeout = 20) {
+Result ask(Module module, uint32_t type, Bytes request = {}, uint32_t timeout = 20) {
   void *reply = nullptr;
   uint16_t length = 0;
   uint32_t handle = 0;
@@ -114,8 +110,13 @@ Result ask(uint32_t module, uint32_t type, Bytes request = {}, uint32_t timeout 
   return result;
 }
 
+/// To the main module.
+Result ask(uint32_t type, Bytes request = {}, uint32_t timeout = 20) {
+  return ask(kMainModule, type, std::move(request), timeout);
+}
+
 std::string command(std::string_view json) {
-  return olt::tests::characters(ask(1000, 1, text(json)).reply);
+  return characters(ask(kControlModule, kControlCommand, text(json)).reply);
 }
 
 std::vector<std::string> sockets_in(const std::string &directory) {
@@ -127,38 +128,38 @@ std::vector<std::string> sockets_in(const std::string &directory) {
   return names;
 }
 
-TEST(Daemon, SaysThatItServesAndServesEachModule) {
+TEST(Daemon, AnnouncesItselfAndServesEachModule) {
   Daemon daemon;
   daemon.start();
   EXPECT_EQ(daemon.output(), "oltbox: serving modules 2, 18, 22, 23 in " + daemon.run_dir() + "\n");
   EXPECT_EQ(
       sockets_in(daemon.run_dir()),
       (std::vector<std::string>{"module-1000", "module-18", "module-2", "module-22", "module-23"}));
-  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
-  EXPECT_EQ(ask(18, 4).reply, hex("01 00 00 00"));
-  EXPECT_EQ(ask(22, 83, hex("05 00 00 00")).status, 0U);
-  EXPECT_EQ(ask(23, 2, hex("05 00 00 00")).status, 0U);
-  EXPECT_EQ(ask(23, 4).status, 1U);
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(ask(kOamModule, kGetOamSupport).reply, hex("01 00 00 00"));
+  EXPECT_EQ(ask(kLogModule, kSetLogLevel, hex("05 00 00 00")).status, kOk);
+  EXPECT_EQ(ask(kRstpModule, kSetDebugEnable, hex("05 00 00 00")).status, kOk);
+  EXPECT_EQ(ask(kRstpModule, kGetOamSupport).status, kNotServed);
 }
 
 TEST(Daemon, WritesListingsIntoTheRunDirectory) {
   Daemon daemon;
   daemon.start();
-  Bytes reply = ask(2, 53).reply;
+  Bytes reply = ask(kListBasicInfo).reply;
   ASSERT_EQ(reply.size(), 80U);
-  std::string name = olt::tests::characters(olt::tests::slice(reply, 48, 70));
+  std::string name = characters(slice(reply, kListingNameAt, kListingNameAt + 22));
   EXPECT_EQ(name, "basicinfo-00000001.txt");
   EXPECT_EQ(read_file(std::filesystem::path(daemon.run_dir()) / name).find("Basic information"),
             0U);
 }
 
-TEST(Daemon, StopsCleanlyAndSoonOnSignals) {
+TEST(Daemon, StopsCleanlyAndQuicklyOnSignals) {
   for (int signal : {SIGTERM, SIGINT}) {
     Daemon daemon;
     daemon.start({"--fault", "type=5 silence"});
     std::thread client([] {
-      int32_t transport = ask(2, 5).transport;
-      EXPECT_EQ(transport, 0x00030000) << "the request was not under way when the box ended";
+      int32_t transport = ask(kSetInService).transport;
+      EXPECT_EQ(transport, kLost) << "the request was not under way when the box ended";
     });
     std::this_thread::sleep_for(100ms);
     auto begin = steady_clock::now();
@@ -173,60 +174,59 @@ TEST(Daemon, StopsCleanlyAndSoonOnSignals) {
 TEST(Daemon, TakesOverAfterAKillAndKeepsWhatWasSaved) {
   Daemon daemon;
   daemon.start();
-  EXPECT_EQ(ask(2, 56, Bytes(136, 0x11)).status, 0U);
-  EXPECT_EQ(ask(2, 8).status, 0U);
-  EXPECT_EQ(ask(2, 56, Bytes(136, 0x22)).status, 0U);
+  EXPECT_EQ(ask(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11)).status, kOk);
+  EXPECT_EQ(ask(kSaveConfig).status, kOk);
+  EXPECT_EQ(ask(kSetSnmpParam, Bytes(kSnmpParamSize, 0x22)).status, kOk);
   EXPECT_EQ(daemon.kill(SIGKILL), 128 + SIGKILL);
   EXPECT_EQ(sockets_in(daemon.run_dir()).size(), 5U);
-  EXPECT_NE(ask(2, 57).transport, 0);
+  EXPECT_NE(ask(kGetSnmpParam).transport, 0);
   daemon.start();
-  EXPECT_EQ(ask(2, 57).reply, Bytes(136, 0x11));
+  EXPECT_EQ(ask(kGetSnmpParam).reply, Bytes(kSnmpParamSize, 0x11));
   EXPECT_EQ(daemon.kill(SIGTERM), 0);
   daemon.start({"--fresh"});
-  EXPECT_EQ(ask(2, 57).reply, Bytes(136, 0));
+  EXPECT_EQ(ask(kGetSnmpParam).reply, Bytes(kSnmpParamSize, 0));
 }
 
 TEST(Daemon, PutsFaultsOnTheWireWhileOthersAreServed) {
   Daemon daemon;
   daemon.start({"--fault", "type=12 status=300 count=1", "--fault", "type=57 drop count=1",
                 "--fault", "type=60 delay_ms=300 count=1", "--fault", "type=61 silence"});
-  EXPECT_EQ(ask(2, 12).status, 300U);
-  EXPECT_EQ(ask(2, 12).status, 0U);
-  EXPECT_EQ(ask(2, 57).transport, 0x00030000);
-  EXPECT_EQ(ask(2, 57).transport, 0);
+  EXPECT_EQ(ask(kGetOltMac).status, 300U);
+  EXPECT_EQ(ask(kGetOltMac).status, kOk);
+  EXPECT_EQ(ask(kGetSnmpParam).transport, kLost);
+  EXPECT_EQ(ask(kGetSnmpParam).transport, 0);
 
   auto begin = steady_clock::now();
-  EXPECT_EQ(ask(2, 60).reply, Bytes(196));
+  EXPECT_EQ(ask(kGetSnmpInfo).reply, Bytes(kSnmpInfoSize));
   EXPECT_GE(steady_clock::now() - begin, 300ms);
 
   std::atomic<bool> waiting = true;
   std::thread silenced([&waiting] {
-    EXPECT_EQ(ask(2, 61, {}, 1).transport, 0x00010000);
+    EXPECT_EQ(ask(kGetUpdateStatus, {}, 1).transport, kTimedOut);
     waiting = false;
   });
   int served = 0;
-  while (waiting) served += ask(2, 12).status == 0 ? 1 : 0;
+  while (waiting) served += ask(kGetOltMac).status == 0 ? 1 : 0;
   silenced.join();
   EXPECT_GT(served, 10);
 
   EXPECT_EQ(command(R"({"command":"fault_clear"})"), R"({"ok":true,"cleared":4})");
-  EXPECT_EQ(ask(2, 61).reply, hex("00 00 00 00"));
+  EXPECT_EQ(ask(kGetUpdateStatus).reply, hex("00 00 00 00"));
 }
 
 TEST(Daemon, CountsWhatItsServerSees) {
   Daemon daemon;
   daemon.start();
-  ask(2, 12);
-  ask(2, 200);
+  ask(kGetOltMac);
+  ask(kUnknownType);
   std::string counters = command(R"({"command":"counters"})");
   EXPECT_EQ(counters.find(R"({"ok":true,"counters":{"exchanges":2,"refused":1,"unserved":1,)"), 0U)
       << counters;
-  EXPECT_NE(counters.find(R"("server":{"exchanges":)"), std::string::npos) << counters;
-  EXPECT_NE(counters.find(R"("refused_peers":0,"broken_frames":0,)"), std::string::npos)
-      << counters;
+  EXPECT_TRUE(holds(counters, R"("server":{"exchanges":)")) << counters;
+  EXPECT_TRUE(holds(counters, R"("refused_peers":0,"broken_frames":0,)")) << counters;
 }
 
-TEST(Daemon, SurvivesClientsThatTalkRubbishAndVanish) {
+TEST(Daemon, SurvivesClientsThatSendRubbishOrDisconnect) {
   Daemon daemon;
   daemon.start();
   std::vector<int> clients;
@@ -244,26 +244,26 @@ TEST(Daemon, SurvivesClientsThatTalkRubbishAndVanish) {
       clients.push_back(client);
     }
   }
-  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("02 00 00 00 00 01"));
   for (int client : clients) close(client);
-  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("02 00 00 00 00 01"));
 }
 
 TEST(Daemon, TracesWhenAsked) {
   Daemon daemon;
   daemon.start({"--trace"});
-  ask(2, 12);
+  ask(kGetOltMac);
   std::string output = daemon.output();
-  EXPECT_NE(output.find("Z module 2 type 12 olt-mac: request 0, status 0 ok, reply 6 "
-                        "[020000000001]\n"),
-            std::string::npos)
+  EXPECT_TRUE(holds(output,
+                    "Z module 2 type 12 olt-mac: request 0, status 0 ok, reply 6 "
+                    "[020000000001]\n"))
       << output;
 }
 
 TEST(Daemon, LetsAGroupReadListings) {
   Daemon daemon;
   daemon.start({"--group", std::to_string(getegid())});
-  ask(2, 53);
+  ask(kListBasicInfo);
   struct stat status = {};
   ASSERT_EQ(stat((daemon.run_dir() + "/basicinfo-00000001.txt").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0640U);
@@ -274,7 +274,7 @@ TEST(Daemon, TakesItsTopologyFromAFile) {
   Daemon daemon;
   write_file(daemon.folder / "box.json", R"({"olt":{"mac":"00:11:22:33:44:56"}})");
   daemon.start({"--topology", daemon.folder / "box.json"});
-  EXPECT_EQ(ask(2, 12).reply, hex("00 11 22 33 44 56"));
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("00 11 22 33 44 56"));
 }
 
 TEST(Daemon, UsesTheUsersDirectoriesByDefault) {
@@ -282,7 +282,7 @@ TEST(Daemon, UsesTheUsersDirectoriesByDefault) {
   setenv("XDG_STATE_HOME", (daemon.folder / "home").c_str(), 1);
   daemon.launch({});
   auto deadline = steady_clock::now() + 30s;
-  while (ask(2, 8).transport != 0 && steady_clock::now() < deadline) {
+  while (ask(kSaveConfig).transport != 0 && steady_clock::now() < deadline) {
     std::this_thread::sleep_for(5ms);
   }
   EXPECT_TRUE(std::filesystem::exists(daemon.folder / "home/oltmgmt/box/saved.json"));
@@ -313,18 +313,18 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
   EXPECT_FALSE(std::filesystem::exists(daemon.folder / "state"));
 }
 
-TEST(Daemon, HelpsAndTellsItsVersion) {
+TEST(Daemon, PrintsHelpAndVersion) {
   Daemon daemon;
   EXPECT_EQ(daemon.run({"--version"}), 0);
   EXPECT_EQ(daemon.output().find("oltbox 0."), 0U) << daemon.output();
   EXPECT_EQ(daemon.run({"--help"}), 0);
   for (const char *option : {"--run-dir", "--state-dir", "--topology", "--group", "--fault",
                              "--trace", "--fresh", "--version", "--help"}) {
-    EXPECT_NE(daemon.output().find(option), std::string::npos) << option;
+    EXPECT_TRUE(holds(daemon.output(), option)) << option;
   }
 }
 
-TEST(Daemon, LeavesARunDirectoryThatIsServedAlone) {
+TEST(Daemon, LeavesABusyRunDirectoryAlone) {
   Daemon daemon;
   daemon.start();
   Daemon second;
@@ -333,7 +333,7 @@ TEST(Daemon, LeavesARunDirectoryThatIsServedAlone) {
   EXPECT_EQ(errors.find("oltbox: "), 0U) << errors;
   EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
   setenv("OLT_RUN_DIR", daemon.run_dir().c_str(), 1);
-  EXPECT_EQ(ask(2, 12).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("02 00 00 00 00 01"));
 }
 
 TEST(Daemon, WaitsAWhileForAStateDirectoryInUse) {
@@ -349,3 +349,5 @@ TEST(Daemon, WaitsAWhileForAStateDirectoryInUse) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -7,7 +7,7 @@
 
 #include "tests/box/support.h"
 
-namespace olt::tests {
+namespace olt::test {
 
 /// Two PON interfaces with four ONUs each.
 class SmallPon : public TestBox {
@@ -19,20 +19,23 @@ class SmallPon : public TestBox {
   std::string list_target(uint32_t type, const Bytes &target);
 };
 
-/// Names an ONU or a part of it. The bytes that nobody should look at are no zeros.
+/// Names an ONU or a part of it. The bytes that the box must ignore are not zero.
 Bytes target(uint32_t interface, uint32_t onu, uint32_t part = 0);
-/// The same with bytes behind it.
+/// The target followed by more bytes.
 Bytes target_with(const Bytes &target, const Bytes &tail);
 
-/// Names an interface in words 0 and 1, and 1 and 2, of 80 bytes.
+/// Names an interface in words 0 and 1 of its request.
 Bytes interface_record(uint32_t interface);
+/// Names an interface in words 1 and 2, as requests for listings do.
 Bytes listed_interface(uint32_t interface);
+/// Sets the authentication mode of an interface.
+Bytes mode_record(uint32_t interface, uint32_t mode);
 
 /// An entry of an allow list, or of the block list.
 Bytes auth_entry(std::string_view mac, std::string_view loid = {}, std::string_view password = {});
-/// An interface with entries behind it.
+/// An interface followed by entries.
 Bytes auth_entries(uint32_t interface, std::initializer_list<Bytes> entries);
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
 #endif

@@ -1,60 +1,11 @@
 #include "tests/box/support.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <numeric>
 #include <stdexcept>
 
-namespace olt::tests {
-
-Bytes hex(std::string_view text) {
-  Bytes bytes;
-  std::string digits;
-  for (char c : text) {
-    if (c == ' ') continue;
-    digits += c;
-    if (digits.size() < 2) continue;
-    bytes.push_back(static_cast<uint8_t>(std::stoi(digits, nullptr, 16)));
-    digits.clear();
-  }
-  return bytes;
-}
-
-Bytes record(size_t size, std::initializer_list<std::pair<size_t, Bytes>> fields) {
-  Bytes bytes(size);
-  for (const auto &[offset, field] : fields) {
-    std::copy(field.begin(), field.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
-  }
-  return bytes;
-}
-
-Bytes text(std::string_view characters) {
-  return {characters.begin(), characters.end()};
-}
-
-Bytes word(uint32_t value) {
-  return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
-          static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
-}
-
-Bytes counting(size_t size, uint8_t from) {
-  Bytes bytes(size);
-  std::iota(bytes.begin(), bytes.end(), from);
-  return bytes;
-}
-
-Bytes slice(const Bytes &bytes, size_t begin, size_t end) {
-  return {bytes.begin() + static_cast<std::ptrdiff_t>(begin),
-          bytes.begin() + static_cast<std::ptrdiff_t>(end)};
-}
-
-std::string characters(const Bytes &bytes) {
-  return {bytes.begin(), bytes.end()};
-}
+namespace olt::test {
 
 TestBox::TestBox() {
   options.state_dir = folder / "state";
@@ -73,29 +24,70 @@ void TestBox::restart() {
   start();
 }
 
-box::Answer TestBox::ask(uint32_t module, uint32_t type, const Bytes &request) {
+box::Answer TestBox::ask(Module module, uint32_t type, const Bytes &request) {
   if (!simulator_) start();
   return simulator_->handle(module, type, request);
 }
 
-uint32_t TestBox::status(uint32_t module, uint32_t type, const Bytes &request) {
+box::Answer TestBox::ask(uint32_t type, const Bytes &request) {
+  return ask(kMainModule, type, request);
+}
+
+uint32_t TestBox::status(Module module, uint32_t type, const Bytes &request) {
   return ask(module, type, request).status;
 }
 
-Bytes TestBox::reply(uint32_t module, uint32_t type, const Bytes &request) {
+uint32_t TestBox::status(uint32_t type, const Bytes &request) {
+  return status(kMainModule, type, request);
+}
+
+Bytes TestBox::reply(Module module, uint32_t type, const Bytes &request) {
   box::Answer answer = ask(module, type, request);
-  EXPECT_EQ(answer.status, 0) << "module " << module << ", type " << type;
+  EXPECT_EQ(answer.status, kOk) << "module " << module << ", type " << type;
   return answer.reply;
 }
 
+Bytes TestBox::reply(uint32_t type, const Bytes &request) {
+  return reply(kMainModule, type, request);
+}
+
 std::string TestBox::command(std::string_view json) {
-  return characters(reply(1000, 1, text(json)));
+  return characters(reply(kControlModule, kControlCommand, text(json)));
 }
 
 std::string TestBox::listing(const Bytes &reply, size_t offset) const {
-  std::string name = characters(slice(reply, offset, offset + 32));
+  std::string name = characters(slice(reply, offset, offset + kListingNameSize));
   EXPECT_EQ(name.back(), '\0');
   return read_file(options.listing_dir / name.c_str());
 }
 
-}  // namespace olt::tests
+std::string TestBox::running_config() {
+  return listing(reply(kListRunningConfig), kListingNameAt);
+}
+
+std::string TestBox::basic_info() {
+  return listing(reply(kListBasicInfo), kListingNameAt);
+}
+
+Bytes words(std::initializer_list<uint32_t> values) {
+  Bytes bytes;
+  for (uint32_t value : values) {
+    const Bytes one = word(value);
+    bytes.insert(bytes.end(), one.begin(), one.end());
+  }
+  return bytes;
+}
+
+void put(Bytes &bytes, size_t offset, const Bytes &field) {
+  if (offset + field.size() > bytes.size()) throw std::out_of_range("field of a record");
+  std::copy(field.begin(), field.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+}
+
+Bytes port_record(uint32_t number, std::initializer_list<std::pair<size_t, Bytes>> fields) {
+  Bytes bytes = record(kPortSize, fields);
+  put(bytes, 0, word(1));
+  put(bytes, 4, word(number));
+  return bytes;
+}
+
+}  // namespace olt::test

@@ -1,4 +1,4 @@
-/// What the tests of the box share: private directories, literal bytes, a box without sockets.
+/// What the tests of the box share: private folders, and a box without sockets.
 #ifndef OLT_TESTS_BOX_SUPPORT_H
 #define OLT_TESTS_BOX_SUPPORT_H
 
@@ -12,46 +12,39 @@
 #include <vector>
 
 #include "base/clock.h"
-#include "base/text.h"
 #include "box/simulator.h"
+#include "tests/support/bytes.h"
 #include "tests/support/folder.h"
+#include "tests/support/wire_names.h"
 
-namespace olt::tests {
+namespace olt::test {
 
-using Bytes = std::vector<uint8_t>;
-
-/// "01 00 ff" as bytes.
-Bytes hex(std::string_view text);
-/// So many zero bytes, with the given bytes laid over them at their offsets.
-Bytes record(size_t size, std::initializer_list<std::pair<size_t, Bytes>> fields = {});
-Bytes text(std::string_view characters);
-/// A little-endian word.
-Bytes word(uint32_t value);
-/// So many bytes, each one more than the one before.
-Bytes counting(size_t size, uint8_t from);
-Bytes slice(const Bytes &bytes, size_t begin, size_t end);
-std::string characters(const Bytes &bytes);
-
-/// A simulated box in private directories. Its clock stands at 2026-01-31 12:00:00 UTC until it is
+/// A simulated box in private folders. Its clock stands at 2026-01-31 12:00:00 UTC until it is
 /// advanced.
 class TestBox {
  public:
   TestBox();
 
-  /// Ends the box and starts it anew in the same directories.
+  /// Ends the box and starts it again in the same folders.
   void restart();
   void end() { simulator_.reset(); }
   void advance(std::chrono::seconds time) { now_ += time; }
 
-  box::Answer ask(uint32_t module, uint32_t type, const Bytes &request = {});
+  /// Requests without a module go to the main module.
+  box::Answer ask(Module module, uint32_t type, const Bytes &request = {});
+  box::Answer ask(uint32_t type, const Bytes &request = {});
   /// The status alone.
-  uint32_t status(uint32_t module, uint32_t type, const Bytes &request = {});
+  uint32_t status(Module module, uint32_t type, const Bytes &request = {});
+  uint32_t status(uint32_t type, const Bytes &request = {});
   /// The reply to a request that must succeed.
-  Bytes reply(uint32_t module, uint32_t type, const Bytes &request = {});
+  Bytes reply(Module module, uint32_t type, const Bytes &request = {});
+  Bytes reply(uint32_t type, const Bytes &request = {});
   /// The JSON answer to a control command.
   std::string command(std::string_view json);
-  /// The content of the listing named in the 32 bytes at the offset of the reply.
+  /// The content of the listing whose name is at the offset of the reply.
   std::string listing(const Bytes &reply, size_t offset) const;
+  std::string running_config();
+  std::string basic_info();
 
   void keep() { simulator_->keep(); }
 
@@ -67,6 +60,14 @@ class TestBox {
   std::unique_ptr<box::Simulator> simulator_;
 };
 
-}  // namespace olt::tests
+Bytes words(std::initializer_list<uint32_t> values);
+
+/// Copies the field to its offset.
+void put(Bytes &bytes, size_t offset, const Bytes &field);
+
+/// Names an Ethernet port in words 0 and 1, and sets fields of its record.
+Bytes port_record(uint32_t number, std::initializer_list<std::pair<size_t, Bytes>> fields = {});
+
+}  // namespace olt::test
 
 #endif

@@ -10,8 +10,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -19,21 +17,14 @@
 #include "oltmgmt.h"
 #include "oltplatform.h"
 #include "tests/end_to_end/running_box.h"
+#include "tests/support/wire_names.h"
+
+namespace olt::test {
 
 namespace {
 
 using namespace std::chrono_literals;
-using olt::tests::RunningBox;
 using std::chrono::steady_clock;
-
-constexpr int32_t kTimedOut = 0x00010000;
-constexpr int32_t kNoModule = 0x00020000;
-constexpr int32_t kLost = 0x00030000;
-
-std::string listing(const RunningBox &box, const char (&name)[32]) {
-  std::ifstream file(box.run_dir() + "/" + std::string(name, strnlen(name, sizeof name)));
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 TEST(LibraryToBox, RecordsThatAreSetAreReadBack) {
   RunningBox box;
@@ -86,16 +77,16 @@ TEST(LibraryToBox, ListingsAreNamedFilesInTheRunDirectory) {
   box.start();
   char name[32];
   ASSERT_EQ(get_system_basicinfofile(name), 0);
-  EXPECT_FALSE(listing(box, name).empty());
+  EXPECT_FALSE(box.listing(name).empty());
   ASSERT_EQ(show_running_configuration_file(name), 0);
-  EXPECT_FALSE(listing(box, name).empty());
+  EXPECT_FALSE(box.listing(name).empty());
   ASSERT_EQ(show_memory_info(18, name), 0);
-  EXPECT_FALSE(listing(box, name).empty());
+  EXPECT_FALSE(box.listing(name).empty());
   ASSERT_EQ(get_system_loginfofile(name, 0), 0);
-  EXPECT_FALSE(listing(box, name).empty());
+  EXPECT_FALSE(box.listing(name).empty());
 }
 
-TEST(LibraryToBox, AnUpdateStreamIsAnsweredInABlockOfItsOwn) {
+TEST(LibraryToBox, AnUpdateStreamIsAnsweredInANewBlock) {
   RunningBox box;
   box.start();
   std::vector<uint8_t> image(8 + 4096, 0xEE);
@@ -164,7 +155,8 @@ TEST(LibraryToBox, ATimeOutHoldsInASignalStorm) {
   auto begin = steady_clock::now();
   EXPECT_EQ(box.oltctl({"fault", "add", "type=7", "action=silence"}).status, 0);
   begin = steady_clock::now();
-  int32_t silent = platmsg_syn_result(7, 2, nullptr, 0, nullptr, nullptr, nullptr, &status, 1, 1);
+  int32_t silent = platmsg_syn_result(kReboot, kMainModule, nullptr, 0, nullptr, nullptr, nullptr,
+                                      &status, 1, 1);
   auto elapsed = steady_clock::now() - begin;
   itimerval calm = {};
   setitimer(ITIMER_REAL, &calm, nullptr);
@@ -200,7 +192,7 @@ TEST(LibraryToBox, AnotherUserIsRefused) {
   if (geteuid() != 0) return;  // only root can become a second user
   RunningBox box;
   box.start();
-  // The folders are opened up, so that the peer's user alone stands in the way.
+  // Everyone may reach the sockets: only the check of the peer's user refuses.
   ASSERT_EQ(std::system(("chmod 755 " + box.folder() + " " + box.run_dir() + " && chmod 666 " +
                          box.run_dir() + "/module-*")
                             .c_str()),
@@ -209,7 +201,7 @@ TEST(LibraryToBox, AnotherUserIsRefused) {
   if (stranger == 0) {
     olt_mac mac{};
     bool changed = setgid(65534) == 0 && setuid(65534) == 0;
-    _exit(changed && get_olt_mac(&mac) == 0x00040000 ? 0 : 1);
+    _exit(changed && get_olt_mac(&mac) == kRefused ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(waitpid(stranger, &status, 0), stranger);
@@ -219,3 +211,5 @@ TEST(LibraryToBox, AnotherUserIsRefused) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

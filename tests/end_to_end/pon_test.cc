@@ -5,26 +5,20 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "oltmgmt.h"
 #include "tests/end_to_end/running_box.h"
+#include "tests/support/bytes.h"
+#include "tests/support/wire_names.h"
+
+namespace olt::test {
 
 namespace {
-
-using olt::tests::Finished;
-using olt::tests::Folder;
-using olt::tests::RunningBox;
 
 // The default topology.
 constexpr uint32_t kInterfaces = 16;
 constexpr uint32_t kOnus = 64;
-
-bool holds(const std::string &text, const std::string &part) {
-  return text.find(part) != std::string::npos;
-}
 
 size_t count(const std::string &text, const std::string &part) {
   size_t count = 0;
@@ -111,7 +105,7 @@ TEST(Pon, LoidsAndPasswordsLetOnusIn) {
   box.start();
   std::string lines;
   for (uint32_t onu = 1; onu <= kOnus; ++onu) {
-    // Of four, one gives no password and one a wrong one.
+    // Of every four, one has no password and one a wrong one.
     lines += "loid=onu-1-3-" + std::to_string(onu);
     if (onu % 4 != 0) lines += " password=pw-1-3-" + std::to_string(onu % 4 == 1 ? 999 : onu);
     lines += '\n';
@@ -138,7 +132,7 @@ TEST(Pon, ABadLineIsNamedAndNothingIsSent) {
   Finished after = box.oltctl({"--json", "counters"});
   EXPECT_EQ(failed.status, 2);
   EXPECT_EQ(failed.output, "");
-  // Behind a comment and a blank line.
+  // The entry of ONU 40, after a comment and a blank line.
   EXPECT_TRUE(holds(failed.errors, "entries: line 42: ")) << failed.errors;
   EXPECT_EQ(count(failed.errors, "\n"), 1U) << failed.errors;
   EXPECT_TRUE(holds(before.output, R"("exchanges":0,)")) << before.output;
@@ -168,15 +162,16 @@ TEST(Pon, TheLibraryReadsWhatTheCommandLineSet) {
   EXPECT_EQ(memcmp(&rates, expected, sizeof expected), 0);
   EXPECT_EQ(get_onu_basic_mac_byindex(&ont), 0);
   const uint8_t mac[] = {0x02, 0x20, 0x01, 0x00, 0x40, 0x01};
-  EXPECT_EQ(memcmp(reinterpret_cast<const uint8_t *>(&ont) + 28, mac, sizeof mac), 0);
+  EXPECT_EQ(memcmp(reinterpret_cast<const uint8_t *>(&ont) + kMacAt, mac, sizeof mac), 0);
 
   char name[32];
   ASSERT_EQ(getonu_ont_opticalfile(&ont, name), 0);
-  std::ifstream file(box.run_dir() + "/" + std::string(name, strnlen(name, sizeof name)));
-  std::string readings{std::istreambuf_iterator<char>(file), {}};
+  std::string readings = box.listing(name);
   EXPECT_TRUE(holds(readings, "Optical readings of ONU 1/1/64\n")) << readings;
   ASSERT_EQ(tkonu_ont_reboot(&ont), 0);
-  EXPECT_EQ(getonu_ont_opticalfile(&ont, name), 11);
+  EXPECT_EQ(getonu_ont_opticalfile(&ont, name), kOnuNotUp);
 }
 
 }  // namespace
+
+}  // namespace olt::test

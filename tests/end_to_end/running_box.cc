@@ -1,6 +1,7 @@
 #include "tests/end_to_end/running_box.h"
 
 #include <fcntl.h>
+#include <string.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,14 +11,16 @@
 #include <stdexcept>
 #include <thread>
 
-namespace olt::tests {
+#include "tests/support/bytes.h"
+
+namespace olt::test {
 
 namespace {
 
 using namespace std::chrono_literals;
 using std::chrono::steady_clock;
 
-/// Much longer than a start takes, for machines under load.
+/// Far longer than a start takes, even on a busy machine.
 constexpr auto kLongestStart = 30s;
 
 }  // namespace
@@ -42,7 +45,7 @@ void RunningBox::start(const std::vector<std::string> &options) {
     execute(command, {});
   }
   const auto deadline = steady_clock::now() + kLongestStart;
-  while (read_file(output).find("oltbox: serving") == std::string::npos) {
+  while (!holds(read_file(output), "oltbox: serving")) {
     if (steady_clock::now() > deadline) throw std::runtime_error("oltbox did not get ready");
     std::this_thread::sleep_for(2ms);
   }
@@ -55,10 +58,14 @@ int RunningBox::end(int signal) {
   return status;
 }
 
+std::string RunningBox::listing(const char (&name)[32]) const {
+  return read_file(run_dir_ + "/" + std::string(name, strnlen(name, sizeof name)));
+}
+
 Finished RunningBox::oltctl(const std::vector<std::string> &arguments) const {
   std::vector<std::string> command = {OLTCTL, "--box", run_dir_};
   command.insert(command.end(), arguments.begin(), arguments.end());
   return run(command);
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

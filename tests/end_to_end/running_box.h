@@ -10,9 +10,9 @@
 #include "tests/support/folder.h"
 #include "tests/support/program.h"
 
-namespace olt::tests {
+namespace olt::test {
 
-/// An oltbox process. This process reaches it through the library: OLT_RUN_DIR is set.
+/// An oltbox process. Sets OLT_RUN_DIR, so that the library of this process reaches it.
 class RunningBox {
  public:
   RunningBox();
@@ -22,12 +22,15 @@ class RunningBox {
 
   /// Starts oltbox, with further options, and waits until it is ready.
   void start(const std::vector<std::string> &options = {});
-  /// Ends it by the signal. @return as Finished::status.
+  /// Ends it with the signal. @return as Finished::status.
   int end(int signal);
 
   pid_t pid() const { return pid_; }
   const std::string &run_dir() const { return run_dir_; }
   const std::string &folder() const { return folder_.path(); }
+
+  /// The content of a listing in the run directory.
+  std::string listing(const char (&name)[32]) const;
 
   /// Runs oltctl on this box.
   Finished oltctl(const std::vector<std::string> &arguments) const;
@@ -38,6 +41,6 @@ class RunningBox {
   pid_t pid_ = -1;
 };
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
 #endif

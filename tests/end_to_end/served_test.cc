@@ -1,5 +1,4 @@
-// Every operation is documented with the message that it sends, and a running box serves it. That
-// all are exported, mapped and in the tables is tested beside the library and the catalog.
+// The public header documents the message that each operation sends, and a running box serves it.
 
 #include <gtest/gtest.h>
 
@@ -11,19 +10,22 @@
 #include "catalog/catalog.h"
 #include "oltplatform.h"
 #include "tests/end_to_end/running_box.h"
+#include "tests/support/bytes.h"
+#include "tests/support/wire_names.h"
+
+namespace olt::test {
 
 namespace {
 
-using olt::catalog::Address;
-using olt::catalog::Operation;
+using catalog::Address;
+using catalog::Operation;
 
-constexpr uint32_t kBadLength = 2;
-constexpr uint32_t kModules[] = {2, 18, 22, 23};
+constexpr uint32_t kModules[] = {kMainModule, kOamModule, kLogModule, kRstpModule};
 
 template <typename Function>
 size_t each_operation(Function function) {
   size_t count = 0;
-  for (const auto &family : olt::catalog::families()) {
+  for (const auto &family : catalog::families()) {
     for (const Operation &operation : family.operations) {
       function(operation);
       ++count;
@@ -32,7 +34,7 @@ size_t each_operation(Function function) {
   return count;
 }
 
-/// The lines of comment right above each declaration, without their marks, as one.
+/// The comment above each declaration, without its marks, by operation.
 std::map<std::string, std::string> comments() {
   std::map<std::string, std::string> comments;
   std::ifstream header(OLT_HEADER);
@@ -67,15 +69,15 @@ TEST(Operations, AreDocumentedWithWhatTheySend) {
   size_t count = each_operation([&all](const Operation &operation) {
     const std::string &comment = all[operation.name];
     EXPECT_FALSE(comment.empty()) << operation.name << " has no comment";
-    EXPECT_NE(comment.find(" @return "), std::string::npos) << operation.name << ":" << comment;
+    EXPECT_TRUE(holds(comment, " @return ")) << operation.name << ":" << comment;
     if (!operation.address.sends()) return;
-    EXPECT_NE(comment.find(address_text(operation.address)), std::string::npos)
+    EXPECT_TRUE(holds(comment, address_text(operation.address)))
         << operation.name << " should say: " << address_text(operation.address) << ":" << comment;
   });
   EXPECT_EQ(count, 182U);
 }
 
-/// A request of one byte fits no message: one that is served is refused for its length alone.
+/// No message has a request of one byte, so a module that serves the type answers kBadLength.
 uint32_t status_of_a_byte(uint32_t module, uint32_t type) {
   char byte = 0;
   uint16_t status = 0;
@@ -86,7 +88,7 @@ uint32_t status_of_a_byte(uint32_t module, uint32_t type) {
 }
 
 TEST(Operations, AreServedByTheBox) {
-  olt::tests::RunningBox box;
+  RunningBox box;
   box.start();
   std::set<uint32_t> types;
   each_operation([&types](const Operation &operation) {
@@ -102,7 +104,9 @@ TEST(Operations, AreServedByTheBox) {
     }
   });
   EXPECT_EQ(types.size(), 170U);
-  EXPECT_EQ(status_of_a_byte(2, 175), 1U);
+  EXPECT_EQ(status_of_a_byte(kMainModule, 175), kNotServed);
 }
 
 }  // namespace
+
+}  // namespace olt::test

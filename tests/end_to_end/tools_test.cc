@@ -1,4 +1,4 @@
-// The programs as a user meets them: oltctl on a running oltbox, and the tour.
+// The programs as users run them: oltctl on a running oltbox, and the tour.
 
 #include <gtest/gtest.h>
 
@@ -6,17 +6,11 @@
 #include <string>
 
 #include "tests/end_to_end/running_box.h"
+#include "tests/support/bytes.h"
+
+namespace olt::test {
 
 namespace {
-
-using olt::tests::Finished;
-using olt::tests::Folder;
-using olt::tests::run;
-using olt::tests::RunningBox;
-
-bool holds(const std::string &text, const std::string &part) {
-  return text.find(part) != std::string::npos;
-}
 
 TEST(Tools, OneInvocationSetsAndTheNextReads) {
   RunningBox box;
@@ -61,3 +55,5 @@ TEST(Tools, TheTourRuns) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -10,10 +10,9 @@
 
 #include "tests/end_to_end/running_box.h"
 
-namespace {
+namespace olt::test {
 
-using olt::tests::Finished;
-using olt::tests::RunningBox;
+namespace {
 
 using Lines = std::vector<std::string>;
 
@@ -24,7 +23,7 @@ Lines lines_of(const std::string &text) {
   return lines;
 }
 
-/// How the row begins of each ONU, of so many interfaces with so many ONUs.
+/// The beginning of the row of each ONU.
 Lines rows_of_onus(uint32_t interfaces, uint32_t onus) {
   Lines rows;
   for (uint32_t interface = 1; interface <= interfaces; ++interface) {
@@ -36,7 +35,7 @@ Lines rows_of_onus(uint32_t interfaces, uint32_t onus) {
   return rows;
 }
 
-/// The same of their parts.
+/// The beginning of the row of each ONU's parts.
 Lines rows_of_parts(const Lines &onus, const std::string &name, uint32_t parts) {
   Lines rows;
   for (const std::string &onu : onus) {
@@ -159,3 +158,5 @@ TEST(Walk, OfIptvTablesIsComplete) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

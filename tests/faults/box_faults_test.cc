@@ -9,21 +9,17 @@
 #include "tests/box/support.h"
 #include "tests/faults/walk.h"
 
+namespace olt::test {
+
 namespace {
 
-using olt::faults::is_harmless;
-using olt::faults::Plan;
-using olt::faults::Strike;
-using olt::tests::Bytes;
-using olt::tests::read_file;
-using olt::tests::TestBox;
+using faults::is_harmless;
+using faults::Plan;
+using faults::Strike;
 
-constexpr uint32_t kDone = 0;
-constexpr uint32_t kStorageFailed = 8;
-
-std::size_t open_descriptors() {
+size_t open_descriptors() {
   const std::filesystem::directory_iterator entries("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+  return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 
 /// The files of a directory, by name, whole.
@@ -52,9 +48,9 @@ bool is_one_line(const std::string &text) {
 
 void expect_status(const Plan &plan, uint32_t status) {
   if (is_harmless(plan)) {
-    EXPECT_EQ(status, kDone);
+    EXPECT_EQ(status, kOk);
   } else {
-    EXPECT_TRUE(status == kDone || status == kStorageFailed) << status;
+    EXPECT_TRUE(status == kOk || status == kNotWritten) << status;
   }
 }
 
@@ -62,14 +58,16 @@ void expect_status(const Plan &plan, uint32_t status) {
 struct Saves {
   explicit Saves(TestBox &box) {
     change(box, 0x22);
-    box.status(2, 8);
+    box.status(kSaveConfig);
     after = files_in(box.options.state_dir);
     change(box, 0x11);
-    box.status(2, 8);
+    box.status(kSaveConfig);
     before = files_in(box.options.state_dir);
   }
 
-  static void change(TestBox &box, uint8_t pattern) { box.status(2, 56, Bytes(136, pattern)); }
+  static void change(TestBox &box, uint8_t pattern) {
+    box.status(kSetSnmpParam, Bytes(kSnmpParamSize, pattern));
+  }
 
   std::map<std::string, std::string> before;
   std::map<std::string, std::string> after;
@@ -81,27 +79,27 @@ TEST(Faults, OfASave) {
   const Saves saves(box);
   ASSERT_NE(saves.before, saves.after);
   auto scenario = [&](const Plan &plan) {
-    const std::size_t descriptors = open_descriptors();
+    const size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     uint32_t status = 0;
     bool reached = false;
     {
       const Strike strike(plan);
-      status = box.status(2, 8);
+      status = box.status(kSaveConfig);
       reached = strike.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(open_descriptors(), descriptors);
     EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan),
-              status == kDone ? saves.after : saves.before);
-    box.status(2, 7);
-    EXPECT_EQ(box.reply(2, 57), Bytes(136, status == kDone ? 0x22 : 0x11));
+              status == kOk ? saves.after : saves.before);
+    box.status(kReboot);
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, status == kOk ? 0x22 : 0x11));
     Saves::change(box, 0x11);
-    EXPECT_EQ(box.status(2, 8), kDone);
+    EXPECT_EQ(box.status(kSaveConfig), kOk);
     EXPECT_EQ(files_in(box.options.state_dir), saves.before);
     return reached;
   };
-  olt::faults::run(
+  faults::run(
       {.scenario = scenario,
        .allocations = false,
        .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"}});
@@ -110,25 +108,25 @@ TEST(Faults, OfASave) {
 TEST(Faults, OfTheFirstSave) {
   TestBox box;
   box.traced = false;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   auto scenario = [&](const Plan &plan) {
     uint32_t status = 0;
     bool reached = false;
     {
       const Strike strike(plan);
-      status = box.status(2, 8);
+      status = box.status(kSaveConfig);
       reached = strike.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan).size(),
-              status == kDone ? 1U : 0U);
-    EXPECT_EQ(box.status(2, 8), kDone);
+              status == kOk ? 1U : 0U);
+    EXPECT_EQ(box.status(kSaveConfig), kOk);
     for (const auto &[name, content] : files_in(box.options.state_dir)) {
       std::filesystem::remove(box.options.state_dir / name);
     }
     return reached;
   };
-  olt::faults::run(
+  faults::run(
       {.scenario = scenario,
        .allocations = false,
        .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"},
@@ -143,7 +141,7 @@ TEST(Faults, OfTheRunningState) {
   box.keep();
   const auto before = files_in(box.options.state_dir);
   auto scenario = [&](const Plan &plan) {
-    const std::size_t descriptors = open_descriptors();
+    const size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     bool kept = true;
     bool reached = false;
@@ -161,7 +159,7 @@ TEST(Faults, OfTheRunningState) {
     EXPECT_EQ(open_descriptors(), descriptors);
     const auto now = without_left_overs(files_in(box.options.state_dir), plan);
     if (kept) {
-      EXPECT_NE(now.at("running.json").find(std::string(272, '2')), std::string::npos);
+      EXPECT_TRUE(holds(now.at("running.json"), std::string(2 * kSnmpParamSize, '2')));
       EXPECT_EQ(now.size(), 1U);
     } else {
       EXPECT_EQ(now, before);
@@ -169,14 +167,14 @@ TEST(Faults, OfTheRunningState) {
     Saves::change(box, 0x11);
     box.keep();
     box.restart();
-    EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
     std::filesystem::remove(box.options.state_dir / "running.json");
     for (const auto &[name, content] : before) {
-      olt::tests::write_file(box.options.state_dir / name, content);
+      write_file(box.options.state_dir / name, content);
     }
     return reached;
   };
-  olt::faults::run(
+  faults::run(
       {.scenario = scenario,
        .allocations = false,
        .calls = {"close", "fchmod", "fsync", "linkat", "openat", "renameat", "unlinkat", "write"},
@@ -187,22 +185,22 @@ TEST(Faults, OfAListing) {
   TestBox box;
   box.traced = false;
   std::filesystem::create_directory(box.options.listing_dir);
-  olt::tests::write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
+  write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
   auto scenario = [&](const Plan &plan) {
     box.restart();
-    const std::size_t descriptors = open_descriptors();
-    olt::box::Answer answer;
+    const size_t descriptors = open_descriptors();
+    box::Answer answer;
     bool reached = false;
     {
       const Strike strike(plan);
-      answer = box.ask(2, 53);
+      answer = box.ask(kListBasicInfo);
       reached = strike.reached();
     }
     expect_status(plan, answer.status);
     EXPECT_EQ(open_descriptors(), descriptors);
     auto files = without_left_overs(files_in(box.options.listing_dir), plan);
-    if (answer.status == kDone) {
-      const std::string listed = box.listing(answer.reply, 48);
+    if (answer.status == kOk) {
+      const std::string listed = box.listing(answer.reply, kListingNameAt);
       EXPECT_EQ(listed.find("Basic information of olt\n"), 0U);
       EXPECT_EQ(listed.back(), '\n');
       EXPECT_EQ(files.size(), 2U);
@@ -210,8 +208,8 @@ TEST(Faults, OfAListing) {
       EXPECT_EQ(files.size(), 1U);
     }
     // No number is used twice, whatever could not be seen.
-    const Bytes next = box.reply(2, 53);
-    const std::string name = olt::tests::characters(olt::tests::slice(next, 48, 70));
+    const Bytes next = box.reply(kListBasicInfo);
+    const std::string name = characters(slice(next, kListingNameAt, kListingNameAt + 22));
     EXPECT_FALSE(files.contains(name)) << name;
     EXPECT_EQ(files_in(box.options.listing_dir).at("basicinfo-00000007.txt"), "an earlier one");
     for (const auto &[listing, content] : files_in(box.options.listing_dir)) {
@@ -219,10 +217,10 @@ TEST(Faults, OfAListing) {
     }
     return reached;
   };
-  olt::faults::run({.scenario = scenario,
-                    .allocations = false,
-                    .calls = {"close", "fchmod", "open", "fdopendir", "openat", "readdir",
-                              "renameat", "stat", "unlinkat", "write"}});
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "open", "fdopendir", "openat", "readdir", "renameat",
+                         "stat", "unlinkat", "write"}});
 }
 
 TEST(Faults, OfAStart) {
@@ -230,11 +228,11 @@ TEST(Faults, OfAStart) {
   box.traced = false;
   box.options.keep_running_state = true;
   Saves::change(box, 0x11);
-  box.status(2, 8);
+  box.status(kSaveConfig);
   box.keep();
   box.end();
   const auto before = files_in(box.options.state_dir);
-  const std::size_t descriptors = open_descriptors();
+  const size_t descriptors = open_descriptors();
   auto scenario = [&](const Plan &plan) {
     bool started = true;
     bool reached = false;
@@ -250,20 +248,22 @@ TEST(Faults, OfAStart) {
     }
     EXPECT_TRUE(started || !is_harmless(plan));
     if (started) {
-      EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+      EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
     }
     box.end();
     EXPECT_EQ(open_descriptors(), descriptors);
     EXPECT_EQ(files_in(box.options.state_dir), before);
     box.restart();
-    EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
     box.end();
     return reached;
   };
-  olt::faults::run({.scenario = scenario,
-                    .allocations = false,
-                    .calls = {"close", "flock", "open", "openat", "read", "stat"},
-                    .lasting = false});
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "flock", "open", "openat", "read", "stat"},
+               .lasting = false});
 }
 
 }  // namespace
+
+}  // namespace olt::test

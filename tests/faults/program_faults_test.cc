@@ -17,13 +17,13 @@
 #include "tests/support/folder.h"
 #include "tests/support/program.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::faults::is_harmless;
-using olt::faults::Plan;
-using olt::tests::Folder;
-using olt::tests::read_file;
+using faults::is_harmless;
+using faults::Plan;
 
 /// An oltbox process whose calls are struck.
 class StruckBox {
@@ -40,7 +40,7 @@ class StruckBox {
                              (plan.lasting ? " 1 " : " 0 ") + plan.call;
     setenv("OLT_STRIKE", text.c_str(), 1);
     setenv("OLT_STRIKE_REACHED", (folder_ / "reached").c_str(), 1);
-    olt::tests::execute({OLTBOX, "--run-dir", run_dir(), "--state-dir", folder_ / "state"}, {});
+    execute({OLTBOX, "--run-dir", run_dir(), "--state-dir", folder_ / "state"}, {});
   }
   StruckBox(const StruckBox &) = delete;
   StruckBox &operator=(const StruckBox &) = delete;
@@ -104,7 +104,7 @@ bool has_sockets(const std::string &directory) {
 
 TEST(Faults, OfTheDaemon) {
   auto scenario = [](const Plan &plan) {
-    olt::faults::lower_descriptor_limit();
+    faults::lower_descriptor_limit();
     StruckBox box(plan);
     if (box.serves()) {
       const int32_t saved = save_system_config();
@@ -125,17 +125,18 @@ TEST(Faults, OfTheDaemon) {
     EXPECT_TRUE(plan.call == "unlink" || !has_sockets(box.run_dir()));
     return box.reached();
   };
-  olt::faults::run(
-      {.scenario = scenario,
-       .allocations = false,
-       .calls = {"accept4",        "bind",       "chmod",     "close",  "epoll_create1",
-                 "epoll_ctl",      "epoll_wait", "eventfd",   "fchmod", "fdopendir",
-                 "readdir",        "flock",      "fstat",     "fsync",  "getrlimit",
-                 "getsockopt",     "ioctl",      "linkat",    "listen", "lstat",
-                 "mkdir",          "open",       "openat",    "read",   "recv",
-                 "renameat",       "sendmsg",    "setrlimit", "socket", "stat",
-                 "timerfd_create", "unlink",     "unlinkat",  "write"},
-       .lasting = false});
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"accept4",        "bind",       "chmod",     "close",  "epoll_create1",
+                         "epoll_ctl",      "epoll_wait", "eventfd",   "fchmod", "fdopendir",
+                         "readdir",        "flock",      "fstat",     "fsync",  "getrlimit",
+                         "getsockopt",     "ioctl",      "linkat",    "listen", "lstat",
+                         "mkdir",          "open",       "openat",    "read",   "recv",
+                         "renameat",       "sendmsg",    "setrlimit", "socket", "stat",
+                         "timerfd_create", "unlink",     "unlinkat",  "write"},
+               .lasting = false});
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -3,44 +3,42 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <thread>
 
 #include "platform/olthost.h"
+#include "tests/support/bytes.h"
+#include "tests/support/folder.h"
 
-namespace olt::load {
+namespace olt::test {
 
 namespace {
 
 using namespace std::chrono_literals;
 
 constexpr auto kPause = 40ms;
-constexpr std::size_t kLongestList = 4094;
+constexpr size_t kLongestList = 4094;
 /// Places among the kinds.
-constexpr std::size_t kDebugValues = 0;
-constexpr std::size_t kUsers = 1;
+constexpr size_t kDebugValues = 0;
+constexpr size_t kUsers = 1;
 /// As many as the box has room for beside its own.
 constexpr uint32_t kMostUsers = 24;
 
 std::string read_listing(const char (&name)[32]) {
-  std::ifstream file(std::string(std::getenv("OLT_RUN_DIR")) + "/" +
-                     std::string(name, strnlen(name, sizeof name)));
-  return {std::istreambuf_iterator<char>(file), {}};
+  return read_file(std::string(std::getenv("OLT_RUN_DIR")) + "/" +
+                   std::string(name, strnlen(name, sizeof name)));
 }
 
 /// Whether a listing of VLANs has one row, and which.
 bool shows_only(const std::string &listing, uint32_t vlan, const std::string &description) {
   const std::string row = "\n" + std::to_string(vlan) + "  -             -               ";
-  return listing.find("\n1 VLAN\n") != std::string::npos &&
-         listing.ends_with(row + description + "\n");
+  return holds(listing, "\n1 VLAN\n") && listing.ends_with(row + description + "\n");
 }
 
 }  // namespace
 
 Client::Client(Scene &scene, uint32_t id)
     : scene_(scene), tally_(scene.tallies[id]), id_(id), nodes_(kLongestList) {
-  for (std::size_t i = 0; i < nodes_.size(); ++i) {
+  for (size_t i = 0; i < nodes_.size(); ++i) {
     nodes_[i].next = i + 1 < nodes_.size() ? &nodes_[i + 1] : nullptr;
     nodes_[i].vlan_first = static_cast<uint16_t>(own_vlan());
   }
@@ -48,7 +46,7 @@ Client::Client(Scene &scene, uint32_t id)
 
 void Client::run() {
   while (!scene_.over) {
-    const std::size_t kind = round_ % kKinds.size();
+    const size_t kind = round_ % kKinds.size();
     go_round(kind == kUsers && id_ >= kMostUsers ? kDebugValues : kind);
     ++round_;
     std::this_thread::sleep_for(kPause);
@@ -57,7 +55,7 @@ void Client::run() {
 
 // What happens while the box is away, or between two boxes, proves nothing but that an exchange
 // fails as it is documented to.
-void Client::go_round(std::size_t kind) {
+void Client::go_round(size_t kind) {
   bool (Client::*const kRounds[])() = {&Client::debug_values,    &Client::users,
                                        &Client::described_vlans, &Client::long_vlan_lists,
                                        &Client::onu_rows,        &Client::listings};
@@ -93,7 +91,7 @@ bool Client::succeeded(const char *what, int32_t result) {
   return false;
 }
 
-bool Client::holds(const char *what, bool as_expected) {
+bool Client::check(const char *what, bool as_expected) {
   if (!as_expected) problem_ = "client " + std::to_string(id_) + ": " + what;
   return as_expected;
 }
@@ -107,7 +105,7 @@ bool Client::debug_values() {
   olt_debug_value read = {0, id_, 0};
   return succeeded("writing a debug value", process_debug_value(&written)) &&
          succeeded("reading a debug value", process_debug_value(&read)) &&
-         holds("another one's debug value", read.debug_value == written.debug_value);
+         check("another one's debug value", read.debug_value == written.debug_value);
 }
 
 bool Client::users() {
@@ -118,7 +116,7 @@ bool Client::users() {
   return succeeded("adding a user", add_user_level(name.c_str(), password.c_str(), id_, round_)) &&
          succeeded("looking up a user",
                    get_user_level(name.c_str(), password.c_str(), &level_a, &level_b)) &&
-         holds("another one's levels", level_a == id_ && level_b == round_) &&
+         check("another one's levels", level_a == id_ && level_b == round_) &&
          succeeded("deleting a user", delete_user_level(name.c_str()));
 }
 
@@ -135,7 +133,7 @@ bool Client::described_vlans() {
                  get_vlan_information_file_bydescprtion(own_text().c_str(), name))) {
     return false;
   }
-  return holds("another one's VLAN", shows_only(read_listing(name), own_vlan(), own_text()));
+  return check("another one's VLAN", shows_only(read_listing(name), own_vlan(), own_text()));
 }
 
 bool Client::long_vlan_lists() {
@@ -145,7 +143,7 @@ bool Client::long_vlan_lists() {
   all.count = static_cast<int32_t>(nodes_.size());
   char name[32];
   if (!succeeded("listing many VLANs", get_vlan_information_file_bylist(&all, name))) return false;
-  return holds("not the VLANs of the list", shows_only(read_listing(name), own_vlan(), own_text()));
+  return check("not the VLANs of the list", shows_only(read_listing(name), own_vlan(), own_text()));
 }
 
 bool Client::onu_rows() {
@@ -159,15 +157,15 @@ bool Client::onu_rows() {
   olt_uni_downrate read{};
   return succeeded("setting a rate", set_ont_port_downrate(&target, &rates)) &&
          succeeded("reading a row", process_onu_portdownrate(&target, &read)) &&
-         holds("another one's row", std::memcmp(&read, &rates, sizeof rates) == 0);
+         check("another one's row", std::memcmp(&read, &rates, sizeof rates) == 0);
 }
 
 bool Client::listings() {
   char name[32];
   if (!succeeded("listing", get_system_basicinfofile(name))) return false;
   const std::string text = read_listing(name);
-  return holds("no whole listing",
+  return check("no whole listing",
                text.starts_with("Basic information of olt\n") && text.ends_with('\n'));
 }
 
-}  // namespace olt::load
+}  // namespace olt::test

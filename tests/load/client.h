@@ -11,7 +11,7 @@
 
 #include "oltmgmt.h"
 
-namespace olt::load {
+namespace olt::test {
 
 inline constexpr uint32_t kClients = 128;
 
@@ -47,7 +47,7 @@ class Client {
   void run();
 
  private:
-  void go_round(std::size_t kind);
+  void go_round(size_t kind);
   bool debug_values();
   bool users();
   bool described_vlans();
@@ -56,7 +56,7 @@ class Client {
   bool listings();
 
   bool succeeded(const char *what, int32_t result);
-  bool holds(const char *what, bool as_expected);
+  bool check(const char *what, bool as_expected);
   std::string own_text() const;
   uint32_t own_vlan() const { return 1000 + id_; }
 
@@ -69,6 +69,6 @@ class Client {
   std::vector<olt_vlan_node> nodes_;
 };
 
-}  // namespace olt::load
+}  // namespace olt::test
 
 #endif

@@ -30,10 +30,10 @@
 namespace {
 
 using namespace std::chrono_literals;
-using olt::load::Client;
-using olt::load::kClients;
-using olt::load::Scene;
-using olt::tests::RunningBox;
+using olt::test::Client;
+using olt::test::kClients;
+using olt::test::RunningBox;
+using olt::test::Scene;
 using std::chrono::steady_clock;
 
 constexpr uint32_t kProcesses = 64;
@@ -151,10 +151,10 @@ void expect_all_at_work(const Scene &scene) {
 void finish(Scene &scene, RunningBox &box, const std::vector<pid_t> &clients) {
   scene.over = true;
   for (const pid_t client : clients) {
-    if (olt::tests::wait_for(client) != 0) complain("a client ended in disorder");
+    if (olt::test::wait_for(client) != 0) complain("a client ended in disorder");
   }
   if (box.end(SIGTERM) != 0) complain("the box ended in disorder");
-  if (olt::tests::run({"/bin/sh", "-c", "ls " + box.run_dir() + "/module-*"}).status == 0) {
+  if (olt::test::run({"/bin/sh", "-c", "ls " + box.run_dir() + "/module-*"}).status == 0) {
     complain("the box left sockets behind");
   }
 }
@@ -169,11 +169,11 @@ void report(const Scene &scene, double seconds) {
   }
   fmt::print("{} exchanges by {} clients in {:.0f} s; {} met no box, {} wrong\n", sums[0], kClients,
              seconds, sums[1], sums[2]);
-  for (std::size_t kind = 0; kind < olt::load::kKinds.size(); ++kind) {
+  for (std::size_t kind = 0; kind < olt::test::kKinds.size(); ++kind) {
     uint64_t rounds = 0;
     for (const auto &tally : scene.tallies) rounds += tally.of_kind[kind];
-    fmt::print("{:<18} {:>7} rounds\n", olt::load::kKinds[kind], rounds);
-    if (rounds == 0) complain(fmt::format("nobody did {}", olt::load::kKinds[kind]));
+    fmt::print("{:<18} {:>7} rounds\n", olt::test::kKinds[kind], rounds);
+    if (rounds == 0) complain(fmt::format("nobody did {}", olt::test::kKinds[kind]));
   }
 }
 

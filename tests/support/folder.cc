@@ -8,7 +8,7 @@
 #include <iterator>
 #include <system_error>
 
-namespace olt::tests {
+namespace olt::test {
 
 Folder::Folder() : path_((std::filesystem::temp_directory_path() / "olt-XXXXXX").string()) {
   if (mkdtemp(path_.data()) == nullptr) {
@@ -39,4 +39,4 @@ void write_file(const std::string &path, std::string_view content) {
   std::ofstream(path, std::ios::binary) << content;
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

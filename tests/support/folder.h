@@ -1,13 +1,13 @@
-/// A folder of a test's own, and whole files.
+/// Private folders of tests, and whole files.
 #ifndef OLT_TESTS_SUPPORT_FOLDER_H
 #define OLT_TESTS_SUPPORT_FOLDER_H
 
 #include <string>
 #include <string_view>
 
-namespace olt::tests {
+namespace olt::test {
 
-/// A folder below the system's temporary one, removed with everything in it.
+/// A folder in the system's temporary one. The destructor removes it with its content.
 class Folder {
  public:
   Folder();
@@ -16,7 +16,7 @@ class Folder {
   ~Folder();
 
   const std::string &path() const { return path_; }
-  /// The path of something in it.
+  /// The path of an entry.
   std::string operator/(std::string_view name) const;
   /// Writes a file in it. @return its path.
   std::string write(std::string_view name, std::string_view content) const;
@@ -29,6 +29,10 @@ class Folder {
 std::string read_file(const std::string &path);
 void write_file(const std::string &path, std::string_view content);
 
-}  // namespace olt::tests
+}  // namespace olt::test
+
+namespace olt::tests {
+using namespace test;  // of the tests that are still in this namespace
+}
 
 #endif

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <system_error>
 
-namespace olt::tests {
+namespace olt::test {
 
 namespace {
 
@@ -109,4 +109,4 @@ Finished run(const std::vector<std::string> &command, const std::vector<std::str
   return finished;
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

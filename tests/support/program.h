@@ -7,16 +7,16 @@
 #include <string>
 #include <vector>
 
-namespace olt::tests {
+namespace olt::test {
 
-/// What a program left behind when it ended.
+/// The result of a program.
 struct Finished {
   int status = -1;  ///< exit status, or 128 + the signal that ended it
   std::string output;
   std::string errors;
 };
 
-/// Replaces this process, with these variables on top of its environment. For children.
+/// Replaces this process with a program; adds the variables to its environment. For children.
 [[noreturn]] void execute(const std::vector<std::string> &command,
                           const std::vector<std::string> &environment);
 
@@ -27,6 +27,10 @@ int wait_for(pid_t child);
 Finished run(const std::vector<std::string> &command,
              const std::vector<std::string> &environment = {}, const std::string &input = "");
 
-}  // namespace olt::tests
+}  // namespace olt::test
+
+namespace olt::tests {
+using namespace test;  // of the tests that are still in this namespace
+}
 
 #endif

@@ -1,4 +1,4 @@
-// Result files: their text, their names, who may read them, and which of them are kept.
+// Listings: their text and names, who may read them, and which are kept.
 
 #include "box/core/listing.h"
 
@@ -10,17 +10,11 @@
 #include "base/text.h"
 #include "tests/box/support.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::tests::Bytes;
-using olt::tests::characters;
-using olt::tests::Folder;
-using olt::tests::read_file;
-using olt::tests::slice;
-using olt::tests::TestBox;
-using olt::tests::word;
-using olt::tests::write_file;
 
 constexpr char kNoTail[16] = {};
 
@@ -39,17 +33,17 @@ mode_t mode_of(const std::filesystem::path &path) {
   return status.st_mode & 07777;
 }
 
-TEST(Listing, NamesStandWhereFrontEndsLookForThem) {
+TEST(Listing, NamesAreAtTheirDocumentedOffsets) {
   TestBox box;
-  Bytes config = box.reply(2, 33);
-  EXPECT_EQ(slice(config, 0, 48), Bytes(48));
-  EXPECT_EQ(characters(slice(config, 48, 80)),
+  Bytes config = box.reply(kListRunningConfig);
+  EXPECT_EQ(slice(config, 0, kListingNameAt), Bytes(kListingNameAt));
+  EXPECT_EQ(characters(slice(config, kListingNameAt, 80)),
             std::string("runningconfig-00000001.txt\0\0\0\0\0\0", 32));
-  EXPECT_EQ(characters(slice(box.reply(2, 53), 48, 80)),
+  EXPECT_EQ(characters(slice(box.reply(kListBasicInfo), kListingNameAt, 80)),
             std::string("basicinfo-00000002.txt") + std::string(kNoTail, 10));
-  EXPECT_EQ(characters(box.reply(23, 3)),
+  EXPECT_EQ(characters(box.reply(kRstpModule, kListMemory)),
             std::string("memory-00000003.txt") + std::string(kNoTail, 13));
-  EXPECT_EQ(characters(box.reply(22, 81, word(0))),
+  EXPECT_EQ(characters(box.reply(kLogModule, kListLog, word(0))),
             std::string("log-00000004.txt") + std::string(kNoTail, 16));
   EXPECT_EQ(names_in(box.options.listing_dir),
             (std::vector<std::string>{"basicinfo-00000002.txt", "log-00000004.txt",
@@ -58,9 +52,9 @@ TEST(Listing, NamesStandWhereFrontEndsLookForThem) {
 
 TEST(Listing, BasicInformationIsReadable) {
   TestBox box;
-  box.status(2, 5);
+  box.status(kSetInService);
   box.advance(3725s);
-  EXPECT_EQ(box.listing(box.reply(2, 53), 48),
+  EXPECT_EQ(box.basic_info(),
             "Basic information of olt\n"
             "========================\n"
             "\n"
@@ -137,29 +131,28 @@ TEST(Listing, BasicInformationIsReadable) {
 
 TEST(Listing, RunningConfigurationShowsRecordsAsBytesAndText) {
   TestBox box;
-  box.status(2, 59, olt::tests::record(196, {{0, olt::tests::text("rack 7")}, {192, word(9)}}));
-  std::string config = box.listing(box.reply(2, 33), 48);
-  EXPECT_NE(config.find("SNMP system information\n"
-                        "Offset  Bytes                             Text\n"
-                        "------  --------------------------------  ----------------\n"
-                        "0000    7261636b203700000000000000000000  rack 7..........\n"),
-            std::string::npos)
+  box.status(kSetSnmpInfo, record(kSnmpInfoSize, {{0, text("rack 7")}, {192, word(9)}}));
+  std::string config = box.running_config();
+  EXPECT_TRUE(holds(config,
+                    "SNMP system information\n"
+                    "Offset  Bytes                             Text\n"
+                    "------  --------------------------------  ----------------\n"
+                    "0000    7261636b203700000000000000000000  rack 7..........\n"))
       << config;
-  EXPECT_NE(config.find("00c0    09000000                          ....\n"), std::string::npos)
-      << config;
+  EXPECT_TRUE(holds(config, "00c0    09000000                          ....\n")) << config;
   for (const char *heading :
        {"\nUsers\n", "\nManagement network\n", "\nSNTP\n", "\nSNMP parameters\n", "\nLog\n"}) {
-    EXPECT_NE(config.find(heading), std::string::npos) << heading;
+    EXPECT_TRUE(holds(config, heading)) << heading;
   }
 }
 
 TEST(Listing, MemoryShowsTheModuleAndTheProcess) {
   TestBox box;
-  std::string memory = box.listing(box.reply(18, 3), 0);
+  std::string memory = box.listing(box.reply(kOamModule, kListMemory), 0);
   EXPECT_EQ(memory.find("Memory of module 18\n===================\n\nState of the module\n"), 0U)
       << memory;
-  EXPECT_NE(memory.find("system-information  "), std::string::npos) << memory;
-  EXPECT_EQ(memory.find("system-users"), std::string::npos) << memory;
+  EXPECT_TRUE(holds(memory, "system-information  ")) << memory;
+  EXPECT_FALSE(holds(memory, "system-users")) << memory;
   size_t resident = memory.find("resident");
   ASSERT_NE(resident, std::string::npos) << memory;
   EXPECT_GT(std::stoi(memory.substr(resident + 8)), 100) << memory;
@@ -167,23 +160,23 @@ TEST(Listing, MemoryShowsTheModuleAndTheProcess) {
 
 TEST(Listing, IsForTheOwnUserUnlessAGroupIsNamed) {
   TestBox box;
-  box.reply(2, 53);
+  box.reply(kListBasicInfo);
   EXPECT_EQ(mode_of(box.options.listing_dir), 0700U);
   EXPECT_EQ(mode_of(box.options.listing_dir / "basicinfo-00000001.txt"), 0600U);
   box.options.listing_group = getegid();
   box.restart();
-  box.reply(2, 53);
+  box.reply(kListBasicInfo);
   EXPECT_EQ(mode_of(box.options.listing_dir / "basicinfo-00000002.txt"), 0640U);
 }
 
-TEST(Listing, NumbersGoOnAfterWhatIsThere) {
+TEST(Listing, NumbersContinueAfterExistingFiles) {
   Folder folder;
   for (const char *name :
        {"log-00000041.txt", "basicinfo-00000007.txt", "log-9.txt", "notes.txt", "LOG-00000099.txt",
         "log-00000099.old", "-00000098.txt", "log-99999999999.txt", "log-0000004x.txt"}) {
     write_file(folder / name, "kept");
   }
-  olt::box::Listings listings(folder.path(), {});
+  box::Listings listings(folder.path(), {});
   EXPECT_EQ(listings.write("log", "one"), "log-00000042.txt");
   EXPECT_EQ(listings.write("basicinfo", "two"), "basicinfo-00000043.txt");
   EXPECT_EQ(read_file(folder / "log-00000042.txt"), "one");
@@ -195,26 +188,28 @@ TEST(Listing, TheNewest1024AreKept) {
   write_file(folder / "log-00000005.txt", "old");
   write_file(folder / "unrelated.txt", "kept");
   {
-    olt::box::Listings listings(folder.path(), {});
+    box::Listings listings(folder.path(), {});
     for (int i = 0; i < 1023; ++i) listings.write("log", "text");
     EXPECT_TRUE(std::filesystem::exists(folder / "log-00000005.txt"));
     listings.write("basicinfo", "text");
     EXPECT_FALSE(std::filesystem::exists(folder / "log-00000005.txt"));
     EXPECT_TRUE(std::filesystem::exists(folder / "log-00000006.txt"));
   }
-  olt::box::Listings listings(folder.path(), {});
+  box::Listings listings(folder.path(), {});
   EXPECT_EQ(listings.write("log", "text"), "log-00001030.txt");
   EXPECT_FALSE(std::filesystem::exists(folder / "log-00000006.txt"));
   EXPECT_EQ(names_in(folder.path()).size(), 1025U);
   EXPECT_EQ(read_file(folder / "unrelated.txt"), "kept");
 }
 
-TEST(Listing, ThatCannotBeWrittenIsAStatus) {
+TEST(Listing, AFailedWriteIsReportedInTheStatus) {
   TestBox box;
   write_file(box.folder / "run", "a file where a directory should be");
-  EXPECT_EQ(box.status(2, 53), 8U);
+  EXPECT_EQ(box.status(kListBasicInfo), kNotWritten);
   std::filesystem::remove(box.folder / "run");
-  EXPECT_EQ(box.status(2, 53), 0U);
+  EXPECT_EQ(box.status(kListBasicInfo), kOk);
 }
 
 }  // namespace
+
+}  // namespace olt::test

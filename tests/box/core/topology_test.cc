@@ -9,13 +9,12 @@
 #include "box/box.h"
 #include "tests/box/support.h"
 
+namespace olt::test {
+
 namespace {
 
-using olt::BadInput;
-using olt::box::parse_topology;
-using olt::box::Topology;
-using olt::tests::Folder;
-using olt::tests::write_file;
+using box::parse_topology;
+using box::Topology;
 
 std::string complaint(std::string_view text) {
   try {
@@ -153,26 +152,26 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
   for (const auto &[text, line] : kMistakes) EXPECT_EQ(complaint(text), line) << text;
 }
 
-TEST(TopologyFile, IsNamedInTheLine) {
+TEST(TopologyFile, IsNamedInTheErrorLine) {
   Folder folder;
   write_file(folder / "box.json", R"({"pon":{"interfaces":99}})");
   try {
-    olt::box::load_topology(folder / "box.json");
+    box::load_topology(folder / "box.json");
     ADD_FAILURE() << "accepted";
   } catch (const BadInput &error) {
     EXPECT_EQ(error.what(),
               (folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16");
   }
   try {
-    olt::box::load_topology(folder / "none.json");
+    box::load_topology(folder / "none.json");
     ADD_FAILURE() << "accepted";
   } catch (const BadInput &error) {
     EXPECT_EQ(error.what(), (folder / "none.json") + ": cannot be read: No such file or directory");
   }
 }
 
-TEST(TopologyFile, ThatIsBadLeavesNoTrace) {
-  olt::tests::TestBox box;
+TEST(TopologyFile, ABadOneLeavesNoTrace) {
+  TestBox box;
   write_file(box.folder / "box.json", "{");
   box.options.topology_file = box.folder / "box.json";
   EXPECT_THROW(box.restart(), BadInput);
@@ -181,3 +180,5 @@ TEST(TopologyFile, ThatIsBadLeavesNoTrace) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -9,26 +9,20 @@
 #include "box/box.h"
 #include "tests/box/onu_support.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::TimePoint;
-using olt::box::Onu;
-using olt::box::OnuPart;
-using olt::box::OnuState;
-using olt::box::Presence;
-using olt::box::RecordTable;
-using olt::box::Request;
-using olt::box::Scope;
-using olt::box::Shown;
-using olt::box::Topology;
-using olt::tests::Bytes;
-using olt::tests::hex;
-using olt::tests::record;
-using olt::tests::SmallPon;
-using olt::tests::target;
-using olt::tests::target_with;
-using olt::tests::word;
+using box::Onu;
+using box::OnuPart;
+using box::OnuState;
+using box::Presence;
+using box::RecordTable;
+using box::Request;
+using box::Scope;
+using box::Shown;
+using box::Topology;
 
 const TimePoint kNow{1'769'860'800s};
 
@@ -41,7 +35,8 @@ Topology small() {
 }
 
 Bytes words(uint32_t slot, uint32_t interface, uint32_t onu, uint32_t part) {
-  return record(88, {{0, word(slot)}, {4, word(interface)}, {8, word(onu)}, {16, word(part)}});
+  return record(kTargetSize,
+                {{0, word(slot)}, {4, word(interface)}, {8, word(onu)}, {kPartAt, word(part)}});
 }
 
 ptrdiff_t count(const RecordTable::KeptOfOnu &kept) {
@@ -70,22 +65,22 @@ TEST(OnuState, RowsAreWalkedInOrder) {
   EXPECT_EQ(walk(state, Scope::kVoiceLine), "");
 }
 
-TEST(OnuState, WalksGoOnFromPlacesThatAreNotThere) {
+TEST(OnuState, WalksContinueFromRowsThatDoNotExist) {
   Topology topology = small();
   OnuState state(topology, kNow);
-  auto behind = [&state](const Bytes &at, Scope scope) {
+  auto after = [&state](const Bytes &at, Scope scope) {
     auto row = state.behind(Request(at), scope);
     return row ? to_text(*row) : "none";
   };
-  EXPECT_EQ(behind(words(1, 0, 7, 7), Scope::kOnu), "1/1/1");
-  EXPECT_EQ(behind(words(1, 1, 99, 0), Scope::kOnu), "1/2/1");
-  EXPECT_EQ(behind(words(1, 1, 2, 99), Scope::kUniPort), "1/1/3:1");
-  EXPECT_EQ(behind(words(1, 2, 99, 0), Scope::kOnu), "none");
-  EXPECT_EQ(behind(words(1, 3, 1, 0), Scope::kOnu), "none");
-  EXPECT_EQ(behind(words(2, 1, 1, 0), Scope::kOnu), "none");
+  EXPECT_EQ(after(words(1, 0, 7, 7), Scope::kOnu), "1/1/1");
+  EXPECT_EQ(after(words(1, 1, 99, 0), Scope::kOnu), "1/2/1");
+  EXPECT_EQ(after(words(1, 1, 2, 99), Scope::kUniPort), "1/1/3:1");
+  EXPECT_EQ(after(words(1, 2, 99, 0), Scope::kOnu), "none");
+  EXPECT_EQ(after(words(1, 3, 1, 0), Scope::kOnu), "none");
+  EXPECT_EQ(after(words(2, 1, 1, 0), Scope::kOnu), "none");
 }
 
-TEST(OnuState, AVoiceLineThatIsNotNamedIsTheFirst) {
+TEST(OnuState, VoiceLineZeroIsTheFirst) {
   Topology topology = small();
   OnuState state(topology, kNow);
   Bytes at = words(1, 2, 3, 0);
@@ -97,7 +92,7 @@ TEST(OnuState, AVoiceLineThatIsNotNamedIsTheFirst) {
   EXPECT_EQ(state.named(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
 }
 
-TEST(OnuState, AClockThatIsSetBackKeepsNoOnuAway) {
+TEST(OnuState, SettingTheClockBackKeepsNoOnuAway) {
   Onu onu({1, 1}, kNow);
   EXPECT_EQ(onu.presence(kNow), Presence::kUp);
   onu.restart(kNow + 3s);
@@ -106,19 +101,19 @@ TEST(OnuState, AClockThatIsSetBackKeepsNoOnuAway) {
   EXPECT_EQ(onu.presence(kNow - 24h), Presence::kUp);
 }
 
-TEST(OnuState, IdentitiesFillTheirFieldsAtMost) {
+TEST(OnuState, TheLongestIdentityFits) {
   Onu onu({16, 1024}, kNow);
-  EXPECT_EQ(onu.mac(), (olt::Mac{0x02, 0x20, 0x10, 0x04, 0x00, 0x01}));
+  EXPECT_EQ(onu.mac(), (Mac{0x02, 0x20, 0x10, 0x04, 0x00, 0x01}));
   EXPECT_EQ(onu.loid(), "onu-1-16-1024");
   EXPECT_EQ(onu.password(), "pw-1-16-1024");
 }
 
 TEST(OnuPartName, IsReadAsItIsWritten) {
-  EXPECT_EQ(olt::box::to_onu_part("1/2/3"), (OnuPart{2, 3, 0}));
-  EXPECT_EQ(olt::box::to_onu_part("1/2/3:4"), (OnuPart{2, 3, 4}));
+  EXPECT_EQ(box::to_onu_part("1/2/3"), (OnuPart{2, 3, 0}));
+  EXPECT_EQ(box::to_onu_part("1/2/3:4"), (OnuPart{2, 3, 4}));
   for (const char *bad : {"", "1", "1/2", "2/2/3", "1/0/3", "1/2/0", "1/2/3:", "1/2/3:0",
                           "1/2/3:4x", "1/2/3 ", "-1/2/3", "1/2/99999999999"}) {
-    EXPECT_EQ(olt::box::to_onu_part(bad), std::nullopt) << bad;
+    EXPECT_EQ(box::to_onu_part(bad), std::nullopt) << bad;
   }
 }
 
@@ -153,57 +148,59 @@ TEST(OnuStateFile, MistakesAreReportedWithTheirPlace) {
       {R"("1/1/2:1":9)", "is 9, expected a text"},
   };
   SmallPon box;
-  EXPECT_EQ(box.status(2, 121, target_with(target(1, 2, 1), word(9))), 0U);
-  EXPECT_EQ(box.status(2, 8), 0U);
+  EXPECT_EQ(box.status(kSetGroupLimit, target_with(target(1, 2, 1), word(9))), kOk);
+  EXPECT_EQ(box.status(kSaveConfig), kOk);
   box.end();
   const std::string path = box.folder / "state/saved.json";
-  const std::string saved = olt::tests::read_file(path);
+  const std::string saved = read_file(path);
   const std::string kept = R"("1/1/2:1": "09000000")";
   ASSERT_NE(saved.find(kept), std::string::npos) << saved;
   for (const auto &[mistake, complaint] : kMistakes) {
     std::string damaged = saved;
     damaged.replace(damaged.find(kept), kept.size(), mistake);
-    olt::tests::write_file(path, damaged);
+    write_file(path, damaged);
     try {
       box.restart();
       ADD_FAILURE() << "accepted " << mistake;
     } catch (const std::runtime_error &error) {
-      EXPECT_NE(std::string(error.what()).find(complaint), std::string::npos) << error.what();
+      EXPECT_TRUE(holds(std::string(error.what()), complaint)) << error.what();
     }
   }
 }
 
-TEST(OnuStateFile, HoldsNextToNothingForOnusAsFromTheFactory) {
+TEST(OnuStateFile, StaysSmallForOnusWithFactorySettings) {
   SmallPon box;
   box.options.keep_running_state = true;
   box.options.topology_file =
       box.folder.write("box.json", R"({"pon":{"interfaces":16,"onus_per_interface":1024}})");
-  EXPECT_EQ(box.status(2, 107, target(16, 1024)), 0U);
+  EXPECT_EQ(box.status(kRebootOnu, target(16, 1024)), kOk);
   box.keep();
-  std::string running = olt::tests::read_file(box.folder / "state/running.json");
+  std::string running = read_file(box.folder / "state/running.json");
   EXPECT_LT(running.size(), 20'000U);
-  EXPECT_NE(running.find("1-1023"), std::string::npos) << running;
+  EXPECT_TRUE(holds(running, "1-1023")) << running;
 }
 
-TEST(OnuStateFile, OnusThatTheBoxDoesNotHaveAreRefused) {
+TEST(OnuStateFile, UnknownOnusAreRefused) {
   SmallPon box;
   box.options.keep_running_state = true;
-  EXPECT_EQ(box.status(2, 114, record(80, {{0, word(1)}, {4, word(1)}, {36, word(1)}})), 0U);
+  EXPECT_EQ(box.status(kSetAuthMode, mode_record(1, 1)), kOk);
   box.keep();
   box.end();
   const std::string path = box.folder / "state/running.json";
-  std::string running = olt::tests::read_file(path);
+  std::string running = read_file(path);
   size_t at = running.find("\"1-4\"");
   ASSERT_NE(at, std::string::npos) << running;
-  olt::tests::write_file(path, running.replace(at, 5, "\"1-5\""));
+  write_file(path, running.replace(at, 5, "\"1-5\""));
   try {
     box.restart();
     ADD_FAILURE() << "accepted";
   } catch (const std::runtime_error &error) {
-    EXPECT_NE(std::string(error.what()).find("/onus: is \"1-5\", expected ONUs that the box has"),
-              std::string::npos)
+    EXPECT_TRUE(
+        holds(std::string(error.what()), "/onus: is \"1-5\", expected ONUs that the box has"))
         << error.what();
   }
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -1,4 +1,4 @@
-// What the box keeps in files: whole at any moment, and never taken when damaged.
+// The files of the box: always whole, and refused when damaged.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -13,17 +13,11 @@
 #include "box/state/files.h"
 #include "tests/box/support.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::tests::Bytes;
-using olt::tests::hex;
-using olt::tests::read_file;
-using olt::tests::record;
-using olt::tests::TestBox;
-using olt::tests::text;
-using olt::tests::word;
-using olt::tests::write_file;
 
 std::string complaint(TestBox &box) {
   try {
@@ -36,7 +30,7 @@ std::string complaint(TestBox &box) {
 
 TEST(Storage, IsForTheOwnUserAlone) {
   TestBox box;
-  box.status(2, 8);
+  box.status(kSaveConfig);
   struct stat status = {};
   ASSERT_EQ(stat((box.options.state_dir / "saved.json").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0600U);
@@ -46,35 +40,37 @@ TEST(Storage, IsForTheOwnUserAlone) {
 
 TEST(Storage, SavedConfigurationIsVersionedJson) {
   TestBox box;
-  box.status(2, 10, record(80, {{0, word(1)}, {8, text("operator")}, {72, word(3)}}));
-  box.status(2, 8);
+  box.status(
+      kUserAccount,
+      record(kUserSize, {{0, word(1)}, {kUserNameAt, text("operator")}, {kLevelAAt, word(3)}}));
+  box.status(kSaveConfig);
   std::string saved = read_file(box.options.state_dir / "saved.json");
   EXPECT_EQ(saved.find("{\n \"format\": \"oltbox saved.json\",\n \"version\": 1,\n"
                        " \"configuration\": {\n"),
             0U)
       << saved;
-  EXPECT_NE(saved.find("\"name\": \"operator\""), std::string::npos) << saved;
+  EXPECT_TRUE(holds(saved, "\"name\": \"operator\"")) << saved;
 }
 
 void set_all(TestBox &box, uint8_t pattern) {
-  box.status(2, 50, Bytes(172, pattern));
-  box.status(2, 56, Bytes(136, pattern));
-  box.status(2, 59, Bytes(196, pattern));
+  box.status(kSetIpAddress, Bytes(kNetworkSize, pattern));
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, pattern));
+  box.status(kSetSnmpInfo, Bytes(kSnmpInfoSize, pattern));
 }
 
-// Saves two configurations in turn until it is killed; tells when it has begun.
+// Saves two configurations in turn until it is killed; writes a byte when it has begun.
 [[noreturn]] void save_for_ever(TestBox &box, int begun) {
   for (;;) {
     for (uint8_t pattern : {uint8_t{0x11}, uint8_t{0x22}}) {
       set_all(box, pattern);
-      box.status(2, 8);
+      box.status(kSaveConfig);
       box.trace.clear();
       if (write(begun, "", 1) != 1) _exit(1);
     }
   }
 }
 
-// ./dev check asks for more moments than a test of every day.
+// ./dev check asks for more moments.
 int moments_to_kill_at() {
   const char *wanted = getenv("OLT_TEST_KILLS");
   return wanted == nullptr ? 50 : std::stoi(wanted);
@@ -84,7 +80,7 @@ TEST(Storage, IsOldOrNewAndWholeWheneverTheBoxIsKilled) {
   TestBox box;
   set_all(box, 0x22);
   auto begin = std::chrono::steady_clock::now();
-  box.status(2, 8);
+  box.status(kSaveConfig);
   auto one_save = std::chrono::steady_clock::now() - begin;
   std::minstd_rand random(7);
   std::uniform_real_distribution<double> saves(0, 3);
@@ -106,12 +102,12 @@ TEST(Storage, IsOldOrNewAndWholeWheneverTheBoxIsKilled) {
     close(begun[1]);
 
     box.restart();
-    Bytes network = box.reply(2, 58, Bytes(172));
+    Bytes network = box.reply(kGetNetwork, Bytes(kNetworkSize));
     uint8_t pattern = network[0];
     ASSERT_TRUE(pattern == 0x11 || pattern == 0x22) << int{pattern};
-    ASSERT_EQ(network, Bytes(172, pattern));
-    ASSERT_EQ(box.reply(2, 57), Bytes(136, pattern));
-    ASSERT_EQ(box.reply(2, 60), Bytes(196, pattern));
+    ASSERT_EQ(network, Bytes(kNetworkSize, pattern));
+    ASSERT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, pattern));
+    ASSERT_EQ(box.reply(kGetSnmpInfo), Bytes(kSnmpInfoSize, pattern));
     ++of_each[pattern == 0x11 ? 0 : 1];
   }
   EXPECT_GT(of_each[0], 0);
@@ -120,20 +116,20 @@ TEST(Storage, IsOldOrNewAndWholeWheneverTheBoxIsKilled) {
 
 TEST(Storage, KeepsTheOldConfigurationWhenTheDiskIsFull) {
   TestBox box;
-  box.status(2, 56, Bytes(136, 0x11));
-  ASSERT_EQ(box.status(2, 8), 0U);
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
+  ASSERT_EQ(box.status(kSaveConfig), kOk);
   std::string old = read_file(box.options.state_dir / "saved.json");
-  box.status(2, 56, Bytes(136, 0x22));
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x22));
   pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    // A write beyond 512 bytes fails after a part of it, as on a full disk.
+    // Writes fail beyond 512 bytes, as on a full disk.
     signal(SIGXFSZ, SIG_IGN);
     rlimit limit = {512, 512};
     setrlimit(RLIMIT_FSIZE, &limit);
-    uint32_t refused = box.status(2, 8);
-    box.ask(2, 7);
-    bool fell_back = box.ask(2, 57).reply == Bytes(136, 0x11);
+    uint32_t refused = box.status(kSaveConfig);
+    box.ask(kReboot);
+    bool fell_back = box.ask(kGetSnmpParam).reply == Bytes(kSnmpParamSize, 0x11);
     _exit(refused == 8 && fell_back ? 0 : 1);
   }
   int status = 0;
@@ -141,12 +137,12 @@ TEST(Storage, KeepsTheOldConfigurationWhenTheDiskIsFull) {
   EXPECT_EQ(status, 0);
   EXPECT_EQ(read_file(box.options.state_dir / "saved.json"), old);
   EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / ".new"));
-  EXPECT_EQ(box.status(2, 8), 0U);
+  EXPECT_EQ(box.status(kSaveConfig), kOk);
 }
 
 TEST(Storage, DamagedFilesAreReportedAndKept) {
   TestBox box;
-  box.status(2, 8);
+  box.status(kSaveConfig);
   box.end();
   std::filesystem::path file = box.options.state_dir / "saved.json";
   std::string good = read_file(file);
@@ -195,17 +191,17 @@ TEST(Storage, DamagedFilesAreReportedAndKept) {
   }
 
   write_file(file, good.substr(0, good.size() / 2));
-  EXPECT_NE(complaint(box).find("syntax error while parsing"), std::string::npos);
+  EXPECT_TRUE(holds(complaint(box), "syntax error while parsing"));
   box.options.fresh = true;
   EXPECT_EQ(complaint(box), "accepted");
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST(Storage, AnEarlierFileWithoutAFamilyLeavesThatFamilyToTheFactory) {
+TEST(Storage, AFamilyMissingFromTheFileStartsFromTheFactory) {
   TestBox box;
-  box.status(2, 56, Bytes(136, 0x11));
-  box.status(2, 10, record(80, {{0, word(1)}, {8, text("operator")}}));
-  box.status(2, 8);
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
+  box.status(kUserAccount, record(kUserSize, {{0, word(1)}, {kUserNameAt, text("operator")}}));
+  box.status(kSaveConfig);
   box.end();
   std::filesystem::path file = box.options.state_dir / "saved.json";
   std::string saved = read_file(file);
@@ -214,18 +210,18 @@ TEST(Storage, AnEarlierFileWithoutAFamilyLeavesThatFamilyToTheFactory) {
   ASSERT_LT(begin, end);
   write_file(file, saved.erase(begin, end - begin));
   box.restart();
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
-  EXPECT_EQ(box.status(2, 63, record(80, {{4, word(1)}})), 4U);
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
+  EXPECT_EQ(box.status(kGetUserByIndex, record(kUserSize, {{kUserIndexAt, word(1)}})), kNotFound);
 }
 
 TEST(Storage, OneBoxAtATimeUsesADirectory) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   auto begin = std::chrono::steady_clock::now();
   try {
-    olt::box::StateDirectory second(box.options.state_dir, 60ms);
+    box::StateDirectory second(box.options.state_dir, 60ms);
     ADD_FAILURE() << "two boxes use one directory";
-  } catch (const olt::box::StorageFailure &failure) {
+  } catch (const box::StorageFailure &failure) {
     EXPECT_EQ(failure.what(), box.options.state_dir.string() +
                                   ": another box uses this state directory; end it or name "
                                   "another one");
@@ -236,11 +232,11 @@ TEST(Storage, OneBoxAtATimeUsesADirectory) {
     std::this_thread::sleep_for(100ms);
     box.end();
   });
-  EXPECT_NO_THROW(olt::box::StateDirectory(box.options.state_dir, 20s));
+  EXPECT_NO_THROW(box::StateDirectory(box.options.state_dir, 20s));
   ending.join();
 }
 
-TEST(Storage, DirectoriesThatCannotBeAreReported) {
+TEST(Storage, BadDirectoriesAreReported) {
   TestBox box;
   write_file(box.folder / "file", "");
   box.options.state_dir = box.folder / "file/state";
@@ -249,76 +245,78 @@ TEST(Storage, DirectoriesThatCannotBeAreReported) {
   EXPECT_EQ(complaint(box), (box.folder / "file") + ": Not a directory");
 }
 
-TEST(RunningState, GoesOnInTheNextBox) {
+TEST(RunningState, ContinuesInTheNextBox) {
   TestBox box;
   box.options.keep_running_state = true;
-  box.status(2, 50, Bytes(172, 0x33));
-  box.status(2, 5);
-  box.status(22, 2, word(0xABCD));
-  box.status(2, 39, hex("01000000 05000000 2a000000"));
-  box.status(2, 40, record(28, {{0, word(1)}, {24, hex("34 12")}}));
-  box.status(2, 64, record(8 + 10, {{0, word(100)}}));
+  box.status(kSetIpAddress, Bytes(kNetworkSize, 0x33));
+  box.status(kSetInService);
+  box.status(kLogModule, kSetDebugEnable, word(0xABCD));
+  box.status(kDebugValue, hex("01000000 05000000 2a000000"));
+  box.status(kSwitchDebugValue, record(kSwitchDebugSize, {{0, word(1)}, {24, hex("34 12")}}));
+  box.status(kUpdateOnu, record(kUpdateHeadSize + 10, {{0, word(100)}}));
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":5,"from":2,"count":1}})");
-  EXPECT_EQ(box.status(2, 12), 0U);
+  EXPECT_EQ(box.status(kGetOltMac), kOk);
   box.keep();
   box.advance(10s);
   box.restart();
-  EXPECT_EQ(box.reply(2, 58, Bytes(172)), Bytes(172, 0x33));
-  EXPECT_EQ(box.reply(2, 39, hex("00000000 05000000 00000000")), hex("00000000 05000000 2a000000"));
-  EXPECT_EQ(box.reply(2, 40, Bytes(28)), record(28, {{24, hex("34 12")}}));
-  EXPECT_EQ(box.reply(2, 64, record(8 + 10, {{0, word(100)}, {4, word(10)}})),
+  EXPECT_EQ(box.reply(kGetNetwork, Bytes(kNetworkSize)), Bytes(kNetworkSize, 0x33));
+  EXPECT_EQ(box.reply(kDebugValue, hex("00000000 05000000 00000000")),
+            hex("00000000 05000000 2a000000"));
+  EXPECT_EQ(box.reply(kSwitchDebugValue, Bytes(kSwitchDebugSize)),
+            record(kSwitchDebugSize, {{24, hex("34 12")}}));
+  EXPECT_EQ(box.reply(kUpdateOnu, record(kUpdateHeadSize + 10, {{0, word(100)}, {4, word(10)}})),
             hex("14000000 14000000"));
-  EXPECT_EQ(box.status(2, 12), 5U);
-  EXPECT_EQ(box.status(2, 12), 0U);
+  EXPECT_EQ(box.status(kGetOltMac), kExists);
+  EXPECT_EQ(box.status(kGetOltMac), kOk);
   EXPECT_EQ(box.command(R"({"command":"fault_list"})"),
             R"({"ok":true,"faults":[{"id":1,"module":0,"type":12,"status":5,"delay_ms":0,)"
             R"("action":"status","from":2,"count":1,"seen":3,"applied":1}]})");
-  std::string info = box.listing(box.reply(2, 53), 48);
-  EXPECT_NE(info.find("0 d 00:00:10\n"), std::string::npos) << info;
-  EXPECT_NE(info.find("Micro-kernel in service        yes\n"), std::string::npos) << info;
-  EXPECT_NE(info.find("22      0x0000abcd\n"), std::string::npos) << info;
-  std::string log = box.listing(box.reply(22, 81, word(0)), 0);
-  EXPECT_NE(log.find("2026-01-31T12:00:00Z  notice  2       started\n"), std::string::npos) << log;
-  EXPECT_EQ(log.find("12:00:10Z  notice  2       started\n"), std::string::npos) << log;
+  std::string info = box.basic_info();
+  EXPECT_TRUE(holds(info, "0 d 00:00:10\n")) << info;
+  EXPECT_TRUE(holds(info, "Micro-kernel in service        yes\n")) << info;
+  EXPECT_TRUE(holds(info, "22      0x0000abcd\n")) << info;
+  std::string log = box.listing(box.reply(kLogModule, kListLog, word(0)), 0);
+  EXPECT_TRUE(holds(log, "2026-01-31T12:00:00Z  notice  2       started\n")) << log;
+  EXPECT_FALSE(holds(log, "12:00:10Z  notice  2       started\n")) << log;
 }
 
 TEST(RunningState, FallsBackToWhatWasSavedOnReboot) {
   TestBox box;
   box.options.keep_running_state = true;
-  box.status(2, 56, Bytes(136, 0x11));
-  box.status(2, 8);
-  box.status(2, 56, Bytes(136, 0x22));
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
+  box.status(kSaveConfig);
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x22));
   box.keep();
   box.restart();
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x22));
-  box.status(2, 7);
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0x11));
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x22));
+  box.status(kReboot);
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
 }
 
 TEST(RunningState, IsForgottenWhenStartedAfresh) {
   TestBox box;
   box.options.keep_running_state = true;
-  box.status(2, 56, Bytes(136, 0x11));
-  box.status(2, 8);
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
+  box.status(kSaveConfig);
   box.keep();
   box.options.fresh = true;
   box.restart();
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0));
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0));
   EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.json"));
   EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "saved.json"));
 }
 
 TEST(RunningState, IsNotKeptUnlessAskedFor) {
   TestBox box;
-  box.status(2, 56, Bytes(136, 0x11));
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
   box.keep();
   EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.json"));
 }
 
-TEST(RunningState, ThatIsDamagedIsReported) {
+TEST(RunningState, DamageIsReported) {
   TestBox box;
   box.options.keep_running_state = true;
-  box.status(2, 11, record(8 + 10, {{0, word(100)}}));
+  box.status(kUpdateOlt, record(kUpdateHeadSize + 10, {{0, word(100)}}));
   box.keep();
   box.end();
   std::filesystem::path file = box.options.state_dir / "running.json";
@@ -333,3 +331,5 @@ TEST(RunningState, ThatIsDamagedIsReported) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

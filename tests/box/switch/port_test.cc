@@ -1,154 +1,133 @@
-// Ports: settings that read back, links that follow them, counters and MAC addresses over time.
+// Ports: settings that are read back, links that follow them, counters and MAC addresses over time.
 
 #include <gtest/gtest.h>
 
 #include "base/text.h"
 #include "tests/box/support.h"
 
+namespace olt::test {
+
 namespace {
 
 using namespace std::chrono_literals;
-using olt::tests::Bytes;
-using olt::tests::hex;
-using olt::tests::record;
-using olt::tests::slice;
-using olt::tests::TestBox;
-using olt::tests::word;
-using olt::tests::write_file;
 
-Bytes port(uint32_t number) {
-  return record(80, {{0, word(1)}, {4, word(number)}});
-}
-
-/// A request for port 1/3 in which every other word is a value that no setting takes.
+/// A request for port 1/3 with invalid values in all other fields.
 Bytes uncleared(std::initializer_list<std::pair<size_t, Bytes>> fields) {
-  Bytes bytes(80, 0xEE);
-  std::copy_n(port(3).begin(), 8, bytes.begin());
-  for (const auto &[offset, field] : fields) {
-    std::copy(field.begin(), field.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
-  }
+  Bytes bytes(kPortSize, 0xEE);
+  put(bytes, 0, words({1, 3}));
+  for (const auto &[offset, field] : fields) put(bytes, offset, field);
   return bytes;
 }
 
-uint32_t word_at(const Bytes &bytes, size_t at) {
-  return static_cast<uint32_t>(bytes.at(at) | bytes.at(at + 1) << 8 | bytes.at(at + 2) << 16) |
-         uint32_t{bytes.at(at + 3)} << 24;
-}
-
 Bytes factory_port_3() {
-  return record(80, {{0, word(1)},
-                     {4, word(3)},
-                     {16, word(1)},
-                     {20, word(1000)},
-                     {24, word(2)},
-                     {60, word(1)},
-                     {64, word(1)}});
+  return port_record(3, {{kEnabledAt, word(1)},
+                         {kSpeedAt, word(1000)},
+                         {kDuplexAt, word(2)},
+                         {kRstpStateAt, word(1)},
+                         {kLinkStateAt, word(1)}});
 }
 
 TEST(Ports, AreEnabledAndUpFromTheFactory) {
   TestBox box;
-  for (uint32_t type : {15U, 16U, 17U, 18U, 70U, 72U}) {
-    EXPECT_EQ(box.reply(2, type, port(3)), factory_port_3()) << type;
+  for (uint32_t type : {kGetPortEnable, kGetLinkState, kGetLinkDuplex, kGetLinkSpeed, kGetPortInfo,
+                        kGetPortStatus}) {
+    EXPECT_EQ(box.reply(type, port_record(3)), factory_port_3()) << type;
   }
 }
 
-TEST(Ports, SettingsAreReadBackAndNoOtherWordIsTaken) {
+TEST(Ports, SettersChangeOnlyTheirOwnWords) {
   struct {
     uint32_t type;
     std::initializer_list<std::pair<size_t, Bytes>> fields;
   } const setters[] = {
-      {13, {{12, word(0x11111111)}}},
-      {24, {{32, word(10)}, {28, word(20)}}},
-      {66, {{52, word(0x52)}, {56, word(0x56)}}},
-      {67, {{60, word(0)}}},
-      {68, {{44, word(0x44)}, {48, word(0x48)}}},
-      {69, {{40, word(0x40)}}},
-      {102, {{76, word(0xFFFFFFFF)}}},
+      {kSetSfpModule, {{kSfpModuleAt, word(0x11111111)}}},
+      {kSetVlanMode, {{kVlanModeFirstAt, word(10)}, {kVlanModeSecondAt, word(20)}}},
+      {kSetRateControl, {{kRateControlAt, word(0x52)}, {kRateControlAt + 4, word(0x56)}}},
+      {kSetRstpState, {{kRstpStateAt, word(0)}}},
+      {kSetIngressFilter, {{kIngressFilterAt, word(0x44)}, {kIngressFilterAt + 4, word(0x48)}}},
+      {kSetFlowControl, {{kFlowControlAt, word(0x40)}}},
+      {kSetMaxLink, {{kMaxLinkAt, word(0xFFFFFFFF)}}},
   };
   TestBox box;
   Bytes expected = factory_port_3();
   for (const auto &[type, fields] : setters) {
-    EXPECT_EQ(box.status(2, type, uncleared(fields)), 0U) << type;
-    for (const auto &[offset, field] : fields) {
-      std::copy(field.begin(), field.end(), expected.begin() + static_cast<std::ptrdiff_t>(offset));
-    }
-    EXPECT_EQ(box.reply(2, 70, port(3)), expected) << type;
+    EXPECT_EQ(box.status(type, uncleared(fields)), kOk) << type;
+    for (const auto &[offset, field] : fields) put(expected, offset, field);
+    EXPECT_EQ(box.reply(kGetPortInfo, port_record(3)), expected) << type;
   }
-  EXPECT_EQ(box.reply(2, 70, port(1)),
-            record(80, {{0, slice(factory_port_3(), 0, 80)}, {4, word(1)}}));
+  EXPECT_EQ(box.reply(kGetPortInfo, port_record(1)),
+            record(kPortSize, {{0, slice(factory_port_3(), 0, kPortSize)}, {4, word(1)}}));
 }
 
-TEST(Ports, WholeRecordSetsAllSettingsAndNoStatus) {
+TEST(Ports, WholeRecordSetsAllSettingsButNoState) {
   TestBox box;
-  Bytes request = uncleared({{16, word(1)}, {60, word(0)}});
-  EXPECT_EQ(box.status(2, 71, request), 0U);
-  Bytes reply = box.reply(2, 70, port(3));
+  Bytes request = uncleared({{kEnabledAt, word(1)}, {kRstpStateAt, word(0)}});
+  EXPECT_EQ(box.status(kSetPortInfo, request), kOk);
+  Bytes reply = box.reply(kGetPortInfo, port_record(3));
   Bytes expected = request;
-  for (size_t status : {20U, 24U, 64U}) {
-    std::copy_n(factory_port_3().begin() + static_cast<std::ptrdiff_t>(status), 4,
-                expected.begin() + static_cast<std::ptrdiff_t>(status));
-  }
-  for (size_t unused : {8U, 36U, 68U, 72U}) {
-    std::fill_n(expected.begin() + static_cast<std::ptrdiff_t>(unused), 4, uint8_t{0});
-  }
+  for (size_t status : {kSpeedAt, kDuplexAt, kLinkStateAt})
+    put(expected, status, slice(factory_port_3(), status, status + 4));
+  for (size_t unused : {8U, 36U, 68U, 72U}) put(expected, unused, word(0));
   EXPECT_EQ(reply, expected);
 }
 
 TEST(Ports, BadValuesAreRefusedAndNothingIsSet) {
   TestBox box;
-  EXPECT_EQ(box.status(2, 14, uncleared({{16, word(2)}})), 3U);
-  EXPECT_EQ(box.status(2, 67, uncleared({{60, word(256)}})), 3U);
-  EXPECT_EQ(box.status(2, 71, uncleared({{16, word(1)}})), 3U);
-  EXPECT_EQ(box.reply(2, 70, port(3)), factory_port_3());
+  EXPECT_EQ(box.status(kSetPortEnable, uncleared({{kEnabledAt, word(2)}})), kBadValue);
+  EXPECT_EQ(box.status(kSetRstpState, uncleared({{kRstpStateAt, word(256)}})), kBadValue);
+  EXPECT_EQ(box.status(kSetPortInfo, uncleared({{kEnabledAt, word(1)}})), kBadValue);
+  EXPECT_EQ(box.reply(kGetPortInfo, port_record(3)), factory_port_3());
 }
 
 TEST(Ports, UnknownOnesAreNotFound) {
   TestBox box;
-  for (uint32_t type :
-       {13U, 14U, 15U, 16U, 17U, 18U, 24U, 30U, 32U, 66U, 67U, 68U, 69U, 70U, 71U, 72U, 102U}) {
-    EXPECT_EQ(box.status(2, type, port(0)), 4U) << type;
-    EXPECT_EQ(box.status(2, type, port(5)), 4U) << type;
-    EXPECT_EQ(box.status(2, type, record(80, {{4, word(1)}})), 4U) << type;
-    EXPECT_EQ(box.status(2, type, record(80, {{0, word(2)}, {4, word(1)}})), 4U) << type;
-    EXPECT_EQ(box.status(2, type, Bytes(79)), 2U) << type;
-    EXPECT_EQ(box.status(2, type, Bytes(81)), 2U) << type;
+  for (uint32_t type : {kSetSfpModule, kSetPortEnable, kGetPortEnable, kGetLinkState,
+                        kGetLinkDuplex, kGetLinkSpeed, kSetVlanMode, kClearStatistics, kClearMacs,
+                        kSetRateControl, kSetRstpState, kSetIngressFilter, kSetFlowControl,
+                        kGetPortInfo, kSetPortInfo, kGetPortStatus, kSetMaxLink}) {
+    EXPECT_EQ(box.status(type, port_record(0)), kNotFound) << type;
+    EXPECT_EQ(box.status(type, port_record(5)), kNotFound) << type;
+    EXPECT_EQ(box.status(type, record(kPortSize, {{4, word(1)}})), kNotFound) << type;
+    EXPECT_EQ(box.status(type, record(kPortSize, {{0, word(2)}, {4, word(1)}})), kNotFound) << type;
+    EXPECT_EQ(box.status(type, Bytes(kPortSize - 1)), kBadLength) << type;
+    EXPECT_EQ(box.status(type, Bytes(kPortSize + 1)), kBadLength) << type;
   }
-  for (uint32_t type : {29U, 31U}) {
-    EXPECT_EQ(box.status(2, type, port(1)), 4U) << type;
-    EXPECT_EQ(box.status(2, type, record(80, {{4, word(1)}, {8, word(5)}})), 4U) << type;
-    EXPECT_EQ(box.status(2, type, Bytes(79)), 2U) << type;
+  for (uint32_t type : {kListStatistics, kListMacs}) {
+    EXPECT_EQ(box.status(type, port_record(1)), kNotFound) << type;
+    EXPECT_EQ(box.status(type, record(kPortSize, {{4, word(1)}, {8, word(5)}})), kNotFound) << type;
+    EXPECT_EQ(box.status(type, Bytes(kPortSize - 1)), kBadLength) << type;
   }
 }
 
 TEST(Links, FollowEnable) {
   TestBox box;
-  EXPECT_EQ(box.status(2, 14, uncleared({{16, word(0)}})), 0U);
-  Bytes down = box.reply(2, 16, port(3));
-  EXPECT_EQ(word_at(down, 16), 0U);
-  EXPECT_EQ(word_at(down, 20), 0U);
-  EXPECT_EQ(word_at(down, 24), 0U);
-  EXPECT_EQ(word_at(down, 64), 0U);
-  EXPECT_EQ(word_at(box.reply(2, 16, port(2)), 64), 1U);
-  EXPECT_EQ(box.status(2, 14, uncleared({{16, word(1)}})), 0U);
-  EXPECT_EQ(word_at(box.reply(2, 15, port(3)), 16), 1U);
-  EXPECT_EQ(word_at(box.reply(2, 16, port(3)), 64), 0U);
+  EXPECT_EQ(box.status(kSetPortEnable, uncleared({{kEnabledAt, word(0)}})), kOk);
+  Bytes down = box.reply(kGetLinkState, port_record(3));
+  EXPECT_EQ(word_at(down, kEnabledAt), 0U);
+  EXPECT_EQ(word_at(down, kSpeedAt), 0U);
+  EXPECT_EQ(word_at(down, kDuplexAt), 0U);
+  EXPECT_EQ(word_at(down, kLinkStateAt), 0U);
+  EXPECT_EQ(word_at(box.reply(kGetLinkState, port_record(2)), kLinkStateAt), 1U);
+  EXPECT_EQ(box.status(kSetPortEnable, uncleared({{kEnabledAt, word(1)}})), kOk);
+  EXPECT_EQ(word_at(box.reply(kGetPortEnable, port_record(3)), kEnabledAt), 1U);
+  EXPECT_EQ(word_at(box.reply(kGetLinkState, port_record(3)), kLinkStateAt), 0U);
   box.advance(1s);
-  EXPECT_EQ(word_at(box.reply(2, 16, port(3)), 64), 0U);
+  EXPECT_EQ(word_at(box.reply(kGetLinkState, port_record(3)), kLinkStateAt), 0U);
   box.advance(1s);
-  EXPECT_EQ(box.reply(2, 16, port(3)), factory_port_3());
+  EXPECT_EQ(box.reply(kGetLinkState, port_record(3)), factory_port_3());
 }
 
-TEST(Links, StayUpWhenEnabledOnceMore) {
+TEST(Links, StayUpWhenEnabledAgain) {
   TestBox box;
-  EXPECT_EQ(box.status(2, 14, uncleared({{16, word(1)}})), 0U);
-  EXPECT_EQ(word_at(box.reply(2, 16, port(3)), 64), 1U);
+  EXPECT_EQ(box.status(kSetPortEnable, uncleared({{kEnabledAt, word(1)}})), kOk);
+  EXPECT_EQ(word_at(box.reply(kGetLinkState, port_record(3)), kLinkStateAt), 1U);
 }
 
 TEST(Links, AreUpAfterAClockWasSetBack) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   box.advance(-3600s);
-  EXPECT_EQ(word_at(box.reply(2, 16, port(3)), 64), 1U);
+  EXPECT_EQ(word_at(box.reply(kGetLinkState, port_record(3)), kLinkStateAt), 1U);
 }
 
 TEST(Links, HaveTheSpeedAndDuplexOfTheTopology) {
@@ -156,65 +135,66 @@ TEST(Links, HaveTheSpeedAndDuplexOfTheTopology) {
   write_file(box.folder / "box.json", R"({"olt":{"ethernet_ports":6,"ports":[
       {"port":5,"speed":100,"duplex":"half"},{"port":6,"plugged":false}]}})");
   box.options.topology_file = box.folder / "box.json";
-  Bytes slow = box.reply(2, 18, port(5));
-  EXPECT_EQ(word_at(slow, 20), 100U);
-  EXPECT_EQ(word_at(slow, 24), 1U);
-  EXPECT_EQ(word_at(slow, 64), 1U);
-  Bytes unplugged = box.reply(2, 18, port(6));
-  EXPECT_EQ(word_at(unplugged, 16), 1U);
-  EXPECT_EQ(word_at(unplugged, 64), 0U);
-  std::string info = box.listing(box.reply(2, 53), 48);
-  EXPECT_NE(info.find("Port  Enabled  Link  Speed in Mbit/s  Duplex\n"
-                      "----  -------  ----  ---------------  ------\n"
-                      "1/1   yes      up    1000             full\n"),
-            std::string::npos)
+  Bytes slow = box.reply(kGetLinkSpeed, port_record(5));
+  EXPECT_EQ(word_at(slow, kSpeedAt), 100U);
+  EXPECT_EQ(word_at(slow, kDuplexAt), 1U);
+  EXPECT_EQ(word_at(slow, kLinkStateAt), 1U);
+  Bytes unplugged = box.reply(kGetLinkSpeed, port_record(6));
+  EXPECT_EQ(word_at(unplugged, kEnabledAt), 1U);
+  EXPECT_EQ(word_at(unplugged, kLinkStateAt), 0U);
+  std::string info = box.basic_info();
+  EXPECT_TRUE(holds(info,
+                    "Port  Enabled  Link  Speed in Mbit/s  Duplex\n"
+                    "----  -------  ----  ---------------  ------\n"
+                    "1/1   yes      up    1000             full\n"))
       << info;
-  EXPECT_NE(info.find("1/5   yes      up    100              half\n"
-                      "1/6   yes      down  -                -\n"),
-            std::string::npos)
+  EXPECT_TRUE(holds(info,
+                    "1/5   yes      up    100              half\n"
+                    "1/6   yes      down  -                -\n"))
       << info;
 }
 
 TEST(Uplinks, AggregationIsReadBack) {
   TestBox box;
-  EXPECT_EQ(box.reply(2, 74), Bytes(32));
-  EXPECT_EQ(box.status(2, 34, record(32, {{8, hex("78563412")}})), 0U);
-  EXPECT_EQ(box.reply(2, 74), record(32, {{8, hex("78563412")}}));
-  EXPECT_EQ(box.status(2, 34, Bytes(31)), 2U);
-  EXPECT_EQ(box.status(2, 74, Bytes(1)), 2U);
+  EXPECT_EQ(box.reply(kGetUplinkAggregation), Bytes(kAggregationSize));
+  EXPECT_EQ(box.status(kSetUplinkAggregation, record(kAggregationSize, {{8, hex("78563412")}})),
+            kOk);
+  EXPECT_EQ(box.reply(kGetUplinkAggregation), record(kAggregationSize, {{8, hex("78563412")}}));
+  EXPECT_EQ(box.status(kSetUplinkAggregation, Bytes(kAggregationSize - 1)), kBadLength);
+  EXPECT_EQ(box.status(kGetUplinkAggregation, Bytes(1)), kBadLength);
 }
 
 TEST(Ports, SettingsAreConfiguration) {
   TestBox box;
-  box.status(2, 24, uncleared({{32, word(10)}, {28, word(20)}}));
-  box.status(2, 14, uncleared({{16, word(0)}}));
-  box.status(2, 34, record(32, {{8, word(3)}}));
-  Bytes set = box.reply(2, 70, port(3));
-  box.status(2, 8);
-  box.status(2, 9);
+  box.status(kSetVlanMode,
+             uncleared({{kVlanModeFirstAt, word(10)}, {kVlanModeSecondAt, word(20)}}));
+  box.status(kSetPortEnable, uncleared({{kEnabledAt, word(0)}}));
+  box.status(kSetUplinkAggregation, record(kAggregationSize, {{8, word(3)}}));
+  Bytes set = box.reply(kGetPortInfo, port_record(3));
+  box.status(kSaveConfig);
+  box.status(kRestoreDefaults);
   box.advance(2s);
-  EXPECT_EQ(box.reply(2, 70, port(3)), factory_port_3());
-  EXPECT_EQ(box.reply(2, 74), Bytes(32));
-  box.status(2, 7);
-  EXPECT_EQ(box.reply(2, 70, port(3)), set);
-  EXPECT_EQ(box.reply(2, 74), record(32, {{8, word(3)}}));
+  EXPECT_EQ(box.reply(kGetPortInfo, port_record(3)), factory_port_3());
+  EXPECT_EQ(box.reply(kGetUplinkAggregation), Bytes(kAggregationSize));
+  box.status(kReboot);
+  EXPECT_EQ(box.reply(kGetPortInfo, port_record(3)), set);
+  EXPECT_EQ(box.reply(kGetUplinkAggregation), record(kAggregationSize, {{8, word(3)}}));
   box.restart();
-  EXPECT_EQ(box.reply(2, 70, port(3)), set);
-  std::string config = box.listing(box.reply(2, 33), 48);
-  EXPECT_NE(config.find("Port  Enabled  SFP  VLAN mode  (second)  Flow control"), std::string::npos)
-      << config;
-  EXPECT_NE(config.find("\n1/3   0        0    10         20        0 "), std::string::npos)
-      << config;
+  EXPECT_EQ(box.reply(kGetPortInfo, port_record(3)), set);
+  std::string config = box.running_config();
+  EXPECT_TRUE(holds(config, "Port  Enabled  SFP  VLAN mode  (second)  Flow control")) << config;
+  EXPECT_TRUE(holds(config, "\n1/3   0        0    10         20        0 ")) << config;
 }
 
 std::string statistics(TestBox &box, uint32_t number) {
-  return box.listing(box.reply(2, 29, record(80, {{4, word(1)}, {8, word(number)}})), 48);
+  return box.listing(
+      box.reply(kListStatistics, record(kPortSize, {{4, word(1)}, {8, word(number)}})),
+      kListingNameAt);
 }
 
 TEST(Statistics, AdvanceWithTimeWhileTheLinkIsUp) {
   TestBox box;
-  EXPECT_NE(statistics(box, 1).find("Octets              0         0\n"), std::string::npos)
-      << statistics(box, 1);
+  EXPECT_TRUE(holds(statistics(box, 1), "Octets              0         0\n")) << statistics(box, 1);
   box.advance(100s);
   EXPECT_EQ(statistics(box, 1),
             "Statistics of port 1/1\n"
@@ -234,60 +214,59 @@ TEST(Statistics, AdvanceWithTimeWhileTheLinkIsUp) {
             "Broadcast frames    4400       2640\n"
             "Discarded frames    0          0\n"
             "Frames with errors  0          0\n");
-  EXPECT_NE(statistics(box, 4).find("Octets              175000000  105000000\n"),
-            std::string::npos);
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(1)}, {16, word(0)}}));
+  EXPECT_TRUE(holds(statistics(box, 4), "Octets              175000000  105000000\n"));
+  box.status(kSetPortEnable, port_record(1, {{kEnabledAt, word(0)}}));
   box.advance(50s);
   std::string down = statistics(box, 1);
-  EXPECT_NE(down.find("State            down\nSeconds counted  100\n"), std::string::npos) << down;
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(1)}, {16, word(1)}}));
+  EXPECT_TRUE(holds(down, "State            down\nSeconds counted  100\n")) << down;
+  box.status(kSetPortEnable, port_record(1, {{kEnabledAt, word(1)}}));
   box.advance(12s);
   std::string up = statistics(box, 1);
-  EXPECT_NE(up.find("State            up\nSeconds counted  110\n"), std::string::npos) << up;
+  EXPECT_TRUE(holds(up, "State            up\nSeconds counted  110\n")) << up;
 }
 
 TEST(Statistics, AreClearedByPort) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   box.advance(100s);
-  EXPECT_EQ(box.status(2, 30, port(1)), 0U);
-  EXPECT_NE(statistics(box, 1).find("Seconds counted  0\n"), std::string::npos);
-  EXPECT_NE(statistics(box, 2).find("Seconds counted  100\n"), std::string::npos);
+  EXPECT_EQ(box.status(kClearStatistics, port_record(1)), kOk);
+  EXPECT_TRUE(holds(statistics(box, 1), "Seconds counted  0\n"));
+  EXPECT_TRUE(holds(statistics(box, 2), "Seconds counted  100\n"));
   box.advance(5s);
-  EXPECT_NE(statistics(box, 1).find("Seconds counted  5\n"), std::string::npos);
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(1)}, {16, word(0)}}));
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(1)}, {16, word(1)}}));
-  box.status(2, 30, port(1));
+  EXPECT_TRUE(holds(statistics(box, 1), "Seconds counted  5\n"));
+  box.status(kSetPortEnable, port_record(1, {{kEnabledAt, word(0)}}));
+  box.status(kSetPortEnable, port_record(1, {{kEnabledAt, word(1)}}));
+  box.status(kClearStatistics, port_record(1));
   box.advance(3s);
-  EXPECT_NE(statistics(box, 1).find("Seconds counted  1\n"), std::string::npos);
+  EXPECT_TRUE(holds(statistics(box, 1), "Seconds counted  1\n"));
 }
 
-TEST(Statistics, BeginAnewWithARebootAndGoOnInTheNextBox) {
+TEST(Statistics, RestartWithARebootAndContinueInTheNextBox) {
   TestBox box;
   box.options.keep_running_state = true;
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(2)}, {16, word(0)}}));
+  box.status(kSetPortEnable, port_record(2, {{kEnabledAt, word(0)}}));
   box.advance(100s);
-  box.status(2, 14, record(80, {{0, word(1)}, {4, word(2)}, {16, word(1)}}));
+  box.status(kSetPortEnable, port_record(2, {{kEnabledAt, word(1)}}));
   box.keep();
   box.advance(20s);
   box.restart();
-  EXPECT_NE(statistics(box, 1).find("Seconds counted  120\n"), std::string::npos);
-  EXPECT_NE(statistics(box, 2).find("Seconds counted  18\n"), std::string::npos);
-  box.status(2, 7);
-  EXPECT_NE(statistics(box, 1).find("State            up\nSeconds counted  0\n"),
-            std::string::npos);
+  EXPECT_TRUE(holds(statistics(box, 1), "Seconds counted  120\n"));
+  EXPECT_TRUE(holds(statistics(box, 2), "Seconds counted  18\n"));
+  box.status(kReboot);
+  EXPECT_TRUE(holds(statistics(box, 1), "State            up\nSeconds counted  0\n"));
   box.advance(3s);
-  EXPECT_NE(statistics(box, 1).find("Seconds counted  3\n"), std::string::npos);
+  EXPECT_TRUE(holds(statistics(box, 1), "Seconds counted  3\n"));
 }
 
 std::string macs(TestBox &box, uint32_t number, uint32_t vlan = 0) {
   return box.listing(
-      box.reply(2, 31, record(80, {{4, word(1)}, {8, word(number)}, {12, word(vlan)}})), 48);
+      box.reply(kListMacs, record(kPortSize, {{4, word(1)}, {8, word(number)}, {12, word(vlan)}})),
+      kListingNameAt);
 }
 
 TEST(Macs, AreLearnedOneAfterTheOtherAndAge) {
   TestBox box;
-  EXPECT_NE(macs(box, 3).find("\n0 addresses\n"), std::string::npos);
+  EXPECT_TRUE(holds(macs(box, 3), "\n0 addresses\n"));
   box.advance(5s);
   EXPECT_EQ(macs(box, 3),
             "MAC addresses of port 1/3\n"
@@ -299,50 +278,50 @@ TEST(Macs, AreLearnedOneAfterTheOtherAndAge) {
             "1     02:10:03:00:00:01  dynamic  3\n"
             "1     02:10:03:00:00:02  dynamic  0\n");
   box.advance(6s);
-  EXPECT_NE(macs(box, 3).find("\n4 addresses\n"), std::string::npos);
+  EXPECT_TRUE(holds(macs(box, 3), "\n4 addresses\n"));
   box.advance(299s);
-  EXPECT_NE(macs(box, 3).find("02:10:03:00:00:04  dynamic  299\n"), std::string::npos)
-      << macs(box, 3);
+  EXPECT_TRUE(holds(macs(box, 3), "02:10:03:00:00:04  dynamic  299\n")) << macs(box, 3);
   box.advance(1s);
   std::string aged = macs(box, 3);
-  EXPECT_NE(aged.find("\n3 addresses\n"), std::string::npos) << aged;
-  EXPECT_EQ(aged.find("00:00:04"), std::string::npos) << aged;
+  EXPECT_TRUE(holds(aged, "\n3 addresses\n")) << aged;
+  EXPECT_FALSE(holds(aged, "00:00:04")) << aged;
   box.advance(120s);
-  EXPECT_NE(macs(box, 3).find("02:10:03:00:00:04  dynamic  0\n"), std::string::npos);
+  EXPECT_TRUE(holds(macs(box, 3), "02:10:03:00:00:04  dynamic  0\n"));
 }
 
 TEST(Macs, AreClearedByPortAndLearnedAgain) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   box.advance(30s);
-  EXPECT_EQ(box.status(2, 32, port(3)), 0U);
-  EXPECT_NE(macs(box, 3).find("\n0 addresses\n"), std::string::npos);
-  EXPECT_NE(macs(box, 2).find("\n4 addresses\n"), std::string::npos);
+  EXPECT_EQ(box.status(kClearMacs, port_record(3)), kOk);
+  EXPECT_TRUE(holds(macs(box, 3), "\n0 addresses\n"));
+  EXPECT_TRUE(holds(macs(box, 2), "\n4 addresses\n"));
   box.advance(32s);
-  EXPECT_NE(macs(box, 3).find("\n1 address\n"), std::string::npos);
+  EXPECT_TRUE(holds(macs(box, 3), "\n1 address\n"));
 }
 
-TEST(Macs, GoWithTheLink) {
+TEST(Macs, AreForgottenWhenTheLinkGoesDown) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   box.advance(30s);
-  box.status(2, 14, uncleared({{16, word(0)}}));
-  EXPECT_NE(macs(box, 3).find("\n0 addresses\n"), std::string::npos);
-  box.status(2, 14, uncleared({{16, word(1)}}));
+  box.status(kSetPortEnable, uncleared({{kEnabledAt, word(0)}}));
+  EXPECT_TRUE(holds(macs(box, 3), "\n0 addresses\n"));
+  box.status(kSetPortEnable, uncleared({{kEnabledAt, word(1)}}));
   box.advance(4s);
-  EXPECT_NE(macs(box, 3).find("\n1 address\n"), std::string::npos);
+  EXPECT_TRUE(holds(macs(box, 3), "\n1 address\n"));
 }
 
 TEST(Macs, AreFilteredByVlan) {
   TestBox box;
-  box.status(2, 19, hex("0a000b00"));
-  box.status(2, 25, record(84, {{0, word(1)}, {4, word(3)}, {80, hex("0a000b00")}}));
+  box.status(kAddVlans, hex("0a000b00"));
+  box.status(kAddTrunkTagged, record(kTrunkSize + kVlanSize,
+                                     {{0, word(1)}, {4, word(3)}, {kTrunkSize, hex("0a000b00")}}));
   box.advance(20s);
-  EXPECT_NE(macs(box, 3).find("1     02:10:03:00:00:01  dynamic  18\n"
-                              "1     02:10:03:00:00:04  dynamic  9\n"
-                              "10    02:10:03:00:00:02  dynamic  15\n"
-                              "11    02:10:03:00:00:03  dynamic  12\n"),
-            std::string::npos)
+  EXPECT_TRUE(holds(macs(box, 3),
+                    "1     02:10:03:00:00:01  dynamic  18\n"
+                    "1     02:10:03:00:00:04  dynamic  9\n"
+                    "10    02:10:03:00:00:02  dynamic  15\n"
+                    "11    02:10:03:00:00:03  dynamic  12\n"))
       << macs(box, 3);
   EXPECT_EQ(macs(box, 3, 10),
             "MAC addresses of port 1/3 in VLAN 10\n"
@@ -352,51 +331,53 @@ TEST(Macs, AreFilteredByVlan) {
             "VLAN  MAC address        Type     Age in s\n"
             "----  -----------------  -------  --------\n"
             "10    02:10:03:00:00:02  dynamic  15\n");
-  EXPECT_EQ(box.status(2, 31, record(80, {{4, word(1)}, {8, word(3)}, {12, word(4095)}})), 3U);
-  box.status(2, 20, hex("0100fe0f"));
-  EXPECT_NE(macs(box, 3).find("\n0 addresses\n"), std::string::npos);
+  EXPECT_EQ(
+      box.status(kListMacs, record(kPortSize, {{4, word(1)}, {8, word(3)}, {12, word(4095)}})),
+      kBadValue);
+  box.status(kDeleteVlans, hex("0100fe0f"));
+  EXPECT_TRUE(holds(macs(box, 3), "\n0 addresses\n"));
 }
 
 TEST(Macs, StaticOnesAreAddedAndDeleted) {
   TestBox box;
-  box.status(2, 12);
+  box.status(kGetOltMac);
   box.advance(4s);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 0a00 0211aabbccdd ffff")), 0U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 0100 021003000001 0000")), 0U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0200 0100 0a00 0211aabbccdd 0000")), 5U);
-  EXPECT_NE(macs(box, 3).find("\n2 addresses\n"
-                              "VLAN  MAC address        Type    Age in s\n"
-                              "----  -----------------  ------  --------\n"
-                              "1     02:10:03:00:00:01  static  -\n"
-                              "10    02:11:aa:bb:cc:dd  static  -\n"),
-            std::string::npos)
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 0a00 0211aabbccdd ffff")), kOk);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 0100 021003000001 0000")), kOk);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0200 0100 0a00 0211aabbccdd 0000")), kExists);
+  EXPECT_TRUE(holds(macs(box, 3),
+                    "\n2 addresses\n"
+                    "VLAN  MAC address        Type    Age in s\n"
+                    "----  -----------------  ------  --------\n"
+                    "1     02:10:03:00:00:01  static  -\n"
+                    "10    02:11:aa:bb:cc:dd  static  -\n"))
       << macs(box, 3);
-  box.status(2, 32, port(3));
-  box.status(2, 8);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0200 0200 0a00 0211aabbccdd 0000")), 4U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0200 0a00 0211aabbccdd 0000")), 0U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0200 0a00 0211aabbccdd 0000")), 4U);
-  box.status(2, 7);
-  std::string config = box.listing(box.reply(2, 33), 48);
-  EXPECT_NE(config.find("Port  VLAN  MAC address\n"
-                        "----  ----  -----------------\n"
-                        "1/3   10    02:11:aa:bb:cc:dd\n"
-                        "1/3   1     02:10:03:00:00:01\n"),
-            std::string::npos)
+  box.status(kClearMacs, port_record(3));
+  box.status(kSaveConfig);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0200 0200 0a00 0211aabbccdd 0000")), kNotFound);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0200 0a00 0211aabbccdd 0000")), kOk);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0200 0a00 0211aabbccdd 0000")), kNotFound);
+  box.status(kReboot);
+  std::string config = box.running_config();
+  EXPECT_TRUE(holds(config,
+                    "Port  VLAN  MAC address\n"
+                    "----  ----  -----------------\n"
+                    "1/3   10    02:11:aa:bb:cc:dd\n"
+                    "1/3   1     02:10:03:00:00:01\n"))
       << config;
 }
 
 TEST(Macs, BadStaticOnesAreRefused) {
   TestBox box;
-  EXPECT_EQ(box.status(2, 55, hex("0100 0500 0100 0a00 0211aabbccdd 0000")), 4U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0000 0a00 0211aabbccdd 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0300 0a00 0211aabbccdd 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 0000 0211aabbccdd 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 ff0f 0211aabbccdd 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 0a00 0111aabbccdd 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, hex("0100 0300 0100 0a00 000000000000 0000")), 3U);
-  EXPECT_EQ(box.status(2, 55, Bytes(15)), 2U);
-  EXPECT_NE(macs(box, 3).find("\n0 addresses\n"), std::string::npos);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0500 0100 0a00 0211aabbccdd 0000")), kNotFound);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0000 0a00 0211aabbccdd 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0300 0a00 0211aabbccdd 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 0000 0211aabbccdd 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 ff0f 0211aabbccdd 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 0a00 0111aabbccdd 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, hex("0100 0300 0100 0a00 000000000000 0000")), kBadValue);
+  EXPECT_EQ(box.status(kStaticMac, Bytes(kStaticMacSize - 1)), kBadLength);
+  EXPECT_TRUE(holds(macs(box, 3), "\n0 addresses\n"));
 }
 
 TEST(Macs, ThereIsRoomFor256StaticOnes) {
@@ -404,10 +385,12 @@ TEST(Macs, ThereIsRoomFor256StaticOnes) {
   Bytes request = hex("0100 0100 0100 0a00 021100000000 0000");
   for (int i = 0; i < 256; ++i) {
     request[13] = static_cast<uint8_t>(i);
-    ASSERT_EQ(box.status(2, 55, request), 0U);
+    ASSERT_EQ(box.status(kStaticMac, request), kOk);
   }
   request[12] = 1;
-  EXPECT_EQ(box.status(2, 55, request), 6U);
+  EXPECT_EQ(box.status(kStaticMac, request), kFull);
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -1,4 +1,5 @@
-// Faults: which requests they strike, what becomes of those, and how they are armed and cleared.
+// Faults: which requests they strike and how, and how they are armed and cleared. In their JSON,
+// types are numbers: 2 is kSetDebugEnable, 12 kGetOltMac, 56 kSetSnmpParam, 83 kSetLogLevel.
 
 #include "box/watch/faults.h"
 
@@ -7,23 +8,20 @@
 #include "base/bad_input.h"
 #include "tests/box/support.h"
 
+namespace olt::test {
+
 namespace {
 
-using olt::box::Answer;
-using olt::tests::Bytes;
-using olt::tests::hex;
-using olt::tests::TestBox;
-using olt::tests::text;
-using olt::tests::word;
+using box::Answer;
 
-TEST(Faults, StatusStrikesFromTheNthRequestForSoMany) {
+TEST(Faults, StatusStrikesSomeRequestsFromTheNth) {
   TestBox box;
   EXPECT_EQ(box.command(R"({"command":"fault_add","fault":{"module":2,"type":12,"status":5,)"
                         R"("delay_ms":0,"action":"status","from":3,"count":2}})"),
             R"({"ok":true,"id":1})");
   std::vector<uint32_t> statuses;
-  for (int i = 0; i < 6; ++i) statuses.push_back(box.status(2, 12));
-  EXPECT_EQ(statuses, (std::vector<uint32_t>{0, 0, 5, 5, 0, 0}));
+  for (int i = 0; i < 6; ++i) statuses.push_back(box.status(kGetOltMac));
+  EXPECT_EQ(statuses, (std::vector<uint32_t>{kOk, kOk, 5, 5, kOk, kOk}));
   EXPECT_EQ(box.command(R"({"command":"fault_list"})"),
             R"({"ok":true,"faults":[{"id":1,"module":2,"type":12,"status":5,"delay_ms":0,)"
             R"("action":"status","from":3,"count":2,"seen":6,"applied":2}]})");
@@ -32,15 +30,15 @@ TEST(Faults, StatusStrikesFromTheNthRequestForSoMany) {
 TEST(Faults, StrikeAtOnceAndForEverByDefault) {
   TestBox box;
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":65535}})");
-  for (int i = 0; i < 20; ++i) EXPECT_EQ(box.status(2, 12), 65'535U);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(box.status(kGetOltMac), 65'535U);
 }
 
 TEST(Faults, StrikeTheirTypeAndModuleOnly) {
   TestBox box;
   box.command(R"({"command":"fault_add","fault":{"module":22,"type":83,"status":5}})");
-  EXPECT_EQ(box.status(2, 83, word(3)), 0U);
-  EXPECT_EQ(box.status(22, 82, word(3)), 0U);
-  EXPECT_EQ(box.status(22, 83, word(3)), 5U);
+  EXPECT_EQ(box.status(kSetLogLevel, word(3)), kOk);
+  EXPECT_EQ(box.status(kLogModule, kSetLogSize, word(3)), kOk);
+  EXPECT_EQ(box.status(kLogModule, kSetLogLevel, word(3)), 5U);
 }
 
 TEST(Faults, OfAnyModuleStrikeEveryModule) {
@@ -48,8 +46,8 @@ TEST(Faults, OfAnyModuleStrikeEveryModule) {
     TestBox box;
     box.command(std::string(R"({"command":"fault_add","fault":{"type":2,"status":5,"module":)") +
                 any + "}}");
-    EXPECT_EQ(box.status(2, 2, word(1)), 5U);
-    EXPECT_EQ(box.status(23, 2, word(1)), 5U);
+    EXPECT_EQ(box.status(kSetDebugEnable, word(1)), 5U);
+    EXPECT_EQ(box.status(kRstpModule, kSetDebugEnable, word(1)), 5U);
   }
 }
 
@@ -59,20 +57,20 @@ TEST(Faults, LeaveTheStateOfTheBoxAlone) {
   box.command(
       R"({"command":"fault_add","fault":{"type":56,"action":"silence","from":2,"count":1}})");
   box.command(R"({"command":"fault_add","fault":{"type":56,"action":"drop","from":3,"count":1}})");
-  EXPECT_EQ(box.status(2, 56, Bytes(136, 1)), 5U);
-  EXPECT_EQ(box.ask(2, 56, Bytes(136, 2)).action, Answer::Action::kWithhold);
-  EXPECT_EQ(box.ask(2, 56, Bytes(136, 3)).action, Answer::Action::kDisconnect);
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 0));
-  EXPECT_EQ(box.status(2, 56, Bytes(136, 4)), 0U);
-  EXPECT_EQ(box.reply(2, 57), Bytes(136, 4));
+  EXPECT_EQ(box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 1)), 5U);
+  EXPECT_EQ(box.ask(kSetSnmpParam, Bytes(kSnmpParamSize, 2)).action, Answer::Action::kWithhold);
+  EXPECT_EQ(box.ask(kSetSnmpParam, Bytes(kSnmpParamSize, 3)).action, Answer::Action::kDisconnect);
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0));
+  EXPECT_EQ(box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 4)), kOk);
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 4));
 }
 
-TEST(Faults, DelayAnAnswerThatIsOtherwiseTheUsualOne) {
+TEST(Faults, DelayLeavesTheAnswerUnchanged) {
   TestBox box;
   box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":250}})");
-  Answer answer = box.ask(2, 12);
+  Answer answer = box.ask(kGetOltMac);
   EXPECT_EQ(answer.delay_ms, 250U);
-  EXPECT_EQ(answer.status, 0);
+  EXPECT_EQ(answer.status, kOk);
   EXPECT_EQ(answer.reply, hex("02 00 00 00 00 01"));
 }
 
@@ -81,21 +79,21 @@ TEST(Faults, DelayStatusesAndDrops) {
   box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":250,"status":7,"count":1}})");
   box.command(
       R"({"command":"fault_add","fault":{"type":12,"delay_ms":20,"action":"drop","from":2}})");
-  Answer refused = box.ask(2, 12);
+  Answer refused = box.ask(kGetOltMac);
   EXPECT_EQ(refused.delay_ms, 250U);
   EXPECT_EQ(refused.status, 7);
-  Answer dropped = box.ask(2, 12);
+  Answer dropped = box.ask(kGetOltMac);
   EXPECT_EQ(dropped.delay_ms, 20U);
   EXPECT_EQ(dropped.action, Answer::Action::kDisconnect);
 }
 
-TEST(Faults, TheOldestThatIsDueStrikesAndAllCount) {
+TEST(Faults, TheOldestDueFaultStrikesAndAllCount) {
   TestBox box;
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":5,"from":2,"count":1}})");
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":6,"count":3}})");
   std::vector<uint32_t> statuses;
-  for (int i = 0; i < 4; ++i) statuses.push_back(box.status(2, 12));
-  EXPECT_EQ(statuses, (std::vector<uint32_t>{6, 5, 6, 0}));
+  for (int i = 0; i < 4; ++i) statuses.push_back(box.status(kGetOltMac));
+  EXPECT_EQ(statuses, (std::vector<uint32_t>{6, 5, 6, kOk}));
 }
 
 TEST(Faults, AreClearedOneByOneOrAll) {
@@ -104,11 +102,11 @@ TEST(Faults, AreClearedOneByOneOrAll) {
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":6}})");
   box.command(R"({"command":"fault_add","fault":{"type":12,"status":7}})");
   EXPECT_EQ(box.command(R"({"command":"fault_clear","id":1})"), R"({"ok":true,"cleared":1})");
-  EXPECT_EQ(box.status(2, 12), 6U);
+  EXPECT_EQ(box.status(kGetOltMac), 6U);
   EXPECT_EQ(box.command(R"({"command":"fault_clear","id":1})"),
             R"({"ok":false,"error":"/id: no fault 1 is armed"})");
   EXPECT_EQ(box.command(R"({"command":"fault_clear"})"), R"({"ok":true,"cleared":2})");
-  EXPECT_EQ(box.status(2, 12), 0U);
+  EXPECT_EQ(box.status(kGetOltMac), kOk);
   EXPECT_EQ(box.command(R"({"command":"fault_add","fault":{"type":12,"status":5}})"),
             R"({"ok":true,"id":4})");
 }
@@ -118,8 +116,8 @@ TEST(Faults, AreCountedAndTraced) {
   box.command(R"({"command":"fault_add","fault":{"type":12,"action":"silence","count":1}})");
   box.command(R"({"command":"fault_add","fault":{"type":12,"delay_ms":5}})");
   box.trace.clear();
-  box.ask(2, 12);
-  box.ask(2, 12);
+  box.ask(kGetOltMac);
+  box.ask(kGetOltMac);
   EXPECT_EQ(box.trace,
             (std::vector<std::string>{
                 "2026-01-31T12:00:00.000000Z module 2 type 12 olt-mac: request 0, no answer, "
@@ -149,11 +147,11 @@ TEST(Faults, CanBeArmedByText) {
   TestBox box;
   box.options.faults = {"type=12 status=5 from=2 count=1", "type=0x21 silence module=2",
                         "type=53 action=drop delay_ms=7 module=any"};
-  EXPECT_EQ(box.status(2, 12), 0U);
-  EXPECT_EQ(box.status(2, 12), 5U);
-  EXPECT_EQ(box.ask(2, 33).action, Answer::Action::kWithhold);
-  EXPECT_EQ(box.ask(2, 53).action, Answer::Action::kDisconnect);
-  EXPECT_EQ(olt::box::fault_add_command("module=22 type=83 status=0x10"),
+  EXPECT_EQ(box.status(kGetOltMac), kOk);
+  EXPECT_EQ(box.status(kGetOltMac), 5U);
+  EXPECT_EQ(box.ask(kListRunningConfig).action, Answer::Action::kWithhold);
+  EXPECT_EQ(box.ask(kListBasicInfo).action, Answer::Action::kDisconnect);
+  EXPECT_EQ(box::fault_add_command("module=22 type=83 status=0x10"),
             R"({"command":"fault_add","fault":{"module":22,"type":83,"status":16}})");
 }
 
@@ -204,15 +202,15 @@ TEST(Faults, MistakesInTextsGetOneLine) {
   };
   for (const auto &[mistake, line] : kMistakes) {
     try {
-      olt::box::fault_add_command(mistake);
+      box::fault_add_command(mistake);
       ADD_FAILURE() << mistake << " was accepted";
-    } catch (const olt::BadInput &error) {
+    } catch (const BadInput &error) {
       EXPECT_STREQ(error.what(), line);
     }
   }
 }
 
-TEST(Control, AnswersAnythingWithOneLineOfJson) {
+TEST(Control, AnswersEveryMistakeWithOneLineOfJson) {
   TestBox box;
   const std::pair<const char *, const char *> kMistakes[] = {
       {"",
@@ -244,10 +242,12 @@ TEST(Control, AnswersAnythingWithOneLineOfJson) {
 
 TEST(Control, ServesOneTypeAndRequestsOfReasonableLength) {
   TestBox box;
-  EXPECT_EQ(box.status(1000, 0, text(R"({"command":"counters"})")), 1U);
-  EXPECT_EQ(box.status(1000, 2, text(R"({"command":"counters"})")), 1U);
-  EXPECT_EQ(box.status(1000, 1, Bytes(65'537, '[')), 2U);
-  EXPECT_EQ(box.status(1000, 1, Bytes(65'536, '[')), 0U);
+  EXPECT_EQ(box.status(kControlModule, 0, text(R"({"command":"counters"})")), kNotServed);
+  EXPECT_EQ(box.status(kControlModule, 2, text(R"({"command":"counters"})")), kNotServed);
+  EXPECT_EQ(box.status(kControlModule, kControlCommand, Bytes(65'537, '[')), kBadLength);
+  EXPECT_EQ(box.status(kControlModule, kControlCommand, Bytes(65'536, '[')), kOk);
 }
 
 }  // namespace
+
+}  // namespace olt::test
