@@ -21,12 +21,17 @@ std::string escaped(char character) {
   return fmt::format("\\x{:02x}", static_cast<uint8_t>(character));
 }
 
-void append_line(std::string &dump, ByteView bytes, size_t begin, Hidden hidden) {
+bool covers(std::span<const Hidden> hidden, size_t at) {
+  return std::any_of(hidden.begin(), hidden.end(),
+                     [at](const Hidden &range) { return range.covers(at); });
+}
+
+void append_line(std::string &dump, ByteView bytes, size_t begin, std::span<const Hidden> hidden) {
   size_t end = std::min(begin + kLine, bytes.size());
   std::string shown;
   fmt::format_to(std::back_inserter(dump), "  {:04x} ", begin);
   for (size_t at = begin; at < end; ++at) {
-    if (hidden.covers(at)) {
+    if (covers(hidden, at)) {
       dump += " **";
       shown += '*';
     } else {
@@ -40,14 +45,36 @@ void append_line(std::string &dump, ByteView bytes, size_t begin, Hidden hidden)
   dump += '\n';
 }
 
-/// Bytes of the control character at the beginning; 0 when there is none. Of those beyond ASCII,
-/// which are two bytes in UTF-8, one begins a terminal's commands as escape does.
-size_t control_at_front(std::string_view text) {
-  auto first = static_cast<uint8_t>(text[0]);
-  if (first < 0x20 || first == 0x7F) return 1;
-  if (first != 0xC2 || text.size() < 2) return 0;
-  auto second = static_cast<uint8_t>(text[1]);
-  return second >= 0x80 && second < 0xA0 ? 2 : 0;
+/// Bytes of the UTF-8 character at the front; 0 when there is none.
+size_t character_at_front(std::string_view text) {
+  struct Form {
+    uint8_t lead, mask;
+    uint32_t least;
+  };
+  constexpr Form kForms[] = {
+      {0x00, 0x80, 0}, {0xC0, 0xE0, 0x80}, {0xE0, 0xF0, 0x800}, {0xF0, 0xF8, 0x10000}};
+  auto lead = static_cast<uint8_t>(text[0]);
+  for (size_t more = 0; more < std::size(kForms); ++more) {
+    const Form &form = kForms[more];
+    if ((lead & form.mask) != form.lead) continue;
+    if (text.size() <= more) return 0;
+    uint32_t code = lead & static_cast<uint8_t>(~form.mask);
+    for (char c : text.substr(1, more)) {
+      if ((static_cast<uint8_t>(c) & 0xC0) != 0x80) return 0;
+      code = code << 6 | (static_cast<uint8_t>(c) & 0x3F);
+    }
+    bool is_surrogate = code >= 0xD800 && code < 0xE000;
+    return code < form.least || code > 0x10FFFF || is_surrogate ? 0 : more + 1;
+  }
+  return 0;
+}
+
+/// Of control characters, those beyond ASCII are two bytes in UTF-8; one of them begins a
+/// terminal's commands as escape does.
+bool is_control(std::string_view character) {
+  auto first = static_cast<uint8_t>(character[0]);
+  if (character.size() == 1) return first < 0x20 || first == 0x7F;
+  return first == 0xC2 && static_cast<uint8_t>(character[1]) < 0xA0;
 }
 
 }  // namespace
@@ -85,7 +112,7 @@ std::optional<Bytes> from_hex(std::string_view text) {
   return bytes;
 }
 
-std::string hex_dump(ByteView bytes, Hidden hidden) {
+std::string hex_dump(ByteView bytes, std::span<const Hidden> hidden) {
   std::string dump;
   for (size_t begin = 0; begin < bytes.size(); begin += kLine) {
     append_line(dump, bytes, begin, hidden);
@@ -102,10 +129,14 @@ std::string characters(ByteView bytes) {
 std::string printable(std::string_view text) {
   std::string shown;
   while (!text.empty()) {
-    size_t control = control_at_front(text);
-    for (char character : text.substr(0, control)) shown += escaped(character);
-    if (control == 0) shown += text[0];
-    text.remove_prefix(std::max<size_t>(control, 1));
+    size_t length = character_at_front(text);
+    std::string_view character = text.substr(0, std::max<size_t>(length, 1));
+    if (length > 0 && !is_control(character)) {
+      shown += character;
+    } else {
+      for (char byte : character) shown += escaped(byte);
+    }
+    text.remove_prefix(character.size());
   }
   return shown;
 }

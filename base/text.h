@@ -34,12 +34,13 @@ struct Hidden {
 };
 
 /// 16 bytes a line: offset, bytes, characters. Each line begins with two blanks.
-std::string hex_dump(ByteView bytes, Hidden hidden = {});
+std::string hex_dump(ByteView bytes, std::span<const Hidden> hidden = {});
 
 /// The bytes as characters, those that are not printable ASCII as dots.
 std::string characters(ByteView bytes);
 
-/// The text with control characters written as \xNN, so that it cannot command a terminal.
+/// The text with control characters, and bytes that are not UTF-8, written as \xNN, so that it
+/// cannot command a terminal.
 std::string printable(std::string_view text);
 /// The same with bytes beyond ASCII, too: each byte of the result takes one column.
 std::string printable_ascii(std::string_view text);

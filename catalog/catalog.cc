@@ -1,7 +1,8 @@
 #include "catalog/catalog.h"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
+#include <iterator>
 
 #include "catalog/flash.h"
 #include "catalog/ont.h"
@@ -39,28 +40,12 @@ constexpr Family kFamilies[] = {
     {"SNMP tables of the OLT", kSnmpOltTables},
 };
 
-template <size_t... sizes>
-constexpr auto joined(const WireSecret (&...groups)[sizes]) {
-  std::array<WireSecret, (sizes + ...)> all{};
-  size_t count = 0;
-  auto append = [&all, &count](std::span<const WireSecret> group) {
-    for (const WireSecret &secret : group) all[count++] = secret;
-  };
-  (append(groups), ...);
+constexpr auto kWireSecrets = [] {
+  std::array<WireSecret, std::size(kUserPasswords) + std::size(kEntryPasswords)> all{};
+  std::copy(std::begin(kEntryPasswords), std::end(kEntryPasswords),
+            std::copy(std::begin(kUserPasswords), std::end(kUserPasswords), all.begin()));
   return all;
-}
-
-constexpr auto kWireSecrets = joined(kUserPasswords, kEntryPasswords);
-
-template <typename Predicate>
-const Operation *first(Predicate matches) {
-  for (const Family &family : kFamilies) {
-    for (const Operation &operation : family.operations) {
-      if (matches(operation)) return &operation;
-    }
-  }
-  return nullptr;
-}
+}();
 
 }  // namespace
 
@@ -69,13 +54,12 @@ std::span<const Family> families() {
 }
 
 const Operation *find(std::string_view name) {
-  return first([name](const Operation &operation) { return operation.name == name; });
-}
-
-const Operation *find_sender(uint32_t message_type) {
-  return first([message_type](const Operation &operation) {
-    return operation.address.sends() && operation.address.message_type == message_type;
-  });
+  for (const Family &family : kFamilies) {
+    for (const Operation &operation : family.operations) {
+      if (operation.name == name) return &operation;
+    }
+  }
+  return nullptr;
 }
 
 std::span<const WireSecret> wire_secrets() {

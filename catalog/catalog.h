@@ -21,10 +21,7 @@ std::span<const Family> families();
 /// The operation of that name, or null.
 const Operation *find(std::string_view name);
 
-/// The first operation that sends that message type, or null.
-const Operation *find_sender(uint32_t message_type);
-
-/// Where requests and replies of a message type carry a secret.
+/// Where requests and replies of a message type may carry a secret.
 struct WireSecret {
   uint16_t message_type;
   uint16_t offset;

@@ -8,49 +8,55 @@
 
 namespace olt::catalog {
 
+/// What a field holds; each kind has one text form.
 enum class FieldKind : uint8_t {
-  kText,    ///< ends with a zero
-  kPadded,  ///< text that may fill the field, with zeros behind it
+  kText,     ///< ends with a zero
+  kPadded,   ///< text that may fill the field, with zeros after it
+  kListing,  ///< the name of a listing's file, padded
   kWord,
   kHalfWord,
   kWords,
   kMac,
+  kOnt,  ///< a target record: slot, interface and ONU, perhaps a UNI port
   kBytes,
 };
 
-/// A named field of a record.
+/// What a field is there for.
+enum class Role : uint8_t {
+  kPlain,
+  kReserved,  ///< has no meaning
+  kSelector,  ///< says which row is wanted or what to do, not what the record holds
+  kRowName,   ///< names what the record is about
+};
+
+/// A named field of a record, or an argument as a whole.
 struct Field {
-  /// The width of all that is behind the head of a block.
-  static constexpr uint16_t kToTheEnd = 0;
+  /// The width of everything after the head of a block.
+  static constexpr uint32_t kToTheEnd = 0;
 
   const char *name;
-  uint16_t offset;
-  uint16_t width;
+  uint32_t offset;
+  uint32_t width;
   FieldKind kind;
+  Role role = Role::kPlain;
   bool secret = false;
+  uint32_t most = UINT32_MAX;  ///< the largest number that is taken
+
+  /// Bytes that a text in the field may have.
+  constexpr uint32_t longest_text() const { return kind == FieldKind::kText ? width - 1 : width; }
 };
 
+/// How an argument is passed.
 enum class Kind : uint8_t {
-  kText,         ///< zero-terminated text
-  kWord,         ///< 32 bits, by value in, by pointer out
-  kName,         ///< 32-byte name of a listing's file
-  kRecord,       ///< bytes of a fixed size, with named fields or opaque
+  kValue,        ///< one word, text or record
   kStream,       ///< bytes of any length: two parameters, pointer and length
   kBlock,        ///< a block that the caller releases: two parameters, address and length
-  kHeadedBlock,  ///< a block with a head, whose last word counts the bytes behind it
+  kHeadedBlock,  ///< a block with a head, whose last word counts the bytes after it
   kReplyBlock,   ///< a block as long as the reply that it is a copy of
-  kBuffer,       ///< room for as many bytes as the word behind it says
+  kBuffer,       ///< room for as many bytes as the next argument says
   kVlans,        ///< a list of VLANs
   kIds,          ///< VLAN ids of 16 bits: two parameters, count and pointer
-  kEntries,      ///< records one behind the other: two parameters, count and pointer
-};
-
-/// How a record may be written beside its bytes.
-enum class Form : uint8_t {
-  kBytes,
-  kWords,  ///< 10,20,30
-  kMac,    ///< 02:00:00:00:00:01
-  kOnt,    ///< 1/2/3, and 1/2/3:4 with a UNI port when the record has room for it
+  kEntries,      ///< an array of records: two parameters, count and pointer
 };
 
 enum class Direction : uint8_t { kIn, kOut, kInOut };
@@ -60,20 +66,42 @@ struct Argument {
   const char *name;
   Kind kind;
   Direction direction;
-  uint32_t size;  ///< bytes of a word, name, record, entry, text that is filled or a block's head
-  std::span<const Field> fields;  ///< of a record or entry; empty when it is opaque
-  Form form;                      ///< of a record
+  uint32_t size;   ///< bytes of a value, entry or block's head; 0 for a text that is taken
+  FieldKind form;  ///< of a value as a whole
+  std::span<const Field> fields;  ///< of a record, entry or block; empty when it is opaque
   uint32_t most;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
   bool secret;
   bool optional;  ///< zero when left out
 
   /// Fields that can be given as FIELD=VALUE.
   constexpr std::span<const Field> own_fields() const {
-    return kind == Kind::kRecord ? fields : std::span<const Field>{};
+    return kind == Kind::kValue ? fields : std::span<const Field>{};
+  }
+
+  /// The argument as one field.
+  constexpr Field whole() const {
+    bool is_input_text = form == FieldKind::kText && size == 0;
+    return {.name = name,
+            .offset = 0,
+            .width = is_input_text ? most + 1 : size,
+            .kind = form,
+            .secret = secret,
+            .most = most};
   }
 
   constexpr bool is_input() const { return direction != Direction::kOut; }
   constexpr bool is_output() const { return direction != Direction::kIn; }
+
+  /// Whether NAME=VALUE may be given: for inputs, and for buffers, whose bytes can go to a file.
+  constexpr bool takes_value() const { return is_input() || kind == Kind::kBuffer; }
+
+  /// Whether the call can be made without a value.
+  constexpr bool may_be_left_out() const { return direction != Direction::kIn || optional; }
+
+  /// Bytes that the description of a VLAN may have; 0 where none is taken.
+  constexpr uint32_t described_bytes() const {
+    return kind == Kind::kVlans && most != UINT32_MAX ? most : 0;
+  }
 };
 
 /// Where an operation sends.

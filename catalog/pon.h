@@ -2,6 +2,11 @@
 #ifndef OLT_CATALOG_PON_H
 #define OLT_CATALOG_PON_H
 
+#include <array>
+#include <cstddef>
+#include <iterator>
+
+#include "box/wire/records.h"
 #include "catalog/catalog.h"
 #include "catalog/row.h"
 #include "oltmgmt.h"
@@ -36,11 +41,21 @@ inline constexpr Operation kOnuAuthentication[] = {
                   {"iface_a", "iface_b", "name"}),
 };
 
-/// Entries follow a head of 80 bytes; the password is the last 12 of their 44.
-inline constexpr WireSecret kEntryPasswords[] = {
-    {41, 112, 12, 44},  {108, 112, 12, 44}, {109, 112, 12, 44}, {110, 112, 12, 44},
-    {111, 112, 12, 44}, {112, 112, 12, 44}, {113, 112, 12, 44},
-};
+/// Passwords of entries. Requests have a head before the entries; whether a reply has one is up to
+/// the module, so both places count.
+inline constexpr auto kEntryPasswords = [] {
+  constexpr uint16_t kTypes[] = {41, 108, 109, 110, 111, 112, 113};
+  constexpr uint16_t kHeads[] = {0, sizeof(box::PonInterface)};
+  std::array<WireSecret, std::size(kTypes) * std::size(kHeads)> all{};
+  size_t count = 0;
+  for (uint16_t type : kTypes) {
+    for (uint16_t head : kHeads) {
+      auto offset = static_cast<uint16_t>(head + offsetof(box::AuthEntry, password));
+      all[count++] = {type, offset, sizeof(box::AuthEntry::password), sizeof(box::AuthEntry)};
+    }
+  }
+  return all;
+}();
 
 inline constexpr Operation kOnuInventory[] = {
     OLT_OPERATION(get_onulist_file_byinteface, 35, "Lists the ONUs of a PON interface",

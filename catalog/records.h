@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 
+#include "box/wire/records.h"
 #include "catalog/operation.h"
 #include "oltmgmt.h"
 
@@ -19,6 +20,8 @@ template <size_t size>
 inline constexpr FieldKind kFieldKindOf<char[size]> = FieldKind::kText;
 template <size_t size>
 inline constexpr FieldKind kFieldKindOf<uint8_t[size]> = FieldKind::kBytes;
+template <>
+inline constexpr FieldKind kFieldKindOf<uint8_t[6]> = FieldKind::kMac;
 template <size_t size>
 inline constexpr FieldKind kFieldKindOf<uint32_t[size]> = FieldKind::kWords;
 template <>
@@ -35,7 +38,27 @@ constexpr Field secret(Field field) {
   return field;
 }
 
-/// Whether the fields lie one behind the other and fill the record.
+constexpr Field padded(Field field) {
+  field.kind = FieldKind::kPadded;
+  return field;
+}
+
+constexpr Field reserved(Field field) {
+  field.role = Role::kReserved;
+  return field;
+}
+
+constexpr Field selector(Field field) {
+  field.role = Role::kSelector;
+  return field;
+}
+
+constexpr Field row_name(Field field) {
+  field.role = Role::kRowName;
+  return field;
+}
+
+/// Whether the fields follow each other without gaps and fill the record.
 template <typename Record>
 constexpr bool fill(std::span<const Field> fields) {
   size_t end = 0;
@@ -51,30 +74,34 @@ concept WordsOnly = requires {
   sizeof(Record::words);
 };
 
+/// The form of a record as a whole.
 template <typename Record>
-inline constexpr Form kFormOf = WordsOnly<Record> ? Form::kWords : Form::kBytes;
+inline constexpr FieldKind kFormOf = WordsOnly<Record> ? FieldKind::kWords : FieldKind::kBytes;
 template <>
-inline constexpr Form kFormOf<olt_mac> = Form::kMac;
+inline constexpr FieldKind kFormOf<olt_mac> = FieldKind::kMac;
 template <>
-inline constexpr Form kFormOf<olt_ont_target> = Form::kOnt;
+inline constexpr FieldKind kFormOf<olt_ont_target> = FieldKind::kOnt;
 template <>
-inline constexpr Form kFormOf<olt_target_words> = Form::kOnt;
+inline constexpr FieldKind kFormOf<olt_target_words> = FieldKind::kOnt;
 
 template <typename Record>
 inline constexpr std::span<const Field> kFieldsOf{};
 
 inline constexpr Field kUserFields[] = {
-    OLT_FIELD(olt_user, user_op),   OLT_FIELD(olt_user, user_index),
-    OLT_FIELD(olt_user, user_name), secret(OLT_FIELD(olt_user, user_password)),
-    OLT_FIELD(olt_user, level_a),   OLT_FIELD(olt_user, level_b),
+    OLT_FIELD(olt_user, user_op),
+    OLT_FIELD(olt_user, user_index),
+    row_name(OLT_FIELD(olt_user, user_name)),
+    secret(OLT_FIELD(olt_user, user_password)),
+    OLT_FIELD(olt_user, level_a),
+    OLT_FIELD(olt_user, level_b),
 };
 static_assert(fill<olt_user>(kUserFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_user> = kUserFields;
 
 inline constexpr Field kDebugValueFields[] = {
-    OLT_FIELD(olt_debug_value, debug_op),
-    OLT_FIELD(olt_debug_value, reserved_04),
+    selector(OLT_FIELD(olt_debug_value, debug_op)),
+    reserved(OLT_FIELD(olt_debug_value, reserved_04)),
     OLT_FIELD(olt_debug_value, debug_value),
 };
 static_assert(fill<olt_debug_value>(kDebugValueFields));
@@ -82,26 +109,26 @@ template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_debug_value> = kDebugValueFields;
 
 inline constexpr Field kSwitchDebugFields[] = {
-    OLT_FIELD(olt_switch_debug, debug_op),
-    OLT_FIELD(olt_switch_debug, reserved_04),
+    selector(OLT_FIELD(olt_switch_debug, debug_op)),
+    reserved(OLT_FIELD(olt_switch_debug, reserved_04)),
     OLT_FIELD(olt_switch_debug, debug_value),
-    OLT_FIELD(olt_switch_debug, reserved_1a),
+    reserved(OLT_FIELD(olt_switch_debug, reserved_1a)),
 };
 static_assert(fill<olt_switch_debug>(kSwitchDebugFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_switch_debug> = kSwitchDebugFields;
 
 inline constexpr Field kPortFields[] = {
-    OLT_FIELD(olt_port_attributes, slot),
-    OLT_FIELD(olt_port_attributes, port),
-    OLT_FIELD(olt_port_attributes, reserved_08),
+    row_name(OLT_FIELD(olt_port_attributes, slot)),
+    row_name(OLT_FIELD(olt_port_attributes, port)),
+    reserved(OLT_FIELD(olt_port_attributes, reserved_08)),
     OLT_FIELD(olt_port_attributes, sfp_module),
     OLT_FIELD(olt_port_attributes, port_enable),
     OLT_FIELD(olt_port_attributes, link_speed),
     OLT_FIELD(olt_port_attributes, link_duplex),
     OLT_FIELD(olt_port_attributes, vlanmode_second),
     OLT_FIELD(olt_port_attributes, vlanmode_first),
-    OLT_FIELD(olt_port_attributes, reserved_24),
+    reserved(OLT_FIELD(olt_port_attributes, reserved_24)),
     OLT_FIELD(olt_port_attributes, flowcontrol),
     OLT_FIELD(olt_port_attributes, ingressfilter_first),
     OLT_FIELD(olt_port_attributes, ingressfilter_second),
@@ -109,7 +136,7 @@ inline constexpr Field kPortFields[] = {
     OLT_FIELD(olt_port_attributes, ratecontrol_second),
     OLT_FIELD(olt_port_attributes, rstp_state),
     OLT_FIELD(olt_port_attributes, link_state),
-    OLT_FIELD(olt_port_attributes, reserved_44),
+    reserved(OLT_FIELD(olt_port_attributes, reserved_44)),
     OLT_FIELD(olt_port_attributes, max_link),
 };
 static_assert(fill<olt_port_attributes>(kPortFields));
@@ -125,17 +152,20 @@ template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_rstp_brief> = kRstpBriefFields;
 
 inline constexpr Field kOntTargetFields[] = {
-    OLT_FIELD(olt_ont_target, target),      OLT_FIELD(olt_ont_target, target_kind),
-    OLT_FIELD(olt_ont_target, reserved_10), OLT_FIELD(olt_ont_target, mac),
-    OLT_FIELD(olt_ont_target, reserved_22), OLT_FIELD(olt_ont_target, mac_word),
-    OLT_FIELD(olt_ont_target, reserved_28),
+    row_name(OLT_FIELD(olt_ont_target, target)),
+    row_name(OLT_FIELD(olt_ont_target, target_kind)),
+    reserved(OLT_FIELD(olt_ont_target, reserved_10)),
+    row_name(OLT_FIELD(olt_ont_target, mac)),
+    reserved(OLT_FIELD(olt_ont_target, reserved_22)),
+    row_name(OLT_FIELD(olt_ont_target, mac_word)),
+    reserved(OLT_FIELD(olt_ont_target, reserved_28)),
 };
 static_assert(fill<olt_ont_target>(kOntTargetFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_ont_target> = kOntTargetFields;
 
 inline constexpr Field kGlobalParameterFields[] = {
-    OLT_FIELD(olt_global_parameter, reserved_00),
+    reserved(OLT_FIELD(olt_global_parameter, reserved_00)),
     OLT_FIELD(olt_global_parameter, p2p_function),
     OLT_FIELD(olt_global_parameter, link_security_a),
     OLT_FIELD(olt_global_parameter, link_security_b),
@@ -153,210 +183,224 @@ static_assert(fill<olt_link_dba>(kLinkDbaFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_link_dba> = kLinkDbaFields;
 
-// From here on: what the simulated box takes and gives; the library carries the bytes.
+// What the bytes of these records mean to the simulated box. The library only carries them.
 
 inline constexpr Field kAuthEntryFields[] = {
-    {"mac", 0, 6, FieldKind::kMac},
-    {"loid", 8, 24, FieldKind::kPadded},
-    {"password", 32, 12, FieldKind::kPadded, true},
+    OLT_FIELD(box::AuthEntry, mac),
+    padded(OLT_FIELD(box::AuthEntry, loid)),
+    secret(padded(OLT_FIELD(box::AuthEntry, password))),
 };
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_auth_entry> = kAuthEntryFields;
 
 inline constexpr Field kWanConnectionFields[] = {
-    {"operation", 0, 4, FieldKind::kWord},
-    {"number", 4, 4, FieldKind::kWord},
-    {"settings", 8, 117, FieldKind::kBytes},
+    selector(OLT_FIELD(box::WanConnection, operation)),
+    row_name(OLT_FIELD(box::WanConnection, number)),
+    OLT_FIELD(box::WanConnection, settings),
 };
-static_assert(fill<olt_wan_connection>(kWanConnectionFields));
+static_assert(fill<box::WanConnection>(kWanConnectionFields) &&
+              sizeof(box::WanConnection) == sizeof(olt_wan_connection));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_wan_connection> = kWanConnectionFields;
 
 inline constexpr Field kIptvChannelFields[] = {
-    {"selector", 0, 4, FieldKind::kWord},
-    {"profile", 4, 32, FieldKind::kPadded},
-    {"number", 36, 4, FieldKind::kWord},
-    {"settings", 40, 16, FieldKind::kBytes},
+    selector(OLT_FIELD(box::IptvChannelRow, selector)),
+    row_name(padded(OLT_FIELD(box::IptvChannelRow, profile))),
+    row_name(OLT_FIELD(box::IptvChannelRow, number)),
+    OLT_FIELD(box::IptvChannelRow, settings),
 };
-static_assert(fill<olt_iptv_channel_row>(kIptvChannelFields));
+static_assert(fill<box::IptvChannelRow>(kIptvChannelFields) &&
+              sizeof(box::IptvChannelRow) == sizeof(olt_iptv_channel_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_iptv_channel_row> = kIptvChannelFields;
 
 /// The same record: the profile is an argument beside it.
 inline constexpr Field kIptvChannelSettings[] = {
-    {"reserved_00", 0, 36, FieldKind::kBytes},
-    {"number", 36, 4, FieldKind::kWord},
-    {"settings", 40, 16, FieldKind::kBytes},
+    {"reserved_00", 0, offsetof(box::IptvChannelRow, number), FieldKind::kBytes, Role::kReserved},
+    row_name(OLT_FIELD(box::IptvChannelRow, number)),
+    OLT_FIELD(box::IptvChannelRow, settings),
 };
-static_assert(fill<olt_iptv_channel>(kIptvChannelSettings));
+static_assert(fill<box::IptvChannelRow>(kIptvChannelSettings) &&
+              sizeof(box::IptvChannelRow) == sizeof(olt_iptv_channel));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_iptv_channel> = kIptvChannelSettings;
 
 inline constexpr Field kIptvProfileFields[] = {
-    {"selector", 0, 4, FieldKind::kWord},
-    {"profile", 4, 32, FieldKind::kPadded},
-    {"channels", 36, 4, FieldKind::kWord},
+    selector(OLT_FIELD(box::IptvProfileRow, selector)),
+    row_name(padded(OLT_FIELD(box::IptvProfileRow, profile))),
+    OLT_FIELD(box::IptvProfileRow, channels),
 };
-static_assert(fill<olt_iptv_profile_row>(kIptvProfileFields));
+static_assert(fill<box::IptvProfileRow>(kIptvProfileFields) &&
+              sizeof(box::IptvProfileRow) == sizeof(olt_iptv_profile_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_iptv_profile_row> = kIptvProfileFields;
 
 /// Of the two records that share a type.
 inline constexpr Field kOnuInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},
-    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},
-    {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"mac", 16, 6, FieldKind::kMac},
-    {"reserved_16", 22, 2, FieldKind::kBytes},
-    {"state", 24, 4, FieldKind::kWord},
-    {"seconds", 28, 4, FieldKind::kWord},
-    {"uni_ports", 32, 4, FieldKind::kWord},
-    {"voice_lines", 36, 4, FieldKind::kWord},
-    {"wan_connections", 40, 4, FieldKind::kWord},
-    {"reserved_2c", 44, 4, FieldKind::kWord},
-    {"loid", 48, 24, FieldKind::kPadded},
-    {"description", 72, 48, FieldKind::kPadded},
-    {"reserved_78", 120, 28, FieldKind::kBytes},
+    OLT_FIELD(box::OnuInfoRow, slot),
+    OLT_FIELD(box::OnuInfoRow, interface),
+    OLT_FIELD(box::OnuInfoRow, onu),
+    reserved(OLT_FIELD(box::OnuInfoRow, reserved_0c)),
+    OLT_FIELD(box::OnuInfoRow, mac),
+    reserved(OLT_FIELD(box::OnuInfoRow, reserved_16)),
+    OLT_FIELD(box::OnuInfoRow, state),
+    OLT_FIELD(box::OnuInfoRow, seconds),
+    OLT_FIELD(box::OnuInfoRow, uni_ports),
+    OLT_FIELD(box::OnuInfoRow, voice_lines),
+    OLT_FIELD(box::OnuInfoRow, wan_connections),
+    reserved(OLT_FIELD(box::OnuInfoRow, reserved_2c)),
+    padded(OLT_FIELD(box::OnuInfoRow, loid)),
+    padded(OLT_FIELD(box::OnuInfoRow, description)),
+    reserved(OLT_FIELD(box::OnuInfoRow, reserved_78)),
 };
-static_assert(fill<olt_onu_info>(kOnuInfoFields));
+static_assert(fill<box::OnuInfoRow>(kOnuInfoFields));
 
 inline constexpr Field kLinkInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},         {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},          {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"mac", 16, 6, FieldKind::kMac},          {"reserved_16", 22, 2, FieldKind::kBytes},
-    {"state", 24, 4, FieldKind::kWord},       {"seconds", 28, 4, FieldKind::kWord},
-    {"dba", 32, 20, FieldKind::kWords},       {"user_traffic", 52, 48, FieldKind::kWords},
-    {"features", 100, 48, FieldKind::kWords},
+    OLT_FIELD(box::LinkInfoRow, slot),     OLT_FIELD(box::LinkInfoRow, interface),
+    OLT_FIELD(box::LinkInfoRow, onu),      reserved(OLT_FIELD(box::LinkInfoRow, reserved_0c)),
+    OLT_FIELD(box::LinkInfoRow, mac),      reserved(OLT_FIELD(box::LinkInfoRow, reserved_16)),
+    OLT_FIELD(box::LinkInfoRow, state),    OLT_FIELD(box::LinkInfoRow, seconds),
+    OLT_FIELD(box::LinkInfoRow, dba),      OLT_FIELD(box::LinkInfoRow, user_traffic),
+    OLT_FIELD(box::LinkInfoRow, features),
 };
-static_assert(fill<olt_onu_info>(kLinkInfoFields));
+static_assert(fill<box::LinkInfoRow>(kLinkInfoFields));
 
-/// A head of 60 bytes, and what its last word counts.
+/// A head, and what its last word counts.
 inline constexpr Field kGlobalInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},
-    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},
-    {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"mac", 16, 6, FieldKind::kMac},
-    {"reserved_16", 22, 2, FieldKind::kBytes},
-    {"state", 24, 4, FieldKind::kWord},
-    {"reserved_1c", 28, 4, FieldKind::kWord},
-    {"loid", 32, 24, FieldKind::kPadded},
-    {"length", 56, 4, FieldKind::kWord},
-    {"parts", 60, Field::kToTheEnd, FieldKind::kBytes},
+    OLT_FIELD(box::GlobalInfoHead, slot),
+    OLT_FIELD(box::GlobalInfoHead, interface),
+    OLT_FIELD(box::GlobalInfoHead, onu),
+    reserved(OLT_FIELD(box::GlobalInfoHead, reserved_0c)),
+    OLT_FIELD(box::GlobalInfoHead, mac),
+    reserved(OLT_FIELD(box::GlobalInfoHead, reserved_16)),
+    OLT_FIELD(box::GlobalInfoHead, state),
+    reserved(OLT_FIELD(box::GlobalInfoHead, reserved_1c)),
+    padded(OLT_FIELD(box::GlobalInfoHead, loid)),
+    OLT_FIELD(box::GlobalInfoHead, length),
+    {"parts", sizeof(box::GlobalInfoHead), Field::kToTheEnd, FieldKind::kBytes},
 };
 
-/// A head of 88 bytes, and what its last word counts.
+/// A head, and what its last word counts.
 inline constexpr Field kWanInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},
-    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},
-    {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"count", 16, 4, FieldKind::kWord},
-    {"record_size", 20, 4, FieldKind::kWord},
-    {"reserved_18", 24, 60, FieldKind::kBytes},
-    {"length", 84, 4, FieldKind::kWord},
-    {"connections", 88, Field::kToTheEnd, FieldKind::kBytes},
+    OLT_FIELD(box::WanInfoHead, slot),
+    OLT_FIELD(box::WanInfoHead, interface),
+    OLT_FIELD(box::WanInfoHead, onu),
+    reserved(OLT_FIELD(box::WanInfoHead, reserved_0c)),
+    OLT_FIELD(box::WanInfoHead, count),
+    OLT_FIELD(box::WanInfoHead, record_size),
+    reserved(OLT_FIELD(box::WanInfoHead, reserved_18)),
+    OLT_FIELD(box::WanInfoHead, length),
+    {"connections", sizeof(box::WanInfoHead), Field::kToTheEnd, FieldKind::kBytes},
 };
 
 inline constexpr Field kIadInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},
-    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},
-    {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"mac", 16, 6, FieldKind::kMac},
-    {"reserved_16", 22, 2, FieldKind::kBytes},
-    {"state", 24, 4, FieldKind::kWord},
-    {"voice_lines", 28, 4, FieldKind::kWord},
-    {"wan_interface", 32, 32, FieldKind::kPadded},
-    {"lines_on", 64, 4, FieldKind::kWord},
-    {"accounts", 68, 4, FieldKind::kWord},
-    {"registered", 72, 4, FieldKind::kWord},
-    {"reserved_4c", 76, 16, FieldKind::kBytes},
+    OLT_FIELD(box::IadInfoRow, slot),
+    OLT_FIELD(box::IadInfoRow, interface),
+    OLT_FIELD(box::IadInfoRow, onu),
+    reserved(OLT_FIELD(box::IadInfoRow, reserved_0c)),
+    OLT_FIELD(box::IadInfoRow, mac),
+    reserved(OLT_FIELD(box::IadInfoRow, reserved_16)),
+    OLT_FIELD(box::IadInfoRow, state),
+    OLT_FIELD(box::IadInfoRow, voice_lines),
+    padded(OLT_FIELD(box::IadInfoRow, wan_interface)),
+    OLT_FIELD(box::IadInfoRow, lines_on),
+    OLT_FIELD(box::IadInfoRow, accounts),
+    OLT_FIELD(box::IadInfoRow, registered),
+    reserved(OLT_FIELD(box::IadInfoRow, reserved_4c)),
 };
-static_assert(fill<olt_iad_info>(kIadInfoFields));
+static_assert(fill<box::IadInfoRow>(kIadInfoFields) &&
+              sizeof(box::IadInfoRow) == sizeof(olt_iad_info));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_iad_info> = kIadInfoFields;
 
 inline constexpr Field kVoiceLineFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},         {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},          {"line", 12, 4, FieldKind::kWord},
-    {"line_status", 16, 4, FieldKind::kWord}, {"state", 20, 4, FieldKind::kWord},
-    {"account", 24, 4, FieldKind::kWord},     {"reserved_1c", 28, 4, FieldKind::kWord},
+    OLT_FIELD(box::VoiceLineRow, slot),        OLT_FIELD(box::VoiceLineRow, interface),
+    OLT_FIELD(box::VoiceLineRow, onu),         OLT_FIELD(box::VoiceLineRow, line),
+    OLT_FIELD(box::VoiceLineRow, line_status), OLT_FIELD(box::VoiceLineRow, state),
+    OLT_FIELD(box::VoiceLineRow, account),     reserved(OLT_FIELD(box::VoiceLineRow, reserved_1c)),
 };
-static_assert(fill<olt_voip_line_status>(kVoiceLineFields));
+static_assert(fill<box::VoiceLineRow>(kVoiceLineFields) &&
+              sizeof(box::VoiceLineRow) == sizeof(olt_voip_line_status));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_voip_line_status> = kVoiceLineFields;
 
 inline constexpr Field kVoiceBindingFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},
-    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},
-    {"reserved_0c", 12, 4, FieldKind::kWord},
-    {"bound", 16, 4, FieldKind::kWord},
-    {"wan_interface", 20, 32, FieldKind::kPadded},
-    {"reserved_34", 52, 36, FieldKind::kBytes},
+    OLT_FIELD(box::VoiceBindingRow, slot),
+    OLT_FIELD(box::VoiceBindingRow, interface),
+    OLT_FIELD(box::VoiceBindingRow, onu),
+    reserved(OLT_FIELD(box::VoiceBindingRow, reserved_0c)),
+    OLT_FIELD(box::VoiceBindingRow, bound),
+    padded(OLT_FIELD(box::VoiceBindingRow, wan_interface)),
+    reserved(OLT_FIELD(box::VoiceBindingRow, reserved_34)),
 };
-static_assert(fill<olt_voip_binding>(kVoiceBindingFields));
+static_assert(fill<box::VoiceBindingRow>(kVoiceBindingFields) &&
+              sizeof(box::VoiceBindingRow) == sizeof(olt_voip_binding));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_voip_binding> = kVoiceBindingFields;
 
 inline constexpr Field kUniPortInfoFields[] = {
-    {"slot", 0, 4, FieldKind::kWord},    {"interface", 4, 4, FieldKind::kWord},
-    {"onu", 8, 4, FieldKind::kWord},     {"port", 12, 4, FieldKind::kWord},
-    {"info", 16, 44, FieldKind::kWords}, {"loopback", 60, 4, FieldKind::kWord},
-    {"alarm", 64, 4, FieldKind::kWord},
+    OLT_FIELD(box::UniPortInfoRow, slot),  OLT_FIELD(box::UniPortInfoRow, interface),
+    OLT_FIELD(box::UniPortInfoRow, onu),   OLT_FIELD(box::UniPortInfoRow, port),
+    OLT_FIELD(box::UniPortInfoRow, info),  OLT_FIELD(box::UniPortInfoRow, loopback),
+    OLT_FIELD(box::UniPortInfoRow, alarm),
 };
-static_assert(fill<olt_uni_port_info>(kUniPortInfoFields));
+static_assert(fill<box::UniPortInfoRow>(kUniPortInfoFields) &&
+              sizeof(box::UniPortInfoRow) == sizeof(olt_uni_port_info));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_uni_port_info> = kUniPortInfoFields;
 
 /// A target in which a limit comes back.
 inline constexpr Field kGroupLimitFields[] = {
-    {"target", 0, 12, FieldKind::kWords},       {"target_kind", 12, 4, FieldKind::kWord},
-    {"port", 16, 4, FieldKind::kWord},          {"group_limit", 20, 4, FieldKind::kWord},
-    {"reserved_18", 24, 4, FieldKind::kBytes},  {"mac", 28, 6, FieldKind::kMac},
-    {"reserved_22", 34, 2, FieldKind::kBytes},  {"mac_word", 36, 4, FieldKind::kWord},
-    {"reserved_28", 40, 48, FieldKind::kBytes},
+    row_name(OLT_FIELD(box::GroupLimitTarget, target)),
+    row_name(OLT_FIELD(box::GroupLimitTarget, target_kind)),
+    OLT_FIELD(box::GroupLimitTarget, port),
+    OLT_FIELD(box::GroupLimitTarget, group_limit),
+    reserved(OLT_FIELD(box::GroupLimitTarget, reserved_18)),
+    row_name(OLT_FIELD(box::GroupLimitTarget, mac)),
+    reserved(OLT_FIELD(box::GroupLimitTarget, reserved_22)),
+    row_name(OLT_FIELD(box::GroupLimitTarget, mac_word)),
+    reserved(OLT_FIELD(box::GroupLimitTarget, reserved_28)),
 };
-static_assert(fill<olt_ont_target>(kGroupLimitFields));
+static_assert(fill<box::GroupLimitTarget>(kGroupLimitFields));
 
 inline constexpr Field kVlanRowFields[] = {
-    {"selector", 0, 4, FieldKind::kWord},        {"vlan", 4, 4, FieldKind::kWord},
-    {"description", 8, 32, FieldKind::kPadded},  {"tagged_ports", 40, 4, FieldKind::kWord},
-    {"untagged_ports", 44, 4, FieldKind::kWord}, {"members", 48, 4, FieldKind::kWord},
+    selector(OLT_FIELD(box::VlanRow, selector)),  row_name(OLT_FIELD(box::VlanRow, vlan)),
+    padded(OLT_FIELD(box::VlanRow, description)), OLT_FIELD(box::VlanRow, tagged_ports),
+    OLT_FIELD(box::VlanRow, untagged_ports),      OLT_FIELD(box::VlanRow, members),
 };
-static_assert(fill<olt_vlan_id_row>(kVlanRowFields));
+static_assert(fill<box::VlanRow>(kVlanRowFields) &&
+              sizeof(box::VlanRow) == sizeof(olt_vlan_id_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_vlan_id_row> = kVlanRowFields;
 
 inline constexpr Field kBasicPortFields[] = {
-    {"selector", 0, 4, FieldKind::kWord},
-    {"slot", 4, 4, FieldKind::kWord},
-    {"port", 8, 4, FieldKind::kWord},
-    {"port_enable", 12, 4, FieldKind::kWord},
-    {"link_state", 16, 4, FieldKind::kWord},
-    {"link_speed", 20, 4, FieldKind::kWord},
-    {"link_duplex", 24, 4, FieldKind::kWord},
-    {"vlanmode_first", 28, 4, FieldKind::kWord},
-    {"vlanmode_second", 32, 4, FieldKind::kWord},
-    {"flowcontrol", 36, 4, FieldKind::kWord},
-    {"rstp_state", 40, 4, FieldKind::kWord},
-    {"max_link", 44, 4, FieldKind::kWord},
+    selector(OLT_FIELD(box::BasicPortRow, selector)), row_name(OLT_FIELD(box::BasicPortRow, slot)),
+    row_name(OLT_FIELD(box::BasicPortRow, port)),     OLT_FIELD(box::BasicPortRow, port_enable),
+    OLT_FIELD(box::BasicPortRow, link_state),         OLT_FIELD(box::BasicPortRow, link_speed),
+    OLT_FIELD(box::BasicPortRow, link_duplex),        OLT_FIELD(box::BasicPortRow, vlanmode_first),
+    OLT_FIELD(box::BasicPortRow, vlanmode_second),    OLT_FIELD(box::BasicPortRow, flowcontrol),
+    OLT_FIELD(box::BasicPortRow, rstp_state),         OLT_FIELD(box::BasicPortRow, max_link),
 };
-static_assert(fill<olt_basic_port_row>(kBasicPortFields));
+static_assert(fill<box::BasicPortRow>(kBasicPortFields) &&
+              sizeof(box::BasicPortRow) == sizeof(olt_basic_port_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_basic_port_row> = kBasicPortFields;
 
 inline constexpr Field kAuthRowFields[] = {
-    {"selector", 0, 4, FieldKind::kWord},           {"slot", 4, 4, FieldKind::kWord},
-    {"interface", 8, 4, FieldKind::kWord},          {"auth_mode", 12, 4, FieldKind::kWord},
-    {"allowed_macs", 16, 4, FieldKind::kWord},      {"allowed_loids", 20, 4, FieldKind::kWord},
-    {"allowed_mac_loids", 24, 4, FieldKind::kWord}, {"onus", 28, 4, FieldKind::kWord},
-    {"onus_up", 32, 4, FieldKind::kWord},           {"onus_away", 36, 4, FieldKind::kWord},
-    {"onus_blocked", 40, 4, FieldKind::kWord},      {"reserved_2c", 44, 16, FieldKind::kBytes},
+    selector(OLT_FIELD(box::AuthRow, selector)),
+    row_name(OLT_FIELD(box::AuthRow, slot)),
+    row_name(OLT_FIELD(box::AuthRow, interface)),
+    OLT_FIELD(box::AuthRow, auth_mode),
+    OLT_FIELD(box::AuthRow, allowed_macs),
+    OLT_FIELD(box::AuthRow, allowed_loids),
+    OLT_FIELD(box::AuthRow, allowed_mac_loids),
+    OLT_FIELD(box::AuthRow, onus),
+    OLT_FIELD(box::AuthRow, onus_up),
+    OLT_FIELD(box::AuthRow, onus_away),
+    OLT_FIELD(box::AuthRow, onus_blocked),
+    reserved(OLT_FIELD(box::AuthRow, reserved_2c)),
 };
-static_assert(fill<olt_auth_row>(kAuthRowFields));
+static_assert(fill<box::AuthRow>(kAuthRowFields) && sizeof(box::AuthRow) == sizeof(olt_auth_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_auth_row> = kAuthRowFields;
 

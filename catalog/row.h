@@ -1,5 +1,5 @@
-/// How a row of the catalog is written: the function and the names of its arguments. What an
-/// argument is follows from the type of its parameter; marks say the rest.
+/// How a row of the catalog is written: the function and the names of its arguments. The type of a
+/// parameter says what its argument is; marks say the rest.
 #ifndef OLT_CATALOG_ROW_H
 #define OLT_CATALOG_ROW_H
 
@@ -17,7 +17,7 @@
 
 namespace olt::catalog {
 
-/// An argument's name with what its type cannot tell.
+/// An argument's name, and what its type does not say.
 struct Mark {
   constexpr Mark(const char *argument) : name(argument) {}
 
@@ -27,6 +27,7 @@ struct Mark {
   bool is_optional = false;
   std::optional<Direction> direction{};
   std::optional<Kind> kind{};
+  std::optional<FieldKind> form{};
   uint32_t size = 0;
   std::span<const Field> fields{};
 };
@@ -48,7 +49,7 @@ constexpr Mark optional(Mark mark) {
   return mark;
 }
 
-/// A record that the library may write to, but that says nothing new afterwards.
+/// A record that the library may write to, but that holds nothing new afterwards.
 constexpr Mark in(Mark mark) {
   mark.direction = Direction::kIn;
   return mark;
@@ -62,12 +63,12 @@ constexpr Mark in_out(Mark mark) {
 
 /// Room for a text of that many bytes with its zero.
 constexpr Mark text(uint32_t size, Mark mark) {
-  mark.kind = Kind::kText;
+  mark.form = FieldKind::kText;
   mark.size = size;
   return mark;
 }
 
-/// A block whose head of that many bytes ends with a word that counts the bytes behind it.
+/// A block whose head of that many bytes ends with a word that counts the bytes after it.
 constexpr Mark headed(uint32_t size, Mark mark) {
   mark.kind = Kind::kHeadedBlock;
   mark.size = size;
@@ -80,7 +81,7 @@ constexpr Mark whole_reply(Mark mark) {
   return mark;
 }
 
-/// A record whose type has no fields, or others.
+/// A record with fields other than those of its type.
 constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
   mark.fields = fields;
   return mark;
@@ -91,8 +92,8 @@ struct Parameter {
   Kind kind;
   Direction direction;
   uint32_t size = 0;
+  FieldKind form = FieldKind::kBytes;
   std::span<const Field> fields{};
-  Form form = Form::kBytes;
 };
 
 template <typename Type>
@@ -100,23 +101,26 @@ struct ParameterOf;
 
 template <>
 struct ParameterOf<const char *> {
-  static constexpr Parameter kValue{Kind::kText, Direction::kIn};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kIn, 0, FieldKind::kText};
 };
 template <>
 struct ParameterOf<uint32_t> {
-  static constexpr Parameter kValue{Kind::kWord, Direction::kIn, sizeof(uint32_t)};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(uint32_t),
+                                    FieldKind::kWord};
 };
 template <>
 struct ParameterOf<int32_t> {
-  static constexpr Parameter kValue{Kind::kWord, Direction::kIn, sizeof(int32_t)};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(int32_t),
+                                    FieldKind::kWord};
 };
 template <>
 struct ParameterOf<uint32_t *> {
-  static constexpr Parameter kValue{Kind::kWord, Direction::kOut, sizeof(uint32_t)};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kOut, sizeof(uint32_t),
+                                    FieldKind::kWord};
 };
 template <>
 struct ParameterOf<char *> {
-  static constexpr Parameter kValue{Kind::kName, Direction::kOut, 32};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kOut, 32, FieldKind::kListing};
 };
 template <>
 struct ParameterOf<const void *> {
@@ -137,7 +141,7 @@ struct ParameterOf<const uint16_t *> {
 template <>
 struct ParameterOf<const olt_auth_entry *> {
   static constexpr Parameter kValue{Kind::kEntries, Direction::kIn, sizeof(olt_auth_entry),
-                                    kFieldsOf<olt_auth_entry>};
+                                    FieldKind::kBytes, kFieldsOf<olt_auth_entry>};
 };
 template <>
 struct ParameterOf<void **> {
@@ -145,13 +149,13 @@ struct ParameterOf<void **> {
 };
 template <typename Record>
 struct ParameterOf<const Record *> {
-  static constexpr Parameter kValue{Kind::kRecord, Direction::kIn, sizeof(Record),
-                                    kFieldsOf<Record>, kFormOf<Record>};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(Record), kFormOf<Record>,
+                                    kFieldsOf<Record>};
 };
 template <typename Record>
 struct ParameterOf<Record *> {
-  static constexpr Parameter kValue{Kind::kRecord, Direction::kOut, sizeof(Record),
-                                    kFieldsOf<Record>, kFormOf<Record>};
+  static constexpr Parameter kValue{Kind::kValue, Direction::kOut, sizeof(Record), kFormOf<Record>,
+                                    kFieldsOf<Record>};
 };
 
 template <typename Type>
@@ -168,8 +172,8 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .kind = mark.kind.value_or(parameter.kind),
           .direction = mark.direction.value_or(parameter.direction),
           .size = mark.size != 0 ? mark.size : parameter.size,
+          .form = mark.form.value_or(parameter.form),
           .fields = mark.fields.empty() ? parameter.fields : mark.fields,
-          .form = parameter.form,
           .most = mark.most,
           .secret = mark.is_secret,
           .optional = mark.is_optional};
@@ -211,7 +215,7 @@ struct Binding<Function> {
   }
 
   static constexpr bool is_word(const Parameter &parameter, Direction direction) {
-    return parameter.kind == Kind::kWord && parameter.direction == direction;
+    return parameter.form == FieldKind::kWord && parameter.direction == direction;
   }
 
   static int32_t call(void *const *slots) {

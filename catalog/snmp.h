@@ -2,22 +2,21 @@
 #ifndef OLT_CATALOG_SNMP_H
 #define OLT_CATALOG_SNMP_H
 
+#include "box/wire/records.h"
 #include "catalog/catalog.h"
 #include "catalog/row.h"
 #include "oltmgmt.h"
 
 namespace olt::catalog {
 
-inline constexpr uint32_t kGlobalInfoHead = 60;
-inline constexpr uint32_t kWanInfoHead = 88;
-
 inline constexpr Operation kSnmpOnuTables[] = {
     OLT_OPERATION(process_snmp_onubasicinfo, 85, "Reads the basic information of an ONU",
                   {"ont", laid_out(kOnuInfoFields, in_out("info"))}),
     OLT_OPERATION(process_snmp_linkbasicinfo, 86, "Reads the basic information of a link",
                   {"ont", laid_out(kLinkInfoFields, in_out("info"))}),
-    OLT_OPERATION(process_snmp_onuglobalinfo, 87, "Reads the global information of an ONU",
-                  {"ont", laid_out(kGlobalInfoFields, headed(kGlobalInfoHead, "info"))}),
+    OLT_OPERATION(
+        process_snmp_onuglobalinfo, 87, "Reads the global information of an ONU",
+        {"ont", laid_out(kGlobalInfoFields, headed(sizeof(box::GlobalInfoHead), "info"))}),
     OLT_OPERATION(process_snmp_iadinfo, 88, "Reads the information about an IAD", {"ont", "info"}),
     OLT_OPERATION(process_snmp_onusipparaminfo, 89, "Reads the SIP parameters of an ONU",
                   {in_out("ont"), "param"}),
@@ -27,7 +26,7 @@ inline constexpr Operation kSnmpOnuTables[] = {
     OLT_OPERATION(process_voip_linestatus, 92, "Reads the status of a VoIP line",
                   {"ont", "line_status"}),
     OLT_OPERATION(process_snmp_hguwaninfo, 93, "Reads the WAN information of an HGU",
-                  {"ont", laid_out(kWanInfoFields, headed(kWanInfoHead, "info"))}),
+                  {"ont", laid_out(kWanInfoFields, headed(sizeof(box::WanInfoHead), "info"))}),
     OLT_OPERATION(process_snmp_hguvoipbandinginfo, 94, "Reads the VoIP binding of an HGU",
                   {"ont", "binding"}),
     OLT_OPERATION(process_onu_portinfo, 95, "Reads the information about a UNI port",

@@ -3,9 +3,6 @@
 #include <fmt/format.h>
 
 #include "catalog/catalog.h"
-#include "cli/expectations.h"
-#include "cli/manual.h"
-#include "cli/readers.h"
 
 namespace olt::cli {
 
@@ -18,24 +15,10 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-Words operation_names() {
-  Words names;
-  for (const Family &family : catalog::families()) {
-    for (const Operation &operation : family.operations) names.emplace_back(operation.name);
-  }
-  return names;
-}
-
-Words first_words() {
-  Words words = operation_names();
-  for (const Command &command : commands()) words.emplace_back(command.name);
-  return words;
-}
-
 Words argument_names(const Operation &operation) {
   Words names;
   for (const Argument &argument : operation.arguments()) {
-    if (!takes_value(argument)) continue;
+    if (!argument.takes_value()) continue;
     names.push_back(fmt::format("{}=", argument.name));
     for (const Field &field : argument.own_fields())
       names.push_back(fmt::format("{}=", field.name));
@@ -43,42 +26,44 @@ Words argument_names(const Operation &operation) {
   return names;
 }
 
-/// The words of a command after its name.
-Words command_words(std::span<const std::string> before) {
-  const std::string &command = before[0];
-  if (command == "help") return before.size() == 1 ? first_words() : Words{};
-  if (command == "walk") return before.size() == 1 ? reader_names() : Words{};
-  if (command == "completion") return before.size() == 1 ? Words{"bash"} : Words{};
-  if (command != "fault") return {};
-  if (before.size() == 1) return {"add", "list", "clear"};
-  if (before[1] != "add") return {};
-  return {"type=", "module=", "status=", "delay_ms=", "action=", "from=", "count="};
+Words words_after(const Command &command, std::span<const std::string> words) {
+  return command.next_words == nullptr ? Words{} : command.next_words(words);
 }
 
-Words next_words(std::span<const std::string> before) {
-  if (before.empty()) return first_words();
+Words next_words(std::span<const Command> commands, std::span<const std::string> before) {
+  if (before.empty()) return first_words(commands);
   if (const Operation *operation = catalog::find(before[0])) return argument_names(*operation);
-  return command_words(before);
+  for (const Command &command : commands) {
+    if (command.name == before[0]) return words_after(command, before);
+  }
+  return {};
 }
 
 std::string branch(std::string_view pattern, const Words &words) {
   return fmt::format("    {}) words='{}' ;;\n", pattern, fmt::join(words, " "));
 }
 
-/// One line per path of words, so that bash finds the same as candidates() does.
-std::string branches() {
-  std::string text = branch("''", first_words());
+/// A command's branches: after its name, and after each word that others follow.
+std::string branches(const Command &command) {
+  Words words = words_after(command, Words{command.name});
+  if (words.empty()) return "";
+  std::string text = branch(command.name, words);
+  for (const std::string &word : words) {
+    Words more = words_after(command, Words{command.name, word});
+    if (!more.empty()) text += branch(fmt::format("'{} {}'*", command.name, word), more);
+  }
+  return text;
+}
+
+std::string branches(std::span<const Command> commands) {
+  std::string text = branch("''", first_words(commands));
   for (const Family &family : catalog::families()) {
     for (const Operation &operation : family.operations) {
       Words names = argument_names(operation);
       if (!names.empty()) text += branch(fmt::format("{0}|{0}' '*", operation.name), names);
     }
   }
-  text += branch("help", first_words());
-  text += branch("walk", command_words(Words{"walk"}));
-  text += branch("completion", command_words(Words{"completion"}));
-  text += branch("fault", command_words(Words{"fault"}));
-  text += branch("'fault add'*", command_words(Words{"fault", "add"}));
+  for (const Command &command : commands) text += branches(command);
   return text;
 }
 
@@ -116,14 +101,24 @@ complete -F _oltctl oltctl
 
 }  // namespace
 
-Words candidates(std::span<const std::string> before, std::string_view prefix) {
-  Words words = next_words(before);
+Words first_words(std::span<const Command> commands) {
+  Words words;
+  for (const Family &family : catalog::families()) {
+    for (const Operation &operation : family.operations) words.emplace_back(operation.name);
+  }
+  for (const Command &command : commands) words.emplace_back(command.name);
+  return words;
+}
+
+Words candidates(std::span<const Command> commands, std::span<const std::string> before,
+                 std::string_view prefix) {
+  Words words = next_words(commands, before);
   std::erase_if(words, [prefix](const std::string &word) { return !word.starts_with(prefix); });
   return words;
 }
 
-std::string bash_completion() {
-  return kBashHead + branches() + kBashTail;
+std::string bash_completion(std::span<const Command> commands) {
+  return kBashHead + branches(commands) + kBashTail;
 }
 
 }  // namespace olt::cli

@@ -7,14 +7,20 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/command.h"
+
 namespace olt::cli {
+
+/// The names of operations, then those of commands.
+std::vector<std::string> first_words(std::span<const Command> commands);
 
 /// The words that begin with the prefix and may follow the words before; names of arguments end
 /// with '='.
-std::vector<std::string> candidates(std::span<const std::string> before, std::string_view prefix);
+std::vector<std::string> candidates(std::span<const Command> commands,
+                                    std::span<const std::string> before, std::string_view prefix);
 
-/// The completion for bash, made from the catalog.
-std::string bash_completion();
+/// The completion for bash, which offers the same.
+std::string bash_completion(std::span<const Command> commands);
 
 }  // namespace olt::cli
 

@@ -1,13 +1,16 @@
 #include "cli/history_line.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "catalog/catalog.h"
-#include "cli/assignment.h"
-#include "cli/error.h"
-#include "cli/manual.h"
-#include "cli/words.h"
+#include "cli/commands.h"
+#include "cli/input/assignment.h"
+#include "cli/text/error.h"
+#include "cli/text/words.h"
 
 namespace olt::cli {
 
@@ -17,15 +20,45 @@ using catalog::Operation;
 
 namespace {
 
-bool is_command(const std::string &word) {
-  std::span<const Command> all = commands();
-  return std::any_of(all.begin(), all.end(),
-                     [&word](const Command &command) { return command.name == word; });
+bool has_secret(const Argument &argument) {
+  return argument.secret || std::any_of(argument.fields.begin(), argument.fields.end(),
+                                        [](const Field &field) { return field.secret; });
 }
 
-bool may_hide_secret(const Argument &argument) {
-  return std::any_of(argument.fields.begin(), argument.fields.end(),
-                     [](const Field &field) { return field.secret; });
+bool has_secret(const Operation &operation) {
+  return std::any_of(operation.arguments().begin(), operation.arguments().end(),
+                     [](const Argument &argument) { return has_secret(argument); });
+}
+
+/// Whether the word gives a secret by name, as "password=x" and "user.user_password=x" do.
+bool gives_secret(std::string_view word, const Operation &operation) {
+  auto gives = [word](const char *name) {
+    return word.find(fmt::format("{}=", name)) != std::string_view::npos;
+  };
+  for (const Argument &argument : operation.arguments()) {
+    if (argument.secret && gives(argument.name)) return true;
+    for (const Field &field : argument.fields) {
+      if (field.secret && gives(field.name)) return true;
+    }
+  }
+  return false;
+}
+
+/// Whether a word gives a secret, or words follow the name of an operation that takes one.
+bool may_hold_secret(std::span<const std::string> words) {
+  for (const catalog::Family &family : catalog::families()) {
+    for (const Operation &operation : family.operations) {
+      if (!has_secret(operation)) continue;
+      auto named = std::find(words.begin(), words.end(), operation.name);
+      if (named != words.end() && named + 1 != words.end()) return true;
+      if (std::any_of(words.begin(), words.end(), [&operation](const std::string &word) {
+            return gives_secret(word, operation);
+          })) {
+        return true;
+      }
+    }
+  }
+  return false;
 }
 
 std::optional<std::string> operation_line(const Operation &operation,
@@ -37,8 +70,7 @@ std::optional<std::string> operation_line(const Operation &operation,
     if (assignment.is_secret(operation)) {
       word.resize(word.size() - assignment.value.size());
       word += '-';
-    } else if (assignment.field == nullptr &&
-               may_hide_secret(operation.arguments()[assignment.place])) {
+    } else if (assignment.field == nullptr && has_secret(operation.arguments()[assignment.place])) {
       return std::nullopt;
     }
   }
@@ -48,7 +80,10 @@ std::optional<std::string> operation_line(const Operation &operation,
 }  // namespace
 
 std::optional<std::string> history_line(std::span<const std::string> words) {
-  if (is_command(words[0])) return join_words(words);
+  if (find_command(words[0]) != nullptr) {
+    if (may_hold_secret(words)) return std::nullopt;
+    return join_words(words);
+  }
   const Operation *operation = catalog::find(words[0]);
   if (operation == nullptr) return std::nullopt;
   try {

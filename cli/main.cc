@@ -5,32 +5,54 @@
 #include <exception>
 #include <optional>
 
-#include "cli/error.h"
+#include "cli/box/end_signals.h"
+#include "cli/commands.h"
 #include "cli/options.h"
 #include "cli/script.h"
 #include "cli/session.h"
 #include "cli/shell.h"
+#include "cli/text/error.h"
 
 namespace {
 
+using olt::cli::EndSignals;
+using olt::cli::Error;
 using olt::cli::Options;
 using olt::cli::Session;
+
+void report(const Error &error) {
+  static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+}
+
+void keep(Session &session) {
+  try {
+    session.close_for_good();
+  } catch (const Error &error) {
+    report(error);
+  }
+}
+
+bool is_shell(const Options &options) {
+  return !options.script && options.words.size() == 1 && options.words[0] == "shell";
+}
 
 void run(Session &session, const Options &options) {
   if (options.script) {
     run_script(session, *options.script);
-  } else if (options.words.size() == 1 && options.words[0] == "shell") {
+  } else if (is_shell(options)) {
     run_shell(session);
   } else {
-    session.run(options.words);
+    run_line(session, options.words);
   }
 }
 
 void run(const Options &options) {
   Session session(options);
+  std::optional<EndSignals> signals;  // the shell has its own
+  if (!is_shell(options)) signals.emplace([&session] { keep(session); });
   try {
     run(session, options);
-  } catch (const olt::cli::Error &) {
+  } catch (const Error &) {
     session.close();  // what earlier commands set is kept
     throw;
   }
@@ -43,11 +65,12 @@ int main(int argc, char **argv) {
   // A reader that goes away must not end the program before the embedded box is kept.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   try {
-    std::optional<Options> options = olt::cli::parse_options(argc, argv);
+    std::optional<Options> options =
+        olt::cli::parse_options(argc, argv, olt::cli::command_summaries());
     if (options) run(*options);
     return olt::cli::kDone;
-  } catch (const olt::cli::Error &error) {
-    static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+  } catch (const Error &error) {
+    report(error);
     return error.status();
   } catch (const std::exception &error) {
     static_cast<void>(std::fprintf(stderr, "oltctl: %s\n", error.what()));

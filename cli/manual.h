@@ -1,8 +1,7 @@
-/// The texts of oltctl list and oltctl help, and what is said of a name that does not exist.
+/// The texts of oltctl list and oltctl help that are about operations.
 #ifndef OLT_CLI_MANUAL_H
 #define OLT_CLI_MANUAL_H
 
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -10,25 +9,17 @@
 
 namespace olt::cli {
 
-/// A word that may stand in the place of an operation.
-struct Command {
-  const char *name;
-  const char *usage;
-  const char *summary;
-};
-
-std::span<const Command> commands();
-
 /// Name and summary by family: all, or those that have the word in either. Throws Error when there
 /// are none.
 std::string list_text(std::string_view word);
 
-/// What an operation or a command takes and does, with an example; of all commands without a name.
-/// Throws Error.
-std::string help_text(const std::string &name);
+/// Whether list_text() has something about the word.
+bool is_listed(std::string_view word);
 
-/// The operation of that name. Throws Error, which suggests near names.
-const catalog::Operation &operation_named(const std::string &name);
+/// What an operation takes and does, with an example.
+std::string help_of(const catalog::Operation &operation);
+
+std::string lower(std::string_view text);
 
 }  // namespace olt::cli
 

@@ -4,12 +4,14 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <sstream>
+#include <utility>
 
 #include "base/text.h"
-#include "cli/error.h"
+#include "cli/text/error.h"
+#include "cli/text/file.h"
 
 namespace olt::cli {
 
@@ -21,14 +23,7 @@ constexpr const char *kUsage =
     "\n"
     "Calls the management operations of an OLT. Without a running box it brings its own simulated\n"
     "one along, which remembers until the next call what was set.\n"
-    "\n"
-    "  oltctl list [WORD]       the operations, or those about WORD\n"
-    "  oltctl help OPERATION    what an operation takes, with an example\n"
-    "  oltctl shell             operations typed one after the other, with completion\n"
-    "  oltctl walk [READER]     all rows of an SNMP table\n"
-    "  oltctl fault ...         faults on request: oltctl help fault\n"
-    "  oltctl counters          what has happened in the box\n"
-    "  oltctl completion bash   completion for bash: eval \"$(oltctl completion bash)\"\n";
+    "\n";
 
 constexpr const char *kExamples =
     "Examples:\n"
@@ -43,9 +38,14 @@ constexpr const char *kExamples =
 
 class Layout : public CLI::Formatter {
  public:
+  explicit Layout(std::string commands) : commands_(std::move(commands)) {}
+
   std::string make_usage(const CLI::App * /*app*/, std::string /*name*/) const override {
-    return kUsage;
+    return kUsage + commands_;
   }
+
+ private:
+  std::string commands_;
 };
 
 /// Which box: --box, else the environment, else the embedded one.
@@ -70,11 +70,12 @@ std::vector<std::string> words_of(const CLI::App &app) {
 }
 
 void check(const Options &options) {
-  if (!options.run_dir.empty() && (options.fresh || !options.topology.empty())) {
+  const BoxOptions &box = options.box;
+  if (!box.run_dir.empty() && (box.fresh || !box.topology.empty())) {
     wrong_usage(
         "oltctl: --fresh and --topology are for the embedded box, but the box in {} is"
         " used; expected --box embedded beside them",
-        options.run_dir);
+        box.run_dir);
   }
   if (options.script && !options.words.empty()) {
     wrong_usage("oltctl: both -f {} and an operation are given; expected one of them",
@@ -89,13 +90,15 @@ void check(const Options &options) {
 
 }  // namespace
 
-std::optional<Options> parse_options(int argc, const char *const *argv) {
+std::optional<Options> parse_options(int argc, const char *const *argv,
+                                     const std::string &commands) {
   Options options;
   std::string box;
   std::string script;
+  bool json = false;
   CLI::App app;
   app.allow_extras();
-  app.formatter(std::make_shared<Layout>());
+  app.formatter(std::make_shared<Layout>(commands));
   app.footer(kExamples);
   app.set_help_flag("-h,--help", "This text");
   app.set_version_flag("--version", "oltctl " OLTMGMT_VERSION, "The version");
@@ -103,16 +106,17 @@ std::optional<Options> parse_options(int argc, const char *const *argv) {
                  "The box: 'embedded', or the run directory of a running oltbox;\n"
                  "default: the one that OLT_RUN_DIR names, else embedded")
       ->type_name("DIR");
-  app.add_flag("--fresh", options.fresh, "Embedded box: forget what was set before");
-  app.add_option("--topology", options.topology, "Embedded box: ports and ONUs from a JSON file")
+  app.add_flag("--fresh", options.box.fresh, "Embedded box: forget what was set before");
+  app.add_option("--topology", options.box.topology,
+                 "Embedded box: ports and ONUs from a JSON file")
       ->type_name("FILE");
   auto *file = app.add_option("-f,--file", script,
                               "Run a command a line; '-' reads them from standard input")
                    ->type_name("FILE");
-  app.add_flag("--json", options.json, "Results as JSON, one object a line");
+  app.add_flag("--json", json, "Results as JSON, one object a line");
   app.add_flag("--trace", options.trace, "Show each exchange on standard error");
   app.add_flag("--show-secrets", options.show_secrets, "Show passwords in results");
-  app.add_flag("--real-flash", options.real_flash,
+  app.add_flag("--real-flash", options.box.real_flash,
                "Flash operations use this machine's own /dev/mtd0");
   try {
     app.parse(argc, argv);
@@ -120,12 +124,15 @@ std::optional<Options> parse_options(int argc, const char *const *argv) {
     if (error.get_exit_code() != 0) {
       wrong_usage("oltctl: {}; expected what oltctl --help says", error.what());
     }
-    app.exit(error);
+    std::ostringstream text;
+    app.exit(error, text);
+    print(text.str());
     return std::nullopt;
   }
   if (file->count() > 0) options.script = script;
   options.words = words_of(app);
-  options.run_dir = run_dir(box);
+  options.box.run_dir = run_dir(box);
+  if (json) options.format = Format::kJson;
   check(options);
   return options;
 }

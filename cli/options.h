@@ -6,23 +6,25 @@
 #include <string>
 #include <vector>
 
+#include "cli/box/access.h"
+#include "cli/output/format.h"
+
 namespace olt::cli {
 
 struct Options {
-  bool json = false;
+  Format format = Format::kText;
   bool trace = false;
   bool show_secrets = false;
-  bool real_flash = false;  ///< flash operations use this machine's own device
-  std::string run_dir;      ///< of a running box; empty for the embedded one
-  bool fresh = false;
-  std::string topology;               ///< of the embedded box; empty for the default one
+  BoxOptions box;
   std::optional<std::string> script;  ///< "-" for standard input
   std::vector<std::string> words;     ///< the command
 };
 
 /// Reads the command line. Nothing when it asked for help or version, which is then printed.
+/// @param commands lines about each command, for the help
 /// Throws Error.
-std::optional<Options> parse_options(int argc, const char *const *argv);
+std::optional<Options> parse_options(int argc, const char *const *argv,
+                                     const std::string &commands);
 
 }  // namespace olt::cli
 

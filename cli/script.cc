@@ -7,8 +7,9 @@
 #include <istream>
 #include <vector>
 
-#include "cli/error.h"
-#include "cli/words.h"
+#include "cli/commands.h"
+#include "cli/text/error.h"
+#include "cli/text/words.h"
 
 namespace olt::cli {
 
@@ -19,7 +20,7 @@ void run_lines(Session &session, const std::string &name, std::istream &lines) {
   for (size_t number = 1; std::getline(lines, line); ++number) {
     try {
       std::vector<std::string> words = split_words(line);
-      if (!words.empty()) session.run(words);
+      if (!words.empty()) run_line(session, words);
     } catch (const Error &error) {
       throw Error(error.status(), fmt::format("{}:{}: {}", name, number, error.what()));
     }

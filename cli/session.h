@@ -1,13 +1,16 @@
-/// One run of oltctl: carries out commands on one box.
+/// One run of oltctl: carries out commands on one box and prints what they bring.
 #ifndef OLT_CLI_SESSION_H
 #define OLT_CLI_SESSION_H
 
+#include <memory>
 #include <span>
 #include <string>
 
 #include "catalog/operation.h"
-#include "cli/access.h"
+#include "cli/box/access.h"
+#include "cli/box/control_client.h"
 #include "cli/options.h"
+#include "cli/output/format.h"
 
 namespace olt::cli {
 
@@ -15,19 +18,21 @@ class Session {
  public:
   explicit Session(const Options &options);
 
-  /// Carries out one command and prints what it brings. Throws Error.
-  void run(std::span<const std::string> words);
+  // All of these throw Error.
 
-  /// Keeps what the embedded box holds. Throws Error.
+  void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
+  void run_walk(const std::string &reader);
+  void run_control(const ControlRequest &request);
+
+  /// Keeps what the embedded box holds.
   void close() { box_.close(); }
+  /// The same from another thread, when the program is about to end.
+  void close_for_good() { box_.close_for_good(); }
 
  private:
-  void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
-  void run_control(std::span<const std::string> words);
-  void run_walk(const std::string &reader);
-
   const Options &options_;
   Access box_;
+  std::unique_ptr<Formatter> formatter_;
 };
 
 }  // namespace olt::cli

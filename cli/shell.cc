@@ -16,11 +16,12 @@
 #include <string>
 #include <vector>
 
+#include "cli/box/own_state_folder.h"
+#include "cli/commands.h"
 #include "cli/completion.h"
-#include "cli/error.h"
 #include "cli/history_line.h"
-#include "cli/own_state_folder.h"
-#include "cli/words.h"
+#include "cli/text/error.h"
+#include "cli/text/words.h"
 
 namespace olt::cli {
 
@@ -111,7 +112,7 @@ unsigned char complete(EditLine *editor, int /*key*/) {
   if (words.empty()) return CC_REFRESH_BEEP;
   std::string prefix = words.back();
   words.pop_back();
-  std::vector<std::string> found = candidates(words, prefix);
+  std::vector<std::string> found = candidates(commands(), words, prefix);
   if (found.empty()) return CC_REFRESH_BEEP;
   std::string rest = common_beginning(found).substr(prefix.size());
   if (found.size() == 1 && !found.front().ends_with('=')) rest += ' ';
@@ -209,13 +210,13 @@ bool is_end(const std::vector<std::string> &words) {
 }
 
 /// One line of the user's. @return whether to go on.
-bool run_line(Session &session, LineHistory &lines, const std::string &line) {
+bool take_line(Session &session, LineHistory &lines, const std::string &line) {
   try {
     std::vector<std::string> words = split_words(line);
     if (words.empty()) return true;
     if (is_end(words)) return false;
     if (std::optional<std::string> remembered = history_line(words)) lines.add(*remembered);
-    session.run(words);
+    run_line(session, words);
   } catch (const Error &error) {
     fmt::print(stderr, "{}\n", error.what());
   }
@@ -240,7 +241,7 @@ void run_shell(Session &session) {
       fmt::print("\n");
       break;
     }
-    goes_on = run_line(session, lines, *line);
+    goes_on = take_line(session, lines, *line);
   }
   lines.save();
 }

@@ -4,7 +4,7 @@
 
 #include "base/bad_input.h"
 #include "box/watch/faults.h"
-#include "cli/control_client.h"
+#include "cli/output/format.h"
 #include "fuzz/small_box.h"
 #include "fuzz/target.h"
 
@@ -38,7 +38,7 @@ void carry_out(SmallBox &box, std::string_view text) {
     require(faults_of(box) == before, "a refused command changes nothing", reply.dump());
     return;
   }
-  olt::fuzz::require_lines(olt::cli::control_text(reply));
+  olt::fuzz::require_lines(olt::cli::make_text_formatter()->control("control", reply));
   if (!reply.contains("id")) return;
   Json armed = faults_of(box);
   require(armed.size() == before.size() + 1 && armed.back()["id"] == reply["id"],

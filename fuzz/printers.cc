@@ -4,12 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "base/text.h"
 #include "catalog/catalog.h"
-#include "cli/error.h"
-#include "cli/exchange_printer.h"
-#include "cli/exchanges.h"
-#include "cli/listing_reader.h"
-#include "cli/printer.h"
+#include "cli/call/exchange_printer.h"
+#include "cli/call/exchanges.h"
+#include "cli/output/format.h"
+#include "cli/output/listing_reader.h"
+#include "cli/text/error.h"
 #include "fuzz/platform.h"
 #include "fuzz/target.h"
 #include "tests/support/folder.h"
@@ -22,7 +23,7 @@ using olt::catalog::Field;
 using olt::catalog::Kind;
 using olt::catalog::Operation;
 using olt::cli::Call;
-using olt::cli::Shown;
+using olt::cli::Result;
 using olt::fuzz::Input;
 using olt::fuzz::require;
 
@@ -41,13 +42,12 @@ const std::vector<const Operation *> &senders() {
   return instance;
 }
 
-void require_json(const ordered_json &object, const Operation &operation, bool succeeded) {
-  std::string line = olt::cli::json_line(object);
+void require_json(const std::string &line, const Operation &operation, bool succeeded) {
   require(std::count(line.begin(), line.end(), '\n') == 1 && line.back() == '\n',
           "an object is one line", line);
   ordered_json parsed = ordered_json::parse(line, nullptr, false);
   require(!parsed.is_discarded(), "what is printed as JSON can be read", line);
-  require(olt::cli::json_line(parsed) == line, "what is read is printed as it was", line);
+  require(line.find('\x7f') == std::string::npos, "no control characters", line);
   require(parsed["operation"] == operation.name && parsed["failed"] == !succeeded,
           "an object names its operation and says what became of it", line);
   size_t outputs = 0;
@@ -114,10 +114,11 @@ std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t>
 
 void make(const Operation &operation) {
   Call call(operation);
-  Shown shown{call, call.make(), {}, false};
-  bool succeeded = operation.succeeded(shown.result);
-  if (succeeded) require_text(olt::cli::as_text(shown), operation);
-  require_json(olt::cli::as_json(shown), operation, succeeded);
+  Result result = olt::cli::result_of(call, call.make(), false);
+  std::string text = olt::cli::make_text_formatter()->result(result);
+  require(!result.failed() || text.empty(), "a failure has no results", text);
+  if (!result.failed()) require_text(text, operation);
+  require_json(olt::cli::make_json_formatter()->result(result), operation, !result.failed());
   for (const olt::fuzz::Request &request : olt::fuzz::take_requests()) {
     require_masked_trace(request.type);
   }
@@ -141,7 +142,7 @@ void read_listing(std::span<const uint8_t> field) {
   static const olt::test::Folder folder;
   static const std::string text = folder.write("listing", "a line\n");
   try {
-    std::string name = olt::cli::listing_name(field);
+    std::string name = olt::text_in(field);
     std::string found = olt::cli::read_listing(folder.path(), name);
     require(name == "listing" && found == "a line\n", "only listings are read", name);
   } catch (const olt::cli::Error &error) {

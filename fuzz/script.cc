@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "catalog/catalog.h"
-#include "cli/assignment.h"
+#include "cli/box/control_client.h"
+#include "cli/commands.h"
 #include "cli/completion.h"
-#include "cli/control_client.h"
-#include "cli/error.h"
 #include "cli/history_line.h"
+#include "cli/input/assignment.h"
 #include "cli/manual.h"
-#include "cli/words.h"
+#include "cli/text/error.h"
+#include "cli/text/words.h"
 #include "fuzz/target.h"
 
 namespace {
@@ -61,15 +62,18 @@ void carry_out(const Words &words) {
   attempt([&] { static_cast<void>(olt::cli::operation_named(words[0])); });
   attempt([&] { olt::fuzz::require_lines(olt::cli::help_text(words[0])); });
   attempt([&] { olt::fuzz::require_lines(olt::cli::list_text(words[0])); });
-  if (words[0] == "fault" || words[0] == "counters") {
-    attempt([&] { require(olt::cli::control_request(words).contains("command"), "a command"); });
+  if (words[0] == "fault") {
+    attempt([&] {
+      std::span<const std::string> fault = std::span(words).subspan(1);
+      require(olt::cli::fault_add_request(fault).contains("fault"), "a fault");
+    });
   }
 }
 
 void complete(Words words) {
   std::string prefix = words.back();
   words.pop_back();
-  for (const std::string &word : olt::cli::candidates(words, prefix)) {
+  for (const std::string &word : olt::cli::candidates(olt::cli::commands(), words, prefix)) {
     require(word.starts_with(prefix), "a completion begins with what is there", word);
   }
 }

@@ -47,9 +47,10 @@ TEST(BytesText, DumpsSixteenBytesALine) {
   EXPECT_EQ(hex_dump({}), "");
 }
 
-TEST(BytesText, DumpHidesARange) {
+TEST(BytesText, DumpHidesRanges) {
+  constexpr olt::Hidden kHidden[] = {{2, 2}, {4, 1}};
   Bytes bytes = {'a', 'b', 's', 'e', 'c', 'd', 0x00, 0x7F};
-  EXPECT_EQ(hex_dump(bytes, {2, 3}),
+  EXPECT_EQ(hex_dump(bytes, kHidden),
             "  0000  61 62 ** ** ** 64 00 7f                          ab***d..\n");
 }
 
@@ -57,7 +58,19 @@ TEST(BytesText, ControlCharactersAreSpelledOut) {
   EXPECT_EQ(printable("a\x1b[2J\n\x7f é"), "a\\x1b[2J\\x0a\\x7f é");
   EXPECT_EQ(printable("\xC2\x9B"
                       "2J\xC2\x80\xC2\x9F\xC2\xA0\xC2"),
-            "\\xc2\\x9b2J\\xc2\\x80\\xc2\\x9f\xC2\xA0\xC2");
+            "\\xc2\\x9b2J\\xc2\\x80\\xc2\\x9f\xC2\xA0\\xc2");
+}
+
+TEST(BytesText, BytesThatAreNotUtf8AreSpelledOut) {
+  EXPECT_EQ(printable("\xff\xfe \x80"), "\\xff\\xfe \\x80");
+  EXPECT_EQ(printable("\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"),
+            "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
+  // Cut off, overlong, a surrogate, beyond the last character.
+  EXPECT_EQ(printable("\xE2\x82"), "\\xe2\\x82");
+  EXPECT_EQ(printable("\xE2\x82x"), "\\xe2\\x82x");
+  EXPECT_EQ(printable("\xC1\xBF"), "\\xc1\\xbf");
+  EXPECT_EQ(printable("\xED\xA0\x80"), "\\xed\\xa0\\x80");
+  EXPECT_EQ(printable("\xF4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
 }
 
 }  // namespace

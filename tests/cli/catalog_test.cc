@@ -21,10 +21,9 @@ using olt::catalog::Family;
 using olt::catalog::Field;
 using olt::catalog::FieldKind;
 using olt::catalog::find;
-using olt::catalog::find_sender;
-using olt::catalog::Form;
 using olt::catalog::Kind;
 using olt::catalog::Operation;
+using olt::catalog::Role;
 using olt::catalog::wire_secrets;
 using Names = std::multiset<std::string>;
 
@@ -54,13 +53,10 @@ TEST(Catalog, HasARowForEachExportedFunctionAndNoOther) {
   EXPECT_EQ(rows, exported);
 }
 
-TEST(Catalog, FindsByNameAndByMessageType) {
+TEST(Catalog, FindsByName) {
   ASSERT_NE(find("Cl_Set_SntpCfg_apply"), nullptr);
   EXPECT_EQ(find("Cl_Set_SntpCfg_apply")->address.message_type, 52);
   EXPECT_EQ(find("cl_set_sntpcfg_apply"), nullptr);
-  ASSERT_NE(find_sender(81), nullptr);
-  EXPECT_STREQ(find_sender(81)->name, "get_system_loginfofile");
-  EXPECT_EQ(find_sender(1), nullptr);
 }
 
 TEST(Catalog, KnowsWhereOperationsSend) {
@@ -99,17 +95,24 @@ TEST(Catalog, EverySecretIsHiddenOnTheWire) {
 }
 
 TEST(Catalog, PasswordsLieWhereUsersAndEntriesHaveThem) {
-  std::set<uint32_t> users;
-  std::set<uint32_t> entries;
+  std::multiset<uint32_t> users;
+  std::multiset<uint32_t> entries;
+  std::multiset<uint32_t> entries_after_a_head;
   for (const auto &secret : wire_secrets()) {
-    bool of_user = secret.stride == 0;
-    (of_user ? users : entries).insert(secret.message_type);
-    EXPECT_EQ(secret.offset, of_user ? 40 : 112);
-    EXPECT_EQ(secret.length, of_user ? 32 : 12);
-    EXPECT_EQ(secret.stride, of_user ? 0 : 44);
+    if (secret.stride == 0) {
+      users.insert(secret.message_type);
+      EXPECT_EQ(secret.offset, 40);
+      EXPECT_EQ(secret.length, 32);
+    } else {
+      (secret.offset == 32 ? entries : entries_after_a_head).insert(secret.message_type);
+      EXPECT_TRUE(secret.offset == 32 || secret.offset == 112) << secret.offset;
+      EXPECT_EQ(secret.length, 12);
+      EXPECT_EQ(secret.stride, 44);
+    }
   }
-  EXPECT_EQ(users, (std::set<uint32_t>{10, 62, 63}));
-  EXPECT_EQ(entries, (std::set<uint32_t>{41, 108, 109, 110, 111, 112, 113}));
+  EXPECT_EQ(users, (std::multiset<uint32_t>{10, 62, 63}));
+  EXPECT_EQ(entries, (std::multiset<uint32_t>{41, 108, 109, 110, 111, 112, 113}));
+  EXPECT_EQ(entries_after_a_head, entries);
 }
 
 TEST(Catalog, KnowsWhatSendsNothing) {
@@ -119,7 +122,6 @@ TEST(Catalog, KnowsWhatSendsNothing) {
   });
   EXPECT_EQ(silent, 6U);
   EXPECT_FALSE(find("read_olt_serial")->address.sends());
-  EXPECT_EQ(find_sender(0), nullptr);
 }
 
 TEST(Catalog, KnowsWhichResultsAreSuccess) {
@@ -137,12 +139,13 @@ TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
   auto arguments = find("get_user_level")->arguments();
   ASSERT_EQ(arguments.size(), 4U);
   EXPECT_STREQ(arguments[0].name, "name");
-  EXPECT_EQ(arguments[0].kind, Kind::kText);
+  EXPECT_EQ(arguments[0].kind, Kind::kValue);
+  EXPECT_EQ(arguments[0].form, FieldKind::kText);
   EXPECT_EQ(arguments[0].direction, Direction::kIn);
   EXPECT_EQ(arguments[0].most, 31U);
   EXPECT_FALSE(arguments[0].secret);
   EXPECT_TRUE(arguments[1].secret);
-  EXPECT_EQ(arguments[2].kind, Kind::kWord);
+  EXPECT_EQ(arguments[2].form, FieldKind::kWord);
   EXPECT_EQ(arguments[2].direction, Direction::kOut);
 
   EXPECT_EQ(find("add_user_level")->arguments()[2].direction, Direction::kIn);
@@ -152,7 +155,7 @@ TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
   EXPECT_EQ(find("set_snmp_systeminfo")->arguments()[0].direction, Direction::kIn);
   EXPECT_EQ(find("get_system_network")->arguments()[0].direction, Direction::kInOut);
   EXPECT_EQ(find("modify_user_level")->arguments()[0].direction, Direction::kIn);
-  EXPECT_EQ(find("show_memory_info")->arguments()[1].kind, Kind::kName);
+  EXPECT_EQ(find("show_memory_info")->arguments()[1].form, FieldKind::kListing);
   EXPECT_EQ(find("show_memory_info")->arguments()[1].size, 32U);
   EXPECT_TRUE(find("do_reboot_system")->arguments().empty());
 }
@@ -184,16 +187,16 @@ TEST(CatalogRow, KnowsHowLongBlocksAndBuffersAre) {
   EXPECT_EQ(find("process_snmp_onuglobalinfo")->arguments()[1].size, 60U);
   EXPECT_EQ(find("get_igmpproxy_config_all")->arguments()[0].kind, Kind::kReplyBlock);
   EXPECT_EQ(find("read_from_flash")->arguments()[1].kind, Kind::kBuffer);
-  EXPECT_EQ(find("read_olt_serial")->arguments()[0].kind, Kind::kText);
+  EXPECT_EQ(find("read_olt_serial")->arguments()[0].form, FieldKind::kText);
   EXPECT_EQ(find("read_olt_serial")->arguments()[0].size, 10U);
 }
 
-TEST(CatalogRow, KnowsTheShortFormOfARecord) {
-  EXPECT_EQ(find("clear_onu_node")->arguments()[0].form, Form::kOnt);
-  EXPECT_EQ(find("add_ont_description")->arguments()[0].form, Form::kOnt);
-  EXPECT_EQ(find("get_olt_mac")->arguments()[0].form, Form::kMac);
-  EXPECT_EQ(find("set_ont_port_downrate")->arguments()[1].form, Form::kWords);
-  EXPECT_EQ(find("set_ont_fax")->arguments()[1].form, Form::kBytes);
+TEST(CatalogRow, KnowsTheFormOfARecordAsAWhole) {
+  EXPECT_EQ(find("clear_onu_node")->arguments()[0].form, FieldKind::kOnt);
+  EXPECT_EQ(find("add_ont_description")->arguments()[0].form, FieldKind::kOnt);
+  EXPECT_EQ(find("get_olt_mac")->arguments()[0].form, FieldKind::kMac);
+  EXPECT_EQ(find("set_ont_port_downrate")->arguments()[1].form, FieldKind::kWords);
+  EXPECT_EQ(find("set_ont_fax")->arguments()[1].form, FieldKind::kBytes);
 }
 
 TEST(CatalogRow, KnowsTheFieldsOfARecord) {
@@ -219,6 +222,64 @@ TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   EXPECT_EQ(ont[0].width, 12);
   EXPECT_EQ(ont[3].kind, FieldKind::kMac);
   EXPECT_EQ(ont[3].offset, 28);
+}
+
+TEST(CatalogRow, KnowsWhatFieldsAreFor) {
+  auto ont = find("clear_onu_node")->arguments()[0].fields;
+  EXPECT_EQ(ont[0].role, Role::kRowName);
+  EXPECT_EQ(ont[2].role, Role::kReserved);
+  EXPECT_EQ(ont[3].role, Role::kRowName);
+  auto row = find("process_snmp_vlan_id")->arguments()[0].fields;
+  EXPECT_EQ(row[0].role, Role::kSelector);
+  EXPECT_EQ(row[1].role, Role::kRowName);
+  EXPECT_EQ(row[2].role, Role::kPlain);
+}
+
+TEST(CatalogRow, EveryReservedFieldHasThatRole) {
+  size_t reserved = 0;
+  each_operation([&reserved](const Operation &operation) {
+    for (const Argument &argument : operation.arguments()) {
+      for (const Field &field : argument.fields) {
+        bool is_reserved = std::string(field.name).starts_with("reserved_");
+        EXPECT_EQ(field.role == Role::kReserved, is_reserved) << operation.name << field.name;
+        reserved += is_reserved ? 1 : 0;
+      }
+    }
+  });
+  EXPECT_GT(reserved, 100U);
+}
+
+TEST(CatalogRow, KnowsTheBoxsRecordsByteForByte) {
+  struct {
+    const char *operation;
+    size_t argument;
+    const char *field;
+    uint32_t offset, width;
+    FieldKind kind;
+  } const places[] = {
+      {"add_authallowed_mac", 2, "loid", 8, 24, FieldKind::kPadded},
+      {"add_authallowed_mac", 2, "password", 32, 12, FieldKind::kPadded},
+      {"deal_wan_connection", 1, "settings", 8, 117, FieldKind::kBytes},
+      {"process_snmp_onubasicinfo", 1, "mac", 16, 6, FieldKind::kMac},
+      {"process_snmp_onubasicinfo", 1, "description", 72, 48, FieldKind::kPadded},
+      {"process_snmp_linkbasicinfo", 1, "features", 100, 48, FieldKind::kWords},
+      {"process_snmp_onuglobalinfo", 1, "length", 56, 4, FieldKind::kWord},
+      {"process_snmp_onuglobalinfo", 1, "parts", 60, 0, FieldKind::kBytes},
+      {"process_snmp_hguwaninfo", 1, "connections", 88, 0, FieldKind::kBytes},
+      {"process_snmp_iadinfo", 1, "registered", 72, 4, FieldKind::kWord},
+      {"process_onu_portmuticastmaxgroup", 0, "group_limit", 20, 4, FieldKind::kWord},
+      {"process_snmp_oltauth", 0, "onus_blocked", 40, 4, FieldKind::kWord},
+  };
+  for (const auto &place : places) {
+    auto fields = find(place.operation)->arguments()[place.argument].fields;
+    const auto *field = std::find_if(fields.data(), fields.data() + fields.size(), [&](auto &one) {
+      return one.name == std::string(place.field);
+    });
+    ASSERT_NE(field, fields.data() + fields.size()) << place.field;
+    EXPECT_EQ(field->offset, place.offset) << place.field;
+    EXPECT_EQ(field->width, place.width) << place.field;
+    EXPECT_EQ(field->kind, place.kind) << place.field;
+  }
 }
 
 }  // namespace

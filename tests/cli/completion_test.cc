@@ -5,20 +5,25 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "cli/commands.h"
 #include "tests/cli/program.h"
 #include "tests/cli/terminal.h"
 
 namespace {
 
-using olt::cli::candidates;
 using olt::tests::Folder;
 using olt::tests::private_environment;
 using olt::tests::read_file;
 using olt::tests::run;
 using olt::tests::Terminal;
 using Words = std::vector<std::string>;
+
+Words candidates(const Words &before, std::string_view prefix) {
+  return olt::cli::candidates(olt::cli::commands(), before, prefix);
+}
 
 TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "get_olt"),
@@ -74,7 +79,8 @@ class BashCompletion : public testing::Test {
 };
 
 TEST_F(BashCompletion, IsValidBash) {
-  EXPECT_EQ(run({"bash", "-n", "-c", olt::cli::bash_completion()}, {}).status, 0);
+  EXPECT_EQ(run({"bash", "-n", "-c", olt::cli::bash_completion(olt::cli::commands())}, {}).status,
+            0);
 }
 
 TEST_F(BashCompletion, CompletesOperationsAndArguments) {
@@ -117,7 +123,7 @@ std::set<std::string> options_in(const std::string &text) {
 }
 
 TEST(Completion, OffersTheOptionsThatThereAre) {
-  std::string offered = olt::cli::bash_completion();
+  std::string offered = olt::cli::bash_completion(olt::cli::commands());
   offered.erase(0, offered.find("words='--") + 7);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);

@@ -4,7 +4,8 @@
 
 #include <string>
 
-#include "cli/error.h"
+#include "cli/commands.h"
+#include "cli/text/error.h"
 
 namespace {
 
@@ -122,9 +123,10 @@ TEST(Manual, ShowsTheShortFormsOfArguments) {
             "Example:\n"
             "  oltctl add_ont_port_muticastvlan ont=1/2/3 vlans=10,20-25\n");
   std::string entries = help_text("add_authallowed_loid");
-  EXPECT_NE(entries.find("  entries         entries as mac=02:00:00:00:00:01 loid=TEXT "
-                         "password=TEXT (loid of at most 24 bytes, password of at most 12 bytes) "
-                         "or 44 bytes as HEX, separated by ';', or @FILE with one a line\n"),
+  EXPECT_NE(entries.find("  entries         entries as FIELD=VALUE with the fields mac (an address "
+                         "as 02:00:00:00:00:01), loid (text of at most 24 bytes), password (text "
+                         "of at most 12 bytes), or 44 bytes as HEX, separated by ';', or @FILE "
+                         "with one a line\n"),
             std::string::npos)
       << entries;
   EXPECT_NE(entries.find(" entries='mac=02:00:00:00:00:01;loid=site-17 password=-'\n"),
@@ -209,7 +211,7 @@ TEST(Manual, ExamplesNameAWholePortAndNeedNoFile) {
   EXPECT_EQ(example("deal_wan_connection"),
             "  oltctl deal_wan_connection ont=1/2/3 operation=1 number=1\n");
   EXPECT_EQ(example("add_iptv_channel"), "  oltctl add_iptv_channel profile=operator number=1\n");
-  EXPECT_EQ(example("process_snmp_vlan_id"), "  oltctl process_snmp_vlan_id selector=1\n");
+  EXPECT_EQ(example("process_snmp_vlan_id"), "  oltctl process_snmp_vlan_id selector=1 vlan=1\n");
   EXPECT_EQ(example("get_rstp_brief"), "  oltctl get_rstp_brief keys=1,1\n");
   EXPECT_EQ(example("get_rstp_port_config"), "  oltctl get_rstp_port_config port=0:01,4:01\n");
   EXPECT_EQ(example("get_vlan_information_file_bydescprtion"),
@@ -218,9 +220,35 @@ TEST(Manual, ExamplesNameAWholePortAndNeedNoFile) {
 
 TEST(Manual, SaysWhatACommandTakes) {
   EXPECT_EQ(help_text("counters"), "counters\n  Shows what has happened in the box\n");
+  EXPECT_EQ(
+      help_text("fault"),
+      "fault add NAME=VALUE...\n"
+      "fault list\n"
+      "fault clear [ID]\n"
+      "  Has the box refuse a request, answer late or not at all\n"
+      "  'fault clear' alone ends all. 'fault add' takes:\n"
+      "    type=TYPE|OPERATION         the message type of the requests; must be given\n"
+      "    module=N                    their module; any when left out\n"
+      "    status=N                    the status to answer with\n"
+      "    delay_ms=N                  milliseconds to wait before the answer\n"
+      "    action=status|silence|drop  silence never answers, drop closes the connection\n"
+      "    from=N                      the first such request that it affects; 1 when left out\n"
+      "    count=N                     how many it affects; 0, as when left out: all that follow\n"
+      "  Example: fault add type=get_olt_mac status=5 count=1\n");
   std::string all = help_text("");
-  EXPECT_NE(all.find("fault add type=TYPE|OPERATION"), std::string::npos);
+  EXPECT_NE(all.find("fault add NAME=VALUE...\nfault list\n"), std::string::npos);
   EXPECT_NE(all.find("list [WORD]\n"), std::string::npos);
+}
+
+TEST(Manual, SummarizesTheCommandsForTheOptionHelp) {
+  std::string summaries = olt::cli::command_summaries();
+  EXPECT_NE(summaries.find("  oltctl list [WORD]              Lists the operations, or those about "
+                           "WORD\n"),
+            std::string::npos)
+      << summaries;
+  EXPECT_NE(summaries.find("\n  oltctl fault add NAME=VALUE...  Has the box refuse"),
+            std::string::npos)
+      << summaries;
 }
 
 }  // namespace

@@ -91,4 +91,30 @@ TEST(Script, ExcludesAnOperation) {
   EXPECT_EQ(wrong.errors, "oltctl: both -f x and an operation are given; expected one of them\n");
 }
 
+/// Runs a script that sets something and then waits for a line, and sends it the signal there.
+Finished signalled(const Oltctl &oltctl, const std::string &signal,
+                   const std::string &before = "") {
+  std::string fifo = oltctl.folder() / "lines";
+  std::string command = before + "rm -f " + fifo + "; mkfifo " + fifo + "; " OLTCTL " -f " + fifo +
+                        " & exec 3>" + fifo +
+                        "; printf 'add_user_level kept pw 3 4\\nget_user_level kept pw\\n' >&3; "
+                        "sleep 2; kill -s " +
+                        signal + " $!; wait $!";
+  return olt::tests::run({"bash", "-c", command}, olt::tests::private_environment(oltctl.folder()));
+}
+
+TEST(Script, ASignalKeepsWhatWasSetAndEndsIt) {
+  struct {
+    const char *signal;
+    int status;
+  } const signals[] = {{"TERM", 143}, {"HUP", 129}};
+  for (const auto &one : signals) {
+    Oltctl oltctl;
+    Finished ended = signalled(oltctl, one.signal);
+    EXPECT_EQ(ended.status, one.status) << ended.errors;
+    EXPECT_EQ(ended.output, "level_a = 3\nlevel_b = 4\n");
+    EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).output, "level_a = 3\nlevel_b = 4\n");
+  }
+}
+
 }  // namespace

@@ -76,7 +76,7 @@ TEST_F(Shell, CompletesFromTheCatalog) {
   at_prompt(shell, "get_olt_m\t");
   EXPECT_TRUE(shell.shows("get_olt_mac "));
   shell.type("\r");
-  EXPECT_TRUE(shell.shows("mac = 02 00 00 00 00 01"));
+  EXPECT_TRUE(shell.shows("mac = 02:00:00:00:00:01"));
   at_prompt(shell, "get_olt_\t");
   EXPECT_TRUE(shell.shows("get_olt_mac\r\nget_olt_support_oam\r\n"));
   shell.type("s\t\r");

@@ -1,0 +1,60 @@
+/// The box that operations reach: a running one, or the embedded one.
+#ifndef OLT_CLI_BOX_ACCESS_H
+#define OLT_CLI_BOX_ACCESS_H
+
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "cli/box/embedded_server.h"
+
+namespace olt::cli {
+
+/// Which box, and how the embedded one starts.
+struct BoxOptions {
+  std::string run_dir;      ///< of a running box; empty for the embedded one
+  bool fresh = false;       ///< embedded: forget what was set before
+  std::string topology;     ///< embedded: a file; empty for the default topology
+  bool real_flash = false;  ///< flash operations use this machine's own device
+};
+
+class Access {
+ public:
+  explicit Access(BoxOptions options) : options_(std::move(options)) {}
+
+  /// Must come before an exchange; the first call starts the embedded box. Throws Error.
+  void open();
+
+  /// Must come before an operation on the flash: replaces this machine's own device by the embedded
+  /// box's simulated one, unless the own one was asked for. Throws Error.
+  void open_flash(const char *operation);
+
+  /// What to do about a box that is not there, for the end of an error line; else nothing.
+  std::string advice(int32_t result) const;
+
+  /// Ends the embedded box and keeps its state. Throws Error.
+  void close();
+
+  /// The same from another thread, when the program is about to end: open() and close() do not
+  /// return any more. Throws Error.
+  void close_for_good();
+
+  /// Where the box that has been opened writes listings.
+  std::filesystem::path listing_dir() const;
+
+ private:
+  void forget_flash() const;
+  void close_embedded();
+
+  BoxOptions options_;
+  std::mutex mutex_;  ///< held while the embedded box starts or ends
+  std::optional<EmbeddedServer> embedded_;
+  std::filesystem::path flash_image_;
+};
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,92 @@
+#include "cli/box/control_client.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
+#include <vector>
+
+#include "base/bad_input.h"
+#include "base/text.h"
+#include "box/box.h"
+#include "catalog/catalog.h"
+#include "cli/call/result_text.h"
+#include "cli/text/error.h"
+#include "platform/olthost.h"
+
+namespace olt::cli {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+constexpr uint32_t kControlType = 1;
+constexpr uint32_t kControlTimeout = 10;
+
+/// The word as the box takes it: "type=" with an operation's name gets its message type.
+std::string without_operation(const std::string &word) {
+  constexpr std::string_view kType = "type=";
+  if (!word.starts_with(kType)) return word;
+  std::string value = word.substr(kType.size());
+  if (const catalog::Operation *operation = catalog::find(value)) {
+    if (!operation->address.sends()) {
+      wrong_usage("fault add: type: {} sends nothing; expected an operation that does", value);
+    }
+    return fmt::format("{}{}", kType, operation->address.message_type);
+  }
+  if (value.empty() || value[0] < '0' || value[0] > '9') {
+    wrong_usage("fault add: type: '{}' given; expected a message type or an operation's name",
+                printable(value));
+  }
+  return word;
+}
+
+}  // namespace
+
+ControlRequest fault_add_request(std::span<const std::string> words) {
+  std::vector<std::string> fault;
+  for (const std::string &word : words) fault.push_back(without_operation(word));
+  try {
+    return ordered_json::parse(box::fault_add_command(fmt::format("{}", fmt::join(fault, " "))));
+  } catch (const BadInput &error) {
+    wrong_usage("fault add: {}", error.what());
+  }
+}
+
+ControlRequest fault_list_request() {
+  return {{"command", "fault_list"}};
+}
+
+ControlRequest fault_clear_request(std::optional<uint32_t> id) {
+  ControlRequest request = {{"command", "fault_clear"}};
+  if (id) request["id"] = *id;
+  return request;
+}
+
+ControlRequest counters_request() {
+  return {{"command", "counters"}};
+}
+
+ordered_json ask_box(const ControlRequest &request) {
+  std::string text = request.dump();
+  std::string command = request["command"];
+  void *data = nullptr;
+  uint16_t length = 0;
+  uint32_t handle = 0;
+  uint16_t status = 0;
+  int32_t result = platmsg_syn_result(kControlType, box::kControlModule, text.data(),
+                                      static_cast<uint32_t>(text.size()), &data, &length, &handle,
+                                      &status, 0, kControlTimeout);
+  if (result != 0 || status != 0) fail("{} failed: {}", command, describe_result(result | status));
+  const auto *reply_text = static_cast<const char *>(data);
+  ordered_json reply = ordered_json::parse(reply_text, reply_text + length, nullptr, false);
+  IPC_Free(handle);
+  if (!reply.is_object() || !reply.contains("ok")) {
+    fail("{} failed: the box's answer is not understood; expected a box of the same version",
+         command);
+  }
+  if (reply["ok"] != true) fail("{} failed: {}", command, printable(reply.value("error", "")));
+  reply.erase("ok");
+  return reply;
+}
+
+}  // namespace olt::cli

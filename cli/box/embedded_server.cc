@@ -1,0 +1,74 @@
+#include "cli/box/embedded_server.h"
+
+#include <stdexcept>
+
+#include "cli/text/error.h"
+
+namespace olt::cli {
+
+namespace {
+
+template <typename Step>
+auto starting(Step step) {
+  try {
+    return step();
+  } catch (const std::runtime_error &error) {
+    fail("oltctl: the embedded box does not start: {}", error.what());
+  }
+}
+
+olt_server *make_server() {
+  char error[256];
+  olt_server_options options{};
+  olt_server *server = olt_server_create(&options, error);
+  if (server == nullptr) fail("oltctl: the embedded box does not start: {}", error);
+  return server;
+}
+
+int connect_to(void *server, uint32_t module) {
+  return olt_server_connect(static_cast<olt_server *>(server), module);
+}
+
+}  // namespace
+
+EmbeddedServer::EmbeddedServer(const std::filesystem::path &folder, const std::string &topology,
+                               bool fresh)
+    : listing_dir_(folder / "listings"),
+      box_(starting([&] {
+        return std::make_unique<box::Box>(box::Options{.state_dir = folder,
+                                                       .listing_dir = listing_dir_,
+                                                       .topology_file = topology,
+                                                       .keep_running_state = true,
+                                                       .fresh = fresh,
+                                                       .trace = {}});
+      })),
+      server_(make_server(), &olt_server_destroy) {
+  starting([this] { box_->serve(server_.get()); });
+  thread_ = std::thread([server = server_.get()] {
+    char error[256];
+    if (olt_server_run(server, error) != 0) fmt::print(stderr, "oltctl: {}\n", error);
+  });
+  olt_connect_through(connect_to, server_.get());
+}
+
+EmbeddedServer::~EmbeddedServer() {
+  stop();
+  olt_connect_through(nullptr, nullptr);
+}
+
+void EmbeddedServer::close() {
+  stop();
+  try {
+    box_->keep();
+  } catch (const std::runtime_error &error) {
+    fail("oltctl: the embedded box cannot keep its state: {}", error.what());
+  }
+}
+
+void EmbeddedServer::stop() {
+  if (!thread_.joinable()) return;
+  olt_server_stop(server_.get());
+  thread_.join();
+}
+
+}  // namespace olt::cli

@@ -1,0 +1,39 @@
+/// A simulated box inside this process, reached by the platform like any other.
+#ifndef OLT_CLI_BOX_EMBEDDED_SERVER_H
+#define OLT_CLI_BOX_EMBEDDED_SERVER_H
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "box/box.h"
+#include "platform/olthost.h"
+
+namespace olt::cli {
+
+class EmbeddedServer {
+ public:
+  /// Starts it in the state that the previous one left. Throws Error.
+  EmbeddedServer(const std::filesystem::path &folder, const std::string &topology, bool fresh);
+  EmbeddedServer(const EmbeddedServer &) = delete;
+  EmbeddedServer &operator=(const EmbeddedServer &) = delete;
+  ~EmbeddedServer();
+
+  const std::filesystem::path &listing_dir() const { return listing_dir_; }
+
+  /// Stops it and keeps its state for the next one. Throws Error.
+  void close();
+
+ private:
+  void stop();
+
+  std::filesystem::path listing_dir_;
+  std::unique_ptr<box::Box> box_;
+  std::unique_ptr<olt_server, decltype(&olt_server_destroy)> server_;
+  std::thread thread_;
+};
+
+}  // namespace olt::cli
+
+#endif

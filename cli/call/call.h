@@ -1,0 +1,62 @@
+/// One call of an operation, with the caller's memory behind each argument.
+#ifndef OLT_CLI_CALL_CALL_H
+#define OLT_CLI_CALL_CALL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "catalog/operation.h"
+#include "oltmgmt.h"
+
+namespace olt::cli {
+
+class Call {
+ public:
+  /// All arguments start as zeros and empty texts.
+  explicit Call(const catalog::Operation &operation);
+  Call(const Call &) = delete;
+  Call &operator=(const Call &) = delete;
+  ~Call();
+
+  const catalog::Operation &operation() const { return operation_; }
+
+  // Arguments go by their place in the operation's list.
+
+  /// Writes over a part of a value, which must lie within it.
+  void set_bytes(size_t place, size_t offset, ByteView bytes);
+  /// The bytes of a stream, VLAN ids or entries.
+  void set_stream(size_t place, Bytes bytes) { values_[place].bytes = std::move(bytes); }
+  void set_vlans(size_t place, std::vector<olt_vlan_node> vlans);
+  /// Where the bytes of a buffer go instead of being shown.
+  void set_file(size_t place, std::string path) { values_[place].file = std::move(path); }
+
+  /// Makes the call. @return the operation's result.
+  int32_t make();
+
+  /// A value, buffer or block.
+  ByteView bytes(size_t place) const;
+  const std::string &file(size_t place) const { return values_[place].file; }
+
+ private:
+  struct Value {
+    Bytes bytes;
+    uint32_t length = 0;  ///< of what is not a value; items of a list
+    void *block = nullptr;
+    std::vector<olt_vlan_node> nodes;
+    olt_vlan_list vlans{};
+    std::string file;
+  };
+
+  void add_slots(size_t place, std::vector<void *> &slots);
+  void measure_outputs(int32_t result);
+
+  const catalog::Operation &operation_;
+  std::vector<Value> values_;
+};
+
+}  // namespace olt::cli
+
+#endif

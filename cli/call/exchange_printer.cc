@@ -1,0 +1,53 @@
+#include "cli/call/exchange_printer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "base/text.h"
+#include "catalog/catalog.h"
+
+namespace olt::cli {
+
+namespace {
+
+/// Enough for every fixed request and most replies.
+constexpr size_t kMostShown = 256;
+
+/// Everything in requests and replies of the type that may be a secret.
+std::vector<Hidden> hidden_in(uint32_t message_type) {
+  std::vector<Hidden> hidden;
+  for (const catalog::WireSecret &secret : catalog::wire_secrets()) {
+    if (secret.message_type == message_type) {
+      hidden.push_back({secret.offset, secret.length, secret.stride});
+    }
+  }
+  return hidden;
+}
+
+std::string dump(const void *data, size_t length, const std::vector<Hidden> &hidden) {
+  ByteView shown(static_cast<const uint8_t *>(data), std::min(length, kMostShown));
+  std::string text = hex_dump(shown, hidden);
+  if (length > kMostShown) text += fmt::format("  ... {} more bytes\n", length - kMostShown);
+  return text;
+}
+
+std::string answer_text(const olt_exchange &exchange) {
+  if (exchange.result != OLT_TRANSPORT_OK) return olt_transport_text(exchange.result);
+  if (exchange.no_reply != 0) return fmt::format("status {}", exchange.status);
+  return fmt::format("status {}, {} bytes", exchange.status, exchange.reply_length);
+}
+
+}  // namespace
+
+std::string trace_text(const olt_exchange &exchange) {
+  std::vector<Hidden> hidden = hidden_in(exchange.message_type);
+  return fmt::format("> type {} to module {}, {} bytes\n{}< {} after {:.3f} ms\n{}",
+                     exchange.message_type, exchange.module, exchange.request_length,
+                     dump(exchange.request, exchange.request_length, hidden), answer_text(exchange),
+                     static_cast<double>(exchange.elapsed_ns) / 1e6,
+                     dump(exchange.reply, exchange.reply_length, hidden));
+}
+
+}  // namespace olt::cli

@@ -1,0 +1,19 @@
+/// Watches the exchanges of this process.
+#ifndef OLT_CLI_CALL_EXCHANGES_H
+#define OLT_CLI_CALL_EXCHANGES_H
+
+#include <cstdint>
+
+namespace olt::cli {
+
+/// From now on the length of each reply is known and, with trace, each exchange is shown on
+/// standard error as it ends.
+void watch_exchanges(bool trace);
+
+/// Bytes in the reply of this thread's last exchange. Some operations hand out a copy of a reply
+/// without its length.
+uint32_t last_reply_length();
+
+}  // namespace olt::cli
+
+#endif

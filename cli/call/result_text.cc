@@ -1,0 +1,53 @@
+#include "cli/call/result_text.h"
+
+#include <fmt/format.h>
+
+#include "box/wire/status.h"
+#include "platform/olthost.h"
+
+namespace olt::cli {
+
+namespace {
+
+constexpr int32_t kNotBuilt = -1;
+
+/// Modules choose their own words; only those of the simulated box are known.
+std::string status_of_module(uint16_t status) {
+  return fmt::format("status {} (oltbox: {})", status, box::status_text(status));
+}
+
+std::string reason_of_exchange(int32_t result) {
+  ResultParts parts = take_apart(result);
+  if (!parts.status) return "the request could not be built";
+  if (!parts.transport) return status_of_module(*parts.status);
+  if (*parts.status == 0) return *parts.transport;
+  return fmt::format("{}, {}", *parts.transport, status_of_module(*parts.status));
+}
+
+std::string with_reason(int32_t result, const std::string &reason) {
+  return fmt::format("result {} (0x{:08x}): {}", result, static_cast<uint32_t>(result), reason);
+}
+
+}  // namespace
+
+ResultParts take_apart(int32_t result) {
+  ResultParts parts;
+  if (result == kNotBuilt) return parts;
+  auto bits = static_cast<uint32_t>(result);
+  if (bits > UINT16_MAX) parts.transport = olt_transport_text(result);
+  parts.status = static_cast<uint16_t>(bits);
+  return parts;
+}
+
+std::string describe_result(const catalog::Operation &operation, int32_t result) {
+  if (result == kNotBuilt) return with_reason(result, operation.outcome.minus_one);
+  if (operation.address.sends()) return with_reason(result, reason_of_exchange(result));
+  bool is_named = result == -2 && operation.outcome.minus_two != nullptr;
+  return with_reason(result, is_named ? operation.outcome.minus_two : "the device failed");
+}
+
+std::string describe_result(int32_t result) {
+  return with_reason(result, reason_of_exchange(result));
+}
+
+}  // namespace olt::cli

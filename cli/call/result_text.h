@@ -1,0 +1,29 @@
+/// What an operation's result says.
+#ifndef OLT_CLI_CALL_RESULT_TEXT_H
+#define OLT_CLI_CALL_RESULT_TEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "catalog/operation.h"
+
+namespace olt::cli {
+
+/// A result taken apart: the transport result in the upper half, the module's status in the lower.
+struct ResultParts {
+  std::optional<std::string> transport;  ///< why the exchange failed
+  std::optional<uint16_t> status;        ///< nothing when no request could be built
+};
+
+ResultParts take_apart(int32_t result);
+
+/// What the result says of that operation.
+std::string describe_result(const catalog::Operation &operation, int32_t result);
+
+/// "result 5 (0x00000005): status 5 (oltbox: exists already)"
+std::string describe_result(int32_t result);
+
+}  // namespace olt::cli
+
+#endif

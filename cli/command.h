@@ -1,0 +1,30 @@
+/// A word that may stand in the place of an operation.
+#ifndef OLT_CLI_COMMAND_H
+#define OLT_CLI_COMMAND_H
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace olt::cli {
+
+class Session;
+
+struct Command {
+  const char *name;
+  const char *usage;    ///< the forms that it takes, a line each
+  const char *summary;  ///< one line
+
+  /// Carries out the words, of which the first one is the name. Throws Error.
+  void (*run)(Session &session, std::span<const std::string> words);
+
+  /// The words that may follow these, of which the first one is the name. Null when none may.
+  std::vector<std::string> (*next_words)(std::span<const std::string> words) = nullptr;
+
+  /// More for its help, as lines. Null when there is none.
+  std::string (*details)() = nullptr;
+};
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,275 @@
+#include "cli/commands.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "catalog/catalog.h"
+#include "cli/completion.h"
+#include "cli/manual.h"
+#include "cli/text/error.h"
+#include "cli/text/file.h"
+#include "cli/text/number_text.h"
+#include "cli/walk/readers.h"
+
+namespace olt::cli {
+
+using catalog::Family;
+using catalog::Operation;
+
+namespace {
+
+using Arguments = std::span<const std::string>;
+using Words = std::vector<std::string>;
+
+constexpr size_t kMostSuggestions = 3;
+
+/// The words that describe a fault, as the box takes them.
+struct FaultWord {
+  const char *name;
+  const char *value;
+  const char *summary;
+};
+constexpr FaultWord kFaultWords[] = {
+    {"type", "TYPE|OPERATION", "the message type of the requests; must be given"},
+    {"module", "N", "their module; any when left out"},
+    {"status", "N", "the status to answer with"},
+    {"delay_ms", "N", "milliseconds to wait before the answer"},
+    {"action", "status|silence|drop", "silence never answers, drop closes the connection"},
+    {"from", "N", "the first such request that it affects; 1 when left out"},
+    {"count", "N", "how many it affects; 0, as when left out: all that follow"},
+};
+
+/// The word after the command's name, if any; there may be one.
+std::string only_word(Arguments words) {
+  if (words.size() > 2) {
+    wrong_usage("{}: '{}' is one argument too many; expected at most one", words[0],
+                printable(words[2]));
+  }
+  return words.size() == 2 ? words[1] : "";
+}
+
+// list, help, shell, completion
+
+void run_list(Session & /*session*/, Arguments words) {
+  print(list_text(only_word(words)));
+}
+
+void run_help(Session & /*session*/, Arguments words) {
+  print(help_text(only_word(words)));
+}
+
+Words words_of_help(Arguments words) {
+  return words.size() == 1 ? first_words(commands()) : Words{};
+}
+
+void run_shell_within(Session & /*session*/, Arguments /*words*/) {
+  wrong_usage("shell: not possible here; expected the command line 'oltctl shell', alone");
+}
+
+void run_completion(Session & /*session*/, Arguments words) {
+  std::string shell = only_word(words);
+  if (shell != "bash") wrong_usage("completion: '{}' given; expected bash", printable(shell));
+  print(bash_completion(commands()));
+}
+
+Words words_of_completion(Arguments words) {
+  return words.size() == 1 ? Words{"bash"} : Words{};
+}
+
+// walk
+
+void run_walk(Session &session, Arguments words) {
+  std::string reader = only_word(words);
+  if (reader.empty()) {
+    print(help_text("walk"));
+  } else {
+    session.run_walk(reader);
+  }
+}
+
+Words words_of_walk(Arguments words) {
+  return words.size() == 1 ? reader_names() : Words{};
+}
+
+std::string details_of_walk() {
+  return "  Names the readers when it is given none.\n"
+         "  Example: walk process_onu_portdownrate\n" +
+         readers_text();
+}
+
+// fault, counters
+
+std::optional<uint32_t> fault_id(const std::string &word) {
+  if (word.empty()) return std::nullopt;
+  std::optional<uint32_t> id = number_in(word, UINT32_MAX);
+  if (!id) {
+    wrong_usage("fault clear: '{}' given; expected a number from 0 to {}", printable(word),
+                UINT32_MAX);
+  }
+  return id;
+}
+
+void run_fault(Session &session, Arguments words) {
+  std::string verb = words.size() > 1 ? words[1] : "";
+  Arguments rest = words.subspan(std::min<size_t>(2, words.size()));
+  size_t most = verb == "clear" ? 1 : 0;
+  if ((verb == "list" || verb == "clear") && rest.size() > most) {
+    wrong_usage("fault {}: '{}' is one argument too many; expected {}", verb, printable(rest[most]),
+                most == 0 ? "none" : "at most one");
+  }
+  if (verb == "add") {
+    session.run_control(fault_add_request(rest));
+  } else if (verb == "list") {
+    session.run_control(fault_list_request());
+  } else if (verb == "clear") {
+    session.run_control(fault_clear_request(fault_id(rest.empty() ? "" : rest[0])));
+  } else {
+    wrong_usage("fault: '{}' given; expected add, list or clear", printable(verb));
+  }
+}
+
+Words words_of_fault(Arguments words) {
+  if (words.size() == 1) return {"add", "list", "clear"};
+  if (words[1] != "add") return {};
+  Words names;
+  for (const FaultWord &word : kFaultWords) names.push_back(fmt::format("{}=", word.name));
+  return names;
+}
+
+std::string details_of_fault() {
+  std::string text = "  'fault clear' alone ends all. 'fault add' takes:\n";
+  for (const FaultWord &word : kFaultWords) {
+    text +=
+        fmt::format("    {:<26}  {}\n", fmt::format("{}={}", word.name, word.value), word.summary);
+  }
+  return text + "  Example: fault add type=get_olt_mac status=5 count=1\n";
+}
+
+void run_counters(Session &session, Arguments words) {
+  if (words.size() > 1) {
+    wrong_usage("counters: '{}' is one argument too many; expected none", printable(words[1]));
+  }
+  session.run_control(counters_request());
+}
+
+constexpr Command kCommands[] = {
+    {"list", "list [WORD]", "Lists the operations, or those about WORD", run_list},
+    {"help", "help [OPERATION]", "Says what an operation takes, with an example", run_help,
+     words_of_help},
+    {"shell", "shell", "Takes operations from the terminal, one after the other", run_shell_within},
+    {"fault", "fault add NAME=VALUE...\nfault list\nfault clear [ID]",
+     "Has the box refuse a request, answer late or not at all", run_fault, words_of_fault,
+     details_of_fault},
+    {"walk", "walk [READER]", "Prints all rows of the table of which READER reads one", run_walk,
+     words_of_walk, details_of_walk},
+    {"counters", "counters", "Shows what has happened in the box", run_counters},
+    {"completion", "completion bash",
+     "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,
+     words_of_completion},
+};
+
+/// Letters to insert, drop or change to get from one word to the other.
+size_t distance(std::string_view from, std::string_view to) {
+  std::vector<size_t> row(to.size() + 1);
+  for (size_t j = 0; j <= to.size(); ++j) row[j] = j;
+  for (size_t i = 1; i <= from.size(); ++i) {
+    size_t diagonal = std::exchange(row[0], i);
+    for (size_t j = 1; j <= to.size(); ++j) {
+      size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
+    }
+  }
+  return row[to.size()];
+}
+
+/// The nearest names of operations and commands, nearest first.
+Words near_names(const std::string &name) {
+  std::vector<std::pair<size_t, std::string>> near;
+  for (std::string &candidate : first_words(commands())) {
+    size_t changes = distance(lower(name), lower(candidate));
+    if (changes <= std::max<size_t>(2, name.size() / 4)) {
+      near.emplace_back(changes, std::move(candidate));
+    }
+  }
+  std::sort(near.begin(), near.end());
+  Words names;
+  for (auto &[changes, candidate] : near) {
+    if (names.size() < kMostSuggestions) names.push_back(std::move(candidate));
+  }
+  return names;
+}
+
+std::string help_of(const Command &command) {
+  return fmt::format("{}\n  {}\n{}", command.usage, command.summary,
+                     command.details == nullptr ? "" : command.details());
+}
+
+std::string overview() {
+  std::string text =
+      "OPERATION [ARGUMENT...]\n"
+      "  Calls an operation; 'list' names them. Arguments are given in order or as NAME=VALUE.\n"
+      "  Example: get_vlan_interface_file_byinteface slot=1 port=1\n";
+  for (const Command &command : kCommands) {
+    text += fmt::format("{}\n  {}\n", command.usage, command.summary);
+  }
+  return text;
+}
+
+}  // namespace
+
+std::span<const Command> commands() {
+  return kCommands;
+}
+
+const Command *find_command(const std::string &name) {
+  for (const Command &command : kCommands) {
+    if (command.name == name) return &command;
+  }
+  return nullptr;
+}
+
+void run_line(Session &session, std::span<const std::string> words) {
+  if (const Command *command = find_command(words[0])) {
+    command->run(session, words);
+  } else {
+    session.run_operation(operation_named(words[0]), words.subspan(1));
+  }
+}
+
+const Operation &operation_named(const std::string &name) {
+  if (const Operation *operation = catalog::find(name)) return *operation;
+  Words names = near_names(name);
+  if (!names.empty()) {
+    wrong_usage("oltctl: there is no operation '{}'; did you mean {}?", printable(name),
+                fmt::join(names, " or "));
+  }
+  if (is_listed(name)) {
+    wrong_usage("oltctl: there is no operation '{0}'; 'oltctl list {0}' shows those about it",
+                printable(name));
+  }
+  wrong_usage("oltctl: there is no operation '{}'; 'oltctl list' shows all of them",
+              printable(name));
+}
+
+std::string help_text(const std::string &name) {
+  if (name.empty()) return overview();
+  if (const Command *command = find_command(name)) return help_of(*command);
+  return help_of(operation_named(name));
+}
+
+std::string command_summaries() {
+  std::string text;
+  for (const Command &command : kCommands) {
+    std::string usage = command.usage;
+    text += fmt::format("  oltctl {:<25}{}\n", usage.substr(0, usage.find('\n')), command.summary);
+  }
+  return text;
+}
+
+}  // namespace olt::cli

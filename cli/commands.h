@@ -1,0 +1,34 @@
+/// What oltctl can be told to do: the operations of the catalog, and the commands beside them.
+#ifndef OLT_CLI_COMMANDS_H
+#define OLT_CLI_COMMANDS_H
+
+#include <span>
+#include <string>
+
+#include "catalog/operation.h"
+#include "cli/command.h"
+#include "cli/session.h"
+
+namespace olt::cli {
+
+std::span<const Command> commands();
+
+/// The command of that name, or null.
+const Command *find_command(const std::string &name);
+
+/// Carries out one line and prints what it brings. Throws Error.
+void run_line(Session &session, std::span<const std::string> words);
+
+/// The operation of that name. Throws Error, which suggests near names.
+const catalog::Operation &operation_named(const std::string &name);
+
+/// What an operation or a command takes and does, with an example; of all commands without a name.
+/// Throws Error.
+std::string help_text(const std::string &name);
+
+/// The commands as --help shows them.
+std::string command_summaries();
+
+}  // namespace olt::cli
+
+#endif

@@ -1,0 +1,196 @@
+#include "cli/input/argument_forms.h"
+
+#include <algorithm>
+#include <iterator>
+#include <system_error>
+#include <vector>
+
+#include "cli/text/field_forms.h"
+#include "cli/text/file.h"
+#include "cli/text/list_text.h"
+#include "platform/olthost.h"
+
+namespace olt::cli {
+
+using catalog::Argument;
+using catalog::Field;
+using catalog::FieldKind;
+using catalog::Kind;
+
+namespace {
+
+constexpr uint32_t kLongestStream = OLT_REQUEST_LIMIT;
+
+const Argument &argument_at(const Call &call, size_t place) {
+  return call.operation().arguments()[place];
+}
+
+Bytes file(std::string_view path) {
+  std::error_code error;
+  std::string content = read_file(std::string(path), kLongestStream, error);
+  if (error) throw BadValue("cannot read '{}': {}", printable(path), error.message());
+  return {content.begin(), content.end()};
+}
+
+// Values.
+
+std::string expected_value(const Argument &argument) {
+  Field whole = argument.whole();
+  const FieldForm &form = form_of(whole.kind);
+  std::string expected = form.expected(whole);
+  if (form.fits == nullptr) return expected;
+  bool is_bytes = whole.kind == FieldKind::kBytes;
+  return fmt::format("{}{}, @FILE or OFFSET:HEX[,OFFSET:HEX...]",
+                     is_bytes ? "" : expected + ", or ",
+                     form_of(FieldKind::kBytes).expected(whole));
+}
+
+std::string example_value(const Argument &argument) {
+  return argument.secret ? "-" : form_of(argument.form).example(argument.whole());
+}
+
+std::string described_value(const Argument &argument) {
+  if (!argument.fields.empty()) return "the record's fields";
+  return form_of(argument.form).described(argument.whole());
+}
+
+/// "4:aabb,0x0b:01" on top of what is there.
+void patch(Call &call, size_t place, std::string_view text) {
+  size_t size = argument_at(call, place).size;
+  while (!text.empty()) {
+    std::string_view one = text.substr(0, text.find(','));
+    text.remove_prefix(std::min(one.size() + 1, text.size()));
+    size_t colon = one.find(':');
+    if (colon == std::string_view::npos) throw BadValue("'{}' has no offset", printable(one));
+    uint32_t offset = parse_number(one.substr(0, colon), UINT32_MAX);
+    Bytes bytes = parse_hex(one.substr(colon + 1));
+    if (offset > size || bytes.size() > size - offset) {
+      throw BadValue("{} at offset {} do not fit into the record", counted(bytes.size(), "byte"),
+                     offset);
+    }
+    call.set_bytes(place, offset, bytes);
+  }
+}
+
+void read_value(Call &call, size_t place, std::string_view text) {
+  Field whole = argument_at(call, place).whole();
+  const FieldForm &form = form_of(whole.kind);
+  if (form.fits != nullptr && text.starts_with('@')) {
+    call.set_bytes(place, 0, of_size(whole.width, file(text.substr(1))));
+  } else if (form.fits == nullptr || form.fits(text)) {
+    call.set_bytes(place, 0, form.parse(whole, text));
+  } else if (text.find(':') == std::string_view::npos) {
+    call.set_bytes(place, 0, of_size(whole.width, parse_hex(text)));
+  } else {
+    patch(call, place, text);
+  }
+}
+
+// Bytes of any length.
+
+std::string expected_stream(const Argument & /*argument*/) {
+  return "bytes as HEX or @FILE";
+}
+
+std::string example_stream(const Argument &argument) {
+  return fmt::format("@{}.bin", argument.name);
+}
+
+void read_stream(Call &call, size_t place, std::string_view text) {
+  call.set_stream(place, text.starts_with('@') ? file(text.substr(1)) : parse_hex(text));
+}
+
+std::string described_block(const Argument &argument) {
+  return argument.fields.empty() ? "the answer's bytes" : "the answer's fields";
+}
+
+std::string expected_buffer(const Argument & /*argument*/) {
+  return "@FILE, to write the bytes there";
+}
+
+std::string described_buffer(const Argument &argument) {
+  return fmt::format("the bytes; {}=@FILE writes them to a file", argument.name);
+}
+
+void read_buffer(Call &call, size_t place, std::string_view text) {
+  if (text.size() < 2 || text[0] != '@') throw BadValue("'{}' given", printable(text));
+  call.set_file(place, std::string(text.substr(1)));
+}
+
+// Lists.
+
+std::vector<Item> items(std::string_view text, char separator) {
+  if (!text.starts_with('@')) return split_items(text, separator);
+  Bytes content = file(text.substr(1));
+  return split_lines({reinterpret_cast<const char *>(content.data()), content.size()});
+}
+
+std::string example_vlans(const Argument &argument) {
+  return argument.described_bytes() == 0 ? "10,20-25" : "10:uplink,20-25:users";
+}
+
+std::string expected_vlans(const Argument &argument) {
+  uint32_t bytes = argument.described_bytes();
+  std::string description =
+      bytes == 0 ? "" : fmt::format(", each with a description of at most {} bytes", bytes);
+  return fmt::format("VLANs from 1 to 4094 as {}{}, or @FILE with one a line",
+                     example_vlans(argument), description);
+}
+
+void read_vlan_list(Call &call, size_t place, std::string_view text) {
+  uint32_t description = argument_at(call, place).described_bytes();
+  call.set_vlans(place, read_vlans(items(text, ','), description));
+}
+
+void read_ids(Call &call, size_t place, std::string_view text) {
+  std::vector<uint16_t> ids = read_vlan_ids(items(text, ','));
+  const auto *bytes = reinterpret_cast<const uint8_t *>(ids.data());
+  call.set_stream(place, {bytes, bytes + ids.size() * sizeof ids[0]});
+}
+
+std::string expected_entries(const Argument &argument) {
+  std::vector<std::string> fields;
+  for (const Field &field : argument.fields) {
+    fields.push_back(fmt::format("{} ({})", field.name, form_of(field.kind).expected(field)));
+  }
+  return fmt::format(
+      "entries as FIELD=VALUE with the fields {}, or {} bytes as HEX, separated by ';', or @FILE"
+      " with one a line",
+      fmt::join(fields, ", "), argument.size);
+}
+
+std::string example_entries(const Argument & /*argument*/) {
+  return "'mac=02:00:00:00:00:01;loid=site-17 password=-'";
+}
+
+void read_entry_list(Call &call, size_t place, std::string_view text) {
+  call.set_stream(place, read_entries(items(text, ';'), argument_at(call, place)));
+}
+
+constexpr ArgumentForm kForms[] = {
+    {Kind::kValue, expected_value, example_value, read_value, described_value},
+    {Kind::kStream, expected_stream, example_stream, read_stream, nullptr},
+    {Kind::kBlock, nullptr, nullptr, nullptr, described_block},
+    {Kind::kHeadedBlock, nullptr, nullptr, nullptr, described_block},
+    {Kind::kReplyBlock, nullptr, nullptr, nullptr, described_block},
+    {Kind::kBuffer, expected_buffer, nullptr, read_buffer, described_buffer},
+    {Kind::kVlans, expected_vlans, example_vlans, read_vlan_list, nullptr},
+    {Kind::kIds, expected_vlans, example_vlans, read_ids, nullptr},
+    {Kind::kEntries, expected_entries, example_entries, read_entry_list, nullptr},
+};
+
+constexpr bool is_in_order() {
+  for (size_t i = 0; i < std::size(kForms); ++i) {
+    if (kForms[i].kind != static_cast<Kind>(i)) return false;
+  }
+  return true;
+}
+static_assert(is_in_order());
+
+}  // namespace
+
+const ArgumentForm &form_of(const Argument &argument) {
+  return kForms[static_cast<size_t>(argument.kind)];
+}
+
+}  // namespace olt::cli

@@ -1,0 +1,43 @@
+/// The formats in which oltctl prints. A new one is a value of Format and a file with its
+/// Formatter.
+#ifndef OLT_CLI_OUTPUT_FORMAT_H
+#define OLT_CLI_OUTPUT_FORMAT_H
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+
+#include "cli/output/result.h"
+
+namespace olt::cli {
+
+enum class Format { kText, kJson };
+
+/// Everything that commands print, each as text that ends with a newline, or empty. docs/oltctl.md
+/// describes the formats.
+class Formatter {
+ public:
+  virtual ~Formatter() = default;
+
+  virtual std::string result(const Result &result) = 0;
+
+  /// A row of a walk. A format may keep rows until they have ended.
+  virtual std::string row(const std::string &reader, const NamedValues &columns) = 0;
+  virtual std::string end_of_rows() = 0;
+
+  /// What the box answered to one of its own controls.
+  virtual std::string control(const std::string &command, const nlohmann::ordered_json &reply) = 0;
+};
+
+std::unique_ptr<Formatter> make_text_formatter();
+std::unique_ptr<Formatter> make_json_formatter();
+
+inline std::unique_ptr<Formatter> make_formatter(Format format) {
+  constexpr std::unique_ptr<Formatter> (*kMakers[])() = {make_text_formatter, make_json_formatter};
+  return kMakers[static_cast<size_t>(format)]();
+}
+
+}  // namespace olt::cli
+
+#endif

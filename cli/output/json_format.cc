@@ -1,0 +1,118 @@
+#include <fmt/format.h>
+
+#include <type_traits>
+
+#include "cli/call/result_text.h"
+#include "cli/output/format.h"
+
+namespace olt::cli {
+
+using nlohmann::ordered_json;
+
+namespace {
+
+/// The version that every object carries.
+constexpr int kVersion = 1;
+
+ordered_json json_of(const Value &value) {
+  return std::visit(
+      [](const auto &plain) -> ordered_json {
+        if constexpr (std::is_same_v<decltype(plain), const Bytes &>) {
+          return to_hex(plain);
+        } else {
+          return plain;
+        }
+      },
+      value);
+}
+
+ordered_json json_of(const NamedValues &values) {
+  ordered_json object = ordered_json::object();
+  for (const NamedValue &named : values) object[std::string(named.name)] = json_of(named.value);
+  return object;
+}
+
+ordered_json json_of(const WrittenFile &file) {
+  return {{"file", file.path}, {"length", file.length}};
+}
+
+ordered_json json_of(const Output &output) {
+  return std::visit([](const auto &content) { return json_of(content); }, output.content);
+}
+
+template <typename Content>
+ordered_json or_null(const std::optional<Content> &content) {
+  return content ? ordered_json(*content) : ordered_json();
+}
+
+ordered_json json_of(const std::optional<Listing> &listing) {
+  if (!listing) return nullptr;
+  return {{"name", listing->name}, {"text", or_null(listing->text)}};
+}
+
+/// Bytes of the character at the front that could command a terminal; JSON itself escapes only
+/// those below U+0020.
+size_t control_at_front(std::string_view text) {
+  if (text[0] == '\x7f') return 1;
+  bool is_c1 = text.size() > 1 && text[0] == '\xc2' && static_cast<uint8_t>(text[1]) < 0xA0;
+  return is_c1 ? 2 : 0;
+}
+
+/// The object on one line. Bytes that are not UTF-8 become U+FFFD.
+std::string line_of(const ordered_json &object) {
+  std::string dumped = object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+  std::string line;
+  for (std::string_view rest = dumped; !rest.empty();) {
+    size_t control = control_at_front(rest);
+    if (control == 0) {
+      line += rest[0];
+    } else {
+      line += fmt::format("\\u{:04x}", static_cast<uint8_t>(rest[control - 1]));
+    }
+    rest.remove_prefix(control == 0 ? 1 : control);
+  }
+  return line + '\n';
+}
+
+class JsonFormatter : public Formatter {
+ public:
+  std::string result(const Result &result) override {
+    const catalog::Operation &operation = result.operation;
+    ResultParts parts;
+    if (operation.address.sends()) parts = take_apart(result.code);
+    ordered_json object = {
+        {"version", kVersion},
+        {"operation", operation.name},
+        {"result", result.code},
+        {"failed", result.failed()},
+        {"transport", or_null(parts.transport)},
+        {"status", or_null(parts.status)},
+        {"outputs", ordered_json::object()},
+        {"listing", json_of(result.listing)},
+    };
+    for (const Output &output : result.outputs) {
+      object["outputs"][std::string(output.name)] = json_of(output);
+    }
+    return line_of(object);
+  }
+
+  std::string row(const std::string &reader, const NamedValues &columns) override {
+    return line_of({{"version", kVersion}, {"reader", reader}, {"row", json_of(columns)}});
+  }
+
+  std::string end_of_rows() override { return ""; }
+
+  std::string control(const std::string &command, const ordered_json &reply) override {
+    ordered_json object = {{"version", kVersion}, {"command", command}};
+    object.update(reply);
+    return line_of(object);
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Formatter> make_json_formatter() {
+  return std::make_unique<JsonFormatter>();
+}
+
+}  // namespace olt::cli

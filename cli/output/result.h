@@ -1,0 +1,60 @@
+/// What a call brought, with names, for the output formats to show.
+#ifndef OLT_CLI_OUTPUT_RESULT_H
+#define OLT_CLI_OUTPUT_RESULT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "cli/call/call.h"
+#include "cli/text/field_forms.h"
+
+namespace olt::cli {
+
+struct NamedValue {
+  std::string_view name;
+  catalog::Role role;
+  Value value;
+};
+
+/// The columns of a row, or the fields of a record.
+using NamedValues = std::vector<NamedValue>;
+
+/// Bytes that went to a file instead.
+struct WrittenFile {
+  std::string path;
+  size_t length;
+};
+
+struct Output {
+  std::string_view name;
+  std::variant<Value, NamedValues, WrittenFile> content;
+};
+
+struct Listing {
+  std::string name;
+  std::optional<std::string> text;  ///< once it could be read
+};
+
+struct Result {
+  const catalog::Operation &operation;
+  int32_t code;  ///< what the operation returned
+  std::vector<Output> outputs;
+  std::optional<Listing> listing;
+
+  bool failed() const { return !operation.succeeded(code); }
+};
+
+/// Outputs only when the call succeeded. Secrets are masked unless they are asked for.
+Result result_of(const Call &call, int32_t code, bool secrets);
+
+/// The fields of an output; the whole as one value when it has none.
+NamedValues values_of(const catalog::Argument &argument, ByteView bytes, bool secrets);
+
+}  // namespace olt::cli
+
+#endif

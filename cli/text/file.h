@@ -1,0 +1,26 @@
+/// Whole files, and the standard output.
+#ifndef OLT_CLI_TEXT_FILE_H
+#define OLT_CLI_TEXT_FILE_H
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+
+#include "base/text.h"
+
+namespace olt::cli {
+
+/// Reads a file of at most that many bytes; a longer one is EFBIG. The error, if any, says why
+/// nothing is returned.
+std::string read_file(const std::string &path, size_t most, std::error_code &error);
+
+/// Writes a file whole or not at all, with the mode of the file that it replaces. Anything but a
+/// regular file is written in place.
+std::error_code write_file(const std::string &path, ByteView bytes);
+
+/// Writes to standard output. Throws Error when that fails.
+void print(const std::string &text);
+
+}  // namespace olt::cli
+
+#endif

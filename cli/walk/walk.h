@@ -1,0 +1,39 @@
+/// Walks of SNMP tables: all rows, in order, by the operations that read one.
+#ifndef OLT_CLI_WALK_WALK_H
+#define OLT_CLI_WALK_WALK_H
+
+#include <optional>
+#include <string>
+
+#include "cli/box/access.h"
+#include "cli/call/call.h"
+#include "cli/output/result.h"
+#include "cli/walk/readers.h"
+
+namespace olt::cli {
+
+/// One walk through one table.
+class Walk {
+ public:
+  /// Opens the box. Throws Error when there is no such reader.
+  Walk(Access &box, const std::string &reader, bool secrets);
+
+  /// The columns of the next row, those of the index first; nothing after the last row. Throws
+  /// Error.
+  std::optional<NamedValues> next();
+
+ private:
+  bool step();
+  NamedValues index() const;
+  void add_columns(NamedValues &row, const Call &call) const;
+  void check(const catalog::Operation &operation, int32_t result) const;
+
+  const Access &box_;
+  const Reader &reader_;
+  bool secrets_;
+  Call step_;  ///< its first argument names the row that was read last
+};
+
+}  // namespace olt::cli
+
+#endif

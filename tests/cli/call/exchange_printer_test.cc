@@ -1,0 +1,88 @@
+#include "cli/call/exchange_printer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+namespace {
+
+using olt::cli::trace_text;
+
+olt_exchange exchange(uint32_t type, const std::string &request, const std::string &reply) {
+  olt_exchange made{};
+  made.module = 2;
+  made.message_type = type;
+  made.request = request.data();
+  made.request_length = static_cast<uint32_t>(request.size());
+  made.reply = reply.data();
+  made.reply_length = static_cast<uint16_t>(reply.size());
+  made.elapsed_ns = 1'234'567;
+  return made;
+}
+
+TEST(Trace, ShowsBothWaysByteByByte) {
+  EXPECT_EQ(trace_text(exchange(12, "ab", "\x02\x01")),
+            "> type 12 to module 2, 2 bytes\n"
+            "  0000  61 62                                            ab\n"
+            "< status 0, 2 bytes after 1.235 ms\n"
+            "  0000  02 01                                            ..\n");
+}
+
+TEST(Trace, ShowsHowAnExchangeFailed) {
+  olt_exchange refused = exchange(7, "", "");
+  refused.no_reply = 1;
+  refused.status = 5;
+  EXPECT_EQ(trace_text(refused), "> type 7 to module 2, 0 bytes\n< status 5 after 1.235 ms\n");
+  olt_exchange timed_out = exchange(7, "", "");
+  timed_out.result = 0x00010000;
+  timed_out.status = 77;
+  std::string text = trace_text(timed_out);
+  EXPECT_EQ(text.find("status"), std::string::npos);
+  EXPECT_EQ(text.substr(0, 32), "> type 7 to module 2, 0 bytes\n< ");
+}
+
+TEST(Trace, MasksPasswordsBothWays) {
+  std::string record(80, 'x');
+  record.replace(40, 32, 32, 'S');
+  for (uint32_t type : {10U, 62U, 63U}) {
+    std::string text = trace_text(exchange(type, record, record));
+    EXPECT_EQ(text.find('S'), std::string::npos);
+    EXPECT_EQ(text.find("53"), std::string::npos);
+    EXPECT_NE(
+        text.find("  0020  78 78 78 78 78 78 78 78 ** ** ** ** ** ** ** **  xxxxxxxx********\n"
+                  "  0030  ** ** ** ** ** ** ** ** ** ** ** ** ** ** ** **  ****************\n"
+                  "  0040  ** ** ** ** ** ** ** ** 78 78 78 78 78 78 78 78  ********xxxxxxxx\n"),
+        std::string::npos);
+  }
+  EXPECT_NE(trace_text(exchange(58, record, record)).find("SSSSSSSS"), std::string::npos);
+}
+
+TEST(Trace, MasksThePasswordOfEachEntryWithAndWithoutAHead) {
+  std::string entries;
+  for (int i = 0; i < 3; ++i) entries += std::string(32, 'e') + std::string(12, 'S');
+  for (uint32_t type : {41U, 108U, 109U, 110U, 111U, 112U, 113U}) {
+    std::string text = trace_text(exchange(type, std::string(80, 'h') + entries, entries));
+    EXPECT_EQ(text.find('S'), std::string::npos) << text;
+    EXPECT_EQ(text.find(" 53"), std::string::npos) << text;
+    EXPECT_NE(text.find("  0060  65 65 65 65 65 65 65 65 65 65 65 65 65 65 65 65  "
+                        "eeeeeeeeeeeeeeee\n"
+                        "  0070  ** ** ** ** ** ** ** ** ** ** ** ** "),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("  0020  ** ** ** ** ** ** ** ** ** ** ** ** 65 65 65 65  "
+                        "************eeee\n"),
+              std::string::npos)
+        << text;
+  }
+}
+
+TEST(Trace, CutsWhatIsLong) {
+  std::string text = trace_text(exchange(11, std::string(1000, 'a'), ""));
+  EXPECT_NE(text.find("> type 11 to module 2, 1000 bytes\n"), std::string::npos);
+  EXPECT_NE(text.find("\n  00f0  61 61"), std::string::npos);
+  EXPECT_NE(text.find("\n  ... 744 more bytes\n< status 0, 0 bytes"), std::string::npos);
+  EXPECT_EQ(text.find("\n  0100 "), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,228 @@
+#include "cli/output/format.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "catalog/catalog.h"
+#include "catalog/row.h"
+#include "oltplatform.h"
+
+namespace {
+
+using olt::catalog::Field;
+using olt::catalog::FieldKind;
+using olt::cli::Call;
+using olt::cli::make_json_formatter;
+using olt::cli::make_text_formatter;
+using olt::cli::NamedValues;
+using olt::cli::Result;
+
+/// A call's result with the text of its listing.
+Result shown(const Call &call, int32_t code, const std::optional<std::string> &listing,
+             bool secrets) {
+  Result result = olt::cli::result_of(call, code, secrets);
+  if (result.listing) result.listing->text = listing;
+  return result;
+}
+
+std::string text_of(const Call &call, int32_t code, const std::optional<std::string> &listing = {},
+                    bool secrets = false) {
+  return make_text_formatter()->result(shown(call, code, listing, secrets));
+}
+
+std::string json_of(const Call &call, int32_t code, const std::optional<std::string> &listing = {},
+                    bool secrets = false) {
+  return make_json_formatter()->result(shown(call, code, listing, secrets));
+}
+
+std::string outputs_of(const Call &call, int32_t code) {
+  return nlohmann::ordered_json::parse(json_of(call, code))["outputs"].dump();
+}
+
+int32_t reads_all_kinds(uint32_t *word, olt_mac *mac, olt_user *user, void **answer,
+                        uint32_t *answer_length) {
+  *word = 4294967295U;
+  memcpy(mac->bytes, "\x02\x00\x5e\x10\x00\x01", 6);
+  user->user_index = 3;
+  strcpy(user->user_name, "bob");
+  strcpy(user->user_password, "secret");
+  user->level_b = 9;
+  *answer = ___MALLOC(17, "reads_all_kinds", __LINE__);
+  memcpy(*answer, "0123456789abcdefg", 17);
+  *answer_length = 17;
+  return 0;
+}
+constexpr auto kAllKinds = OLT_OPERATION(reads_all_kinds, 1, "", {"word", "mac", "user", "answer"});
+
+int32_t names_a_listing(char name[32]) {
+  const char unterminated[] = "0123456789012345678901234567890\x1b";
+  for (size_t i = 0; i < 32; ++i) name[i] = unterminated[i];
+  return 0;
+}
+constexpr auto kListing = OLT_OPERATION(names_a_listing, 1, "", {"name"});
+
+int32_t reads_words(olt_uni_downrate *rates, olt_link_dba *dba, olt_onu_feature *feature) {
+  *rates = {{10, 20, 4294967295U}};
+  *dba = {{1, 2, 3}, {4, 5}};
+  feature->words[11] = 1;
+  return 0;
+}
+constexpr auto kWords = OLT_OPERATION(reads_words, 1, "", {"rates", "dba", "feature"});
+
+TEST(Format, WritesWordsAsNumbers) {
+  Call call(kWords);
+  int32_t result = call.make();
+  EXPECT_EQ(text_of(call, result),
+            "rates = 10,20,4294967295\n"
+            "requested = 1,2,3\n"
+            "granted = 4,5\n"
+            "feature = 0,0,0,0,0,0,0,0,0,0,0,1\n");
+  EXPECT_EQ(outputs_of(call, result),
+            R"({"rates":[10,20,4294967295],"dba":{"requested":[1,2,3],"granted":[4,5]},)"
+            R"("feature":[0,0,0,0,0,0,0,0,0,0,0,1]})");
+}
+
+int32_t reads_a_row(olt_iptv_profile_row *row, olt_auth_row *words) {
+  *row = {{2, 'b', 0, 0, 0, 0, 0, 0, 0, 7}};
+  words->words[1] = 1;
+  return 0;
+}
+constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kWord},
+                                 {"rest", 4, Field::kToTheEnd, FieldKind::kBytes}};
+constexpr auto kRow =
+    OLT_OPERATION(reads_a_row, 1, "", {"row", olt::catalog::laid_out(kSomeFields, "words")});
+
+TEST(Format, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
+  Call call(kRow);
+  int32_t result = call.make();
+  EXPECT_EQ(
+      outputs_of(call, result),
+      R"({"row":{"selector":2,"profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
+          std::string(104, '0') + "\"}}");
+  EXPECT_EQ(text_of(call, result).substr(0, 48),
+            "selector = 2\nprofile = b\nchannels = 7\nfirst = 0\n");
+}
+
+TEST(Format, WritesALinePerOutput) {
+  Call call(kAllKinds);
+  int32_t result = call.make();
+  EXPECT_EQ(text_of(call, result),
+            "word = 4294967295\n"
+            "mac = 02:00:5e:10:00:01\n"
+            "user_op = 0\n"
+            "user_index = 3\n"
+            "user_name = bob\n"
+            "user_password = ********\n"
+            "level_a = 0\n"
+            "level_b = 9\n"
+            "answer = 17 bytes\n"
+            "  0000  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  0123456789abcdef\n"
+            "  0010  67                                               g\n");
+}
+
+TEST(Format, ShowsSecretsOnRequestOnly) {
+  Call call(kAllKinds);
+  int32_t result = call.make();
+  EXPECT_NE(text_of(call, result, {}, true).find("user_password = secret\n"), std::string::npos);
+  EXPECT_EQ(json_of(call, result).find("secret"), std::string::npos);
+  EXPECT_NE(json_of(call, result, {}, true).find("\"user_password\":\"secret\""),
+            std::string::npos);
+}
+
+TEST(Format, WritesJson) {
+  Call call(kAllKinds);
+  int32_t result = call.make();
+  EXPECT_EQ(json_of(call, result),
+            R"({"version":1,"operation":"reads_all_kinds","result":0,"failed":false,)"
+            R"("transport":null,"status":0,"outputs":{"word":4294967295,"mac":"02:00:5e:10:00:01",)"
+            R"("user":{"user_op":0,"user_index":3,"user_name":"bob","user_password":"********",)"
+            R"("level_a":0,"level_b":9},"answer":"3031323334353637383961626364656667"},)"
+            R"("listing":null})"
+            "\n");
+}
+
+TEST(Format, WritesTheListingBehindItsName) {
+  Call call(kListing);
+  int32_t result = call.make();
+  EXPECT_EQ(text_of(call, result, "one\ntwo"),
+            "name = 0123456789012345678901234567890\\x1b\none\ntwo\n");
+  EXPECT_EQ(json_of(call, result, "one\n\xff"),
+            R"({"version":1,"operation":"names_a_listing","result":0,"failed":false,)"
+            R"("transport":null,"status":0,)"
+            R"("outputs":{"name":"0123456789012345678901234567890\u001b"},)"
+            R"("listing":{"name":"0123456789012345678901234567890\u001b","text":"one\n)"
+            "\xef\xbf\xbd\"}}\n");
+}
+
+TEST(Format, AFailureHasNoOutputs) {
+  Call call(kListing);
+  EXPECT_EQ(json_of(call, 5),
+            R"({"version":1,"operation":"names_a_listing","result":5,"failed":true,)"
+            R"("transport":null,"status":5,"outputs":{},"listing":null})"
+            "\n");
+  EXPECT_EQ(json_of(call, -1),
+            R"({"version":1,"operation":"names_a_listing","result":-1,"failed":true,)"
+            R"("transport":null,"status":null,"outputs":{},"listing":null})"
+            "\n");
+  auto lost = nlohmann::ordered_json::parse(json_of(call, 0x00030002));
+  EXPECT_TRUE(lost["transport"].is_string());
+  EXPECT_EQ(lost["status"], 2);
+}
+
+TEST(Format, AListingCannotCommandATerminal) {
+  Call call(kListing);
+  int32_t result = call.make();
+  EXPECT_EQ(text_of(call, result, "a\tb\x1b[2J\x7f\r\nc\xff\xc2\x9b \xc3\xa9\n"),
+            "name = 0123456789012345678901234567890\\x1b\n"
+            "a\tb\\x1b[2J\\x7f\\x0d\nc\\xff\\xc2\\x9b \xc3\xa9\n");
+}
+
+TEST(Format, JsonHoldsNoControlCharacters) {
+  Call call(kListing);
+  int32_t result = call.make();
+  std::string line = json_of(call, result, "\x1b\x7f\xc2\x9b\xc2\xa0");
+  EXPECT_NE(line.find("\"text\":\"\\u001b\\u007f\\u009b\xc2\xa0\""), std::string::npos) << line;
+  EXPECT_EQ(nlohmann::json::parse(line)["listing"]["text"], "\x1b\x7f\xc2\x9b\xc2\xa0");
+}
+
+TEST(Format, RowsAreATableOrALineEach) {
+  using olt::catalog::Role;
+  NamedValues row = {{"port", Role::kRowName, 1U},
+                     {"name", Role::kPlain, std::string("\x1b\xff")},
+                     {"bytes", Role::kPlain, olt::Bytes{1, 0xAB}},
+                     {"words", Role::kPlain, std::vector<uint32_t>{10, 20}},
+                     {"empty", Role::kPlain, std::string()}};
+  auto text = make_text_formatter();
+  EXPECT_EQ(text->row("reader", row), "");
+  EXPECT_EQ(text->end_of_rows(),
+            "port  name      bytes  words  empty\n"
+            "1     \\x1b\\xff  01ab   10,20  -\n");
+  EXPECT_EQ(text->end_of_rows(), "no rows\n");
+  auto json = make_json_formatter();
+  EXPECT_EQ(json->row("reader", row),
+            R"({"version":1,"reader":"reader","row":{"port":1,"name":"\u001b)"
+            "\xef\xbf\xbd"
+            R"(","bytes":"01ab","words":[10,20],"empty":""}})"
+            "\n");
+  EXPECT_EQ(json->end_of_rows(), "");
+}
+
+TEST(Format, ALongCellIsCutBetweenCharacters) {
+  auto text = make_text_formatter();
+  text->row("reader",
+            {{"name", olt::catalog::Role::kPlain, std::string(44, 'a') + "\xc3\xa9tail"}});
+  EXPECT_EQ(text->end_of_rows(), "name\n" + std::string(44, 'a') + "...\n");
+}
+
+TEST(Format, RepliesOfTheBoxCannotCommandATerminal) {
+  nlohmann::ordered_json reply = {{"counters", {{"a\x1b", "b\x1b"}}}};
+  EXPECT_EQ(make_text_formatter()->control("counters", reply), "a\\x1b = b\\x1b\n");
+  EXPECT_EQ(make_json_formatter()->control("counters", reply),
+            R"({"version":1,"command":"counters","counters":{"a\u001b":"b\u001b"}})"
+            "\n");
+}
+
+}  // namespace
