@@ -38,9 +38,12 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
     : options_(checked(std::move(options))),
       clock_(std::move(clock)),
       topology_(load_topology(options_.topology_file)),
-      state_(open_state(options_, patience)),
-      hardware_(topology_, state_, Listings(options_.listing_dir, options_.listing_group), clock_),
+      directory_(open_state(options_, patience)),
+      state_(topology_, clock_()),
+      hardware_(topology_, directory_, Listings(options_.listing_dir, options_.listing_group),
+                clock_),
       control_(faults_, counters_) {
+  hardware_.start(make_families(hardware_, state_));
   add_messages();
   if (!resume()) hardware_.events().record(Level::kNotice, kMainModule, "started");
   for (const std::string &fault : options_.faults) faults_.add(fault_from_text(fault), "");
@@ -58,7 +61,7 @@ void Simulator::add_messages() {
 
 bool Simulator::resume() {
   if (!options_.keep_running_state) return false;
-  return read_state_file(state_, kRunningFile, [this](ObjectReader &members) {
+  return read_state_file(directory_, kRunningFile, [this](ObjectReader &members) {
     hardware_.resume(members.get("box"), members.place_of("box"));
     faults_.from_json(members.get("faults"), members.place_of("faults"));
     counters_.from_json(members.get("counters"), members.place_of("counters"));
@@ -67,7 +70,7 @@ bool Simulator::resume() {
 
 void Simulator::keep() {
   if (!options_.keep_running_state) return;
-  write_state_file(state_, kRunningFile,
+  write_state_file(directory_, kRunningFile,
                    {{"box", hardware_.running()},
                     {"faults", faults_.to_json()},
                     {"counters", counters_.to_json()}});

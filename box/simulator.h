@@ -10,6 +10,7 @@
 #include "base/clock.h"
 #include "box/box.h"
 #include "box/core/hardware.h"
+#include "box/families.h"
 #include "box/message/message.h"
 #include "box/state/files.h"
 #include "box/watch/control.h"
@@ -45,7 +46,8 @@ class Simulator {
   Options options_;
   Clock clock_;
   Topology topology_;
-  StateDirectory state_;
+  StateDirectory directory_;
+  SharedState state_;
   Hardware hardware_;
   FaultTable faults_;
   Counters counters_;

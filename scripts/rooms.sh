@@ -5,7 +5,6 @@
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"
 
-# Folders that hold files of one sort only by where they are built.
 rows=$(awk -F'|' '
   /^\| folder /       { table = 1; next }
   table && !/^\|/     { table = 0 }

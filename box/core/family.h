@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "box/core/listing.h"
+#include "box/core/report.h"
 #include "box/message/message.h"
 #include "box/state/json.h"
 

@@ -2,12 +2,7 @@
 
 #include <algorithm>
 
-#include "box/ont/families.h"
-#include "box/pon/families.h"
-#include "box/snmp/families.h"
 #include "box/state/state_file.h"
-#include "box/switch/families.h"
-#include "box/system/families.h"
 
 namespace olt::box {
 
@@ -17,16 +12,10 @@ Hardware::Hardware(const Topology &topology, StateDirectory &state, Listings lis
       listings_(std::move(listings)),
       clock_(std::move(clock)),
       events_(clock_),
-      started_(clock_()) {
-  auto ethernet = std::make_shared<SwitchState>(topology_, clock_());
-  auto onus = std::make_shared<OnuState>(topology_, clock_());
-  auto admission = std::make_shared<PonAdmission>(onus);
-  auto iptv = std::make_shared<IptvState>();
-  add_system_families(*this, families_);
-  add_switch_families(*this, ethernet, families_);
-  add_pon_families(*this, onus, admission, families_);
-  add_ont_families(*this, onus, iptv, families_);
-  add_snmp_families(*this, ethernet, onus, admission, iptv, families_);
+      started_(clock_()) {}
+
+void Hardware::start(std::vector<std::unique_ptr<Family>> families) {
+  families_ = std::move(families);
   load_saved();
 }
 

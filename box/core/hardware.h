@@ -1,4 +1,4 @@
-/// The box behind its messages: the families, and what they share.
+/// What all families share, and what is done to all of them.
 #ifndef OLT_BOX_CORE_HARDWARE_H
 #define OLT_BOX_CORE_HARDWARE_H
 
@@ -8,7 +8,7 @@
 
 #include "base/clock.h"
 #include "box/core/family.h"
-#include "box/core/listing.h"
+#include "box/core/listings.h"
 #include "box/core/topology.h"
 #include "box/state/files.h"
 #include "box/watch/event_log.h"
@@ -17,9 +17,11 @@ namespace olt::box {
 
 class Hardware {
  public:
-  /// Starts from the saved configuration; from the factory state when there is none.
-  /// Throws std::runtime_error when the saved configuration is damaged.
   Hardware(const Topology &topology, StateDirectory &state, Listings listings, Clock clock);
+
+  /// Starts these families from the saved configuration; from the factory state when there is none.
+  /// Throws std::runtime_error when the saved configuration is damaged.
+  void start(std::vector<std::unique_ptr<Family>> families);
 
   const Topology &topology() const { return topology_; }
   EventLog &events() { return events_; }

@@ -3,7 +3,6 @@
 #define OLT_BOX_ONT_FAMILIES_H
 
 #include <memory>
-#include <vector>
 
 #include "box/core/hardware.h"
 #include "box/ont/iptv_state.h"
@@ -22,13 +21,9 @@ enum class LineState : uint32_t {
 LineState line_state(const OnuRecords &records, const OnuPart &line, bool onu_is_up);
 const char *line_state_text(LineState state);
 
-std::unique_ptr<Family> make_ont_voice(Hardware &hardware, const SharedOnus &state);
-std::unique_ptr<Family> make_ont_wan(Hardware &hardware, const SharedOnus &state);
-std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, const SharedOnus &state, SharedIptv iptv);
-
-/// Adds all of them, in the order in which listings show them.
-void add_ont_families(Hardware &hardware, const SharedOnus &state, const SharedIptv &iptv,
-                      std::vector<std::unique_ptr<Family>> &families);
+std::unique_ptr<Family> make_ont_voice(Hardware &hardware, OnuState &state);
+std::unique_ptr<Family> make_ont_wan(Hardware &hardware, OnuState &state);
+std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, OnuState &state, IptvState &iptv);
 
 }  // namespace olt::box
 

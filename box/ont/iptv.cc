@@ -37,10 +37,10 @@ Status delete_channel(IptvState::Channels &channels, const Request &request) {
 
 class OntIptv final : public OnuFamily {
  public:
-  OntIptv(Hardware &hardware, const SharedOnus &shared, SharedIptv iptv)
-      : OnuFamily("ont-iptv", shared, {&shared->records.iptv_profile}),
+  OntIptv(Hardware &hardware, OnuState &shared, IptvState &iptv)
+      : OnuFamily("ont-iptv", shared, {&shared.records.iptv_profile}),
         hardware_(hardware),
-        iptv_(std::move(iptv)) {}
+        iptv_(iptv) {}
 
   std::vector<Message> messages() override {
     return {
@@ -70,7 +70,7 @@ class OntIptv final : public OnuFamily {
 
   Json configuration() const override {
     Json profiles = Json::array();
-    for (const auto &[name, channels] : iptv_->profiles) {
+    for (const auto &[name, channels] : iptv_.profiles) {
       Json list = Json::array();
       for (const auto &[number, settings] : channels) {
         list.push_back({{"number", number}, {"settings", to_hex(settings)}});
@@ -78,7 +78,7 @@ class OntIptv final : public OnuFamily {
       profiles.push_back({{"name", bytes_to_utf8(name)}, {"channels", list}});
     }
     Json user_channels = Json::array();
-    for (const UserChannel &channel : iptv_->user_channels) {
+    for (const UserChannel &channel : iptv_.user_channels) {
       user_channels.push_back({{"user", to_hex(channel.user)},
                                {"a", channel.a},
                                {"b", channel.b},
@@ -92,8 +92,8 @@ class OntIptv final : public OnuFamily {
 
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
-    iptv_->profiles.clear();
-    iptv_->user_channels.clear();
+    iptv_.profiles.clear();
+    iptv_.user_channels.clear();
     for_each_element(
         reader.get("profiles"), reader.place_of("profiles"),
         [this](const Json &element, const std::string &at) { take_profile(element, at); });
@@ -102,7 +102,7 @@ class OntIptv final : public OnuFamily {
         [this](const Json &element, const std::string &at) { take_user_channel(element, at); });
     OnuFamily::configure(reader.get("onus"), reader.place_of("onus"));
     for (const auto &[onu, record] : attachments().kept()) {
-      if (!iptv_->profiles.contains(text_in(record))) {
+      if (!iptv_.profiles.contains(text_in(record))) {
         refuse(reader.place_of("onus"), reader.get("onus"), "profiles that exist");
       }
     }
@@ -111,22 +111,22 @@ class OntIptv final : public OnuFamily {
 
   void restore_factory() override {
     OnuFamily::restore_factory();
-    iptv_->profiles.clear();
-    iptv_->user_channels.clear();
+    iptv_.profiles.clear();
+    iptv_.user_channels.clear();
   }
 
   void describe_configuration(Report &report) const override {
-    if (!iptv_->profiles.empty()) report.section("IPTV profiles");
-    for (const auto &[name, channels] : iptv_->profiles) {
+    if (!iptv_.profiles.empty()) report.section("IPTV profiles");
+    for (const auto &[name, channels] : iptv_.profiles) {
       report.row({printable_ascii(name), channels_text(channels)});
       for (const auto &[number, settings] : channels) {
         report.row({"", fmt::to_string(number), to_hex(settings)});
       }
     }
-    if (!iptv_->user_channels.empty()) {
+    if (!iptv_.user_channels.empty()) {
       report.section("IPTV channels of single users", {"User", "a", "b", "c", "d"});
     }
-    for (const UserChannel &channel : iptv_->user_channels) {
+    for (const UserChannel &channel : iptv_.user_channels) {
       report.row({mac_text(channel.user), fmt::to_string(channel.a), fmt::to_string(channel.b),
                   fmt::to_string(channel.c), fmt::to_string(channel.d)});
     }
@@ -134,8 +134,8 @@ class OntIptv final : public OnuFamily {
   }
 
   size_t footprint() const override {
-    size_t size = OnuFamily::footprint() + iptv_->user_channels.size() * sizeof(UserChannel);
-    for (const auto &[name, channels] : iptv_->profiles) {
+    size_t size = OnuFamily::footprint() + iptv_.user_channels.size() * sizeof(UserChannel);
+    for (const auto &[name, channels] : iptv_.profiles) {
       size +=
           sizeof(Profiles::value_type) + channels.size() * sizeof(IptvState::Channels::value_type);
     }
@@ -152,8 +152,8 @@ class OntIptv final : public OnuFamily {
     auto handler = [this, name_at, act = std::move(act)](const Request &request, Reply &reply) {
       std::string name = text_of(request.record<ProfileName>(name_at).name);
       if (name.empty()) return Status::kBadValue;
-      auto profile = iptv_->profiles.find(name);
-      if (profile == iptv_->profiles.end()) return Status::kNotFound;
+      auto profile = iptv_.profiles.find(name);
+      if (profile == iptv_.profiles.end()) return Status::kNotFound;
       return act(profile, request, reply);
     };
     return {kMainModule, type, message, exactly(name_at + sizeof(ProfileName)), handler};
@@ -171,9 +171,9 @@ class OntIptv final : public OnuFamily {
   Status create(const Request &request, Reply & /*reply*/) {
     std::string name = text_of(request.record<ProfileName>().name);
     if (name.empty()) return Status::kBadValue;
-    if (iptv_->profiles.contains(name)) return Status::kExists;
-    if (iptv_->profiles.size() == kMostProfiles) return Status::kFull;
-    iptv_->profiles[name];
+    if (iptv_.profiles.contains(name)) return Status::kExists;
+    if (iptv_.profiles.size() == kMostProfiles) return Status::kFull;
+    iptv_.profiles[name];
     record(name, "created");
     return Status::kOk;
   }
@@ -181,7 +181,7 @@ class OntIptv final : public OnuFamily {
   Status remove(Profile profile) {
     for (const OnuPart &onu : users_of(profile->first)) attachments().erase(onu);
     record(profile->first, "cleared");
-    iptv_->profiles.erase(profile);
+    iptv_.profiles.erase(profile);
     return Status::kOk;
   }
 
@@ -202,7 +202,7 @@ class OntIptv final : public OnuFamily {
     auto field = request.record<ProfileName>(sizeof(OntTarget));
     std::string name = text_of(field.name);
     if (name.empty()) return Status::kBadValue;
-    if (!iptv_->profiles.contains(name)) return Status::kNotFound;
+    if (!iptv_.profiles.contains(name)) return Status::kNotFound;
     set_text(field.name, name);
     attachments().set(onu, bytes_of(field));
     return Status::kOk;
@@ -217,14 +217,14 @@ class OntIptv final : public OnuFamily {
   Status add_user_channel(const Request &request, Reply & /*reply*/) {
     UserChannel channel = read_user_channel(request);
     if (!is_unicast(channel.user)) return Status::kBadValue;
-    if (iptv_->user_channels.contains(channel)) return Status::kExists;
-    if (iptv_->user_channels.size() == kMostUserChannels) return Status::kFull;
-    iptv_->user_channels.insert(channel);
+    if (iptv_.user_channels.contains(channel)) return Status::kExists;
+    if (iptv_.user_channels.size() == kMostUserChannels) return Status::kFull;
+    iptv_.user_channels.insert(channel);
     return Status::kOk;
   }
 
   Status delete_user_channel(const Request &request, Reply & /*reply*/) {
-    bool known = iptv_->user_channels.erase(read_user_channel(request)) != 0;
+    bool known = iptv_.user_channels.erase(read_user_channel(request)) != 0;
     return known ? Status::kOk : Status::kNotFound;
   }
 
@@ -245,10 +245,10 @@ class OntIptv final : public OnuFamily {
     ObjectReader reader(element, place);
     std::string name = reader.bytes("name", sizeof(ProfileName));
     bool usable = !name.empty() && name.find('\0') == std::string::npos;
-    if (!usable || iptv_->profiles.contains(name)) {
+    if (!usable || iptv_.profiles.contains(name)) {
       refuse(reader.place_of("name"), reader.get("name"), "a name, each once");
     }
-    IptvState::Channels &channels = iptv_->profiles[name];
+    IptvState::Channels &channels = iptv_.profiles[name];
     for_each_element(reader.get("channels"), reader.place_of("channels"),
                      [&channels](const Json &channel, const std::string &at) {
                        ObjectReader members(channel, at);
@@ -268,7 +268,7 @@ class OntIptv final : public OnuFamily {
     channel.c = static_cast<uint16_t>(reader.number("c", kAnyU16));
     channel.d = static_cast<uint32_t>(reader.number("d", kAnyU32));
     reader.finish();
-    iptv_->user_channels.insert(channel);
+    iptv_.user_channels.insert(channel);
   }
 
   RecordTable &attachments() const { return state().records.iptv_profile; }
@@ -279,14 +279,13 @@ class OntIptv final : public OnuFamily {
   }
 
   Hardware &hardware_;
-  SharedIptv iptv_;
+  IptvState &iptv_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, const SharedOnus &state,
-                                      SharedIptv iptv) {
-  return std::make_unique<OntIptv>(hardware, state, std::move(iptv));
+std::unique_ptr<Family> make_ont_iptv(Hardware &hardware, OnuState &state, IptvState &iptv) {
+  return std::make_unique<OntIptv>(hardware, state, iptv);
 }
 
 }  // namespace olt::box

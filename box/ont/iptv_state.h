@@ -37,8 +37,6 @@ struct IptvState {
   std::set<UserChannel> user_channels;
 };
 
-using SharedIptv = std::shared_ptr<IptvState>;
-
 }  // namespace olt::box
 
 #endif

@@ -18,11 +18,10 @@ bool has_account(const OnuRecords &records, const OnuPart &line) {
 
 class OntVoice final : public OnuFamily {
  public:
-  OntVoice(Hardware &hardware, const SharedOnus &shared)
-      : OnuFamily(
-            "ont-voice", shared,
-            {&shared->records.sip, &shared->records.voice_interface, &shared->records.line_status,
-             &shared->records.user_account, &shared->records.fax}),
+  OntVoice(Hardware &hardware, OnuState &shared)
+      : OnuFamily("ont-voice", shared,
+                  {&shared.records.sip, &shared.records.voice_interface,
+                   &shared.records.line_status, &shared.records.user_account, &shared.records.fax}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
@@ -159,7 +158,7 @@ const char *line_state_text(LineState state) {
   return "unknown";
 }
 
-std::unique_ptr<Family> make_ont_voice(Hardware &hardware, const SharedOnus &state) {
+std::unique_ptr<Family> make_ont_voice(Hardware &hardware, OnuState &state) {
   return std::make_unique<OntVoice>(hardware, state);
 }
 

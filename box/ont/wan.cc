@@ -13,9 +13,9 @@ enum Action : uint32_t { kSave = 1, kRestoreDefaults = 2, kRestart = 3 };
 
 class OntWan final : public OnuFamily {
  public:
-  OntWan(Hardware &hardware, const SharedOnus &shared)
+  OntWan(Hardware &hardware, OnuState &shared)
       : OnuFamily("ont-wan", shared,
-                  {&shared->records.wan_connection, &shared->records.configuration_action}),
+                  {&shared.records.wan_connection, &shared.records.configuration_action}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
@@ -90,7 +90,7 @@ class OntWan final : public OnuFamily {
 
 }  // namespace
 
-std::unique_ptr<Family> make_ont_wan(Hardware &hardware, const SharedOnus &state) {
+std::unique_ptr<Family> make_ont_wan(Hardware &hardware, OnuState &state) {
   return std::make_unique<OntWan>(hardware, state);
 }
 

@@ -88,8 +88,7 @@ bool PonAccess::as_from_factory() const {
                                                [](const AllowList &list) { return list.empty(); });
 }
 
-PonAdmission::PonAdmission(SharedOnus onus)
-    : onus_(std::move(onus)), access_(onus_->topology.pon_interfaces) {}
+PonAdmission::PonAdmission(OnuState &onus) : onus_(onus), access_(onus_.topology.pon_interfaces) {}
 
 Verdict PonAdmission::judge(const Onu &onu) const {
   const PonAccess &access = of(onu.place().interface);
@@ -101,7 +100,7 @@ void PonAdmission::clear() {
 }
 
 void PonAdmission::try_all(uint32_t interface, TimePoint now) {
-  for (Onu &onu : onus_->of_interface(interface)) {
+  for (Onu &onu : onus_.of_interface(interface)) {
     if (judge(onu) == Verdict::kAllowed) {
       onu.admit(now);
     } else {
@@ -117,7 +116,7 @@ void PonAdmission::try_anew(Onu &onu, TimePoint now) const {
 
 size_t PonAdmission::throw_out(uint32_t interface, TimePoint now) {
   size_t count = 0;
-  for (Onu &onu : onus_->of_interface(interface)) {
+  for (Onu &onu : onus_.of_interface(interface)) {
     if (!onu.admitted() || judge(onu) == Verdict::kAllowed) continue;
     onu.block(now);
     ++count;

@@ -78,7 +78,7 @@ struct PonAccess {
 /// Lets the ONUs in and keeps them out, as the interfaces' authentication says.
 class PonAdmission {
  public:
-  explicit PonAdmission(SharedOnus onus);
+  explicit PonAdmission(OnuState &onus);
 
   PonAccess &of(uint32_t interface) { return access_[interface - 1]; }
   const PonAccess &of(uint32_t interface) const { return access_[interface - 1]; }
@@ -96,11 +96,9 @@ class PonAdmission {
   size_t footprint() const;
 
  private:
-  SharedOnus onus_;
+  OnuState &onus_;
   std::vector<PonAccess> access_;
 };
-
-using SharedAdmission = std::shared_ptr<PonAdmission>;
 
 }  // namespace olt::box
 

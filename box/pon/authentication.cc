@@ -33,14 +33,14 @@ const char *verdict_text(Verdict verdict) {
 
 class PonAuthentication final : public Family {
  public:
-  PonAuthentication(Hardware &hardware, SharedOnus state, SharedAdmission admission)
-      : hardware_(hardware), state_(std::move(state)), admission_(std::move(admission)) {}
+  PonAuthentication(Hardware &hardware, OnuState &state, PonAdmission &admission)
+      : hardware_(hardware), state_(state), admission_(admission) {}
 
   std::string_view name() const override { return "pon-authentication"; }
 
   std::vector<Message> messages() override {
     return {
-        interface_listing(hardware_, *state_, 37, "blocked-onus", "blocklist",
+        interface_listing(hardware_, state_, 37, "blocked-onus", "blocklist",
                           [this](uint32_t interface) { return list_blocked(interface); }),
         entries_message(41, "unblock-onus",
                         [this](uint32_t interface, const Entries &entries) {
@@ -54,7 +54,7 @@ class PonAuthentication final : public Family {
         list_message(113, "disallow-macs", AuthMode::kMac, &AllowList::remove),
         {kMainModule, 114, "set-auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::set_mode)},
-        interface_listing(hardware_, *state_, 115, "auth-lists", "authmode",
+        interface_listing(hardware_, state_, 115, "auth-lists", "authmode",
                           [this](uint32_t interface) { return list_access(interface); }),
         {kMainModule, 116, "auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::mode)},
@@ -64,7 +64,7 @@ class PonAuthentication final : public Family {
   Json configuration() const override {
     Json interfaces = Json::array();
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      const PonAccess &access = admission_->of(interface);
+      const PonAccess &access = admission_.of(interface);
       if (access.as_from_factory()) continue;
       Json value = {{"interface", interface}, {"mode", static_cast<uint32_t>(access.mode)}};
       for (size_t i = 0; i < access.lists.size(); ++i) {
@@ -80,7 +80,7 @@ class PonAuthentication final : public Family {
   }
 
   void configure(const Json &value, const std::string &place) override {
-    admission_->clear();
+    admission_.clear();
     ObjectReader reader(value, place);
     for_each_element(reader.get("interfaces"), reader.place_of("interfaces"),
                      [this](const Json &element, const std::string &at) { take(element, at); });
@@ -89,7 +89,7 @@ class PonAuthentication final : public Family {
   }
 
   void restore_factory() override {
-    admission_->clear();
+    admission_.clear();
     try_all();
   }
 
@@ -110,7 +110,7 @@ class PonAuthentication final : public Family {
   }
 
   void reboot() override {
-    for (Onu &onu : state_->onus) {
+    for (Onu &onu : state_.onus) {
       onu.admit(hardware_.now());
       onu.restart(hardware_.now());
     }
@@ -120,13 +120,13 @@ class PonAuthentication final : public Family {
     report.section("Authentication of ONUs",
                    {"PON interface", "Mode", "MAC addresses", "LOIDs", "MAC addresses with LOIDs"});
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      const PonAccess &access = admission_->of(interface);
+      const PonAccess &access = admission_.of(interface);
       std::vector<std::string> cells = {pon_name(interface), auth_mode_name(access.mode)};
       for (const AllowList &list : access.lists) cells.push_back(fmt::to_string(list.size()));
       report.row(std::move(cells));
     }
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      for (const AllowList &list : admission_->of(interface).lists) {
+      for (const AllowList &list : admission_.of(interface).lists) {
         if (!list.empty()) add_list(report, interface, list);
       }
     }
@@ -137,24 +137,24 @@ class PonAuthentication final : public Family {
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
       size_t up = count(interface, Presence::kUp);
       size_t away = count(interface, Presence::kAway);
-      report.row({pon_name(interface), auth_mode_name(admission_->of(interface).mode),
+      report.row({pon_name(interface), auth_mode_name(admission_.of(interface).mode),
                   fmt::to_string(up), fmt::to_string(away),
                   fmt::to_string(count(interface, Presence::kBlocked))});
     }
   }
 
   size_t footprint() const override {
-    return sizeof *this + state_->onus.capacity() * sizeof(Onu) + admission_->footprint();
+    return sizeof *this + state_.onus.capacity() * sizeof(Onu) + admission_.footprint();
   }
 
  private:
   using Entries = std::vector<AuthEntry>;
   using EntriesAction = std::function<Status(uint32_t interface, const Entries &entries)>;
 
-  uint32_t interfaces_count() const { return state_->topology.pon_interfaces; }
+  uint32_t interfaces_count() const { return state_.topology.pon_interfaces; }
 
   size_t count(uint32_t interface, Presence presence) const {
-    auto onus = state_->of_interface(interface);
+    auto onus = state_.of_interface(interface);
     TimePoint now = hardware_.now();
     return static_cast<size_t>(std::count_if(
         onus.begin(), onus.end(), [&](const Onu &onu) { return onu.presence(now) == presence; }));
@@ -163,7 +163,7 @@ class PonAuthentication final : public Family {
   void try_all() {
     TimePoint now = hardware_.now();
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      admission_->try_all(interface, now);
+      admission_.try_all(interface, now);
     }
   }
 
@@ -181,7 +181,7 @@ class PonAuthentication final : public Family {
     auto handler = [this, act = std::move(act)](const Request &request, Reply & /*reply*/) {
       Entries entries = request.records<AuthEntry>(kHead);
       auto head = request.record<PonInterface>();
-      if (!state_->has_interface(head.slot, head.interface)) return Status::kNotFound;
+      if (!state_.has_interface(head.slot, head.interface)) return Status::kNotFound;
       return act(head.interface, entries);
     };
     return {kMainModule, type, name, lengths, handler};
@@ -190,9 +190,9 @@ class PonAuthentication final : public Family {
   Message list_message(uint32_t type, std::string_view name, AuthMode mode,
                        Status (AllowList::*change)(const Entries &)) {
     return entries_message(type, name, [=, this](uint32_t interface, const Entries &entries) {
-      Status status = (admission_->of(interface).list(mode).*change)(entries);
+      Status status = (admission_.of(interface).list(mode).*change)(entries);
       if (status != Status::kOk) return status;
-      size_t thrown_out = admission_->throw_out(interface, hardware_.now());
+      size_t thrown_out = admission_.throw_out(interface, hardware_.now());
       if (thrown_out > 0) record(interface, fmt::format("ONUs thrown out: {}", thrown_out));
       return status;
     });
@@ -201,33 +201,33 @@ class PonAuthentication final : public Family {
   Status unblock(uint32_t interface, const Entries &entries) {
     std::vector<Onu *> unblocked;
     for (const AuthEntry &entry : entries) {
-      Onu *onu = state_->find(interface, entry.mac);
+      Onu *onu = state_.find(interface, entry.mac);
       if (onu == nullptr || onu->admitted()) return Status::kNotFound;
       unblocked.push_back(onu);
     }
-    for (Onu *onu : unblocked) admission_->try_anew(*onu, hardware_.now());
+    for (Onu *onu : unblocked) admission_.try_anew(*onu, hardware_.now());
     record(interface, fmt::format("deleted from the block list: {}", unblocked.size()));
     return Status::kOk;
   }
 
   Status set_mode(const Request &request, Reply & /*reply*/) {
     auto asked = request.record<PonInterface>();
-    if (!state_->has_interface(asked.slot, asked.interface)) return Status::kNotFound;
+    if (!state_.has_interface(asked.slot, asked.interface)) return Status::kNotFound;
     if (asked.auth_mode > kLastAuthMode) return Status::kBadValue;
     auto mode = static_cast<AuthMode>(asked.auth_mode);
-    admission_->of(asked.interface).mode = mode;
-    admission_->try_all(asked.interface, hardware_.now());
+    admission_.of(asked.interface).mode = mode;
+    admission_.try_all(asked.interface, hardware_.now());
     record(asked.interface, fmt::format("authentication {}", auth_mode_name(mode)));
     return Status::kOk;
   }
 
   Status mode(const Request &request, Reply &reply) {
     auto asked = request.record<PonInterface>();
-    if (!state_->has_interface(asked.slot, asked.interface)) return Status::kNotFound;
+    if (!state_.has_interface(asked.slot, asked.interface)) return Status::kNotFound;
     reply.record(PonInterface{
         .slot = kPonSlot,
         .interface = asked.interface,
-        .auth_mode = static_cast<uint32_t>(admission_->of(asked.interface).mode),
+        .auth_mode = static_cast<uint32_t>(admission_.of(asked.interface).mode),
     });
     return Status::kOk;
   }
@@ -237,16 +237,16 @@ class PonAuthentication final : public Family {
     size_t blocked = count(interface, Presence::kBlocked);
     report.section(fmt::format("{} {}", blocked, blocked == 1 ? "ONU" : "ONUs"),
                    {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
-    for (const Onu &onu : state_->of_interface(interface)) {
+    for (const Onu &onu : state_.of_interface(interface)) {
       if (onu.admitted()) continue;
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(), utc_seconds(onu.from()),
-                  verdict_text(admission_->judge(onu))});
+                  verdict_text(admission_.judge(onu))});
     }
     return report;
   }
 
   Report list_access(uint32_t interface) const {
-    const PonAccess &access = admission_->of(interface);
+    const PonAccess &access = admission_.of(interface);
     Report report("Authentication on PON interface " + pon_name(interface));
     report.section("Mode");
     report.row({fmt::to_string(static_cast<uint32_t>(access.mode)), auth_mode_name(access.mode)});
@@ -274,7 +274,7 @@ class PonAuthentication final : public Family {
 
   void take(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
-    PonAccess &access = admission_->of(read_interface(reader));
+    PonAccess &access = admission_.of(read_interface(reader));
     access.mode = static_cast<AuthMode>(reader.number("mode", {0, kLastAuthMode}));
     for (size_t i = 0; i < access.lists.size(); ++i) {
       for_each_element(
@@ -297,7 +297,7 @@ class PonAuthentication final : public Family {
   /// ONUs that stand alike are written together: as a rule that is all of an interface.
   void add_groups(uint32_t interface, Json &groups) const {
     std::map<std::pair<bool, uint64_t>, IdSet> alike;
-    for (const Onu &onu : state_->of_interface(interface)) {
+    for (const Onu &onu : state_.of_interface(interface)) {
       alike[{onu.admitted(), to_milliseconds(onu.from())}].set(onu.place().onu);
     }
     for (const auto &[standing, onus] : alike) {
@@ -317,7 +317,7 @@ class PonAuthentication final : public Family {
     reader.finish();
     for (IdRange range : ranges_of(onus)) {
       for (uint32_t number = range.first; number <= range.last; ++number) {
-        Onu *onu = state_->find(interface, number);
+        Onu *onu = state_.find(interface, number);
         if (onu == nullptr) {
           refuse(reader.place_of("onus"), reader.get("onus"), "ONUs that the box has");
         }
@@ -328,15 +328,15 @@ class PonAuthentication final : public Family {
   }
 
   Hardware &hardware_;
-  SharedOnus state_;
-  SharedAdmission admission_;
+  OnuState &state_;
+  PonAdmission &admission_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_pon_authentication(Hardware &hardware, SharedOnus state,
-                                                SharedAdmission admission) {
-  return std::make_unique<PonAuthentication>(hardware, std::move(state), std::move(admission));
+std::unique_ptr<Family> make_pon_authentication(Hardware &hardware, OnuState &state,
+                                                PonAdmission &admission) {
+  return std::make_unique<PonAuthentication>(hardware, state, admission);
 }
 
 }  // namespace olt::box

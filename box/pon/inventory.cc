@@ -24,24 +24,23 @@ std::string since_start(TimePoint start, TimePoint now) {
 
 class PonInventory final : public Family {
  public:
-  PonInventory(Hardware &hardware, SharedOnus state)
-      : hardware_(hardware), state_(std::move(state)) {}
+  PonInventory(Hardware &hardware, OnuState &state) : hardware_(hardware), state_(state) {}
 
   std::string_view name() const override { return "pon-inventory"; }
 
   std::vector<Message> messages() override {
     return {
-        interface_listing(hardware_, *state_, 35, "onus", "onulist",
+        interface_listing(hardware_, state_, 35, "onus", "onulist",
                           [this](uint32_t interface) { return list_onus(interface); }),
-        interface_listing(hardware_, *state_, 36, "links", "linklist",
+        interface_listing(hardware_, state_, 36, "links", "linklist",
                           [this](uint32_t interface) { return list_links(interface); }),
         onu_listing(47, "onu-info", "onuinfo", "Basic information of ONU",
                     &PonInventory::show_basics),
         onu_listing(48, "onu-config", "onuconfig", "Running configuration of ONU",
                     &PonInventory::show_configuration),
-        part_message(*state_, 65, "onu-mac", Scope::kOnu, exactly(0),
+        part_message(state_, 65, "onu-mac", Scope::kOnu, exactly(0),
                      [this](const OnuPart &place, const Request &request, Reply &reply) {
-                       return tell_mac(*state_->find(place), request, reply);
+                       return tell_mac(*state_.find(place), request, reply);
                      }),
         onu_listing(106, "onu-optics", "optical", "Optical readings of ONU",
                     &PonInventory::show_optics),
@@ -53,27 +52,27 @@ class PonInventory final : public Family {
  private:
   Message onu_listing(uint32_t type, std::string_view name, std::string_view kind,
                       std::string_view title, Status (PonInventory::*show)(const Onu &, Report &)) {
-    return listing_message(hardware_, *state_, type, name, Scope::kOnu, kind, title,
+    return listing_message(hardware_, state_, type, name, Scope::kOnu, kind, title,
                            [this, show](const OnuPart &place, Report &report) {
-                             return (this->*show)(*state_->find(place), report);
+                             return (this->*show)(*state_.find(place), report);
                            });
   }
 
   /// When the ONU began to be as it is.
   std::string since(const Onu &onu) const {
     bool away = onu.presence(hardware_.now()) == Presence::kAway;
-    return utc_seconds(away ? onu.from() - state_->topology.onu_restart : onu.from());
+    return utc_seconds(away ? onu.from() - state_.topology.onu_restart : onu.from());
   }
 
   std::string description(const Onu &onu) const {
-    const RecordTable &table = state_->records.description;
+    const RecordTable &table = state_.records.description;
     std::string text = table.show(table.at(onu.place()));
     return text.empty() ? "-" : text;
   }
 
   Report list_onus(uint32_t interface) const {
     TimePoint now = hardware_.now();
-    auto onus = state_->of_interface(interface);
+    auto onus = state_.of_interface(interface);
     auto count =
         std::count_if(onus.begin(), onus.end(), [now](const Onu &onu) { return onu.up(now); });
     Report report("ONUs of PON interface " + pon_name(interface));
@@ -89,7 +88,7 @@ class PonInventory final : public Family {
 
   /// What the link may carry at most, as granted; all of the PON while nothing was asked for.
   uint32_t bandwidth(const Onu &onu) const {
-    auto record = Request(state_->records.link_dba.at(onu.place())).record<LinkDba>();
+    auto record = Request(state_.records.link_dba.at(onu.place())).record<LinkDba>();
     return record.granted[1] == 0 ? kMostBandwidth : record.granted[1];
   }
 
@@ -98,7 +97,7 @@ class PonInventory final : public Family {
     Report report("Links of PON interface " + pon_name(interface));
     report.section("Links of the ONUs that are up", {"Link", "Distance in m", "Round trip in ns",
                                                      "Bandwidth in kbit/s", "Up for in s"});
-    for (const Onu &onu : state_->of_interface(interface)) {
+    for (const Onu &onu : state_.of_interface(interface)) {
       if (!onu.up(now)) continue;
       uint32_t length = fibre_length(onu.place());
       report.row({to_text(onu.place()), fmt::to_string(length),
@@ -109,7 +108,7 @@ class PonInventory final : public Family {
   }
 
   Status show_basics(const Onu &onu, Report &report) {
-    const Topology &topology = state_->topology;
+    const Topology &topology = state_.topology;
     report.section("Identity");
     report.row({"MAC address", mac_text(onu.mac())});
     report.row({"LOID", onu.loid()});
@@ -127,7 +126,7 @@ class PonInventory final : public Family {
 
   Status show_configuration(const Onu &onu, Report &report) {
     bool any = false;
-    for (const RecordTable *table : state_->records.all()) {
+    for (const RecordTable *table : state_.records.all()) {
       auto kept = table->kept_of(onu.place());
       if (kept.empty()) continue;
       any = true;
@@ -162,13 +161,13 @@ class PonInventory final : public Family {
   }
 
   Hardware &hardware_;
-  SharedOnus state_;
+  OnuState &state_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_pon_inventory(Hardware &hardware, SharedOnus state) {
-  return std::make_unique<PonInventory>(hardware, std::move(state));
+std::unique_ptr<Family> make_pon_inventory(Hardware &hardware, OnuState &state) {
+  return std::make_unique<PonInventory>(hardware, state);
 }
 
 }  // namespace olt::box

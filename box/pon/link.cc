@@ -15,12 +15,12 @@ using GlobalWord = uint32_t GlobalParameters::*;
 
 class PonLink final : public OnuFamily {
  public:
-  PonLink(Hardware &hardware, const SharedOnus &state, SharedAdmission admission)
+  PonLink(Hardware &hardware, OnuState &state, PonAdmission &admission)
       : OnuFamily("pon-link", state,
-                  {&state->records.feature, &state->records.description, &state->records.link_dba,
-                   &state->records.user_traffic}),
+                  {&state.records.feature, &state.records.description, &state.records.link_dba,
+                   &state.records.user_traffic}),
         hardware_(hardware),
-        admission_(std::move(admission)) {}
+        admission_(admission) {}
 
   std::vector<Message> messages() override {
     OnuRecords &records = state().records;
@@ -117,7 +117,7 @@ class PonLink final : public OnuFamily {
 
   Status clear(Onu &onu) {
     state().forget(onu.place());
-    admission_->try_anew(onu, hardware_.now());
+    admission_.try_anew(onu, hardware_.now());
     record(onu, "cleared");
     return Status::kOk;
   }
@@ -145,15 +145,15 @@ class PonLink final : public OnuFamily {
   }
 
   Hardware &hardware_;
-  SharedAdmission admission_;
+  PonAdmission &admission_;
   GlobalParameters global_ = {};
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_pon_link(Hardware &hardware, const SharedOnus &state,
-                                      SharedAdmission admission) {
-  return std::make_unique<PonLink>(hardware, state, std::move(admission));
+std::unique_ptr<Family> make_pon_link(Hardware &hardware, OnuState &state,
+                                      PonAdmission &admission) {
+  return std::make_unique<PonLink>(hardware, state, admission);
 }
 
 }  // namespace olt::box

@@ -26,10 +26,10 @@ uint32_t wanted_groups(const OnuPart &port) {
 
 class PonMulticast final : public OnuFamily {
  public:
-  PonMulticast(Hardware &hardware, const SharedOnus &state)
+  PonMulticast(Hardware &hardware, OnuState &state)
       : OnuFamily("pon-multicast", state,
-                  {&state->records.multicast_group_limit, &state->records.multicast_vlans,
-                   &state->records.multicast_strip, &state->records.fast_leave}),
+                  {&state.records.multicast_group_limit, &state.records.multicast_vlans,
+                   &state.records.multicast_strip, &state.records.fast_leave}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
@@ -159,7 +159,7 @@ class PonMulticast final : public OnuFamily {
 
 }  // namespace
 
-std::unique_ptr<Family> make_pon_multicast(Hardware &hardware, const SharedOnus &state) {
+std::unique_ptr<Family> make_pon_multicast(Hardware &hardware, OnuState &state) {
   return std::make_unique<PonMulticast>(hardware, state);
 }
 

@@ -2,8 +2,8 @@
 
 namespace olt::box {
 
-OnuFamily::OnuFamily(std::string_view name, SharedOnus state, std::vector<RecordTable *> tables)
-    : name_(name), state_(std::move(state)), tables_(std::move(tables)) {}
+OnuFamily::OnuFamily(std::string_view name, OnuState &state, std::vector<RecordTable *> tables)
+    : name_(name), state_(state), tables_(std::move(tables)) {}
 
 Json OnuFamily::configuration() const {
   Json value = Json::object();
@@ -15,7 +15,7 @@ void OnuFamily::configure(const Json &value, const std::string &place) {
   ObjectReader reader(value, place);
   for (RecordTable *table : tables_) {
     table->from_json(reader.get(table->key()), reader.place_of(table->key()),
-                     [this](Scope scope, const OnuPart &part) { return state_->has(scope, part); });
+                     [this](Scope scope, const OnuPart &part) { return state_.has(scope, part); });
   }
   configure_rest(reader);
   reader.finish();

@@ -2,7 +2,6 @@
 #ifndef OLT_BOX_PON_ONU_FAMILY_H
 #define OLT_BOX_PON_ONU_FAMILY_H
 
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -11,12 +10,10 @@
 
 namespace olt::box {
 
-using SharedOnus = std::shared_ptr<OnuState>;
-
 /// Saves, restores and describes the tables that it is given; they belong to the state.
 class OnuFamily : public Family {
  public:
-  OnuFamily(std::string_view name, SharedOnus state, std::vector<RecordTable *> tables);
+  OnuFamily(std::string_view name, OnuState &state, std::vector<RecordTable *> tables);
 
   std::string_view name() const override { return name_; }
   Json configuration() const override;
@@ -26,14 +23,14 @@ class OnuFamily : public Family {
   size_t footprint() const override;
 
  protected:
-  OnuState &state() const { return *state_; }
+  OnuState &state() const { return state_; }
 
   /// Reads what a family has beside its tables. Throws BadInput.
   virtual void configure_rest(ObjectReader & /*reader*/) {}
 
  private:
   std::string_view name_;
-  SharedOnus state_;
+  OnuState &state_;
   std::vector<RecordTable *> tables_;
 };
 

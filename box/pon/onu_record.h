@@ -12,7 +12,6 @@
 #include <tuple>
 #include <vector>
 
-#include "box/core/listing.h"
 #include "box/state/json.h"
 
 namespace olt::box {

@@ -11,12 +11,12 @@ namespace {
 
 class PonUniPort final : public OnuFamily {
  public:
-  PonUniPort(Hardware &hardware, const SharedOnus &state)
-      : OnuFamily("pon-uni-port", state,
-                  {&state->records.port_alarm, &state->records.port_loopback,
-                   &state->records.port_vlan_mode, &state->records.port_down_rate,
-                   &state->records.port_policing, &state->records.port_info,
-                   &state->records.port_description}),
+  PonUniPort(Hardware &hardware, OnuState &state)
+      : OnuFamily(
+            "pon-uni-port", state,
+            {&state.records.port_alarm, &state.records.port_loopback, &state.records.port_vlan_mode,
+             &state.records.port_down_rate, &state.records.port_policing, &state.records.port_info,
+             &state.records.port_description}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
@@ -97,7 +97,7 @@ class PonUniPort final : public OnuFamily {
 
 }  // namespace
 
-std::unique_ptr<Family> make_pon_uni_port(Hardware &hardware, const SharedOnus &state) {
+std::unique_ptr<Family> make_pon_uni_port(Hardware &hardware, OnuState &state) {
   return std::make_unique<PonUniPort>(hardware, state);
 }
 

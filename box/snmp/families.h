@@ -3,7 +3,6 @@
 #define OLT_BOX_SNMP_FAMILIES_H
 
 #include <memory>
-#include <vector>
 
 #include "box/core/hardware.h"
 #include "box/ont/iptv_state.h"
@@ -18,14 +17,9 @@ inline bool is_selector(uint32_t word) {
   return word == kThisRow || word == kNextRow;
 }
 
-std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, SharedOnus onus, SharedIptv iptv);
-std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SharedSwitch ethernet,
-                                           SharedOnus onus, SharedAdmission admission);
-
-/// Adds both.
-void add_snmp_families(Hardware &hardware, const SharedSwitch &ethernet, const SharedOnus &onus,
-                       const SharedAdmission &admission, const SharedIptv &iptv,
-                       std::vector<std::unique_ptr<Family>> &families);
+std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, OnuState &onus, IptvState &iptv);
+std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SwitchState &ethernet,
+                                           OnuState &onus, PonAdmission &admission);
 
 }  // namespace olt::box
 

@@ -16,11 +16,8 @@ constexpr uint32_t kPortsInWord = 32;
 
 class SnmpOltRows final : public Family {
  public:
-  SnmpOltRows(Hardware &hardware, SharedSwitch ethernet, SharedOnus onus, SharedAdmission admission)
-      : hardware_(hardware),
-        ethernet_(std::move(ethernet)),
-        onus_(std::move(onus)),
-        admission_(std::move(admission)) {}
+  SnmpOltRows(Hardware &hardware, SwitchState &ethernet, OnuState &onus, PonAdmission &admission)
+      : hardware_(hardware), ethernet_(ethernet), onus_(onus), admission_(admission) {}
 
   std::string_view name() const override { return "snmp-olt-rows"; }
 
@@ -41,9 +38,9 @@ class SnmpOltRows final : public Family {
     if (!is_selector(index.selector)) return Status::kBadValue;
     VlanRow row = {.selector = index.selector, .vlan = index.vlan};
     if (row.selector == kNextRow) row.vlan = behind(row.vlan);
-    if (row.vlan > kLastVlan || !ethernet_->vlans[row.vlan]) return Status::kNotFound;
-    auto description = ethernet_->descriptions.find(static_cast<uint16_t>(row.vlan));
-    if (description != ethernet_->descriptions.end()) {
+    if (row.vlan > kLastVlan || !ethernet_.vlans[row.vlan]) return Status::kNotFound;
+    auto description = ethernet_.descriptions.find(static_cast<uint16_t>(row.vlan));
+    if (description != ethernet_.descriptions.end()) {
       set_text(row.description, description->second);
     }
     count_members(row);
@@ -55,13 +52,13 @@ class SnmpOltRows final : public Family {
   uint32_t behind(uint32_t vlan) const {
     if (vlan > kLastVlan) return vlan;
     do ++vlan;
-    while (vlan <= kLastVlan && !ethernet_->vlans[vlan]);
+    while (vlan <= kLastVlan && !ethernet_.vlans[vlan]);
     return vlan;
   }
 
   void count_members(VlanRow &row) const {
-    for (const EthernetPort &port : ethernet_->ports) {
-      const Membership &membership = ethernet_->memberships[port.number() - 1];
+    for (const EthernetPort &port : ethernet_.ports) {
+      const Membership &membership = ethernet_.memberships[port.number() - 1];
       uint32_t bit = port.number() <= kPortsInWord ? 1U << (port.number() - 1) : 0;
       bool tagged = membership.tagged[row.vlan];
       bool untagged = membership.untagged[row.vlan];
@@ -75,9 +72,9 @@ class SnmpOltRows final : public Family {
     auto index = request.record<BasicPortRow>();
     if (!is_selector(index.selector)) return Status::kBadValue;
     bool next = index.selector == kNextRow;
-    auto number = in_slot(kEthernetSlot, ethernet_->ports.size(), index.slot, index.port, next);
+    auto number = in_slot(kEthernetSlot, ethernet_.ports.size(), index.slot, index.port, next);
     if (!number) return Status::kNotFound;
-    PortRecord port = ethernet_->ports[*number - 1].record(hardware_.now());
+    PortRecord port = ethernet_.ports[*number - 1].record(hardware_.now());
     reply.record(BasicPortRow{.selector = index.selector,
                               .slot = port.slot,
                               .port = port.port,
@@ -100,7 +97,7 @@ class SnmpOltRows final : public Family {
     bool next = index.selector == kNextRow;
     auto interface = in_slot(kPonSlot, topology.pon_interfaces, index.slot, index.interface, next);
     if (!interface) return Status::kNotFound;
-    const PonAccess &access = admission_->of(*interface);
+    const PonAccess &access = admission_.of(*interface);
     reply.record(AuthRow{.selector = index.selector,
                          .slot = kPonSlot,
                          .interface = *interface,
@@ -121,7 +118,7 @@ class SnmpOltRows final : public Family {
 
   uint32_t count(uint32_t interface, Presence presence) const {
     TimePoint now = hardware_.now();
-    auto onus = onus_->of_interface(interface);
+    auto onus = onus_.of_interface(interface);
     return static_cast<uint32_t>(
         std::count_if(onus.begin(), onus.end(),
                       [now, presence](const Onu &onu) { return onu.presence(now) == presence; }));
@@ -138,17 +135,16 @@ class SnmpOltRows final : public Family {
   }
 
   Hardware &hardware_;
-  SharedSwitch ethernet_;
-  SharedOnus onus_;
-  SharedAdmission admission_;
+  SwitchState &ethernet_;
+  OnuState &onus_;
+  PonAdmission &admission_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SharedSwitch ethernet,
-                                           SharedOnus onus, SharedAdmission admission) {
-  return std::make_unique<SnmpOltRows>(hardware, std::move(ethernet), std::move(onus),
-                                       std::move(admission));
+std::unique_ptr<Family> make_snmp_olt_rows(Hardware &hardware, SwitchState &ethernet,
+                                           OnuState &onus, PonAdmission &admission) {
+  return std::make_unique<SnmpOltRows>(hardware, ethernet, onus, admission);
 }
 
 }  // namespace olt::box

@@ -43,10 +43,8 @@ auto select(const Map &map, const typename Map::key_type &key, uint32_t selector
 
 class SnmpOnuRows final : public OnuFamily {
  public:
-  SnmpOnuRows(Hardware &hardware, SharedOnus state, SharedIptv iptv)
-      : OnuFamily("snmp-onu-rows", std::move(state), {}),
-        hardware_(hardware),
-        iptv_(std::move(iptv)) {}
+  SnmpOnuRows(Hardware &hardware, OnuState &state, IptvState &iptv)
+      : OnuFamily("snmp-onu-rows", state, {}), hardware_(hardware), iptv_(iptv) {}
 
   std::vector<Message> messages() override {
     OnuRecords &records = state().records;
@@ -251,8 +249,8 @@ class SnmpOnuRows final : public OnuFamily {
   Status profile(const Request &request, Reply &reply) {
     auto index = request.record<IptvProfileRow>();
     if (!is_selector(index.selector)) return Status::kBadValue;
-    auto profile = select(iptv_->profiles, text_of(index.profile), index.selector);
-    if (profile == iptv_->profiles.end()) return Status::kNotFound;
+    auto profile = select(iptv_.profiles, text_of(index.profile), index.selector);
+    if (profile == iptv_.profiles.end()) return Status::kNotFound;
     IptvProfileRow row = {.selector = index.selector,
                           .channels = static_cast<uint32_t>(profile->second.size())};
     set_text(row.profile, profile->first);
@@ -264,13 +262,13 @@ class SnmpOnuRows final : public OnuFamily {
     auto index = request.record<IptvChannelRow>();
     if (!is_selector(index.selector)) return Status::kBadValue;
     std::string name = text_of(index.profile);
-    auto profile = iptv_->profiles.find(name);
-    if (profile != iptv_->profiles.end()) {
+    auto profile = iptv_.profiles.find(name);
+    if (profile != iptv_.profiles.end()) {
       auto found = select(profile->second, index.number, index.selector);
       if (found != profile->second.end()) return show_channel(index.selector, name, *found, reply);
     }
     if (index.selector == kThisRow) return Status::kNotFound;
-    for (auto next = iptv_->profiles.upper_bound(name); next != iptv_->profiles.end(); ++next) {
+    for (auto next = iptv_.profiles.upper_bound(name); next != iptv_.profiles.end(); ++next) {
       const auto &[other, channels] = *next;
       if (!channels.empty()) return show_channel(kNextRow, other, *channels.begin(), reply);
     }
@@ -307,13 +305,13 @@ class SnmpOnuRows final : public OnuFamily {
   }
 
   Hardware &hardware_;
-  SharedIptv iptv_;
+  IptvState &iptv_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, SharedOnus onus, SharedIptv iptv) {
-  return std::make_unique<SnmpOnuRows>(hardware, std::move(onus), std::move(iptv));
+std::unique_ptr<Family> make_snmp_onu_rows(Hardware &hardware, OnuState &onus, IptvState &iptv) {
+  return std::make_unique<SnmpOnuRows>(hardware, onus, iptv);
 }
 
 }  // namespace olt::box

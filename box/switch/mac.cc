@@ -53,10 +53,8 @@ std::optional<TimePoint> last_frame(uint32_t station, TimePoint link_from, TimeP
 
 class SwitchMac final : public Family {
  public:
-  SwitchMac(Hardware &hardware, SharedSwitch state)
-      : hardware_(hardware),
-        state_(std::move(state)),
-        forgotten_(state_->ports.size(), hardware_.now()) {}
+  SwitchMac(Hardware &hardware, SwitchState &state)
+      : hardware_(hardware), state_(state), forgotten_(state_.ports.size(), hardware_.now()) {}
 
   std::string_view name() const override { return "switch-mac"; }
 
@@ -90,7 +88,7 @@ class SwitchMac final : public Family {
 
   Json running() const override {
     Json ports = Json::array();
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       ports.push_back(
           {{"port", port.number()}, {"forgotten", to_milliseconds(forgotten_[port.number() - 1])}});
     }
@@ -102,7 +100,7 @@ class SwitchMac final : public Family {
     for_each_element(reader.get("ports"), reader.place_of("ports"),
                      [this](const Json &element, const std::string &at) {
                        ObjectReader port(element, at);
-                       forgotten_[state_->read_port(port) - 1] = read_time(port, "forgotten");
+                       forgotten_[state_.read_port(port) - 1] = read_time(port, "forgotten");
                        port.finish();
                      });
     reader.finish();
@@ -114,7 +112,7 @@ class SwitchMac final : public Family {
     report.section("Static MAC addresses", {"Port", "VLAN", "MAC address"});
     for (const auto &[port, address] : statics_) {
       report.row(
-          {state_->ports[port - 1].name(), fmt::to_string(address.vlan), mac_text(address.mac)});
+          {state_.ports[port - 1].name(), fmt::to_string(address.vlan), mac_text(address.mac)});
     }
   }
 
@@ -131,7 +129,7 @@ class SwitchMac final : public Family {
 
   void take(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
-    uint32_t port = state_->read_port(reader);
+    uint32_t port = state_.read_port(reader);
     Address address = {static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan})), {}};
     auto bytes = from_hex(reader.text("mac"));
     bool whole = bytes && bytes->size() == address.mac.size();
@@ -145,7 +143,7 @@ class SwitchMac final : public Family {
 
   Status list(const Request &request, Reply &reply) {
     auto asked = request.record<ListingRequest>();
-    const EthernetPort *port = state_->find(asked.slot, asked.number);
+    const EthernetPort *port = state_.find(asked.slot, asked.number);
     if (port == nullptr) return Status::kNotFound;
     uint32_t vlan = asked.vlan;
     if (vlan > kLastVlan) return Status::kBadValue;
@@ -189,7 +187,7 @@ class SwitchMac final : public Family {
   }
 
   std::vector<IdRange> vlans_of(const EthernetPort &port) const {
-    const Membership &membership = state_->memberships[port.number() - 1];
+    const Membership &membership = state_.memberships[port.number() - 1];
     return ranges_of(membership.tagged | membership.untagged);
   }
 
@@ -207,7 +205,7 @@ class SwitchMac final : public Family {
 
   Status clear(const Request &request, Reply & /*reply*/) {
     auto record = request.record<PortRecord>();
-    const EthernetPort *port = state_->find(record.slot, record.port);
+    const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     forgotten_[port->number() - 1] = hardware_.now();
     return Status::kOk;
@@ -215,7 +213,7 @@ class SwitchMac final : public Family {
 
   Status act(const Request &request, Reply & /*reply*/) {
     auto record = request.record<PortMac>();
-    const EthernetPort *port = state_->find(record.slot, record.port);
+    const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     Address address = {record.vlan, std::to_array(record.mac)};
     bool sound = address.vlan >= 1 && address.vlan <= kLastVlan && is_unicast(address.mac);
@@ -251,15 +249,15 @@ class SwitchMac final : public Family {
   }
 
   Hardware &hardware_;
-  SharedSwitch state_;
+  SwitchState &state_;
   std::vector<StaticAddress> statics_;
   std::vector<TimePoint> forgotten_;  ///< when the learned addresses were cleared, by port
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_switch_mac(Hardware &hardware, SharedSwitch state) {
-  return std::make_unique<SwitchMac>(hardware, std::move(state));
+std::unique_ptr<Family> make_switch_mac(Hardware &hardware, SwitchState &state) {
+  return std::make_unique<SwitchMac>(hardware, state);
 }
 
 }  // namespace olt::box

@@ -13,8 +13,7 @@ namespace {
 
 class SwitchPort final : public Family {
  public:
-  SwitchPort(Hardware &hardware, SharedSwitch state)
-      : hardware_(hardware), state_(std::move(state)) {}
+  SwitchPort(Hardware &hardware, SwitchState &state) : hardware_(hardware), state_(state) {}
 
   std::string_view name() const override { return "switch-port"; }
 
@@ -47,7 +46,7 @@ class SwitchPort final : public Family {
 
   Json configuration() const override {
     Json ports = Json::array();
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       Json entry = {{"port", port.number()}};
       for (const PortSetting &setting : kPortSettings) {
         entry[std::string(setting.key)] = port.setting(setting.word);
@@ -66,13 +65,13 @@ class SwitchPort final : public Family {
   }
 
   void restore_factory() override {
-    for (EthernetPort &port : state_->ports) port.restore_factory(hardware_.now());
+    for (EthernetPort &port : state_.ports) port.restore_factory(hardware_.now());
     aggregation_ = 0;
   }
 
   Json running() const override {
     Json ports = Json::array();
-    for (const EthernetPort &port : state_->ports) ports.push_back(port.running());
+    for (const EthernetPort &port : state_.ports) ports.push_back(port.running());
     return {{"ports", ports}};
   }
 
@@ -81,21 +80,21 @@ class SwitchPort final : public Family {
     for_each_element(reader.get("ports"), reader.place_of("ports"),
                      [this](const Json &element, const std::string &at) {
                        ObjectReader port(element, at);
-                       state_->ports[state_->read_port(port) - 1].resume(port);
+                       state_.ports[state_.read_port(port) - 1].resume(port);
                        port.finish();
                      });
     reader.finish();
   }
 
   void reboot() override {
-    for (EthernetPort &port : state_->ports) port.reboot(hardware_.now());
+    for (EthernetPort &port : state_.ports) port.reboot(hardware_.now());
   }
 
   void describe_configuration(Report &report) const override {
     std::vector<std::string> columns = {"Port"};
     for (const PortSetting &setting : kPortSettings) columns.emplace_back(setting.heading);
     report.section("Ethernet ports", columns);
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       std::vector<std::string> row = {port.name()};
       for (const PortSetting &setting : kPortSettings) {
         row.push_back(fmt::to_string(port.setting(setting.word)));
@@ -109,7 +108,7 @@ class SwitchPort final : public Family {
   void describe_running(Report &report) const override {
     TimePoint now = hardware_.now();
     report.section("Ethernet links", {"Port", "Enabled", "Link", "Speed in Mbit/s", "Duplex"});
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       bool up = port.link_up(now);
       const char *duplex = port.hardware().full_duplex ? "full" : "half";
       report.row({port.name(), port.setting(&PortRecord::port_enable) == 0 ? "no" : "yes",
@@ -119,13 +118,13 @@ class SwitchPort final : public Family {
   }
 
   size_t footprint() const override {
-    return sizeof *this + sizeof(SwitchState) + state_->ports.capacity() * sizeof(EthernetPort);
+    return sizeof *this + sizeof(SwitchState) + state_.ports.capacity() * sizeof(EthernetPort);
   }
 
  private:
   void take(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
-    EthernetPort &port = state_->ports[state_->read_port(reader) - 1];
+    EthernetPort &port = state_.ports[state_.read_port(reader) - 1];
     for (const PortSetting &setting : kPortSettings) {
       auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.most}));
       port.set(setting.word, value, hardware_.now());
@@ -137,7 +136,7 @@ class SwitchPort final : public Family {
   Message setter(uint32_t type, std::string_view message, std::vector<PortWord> words) {
     auto set = [this, message, words = std::move(words)](const Request &request, Reply &) {
       auto record = request.record<PortRecord>();
-      EthernetPort *port = state_->find(record.slot, record.port);
+      EthernetPort *port = state_.find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
       bool valid = std::all_of(words.begin(), words.end(), [&record](PortWord word) {
         return record.*word <= setting_of(word).most;
@@ -154,7 +153,7 @@ class SwitchPort final : public Family {
   Message getter(uint32_t type, std::string_view message) {
     auto get = [this](const Request &request, Reply &reply) {
       auto record = request.record<PortRecord>();
-      const EthernetPort *port = state_->find(record.slot, record.port);
+      const EthernetPort *port = state_.find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
       reply.record(port->record(hardware_.now()));
       return Status::kOk;
@@ -173,14 +172,14 @@ class SwitchPort final : public Family {
   }
 
   Hardware &hardware_;
-  SharedSwitch state_;
+  SwitchState &state_;
   uint32_t aggregation_ = 0;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_switch_port(Hardware &hardware, SharedSwitch state) {
-  return std::make_unique<SwitchPort>(hardware, std::move(state));
+std::unique_ptr<Family> make_switch_port(Hardware &hardware, SwitchState &state) {
+  return std::make_unique<SwitchPort>(hardware, state);
 }
 
 }  // namespace olt::box

@@ -48,10 +48,10 @@ std::span<uint8_t> settings_in(RstpPort &record) {
 
 class SwitchRstp final : public Family {
  public:
-  SwitchRstp(Hardware &hardware, SharedSwitch state)
+  SwitchRstp(Hardware &hardware, SwitchState &state)
       : hardware_(hardware),
-        state_(std::move(state)),
-        ports_(state_->ports.size(), kFactoryPort),
+        state_(state),
+        ports_(state_.ports.size(), kFactoryPort),
         bridge_from_(hardware_.now()) {}
 
   std::string_view name() const override { return "switch-rstp"; }
@@ -70,7 +70,7 @@ class SwitchRstp final : public Family {
 
   Json configuration() const override {
     Json ports = Json::array();
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       RstpPort record = settings_of(port);
       ports.push_back({{"port", port.number()}, {"settings", to_hex(settings_in(record))}});
     }
@@ -85,7 +85,7 @@ class SwitchRstp final : public Family {
     for_each_element(reader.get("ports"), reader.place_of("ports"),
                      [this](const Json &element, const std::string &at) {
                        ObjectReader port(element, at);
-                       port.hex("settings", settings_in(ports_[state_->read_port(port) - 1]));
+                       port.hex("settings", settings_in(ports_[state_.read_port(port) - 1]));
                        port.finish();
                      });
     reader.finish();
@@ -118,7 +118,7 @@ class SwitchRstp final : public Family {
     report.row({"Transmit hold count", number(bridge_.hold_count)});
     report.section("RSTP ports",
                    {"Port", "Enabled", "Priority", "Path cost", "Edge", "Point to point"});
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       const RstpPort &settings = settings_of(port);
       report.row({port.name(), port.setting(&PortRecord::rstp_state) == 0 ? "no" : "yes",
                   number(settings.priority),
@@ -129,7 +129,7 @@ class SwitchRstp final : public Family {
 
   void describe_running(Report &report) const override {
     report.section("RSTP", {"Port", "Role", "State"});
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       Standing standing = standing_of(port);
       report.row({port.name(), standing.role == Role::kDesignated ? "designated" : "disabled",
                   state_name(standing.state)});
@@ -164,7 +164,7 @@ class SwitchRstp final : public Family {
 
   Status port(const Request &request, Reply &reply) {
     auto record = request.record<RstpPort>();
-    const EthernetPort *port = state_->find(record.slot, record.port);
+    const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     record = settings_of(*port);
     record.slot = kEthernetSlot;
@@ -176,7 +176,7 @@ class SwitchRstp final : public Family {
 
   Status set_port(const Request &request, Reply & /*reply*/) {
     auto record = request.record<RstpPort>();
-    EthernetPort *port = state_->find(record.slot, record.port);
+    EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     port->set(&PortRecord::rstp_state, record.rstp_state, hardware_.now());
     ports_[port->number() - 1] = record;
@@ -187,7 +187,7 @@ class SwitchRstp final : public Family {
 
   Status brief(const Request &request, Reply &reply) {
     auto key = request.record<RstpBrief>();
-    const EthernetPort *port = state_->find(key.slot, key.port);
+    const EthernetPort *port = state_.find(key.slot, key.port);
     if (port == nullptr) return Status::kNotFound;
     Standing standing = standing_of(*port);
     const RstpPort &settings = settings_of(*port);
@@ -230,7 +230,7 @@ class SwitchRstp final : public Family {
   const RstpPort &settings_of(const EthernetPort &port) const { return ports_[port.number() - 1]; }
 
   Hardware &hardware_;
-  SharedSwitch state_;
+  SwitchState &state_;
   RstpBridge bridge_ = kFactoryBridge;
   std::vector<RstpPort> ports_;  ///< from the priority on
   TimePoint bridge_from_;        ///< when RSTP was last switched on or off as a whole
@@ -238,8 +238,8 @@ class SwitchRstp final : public Family {
 
 }  // namespace
 
-std::unique_ptr<Family> make_switch_rstp(Hardware &hardware, SharedSwitch state) {
-  return std::make_unique<SwitchRstp>(hardware, std::move(state));
+std::unique_ptr<Family> make_switch_rstp(Hardware &hardware, SwitchState &state) {
+  return std::make_unique<SwitchRstp>(hardware, state);
 }
 
 }  // namespace olt::box

@@ -36,8 +36,7 @@ uint64_t octets_received(const EthernetPort &port, TimePoint now) {
 
 class SwitchStatistics final : public Family {
  public:
-  SwitchStatistics(Hardware &hardware, SharedSwitch state)
-      : hardware_(hardware), state_(std::move(state)) {}
+  SwitchStatistics(Hardware &hardware, SwitchState &state) : hardware_(hardware), state_(state) {}
 
   std::string_view name() const override { return "switch-statistics"; }
 
@@ -55,7 +54,7 @@ class SwitchStatistics final : public Family {
  private:
   Status list(const Request &request, Reply &reply) {
     auto asked = request.record<ListingRequest>();
-    const EthernetPort *port = state_->find(asked.slot, asked.number);
+    const EthernetPort *port = state_.find(asked.slot, asked.number);
     if (port == nullptr) return Status::kNotFound;
     TimePoint now = hardware_.now();
     Traffic in = traffic_of(octets_received(*port, now));
@@ -81,20 +80,20 @@ class SwitchStatistics final : public Family {
 
   Status clear(const Request &request, Reply & /*reply*/) {
     auto record = request.record<PortRecord>();
-    EthernetPort *port = state_->find(record.slot, record.port);
+    EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
     port->clear_counters(hardware_.now());
     return Status::kOk;
   }
 
   Hardware &hardware_;
-  SharedSwitch state_;
+  SwitchState &state_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_switch_statistics(Hardware &hardware, SharedSwitch state) {
-  return std::make_unique<SwitchStatistics>(hardware, std::move(state));
+std::unique_ptr<Family> make_switch_statistics(Hardware &hardware, SwitchState &state) {
+  return std::make_unique<SwitchStatistics>(hardware, state);
 }
 
 }  // namespace olt::box

@@ -25,8 +25,7 @@ using Side = IdSet Membership::*;
 
 class SwitchVlan final : public Family {
  public:
-  SwitchVlan(Hardware &hardware, SharedSwitch state)
-      : hardware_(hardware), state_(std::move(state)) {
+  SwitchVlan(Hardware &hardware, SwitchState &state) : hardware_(hardware), state_(state) {
     SwitchVlan::restore_factory();
   }
 
@@ -58,11 +57,11 @@ class SwitchVlan final : public Family {
 
   Json configuration() const override {
     Json descriptions = Json::array();
-    for (const auto &[vlan, text] : state_->descriptions) {
+    for (const auto &[vlan, text] : state_.descriptions) {
       descriptions.push_back({{"vlan", vlan}, {"text", bytes_to_utf8(text)}});
     }
     Json trunks = Json::array();
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       const Membership &membership = membership_of(port);
       trunks.push_back({{"port", port.number()},
                         {"trunk_value", membership.trunk_value},
@@ -70,17 +69,17 @@ class SwitchVlan final : public Family {
                         {"untagged", ids_to_text(membership.untagged)}});
     }
     return {
-        {"vlans", ids_to_text(state_->vlans)}, {"descriptions", descriptions}, {"trunks", trunks}};
+        {"vlans", ids_to_text(state_.vlans)}, {"descriptions", descriptions}, {"trunks", trunks}};
   }
 
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
-    state_->vlans = read_ids(reader, "vlans");
-    state_->descriptions.clear();
+    state_.vlans = read_ids(reader, "vlans");
+    state_.descriptions.clear();
     for_each_element(
         reader.get("descriptions"), reader.place_of("descriptions"),
         [this](const Json &element, const std::string &at) { take_description(element, at); });
-    std::fill(state_->memberships.begin(), state_->memberships.end(), Membership());
+    std::fill(state_.memberships.begin(), state_.memberships.end(), Membership());
     for_each_element(
         reader.get("trunks"), reader.place_of("trunks"),
         [this](const Json &element, const std::string &at) { take_trunk(element, at); });
@@ -88,9 +87,9 @@ class SwitchVlan final : public Family {
   }
 
   void restore_factory() override {
-    state_->vlans = IdSet().set(kFactoryVlan);
-    state_->descriptions = {{kFactoryVlan, std::string(kFactoryDescription)}};
-    for (Membership &membership : state_->memberships) {
+    state_.vlans = IdSet().set(kFactoryVlan);
+    state_.descriptions = {{kFactoryVlan, std::string(kFactoryDescription)}};
+    for (Membership &membership : state_.memberships) {
       membership = {.untagged = IdSet().set(kFactoryVlan)};
     }
   }
@@ -101,7 +100,7 @@ class SwitchVlan final : public Family {
       report.row({ids_to_cell(ids_in(range)), text});
     }
     report.section("Trunks", {"Port", "Trunk value", "Tagged VLANs", "Untagged VLANs"});
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       const Membership &membership = membership_of(port);
       auto tagged = ids_to_cells(membership.tagged, kListColumn);
       auto untagged = ids_to_cells(membership.untagged, kListColumn);
@@ -114,8 +113,8 @@ class SwitchVlan final : public Family {
   }
 
   size_t footprint() const override {
-    return sizeof *this + state_->memberships.capacity() * sizeof(Membership) +
-           state_->descriptions.size() * (sizeof(uint16_t) + sizeof(std::string));
+    return sizeof *this + state_.memberships.capacity() * sizeof(Membership) +
+           state_.descriptions.size() * (sizeof(uint16_t) + sizeof(std::string));
   }
 
  private:
@@ -124,17 +123,17 @@ class SwitchVlan final : public Family {
   void take_description(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
     auto vlan = static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan}));
-    if (!state_->vlans[vlan]) refuse(reader.place_of("vlan"), vlan, "a VLAN of the table");
-    state_->descriptions[vlan] = reader.bytes("text", sizeof(DescribedVlan::description));
+    if (!state_.vlans[vlan]) refuse(reader.place_of("vlan"), vlan, "a VLAN of the table");
+    state_.descriptions[vlan] = reader.bytes("text", sizeof(DescribedVlan::description));
     reader.finish();
   }
 
   void take_trunk(const Json &element, const std::string &place) {
     ObjectReader reader(element, place);
-    Membership &membership = state_->memberships[state_->read_port(reader) - 1];
+    Membership &membership = state_.memberships[state_.read_port(reader) - 1];
     membership.trunk_value = static_cast<uint32_t>(reader.number("trunk_value", kAnyU32));
-    membership.tagged = read_side(reader, "tagged", state_->vlans);
-    membership.untagged = read_side(reader, "untagged", state_->vlans & ~membership.tagged);
+    membership.tagged = read_side(reader, "tagged", state_.vlans);
+    membership.untagged = read_side(reader, "untagged", state_.vlans & ~membership.tagged);
     reader.finish();
   }
 
@@ -155,17 +154,17 @@ class SwitchVlan final : public Family {
 
   Status add(const Ranges &ranges) {
     IdSet vlans = ids_in(ranges);
-    state_->vlans |= vlans;
+    state_.vlans |= vlans;
     record("added", vlans);
     return Status::kOk;
   }
 
   Status remove(const Ranges &ranges) {
-    auto vlans = known_ids(ranges, state_->vlans);
+    auto vlans = known_ids(ranges, state_.vlans);
     if (!vlans) return Status::kNotFound;
-    state_->vlans &= ~*vlans;
+    state_.vlans &= ~*vlans;
     forget_descriptions(*vlans);
-    for (Membership &membership : state_->memberships) {
+    for (Membership &membership : state_.memberships) {
       membership.tagged &= ~*vlans;
       membership.untagged &= ~*vlans;
     }
@@ -177,7 +176,7 @@ class SwitchVlan final : public Family {
     auto elements = request.records<DescribedVlan>(0);
     auto ranges = read_ranges(elements);
     if (!ranges) return Status::kBadValue;
-    auto vlans = known_ids(*ranges, state_->vlans);
+    auto vlans = known_ids(*ranges, state_.vlans);
     if (!vlans) return Status::kNotFound;
     // Of elements that name the same VLAN the last one counts; only that one is copied.
     std::array<uint16_t, kLastVlan + 1> element_of = {};
@@ -196,14 +195,14 @@ class SwitchVlan final : public Family {
 
   void set_description(uint16_t vlan, std::string text) {
     if (text.empty()) {
-      state_->descriptions.erase(vlan);
+      state_.descriptions.erase(vlan);
     } else {
-      state_->descriptions[vlan] = std::move(text);
+      state_.descriptions[vlan] = std::move(text);
     }
   }
 
   Status undescribe(const Ranges &ranges) {
-    auto vlans = known_ids(ranges, state_->vlans);
+    auto vlans = known_ids(ranges, state_.vlans);
     if (!vlans) return Status::kNotFound;
     forget_descriptions(*vlans);
     record("no longer described", *vlans);
@@ -211,16 +210,16 @@ class SwitchVlan final : public Family {
   }
 
   void forget_descriptions(const IdSet &vlans) {
-    std::erase_if(state_->descriptions, [&vlans](const auto &entry) { return vlans[entry.first]; });
+    std::erase_if(state_.descriptions, [&vlans](const auto &entry) { return vlans[entry.first]; });
   }
 
   Message trunk_message(uint32_t type, std::string_view message, Side side, Side other,
                         bool replace) {
     auto act = [this, side, other, replace](const Request &request, const Ranges &ranges) {
       auto head = request.record<TrunkHead>();
-      EthernetPort *port = state_->find(head.slot, head.port);
+      EthernetPort *port = state_.find(head.slot, head.port);
       if (port == nullptr) return Status::kNotFound;
-      auto vlans = known_ids(ranges, state_->vlans);
+      auto vlans = known_ids(ranges, state_.vlans);
       if (!vlans) return Status::kNotFound;
       Membership &membership = membership_of(*port);
       if (replace) (membership.*side).reset();
@@ -239,13 +238,13 @@ class SwitchVlan final : public Family {
     if (query.kind != kByList && request.size() != sizeof query) return Status::kBadLength;
     switch (query.kind) {
       case kByInterface:
-        return list_port(state_->find(query.slot, query.port), reply);
+        return list_port(state_.find(query.slot, query.port), reply);
       case kByList:
         return list_named(request, reply);
       case kByDescription:
         return list_described(query, reply);
       case kAll:
-        return list("VLANs of " + hardware_.topology().name, state_->vlans, reply);
+        return list("VLANs of " + hardware_.topology().name, state_.vlans, reply);
       default:
         return Status::kBadValue;
     }
@@ -271,14 +270,14 @@ class SwitchVlan final : public Family {
   Status list_named(const Request &request, Reply &reply) {
     auto ranges = read_ranges(request.records<VlanElement>(sizeof(VlanQuery)));
     if (!ranges) return Status::kBadValue;
-    return list("VLANs by list", ids_in(*ranges) & state_->vlans, reply);
+    return list("VLANs by list", ids_in(*ranges) & state_.vlans, reply);
   }
 
   Status list_described(const VlanQuery &query, Reply &reply) {
     auto searched = terminated_text_of(query.description);
     if (!searched) return Status::kBadValue;
     IdSet vlans;
-    for (const auto &[vlan, text] : state_->descriptions) {
+    for (const auto &[vlan, text] : state_.descriptions) {
       if (text == *searched) vlans.set(vlan);
     }
     return list(fmt::format("VLANs described as \"{}\"", printable_ascii(*searched)), vlans, reply);
@@ -306,13 +305,13 @@ class SwitchVlan final : public Family {
   }
 
   std::string description_of(uint16_t vlan) const {
-    auto found = state_->descriptions.find(vlan);
-    return found == state_->descriptions.end() ? "-" : printable_ascii(found->second);
+    auto found = state_.descriptions.find(vlan);
+    return found == state_.descriptions.end() ? "-" : printable_ascii(found->second);
   }
 
   std::string ports_in(uint16_t vlan, Side side) const {
     IdSet ports;
-    for (const EthernetPort &port : state_->ports) {
+    for (const EthernetPort &port : state_.ports) {
       if ((membership_of(port).*side)[vlan]) ports.set(port.number());
     }
     return ids_to_cell(ports, fmt::format("{}/", kEthernetSlot));
@@ -321,7 +320,7 @@ class SwitchVlan final : public Family {
   /// Ranges of VLANs that have one description, and that.
   std::vector<std::pair<IdRange, std::string>> described_ranges() const {
     std::vector<std::pair<IdRange, std::string>> ranges;
-    for_each(state_->vlans, [this, &ranges](uint16_t vlan) {
+    for_each(state_.vlans, [this, &ranges](uint16_t vlan) {
       std::string text = description_of(vlan);
       bool continues = !ranges.empty() && ranges.back().first.last + 1 == vlan;
       if (continues && ranges.back().second == text) {
@@ -334,7 +333,7 @@ class SwitchVlan final : public Family {
   }
 
   Membership &membership_of(const EthernetPort &port) const {
-    return state_->memberships[port.number() - 1];
+    return state_.memberships[port.number() - 1];
   }
 
   void record(std::string_view what, const IdSet &vlans) {
@@ -344,13 +343,13 @@ class SwitchVlan final : public Family {
   }
 
   Hardware &hardware_;
-  SharedSwitch state_;
+  SwitchState &state_;
 };
 
 }  // namespace
 
-std::unique_ptr<Family> make_switch_vlan(Hardware &hardware, SharedSwitch state) {
-  return std::make_unique<SwitchVlan>(hardware, std::move(state));
+std::unique_ptr<Family> make_switch_vlan(Hardware &hardware, SwitchState &state) {
+  return std::make_unique<SwitchVlan>(hardware, state);
 }
 
 }  // namespace olt::box

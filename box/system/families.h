@@ -3,7 +3,6 @@
 #define OLT_BOX_SYSTEM_FAMILIES_H
 
 #include <memory>
-#include <vector>
 
 #include "box/core/hardware.h"
 
@@ -16,9 +15,6 @@ std::unique_ptr<Family> make_system_information(Hardware &hardware);
 std::unique_ptr<Family> make_system_debug(Hardware &hardware);
 std::unique_ptr<Family> make_system_log(Hardware &hardware);
 std::unique_ptr<Family> make_system_update(Hardware &hardware);
-
-/// Adds all of them, in the order in which listings show them.
-void add_system_families(Hardware &hardware, std::vector<std::unique_ptr<Family>> &families);
 
 }  // namespace olt::box
 

@@ -1,13 +1,13 @@
 // Listings: their text and names, who may read them, and which are kept.
 
-#include "box/core/listing.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 
 #include "base/text.h"
+#include "box/core/listings.h"
+#include "box/core/report.h"
 #include "tests/box/support.h"
 
 namespace olt::test {

@@ -1,4 +1,4 @@
-#include "box/core/listing.h"
+#include "box/core/listings.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -8,7 +8,6 @@
 #include <system_error>
 
 #include "base/descriptor.h"
-#include "base/text.h"
 
 namespace olt::box {
 
@@ -32,31 +31,6 @@ std::optional<uint32_t> number_in(std::string_view name) {
 }
 
 }  // namespace
-
-void Report::section(std::string heading, std::vector<std::string> columns) {
-  Rule rule = columns.empty() ? Rule::kNone : Rule::kBelowFirst;
-  sections_.push_back({std::move(heading), {}, rule});
-  if (rule == Rule::kBelowFirst) row(std::move(columns));
-}
-
-void Report::row(std::vector<std::string> cells) {
-  sections_.back().rows.push_back(std::move(cells));
-}
-
-void Report::dump(std::span<const uint8_t> bytes) {
-  for (size_t offset = 0; offset < bytes.size(); offset += 16) {
-    auto part = bytes.subspan(offset, std::min<size_t>(16, bytes.size() - offset));
-    row({fmt::format("{:04x}", offset), to_hex(part), characters(part)});
-  }
-}
-
-std::string Report::text() const {
-  std::string text = title_ + '\n' + std::string(title_.size(), '=') + '\n';
-  for (const Section &section : sections_) {
-    text += '\n' + section.heading + '\n' + table_text(section.rows, section.rule);
-  }
-  return text;
-}
 
 Listings::Listings(std::filesystem::path directory, std::optional<gid_t> group)
     : directory_(std::move(directory)), placement_({.group = group, .durable = false}) {

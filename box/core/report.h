@@ -1,0 +1,40 @@
+/// The text of a listing.
+#ifndef OLT_BOX_CORE_REPORT_H
+#define OLT_BOX_CORE_REPORT_H
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "base/table.h"
+
+namespace olt::box {
+
+/// A titled text of sections, each a table with aligned columns.
+class Report {
+ public:
+  explicit Report(std::string title) : title_(std::move(title)) {}
+
+  /// Begins a section; rows that follow belong to it. The columns may go without headings.
+  void section(std::string heading, std::vector<std::string> columns = {});
+  void row(std::vector<std::string> cells);
+  /// Rows of 16 bytes: offset, hex, characters.
+  void dump(std::span<const uint8_t> bytes);
+
+  std::string text() const;
+
+ private:
+  struct Section {
+    std::string heading;
+    std::vector<TableRow> rows;
+    Rule rule;
+  };
+
+  std::string title_;
+  std::vector<Section> sections_;
+};
+
+}  // namespace olt::box
+
+#endif
