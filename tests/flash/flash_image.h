@@ -13,8 +13,6 @@
 
 namespace olt::test {
 
-using olt::tests::Folder;
-
 class FlashImage {
  public:
   FlashImage();

@@ -10,11 +10,6 @@
 namespace olt::test {
 namespace {
 
-using olt::tests::Finished;
-using olt::tests::Folder;
-using olt::tests::read_file;
-using olt::tests::run;
-
 /// Runs a shell command; its errors are part of the output.
 Finished shell(const std::string &command) {
   return run({"sh", "-c", "{ " + command + "; } 2>&1"});
