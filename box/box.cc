@@ -18,15 +18,15 @@ olt_answer_action action_on_wire(Answer::Action action) {
   return OLT_ANSWER_SEND;
 }
 
-Json server_counters(const olt_server *server) {
+void describe_server(Archive &archive, const olt_server *server) {
   olt_server_counters counters = {};
   olt_server_count(server, &counters);
-  return {{"exchanges", counters.exchanges},
-          {"connections", counters.connections},
-          {"refused_peers", counters.refused_peers},
-          {"broken_frames", counters.broken_frames},
-          {"stalled_clients", counters.stalled_clients},
-          {"vanished_clients", counters.vanished_clients}};
+  archive.number("exchanges", counters.exchanges);
+  archive.number("connections", counters.connections);
+  archive.number("refused_peers", counters.refused_peers);
+  archive.number("broken_frames", counters.broken_frames);
+  archive.number("stalled_clients", counters.stalled_clients);
+  archive.number("vanished_clients", counters.vanished_clients);
 }
 
 }  // namespace
@@ -65,7 +65,8 @@ void Box::serve(olt_server *server) {
   };
   for (uint32_t module : kModules) add(module);
   add(kControlModule);
-  parts_->simulator.control().count_server([server] { return server_counters(server); });
+  parts_->simulator.control().count_server(
+      [server](Archive &archive) { describe_server(archive, server); });
 }
 
 void Box::keep() {

@@ -30,8 +30,10 @@ struct Options {
   std::filesystem::path state_dir;
   /// Where listings are written; created when missing, with the first one.
   std::filesystem::path listing_dir;
-  /// JSON topology; empty for the default one.
+  /// JSON topology; empty for that of the kept state, or the default one.
   std::filesystem::path topology_file;
+  /// When the state was made with another topology: keep what fits.
+  bool adopt = false;
   /// Also keep the running state in state_dir, so that the next box goes on from it.
   bool keep_running_state = false;
   /// Forget saved and kept state first.
@@ -40,6 +42,8 @@ struct Options {
   std::vector<std::string> faults;
   /// Group whose members may read the listings too.
   std::optional<gid_t> listing_group;
+  /// Takes a line for each part of the state that was left out; may be empty.
+  std::function<void(std::string_view)> notice;
   /// Takes a line per exchange; empty for none.
   std::function<void(std::string_view)> trace;
 };

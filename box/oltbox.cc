@@ -65,6 +65,8 @@ Arguments parse(int argc, char **argv) {
       ->allow_extra_args(false);
   app.add_flag("--trace", arguments.trace, "Print a line per exchange");
   app.add_flag("--fresh", arguments.box.fresh, "Forget the saved configuration first");
+  app.add_flag("--adopt", arguments.box.adopt,
+               "Keep what fits of a configuration that was saved with another topology");
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {
@@ -76,6 +78,9 @@ Arguments parse(int argc, char **argv) {
   arguments.box.listing_dir = arguments.run_dir;
   arguments.box.topology_file = topology;
   if (!arguments.group.empty()) arguments.box.listing_group = group_id(arguments.group);
+  arguments.box.notice = [](std::string_view line) {
+    print_line(stderr, fmt::format("oltbox: {}", line));
+  };
   if (arguments.trace) {
     arguments.box.trace = [](std::string_view line) { print_line(stdout, std::string(line)); };
   }

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include "base/bad_input.h"
+#include "box/state/json_form.h"
+#include "box/state/seal.h"
 #include "box/state/state_file.h"
 
 namespace olt::box {
@@ -26,6 +29,41 @@ StateDirectory open_state(const Options &options, std::chrono::milliseconds pati
   return state;
 }
 
+/// The topology that the state was made with; nothing when there is no state.
+std::optional<Topology> remembered_topology(const Options &options, const StateDirectory &state) {
+  std::optional<Topology> topology;
+  for (const char *name : {kRunningFile, kSavedFile}) {
+    if (topology || (name == kRunningFile && !options.keep_running_state)) continue;
+    auto data = read_state_file(state, name);
+    if (!data) continue;
+    topology.emplace();
+    Archive archive(*data);
+    archive.object("topology", [&] { topology->describe(archive); });
+  }
+  return topology;
+}
+
+std::string text_of(Topology topology) {
+  Archive archive;
+  topology.describe(archive);
+  return to_json_line(archive.take());
+}
+
+/// The topology that the options name; without one, that of the state. Throws BadInput when the
+/// state was made with another one.
+Topology choose_topology(const Options &options, const StateDirectory &state) {
+  auto remembered = remembered_topology(options, state);
+  if (options.topology_file.empty()) return remembered.value_or(Topology());
+  Topology given = load_topology(options.topology_file);
+  if (remembered && !options.adopt && text_of(given) != text_of(*remembered)) {
+    throw BadInput(fmt::format(
+        "{}: the state in {} was made with another topology, {}; expected that one or none, --fresh"
+        " to forget the state, or --adopt to keep what fits",
+        options.topology_file.string(), options.state_dir.string(), text_of(*remembered)));
+  }
+  return given;
+}
+
 Answer status_only(Status status) {
   Answer answer;
   answer.status = static_cast<uint16_t>(status);
@@ -37,16 +75,20 @@ Answer status_only(Status status) {
 Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds patience)
     : options_(checked(std::move(options))),
       clock_(std::move(clock)),
-      topology_(load_topology(options_.topology_file)),
       directory_(open_state(options_, patience)),
+      topology_(choose_topology(options_, directory_)),
       state_(topology_, clock_()),
       hardware_(topology_, directory_, Listings(options_.listing_dir, options_.listing_group),
                 clock_),
       control_(faults_, counters_) {
-  hardware_.start(make_families(hardware_, state_));
+  start();
   add_messages();
   if (!resume()) hardware_.events().record(Level::kNotice, kMainModule, "started");
-  for (const std::string &fault : options_.faults) faults_.add(fault_from_text(fault), "");
+  for (const std::string &fault : options_.faults) {
+    std::string data = fault_from_text(fault);
+    Archive archive(data);
+    faults_.arm(read_fault(archive));
+  }
 }
 
 void Simulator::add_messages() {
@@ -59,21 +101,44 @@ void Simulator::add_messages() {
   }
 }
 
+void Simulator::start() {
+  auto left_out = hardware_.start(make_families(hardware_, state_), misfits());
+  if (left_out.empty()) return;
+  tell(left_out);
+  hardware_.save();
+}
+
 bool Simulator::resume() {
   if (!options_.keep_running_state) return false;
-  return read_state_file(directory_, kRunningFile, [this](ObjectReader &members) {
-    hardware_.resume(members.get("box"), members.place_of("box"));
-    faults_.from_json(members.get("faults"), members.place_of("faults"));
-    counters_.from_json(members.get("counters"), members.place_of("counters"));
-  });
+  auto data = read_state_file(directory_, kRunningFile);
+  if (!data) return false;
+  tell(take_state(directory_, kRunningFile, *data, misfits(),
+                  [this](Archive &archive) { describe_running(archive); }));
+  return true;
+}
+
+void Simulator::describe_running(Archive &archive) {
+  Topology topology = topology_;
+  archive.object("topology", [&] { topology.describe(archive); });
+  archive.object("box", [&] { hardware_.describe(archive); });
+  archive.object("faults", [&] { faults_.describe(archive); });
+  archive.object("counters", [&] { counters_.describe(archive); });
 }
 
 void Simulator::keep() {
   if (!options_.keep_running_state) return;
-  write_state_file(directory_, kRunningFile,
-                   {{"box", hardware_.running()},
-                    {"faults", faults_.to_json()},
-                    {"counters", counters_.to_json()}});
+  Archive archive;
+  describe_running(archive);
+  directory_.write(kRunningFile, seal(archive.take()), Durable::kNo);
+}
+
+Misfits Simulator::misfits() const {
+  return options_.adopt ? Misfits::kLeaveOut : Misfits::kRefuse;
+}
+
+void Simulator::tell(const std::vector<std::string> &left_out) const {
+  if (!options_.notice) return;
+  for (const std::string &reason : left_out) options_.notice("left out: " + reason);
 }
 
 Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t> request) {

@@ -34,8 +34,12 @@ class Simulator {
   using Key = std::pair<uint32_t, uint32_t>;
 
   void add_messages();
+  void start();
   /// @return false when there is nothing to go on from.
   bool resume();
+  void describe_running(Archive &archive);
+  Misfits misfits() const;
+  void tell(const std::vector<std::string> &left_out) const;
 
   Answer answer_control(uint32_t type, std::span<const uint8_t> request);
   Answer answer_module(uint32_t module, uint32_t type, std::span<const uint8_t> request);
@@ -45,8 +49,8 @@ class Simulator {
 
   Options options_;
   Clock clock_;
-  Topology topology_;
   StateDirectory directory_;
+  Topology topology_;
   SharedState state_;
   Hardware hardware_;
   FaultTable faults_;

@@ -10,8 +10,8 @@
 
 namespace {
 
-using olt::box::Json;
 using olt::fuzz::Input;
+using olt::fuzz::Json;
 using olt::fuzz::require;
 using olt::fuzz::SmallBox;
 

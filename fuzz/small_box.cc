@@ -6,13 +6,14 @@
 #include <filesystem>
 #include <utility>
 
+#include "box/state/json_form.h"
+#include "box/state/seal.h"
 #include "box/state/state_file.h"
 #include "fuzz/target.h"
 
 namespace olt::fuzz {
 
 using box::Answer;
-using box::Json;
 using box::Status;
 
 namespace {
@@ -59,6 +60,10 @@ std::string described(uint32_t module, uint32_t type, size_t length, const Answe
                      answer.status, answer.reply.size());
 }
 
+std::string readable(const std::string &file) {
+  return box::to_json_text(box::unseal(file), box::Secrets::kShown);
+}
+
 std::string compared(std::string_view name, const std::string &one, const std::string &other) {
   return fmt::format("{}\n--- before\n{}\n--- after\n{}", name, one, other);
 }
@@ -76,7 +81,8 @@ const std::vector<MessageRow> &message_rows() {
     box::Hardware hardware(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
                            std::chrono::system_clock::now);
     std::vector<MessageRow> rows;
-    for (const auto &family : hardware.families()) {
+    box::SharedState shared(small_topology(), std::chrono::system_clock::now());
+    for (const auto &family : box::make_families(hardware, shared)) {
       for (const box::Message &message : family->messages()) {
         rows.push_back({message.module, message.type, std::string(message.name), message.request});
       }
@@ -196,7 +202,7 @@ void SmallBox::require_persistence() {
   restart();
   std::string kept_again = written(box::kRunningFile);
   require(kept == kept_again, "a box goes on from what it has kept",
-          compared("running.json", kept, kept_again));
+          compared("running", readable(kept), readable(kept_again)));
   // Without a running state, what counts is the saved configuration.
   simulator_.reset();
   std::filesystem::remove(state_file(box::kRunningFile));
@@ -204,7 +210,7 @@ void SmallBox::require_persistence() {
   asked_ = {};
   std::string saved_again = written(box::kSavedFile);
   require(saved == saved_again, "a saved configuration is loaded as it was saved",
-          compared("saved.json", saved, saved_again));
+          compared("saved", readable(saved), readable(saved_again)));
 }
 
 void SmallBox::require_listings() {

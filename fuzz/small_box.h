@@ -2,6 +2,8 @@
 #ifndef OLT_FUZZ_SMALL_BOX_H
 #define OLT_FUZZ_SMALL_BOX_H
 
+#include <nlohmann/json.hpp>
+
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -17,6 +19,8 @@
 #include "tests/support/folder.h"
 
 namespace olt::fuzz {
+
+using Json = nlohmann::ordered_json;
 
 /// A row of the box's table of messages.
 struct MessageRow {
@@ -46,7 +50,7 @@ class SmallBox {
   /// Sends a request, and requires of the answer what holds for every answer.
   box::Answer ask(uint32_t module, uint32_t type, std::span<const uint8_t> request);
   /// A command to the control module; its JSON reply.
-  box::Json command(std::string_view text);
+  Json command(std::string_view text);
 
   void advance(std::chrono::seconds time) { now_ += time; }
   /// Keeps the running state, ends the box and starts it again.

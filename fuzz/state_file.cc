@@ -10,14 +10,21 @@
 #include <string>
 #include <vector>
 
+#include "base/bad_input.h"
+#include "box/state/json_form.h"
+#include "box/state/seal.h"
 #include "fuzz/small_box.h"
 #include "fuzz/target.h"
 #include "tests/support/wire_names.h"
 
 namespace {
 
-using olt::box::Json;
+using olt::box::from_json_text;
+using olt::box::seal;
+using olt::box::to_json_text;
+using olt::box::unseal;
 using olt::fuzz::Input;
+using olt::fuzz::Json;
 using olt::fuzz::message_rows;
 using olt::fuzz::MessageRow;
 using olt::fuzz::require;
@@ -104,9 +111,15 @@ void edit(Json &document, Input &input) {
 }
 
 std::string edited(const std::string &sample, Input &input) {
-  Json document = Json::parse(sample);
+  Json document = Json::parse(to_json_text(unseal(sample), olt::box::Secrets::kShown));
   for (size_t i = 0; i < kMostEdits && !input.empty(); ++i) edit(document, input);
-  return document.dump(1) + '\n';
+  std::string text = document.dump(1, ' ', false, Json::error_handler_t::replace);
+  try {
+    return seal(from_json_text(text));
+  } catch (const olt::BadInput &error) {
+    olt::fuzz::require_line(error.what());
+    return sample;
+  }
 }
 
 void start_from(const char *name, const std::string &content) {
@@ -126,14 +139,16 @@ void start_from(const char *name, const std::string &content) {
 
 }  // namespace
 
-// The first byte says which file, and whether the rest is its text or edits of one that the box
-// wrote itself: which value, what is done to it, and with what.
+// The first byte says which file, and whether the rest is its bytes, what a sound seal encloses, or
+// edits of one that the box wrote itself: which value, what is done to it, and with what.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   Input input(data, size);
   uint8_t head = input.u8();
   bool is_saved = (head & 1) != 0;
   const std::string &sample = is_saved ? samples().saved : samples().kept;
-  std::string content = (head & 2) != 0 ? edited(sample, input) : std::string(input.text());
+  std::string content = (head & 2) != 0   ? edited(sample, input)
+                        : (head & 4) != 0 ? seal(input.text())
+                                          : std::string(input.text());
   start_from(is_saved ? olt::box::kSavedFile : olt::box::kRunningFile, content);
   return 0;
 }

@@ -6,14 +6,11 @@
 #include <string>
 
 #include "base/bad_input.h"
-#include "base/mac.h"
-#include "base/text.h"
-#include "box/state/json.h"
+#include "box/state/json_form.h"
 #include "fuzz/target.h"
 
 namespace {
 
-using olt::box::Json;
 using olt::box::Topology;
 using olt::fuzz::Input;
 using olt::fuzz::require;
@@ -44,31 +41,10 @@ void require_limits(const Topology &topology) {
   }
 }
 
-std::string written(const Topology &topology) {
-  Json ports = Json::array();
-  for (const auto &[number, port] : topology.special_ports) {
-    ports.push_back({{"port", number},
-                     {"speed", port.speed},
-                     {"duplex", port.full_duplex ? "full" : "half"},
-                     {"plugged", port.plugged},
-                     {"stations", port.stations}});
-  }
-  Json value = {{"version", 1},
-                {"olt",
-                 {{"name", topology.name},
-                  {"mac", olt::mac_text(topology.mac)},
-                  {"serial", topology.serial},
-                  {"software_version", topology.software_version},
-                  {"oam_support", topology.oam_support},
-                  {"ethernet_ports", topology.ethernet_ports},
-                  {"ports", ports}}},
-                {"pon",
-                 {{"interfaces", topology.pon_interfaces},
-                  {"onus_per_interface", topology.onus_per_interface},
-                  {"uni_ports_per_onu", topology.uni_ports_per_onu},
-                  {"voice_lines_per_onu", topology.voice_lines_per_onu},
-                  {"onu_restart_seconds", topology.onu_restart.count()}}}};
-  return value.dump();
+std::string written(Topology topology) {
+  olt::box::Archive archive;
+  topology.describe(archive);
+  return olt::box::to_json_line(archive.take());
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "box/core/report.h"
 #include "box/message/message.h"
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -22,18 +22,12 @@ class Family {
   virtual std::string_view name() const = 0;
   virtual std::vector<Message> messages() = 0;
 
-  virtual Json configuration() const { return Json::object(); }
-  /// Takes what configuration gave. Throws BadInput.
-  virtual void configure(const Json &value, const std::string &place) {
-    ObjectReader(value, place).finish();
-  }
+  /// Describes the configuration; reading it starts from the factory state.
+  virtual void configuration(Archive & /*archive*/) {}
   virtual void restore_factory() {}
 
-  virtual Json running() const { return Json::object(); }
-  /// Takes what running gave. Throws BadInput.
-  virtual void resume(const Json &value, const std::string &place) {
-    ObjectReader(value, place).finish();
-  }
+  /// Describes the running state.
+  virtual void running(Archive & /*archive*/) {}
   virtual void reboot() {}
 
   /// Adds the family's sections to the running-configuration listing.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "box/state/state_file.h"
+#include "box/state/seal.h"
 
 namespace olt::box {
 
@@ -14,9 +14,13 @@ Hardware::Hardware(const Topology &topology, StateDirectory &state, Listings lis
       events_(clock_),
       started_(clock_()) {}
 
-void Hardware::start(std::vector<std::unique_ptr<Family>> families) {
+std::vector<std::string> Hardware::start(std::vector<std::unique_ptr<Family>> families,
+                                         Misfits misfits) {
   families_ = std::move(families);
-  load_saved();
+  saved_ = read_state_file(state_, kSavedFile);
+  if (!saved_) return {};
+  return take_state(state_, kSavedFile, *saved_, misfits,
+                    [this](Archive &archive) { describe_saved(archive); });
 }
 
 std::chrono::seconds Hardware::uptime() const {
@@ -38,35 +42,30 @@ Status Hardware::list_at_start(std::string_view kind, const std::string &text, R
   return Status::kOk;
 }
 
-Json Hardware::configuration() const {
-  Json value = Json::object();
-  for (const auto &family : families_) value[std::string(family->name())] = family->configuration();
-  return value;
-}
-
-void Hardware::configure(const Json &value, const std::string &place) {
-  restore_factory();
-  ObjectReader reader(value, place);
-  for (const auto &family : families_) {
-    // A file of an earlier version knows fewer families: theirs stay as the factory has them.
-    const Json *member = reader.find(family->name());
-    if (member != nullptr) family->configure(*member, reader.place_of(family->name()));
-  }
-  reader.finish();
-}
-
-void Hardware::load_saved() {
-  read_state_file(state_, kSavedFile, [this](ObjectReader &members) {
-    const Json &value = members.get("configuration");
-    configure(value, members.place_of("configuration"));
-    saved_ = value;
+void Hardware::describe_configuration(Archive &archive) {
+  if (archive.is_reading()) restore_factory();
+  archive.object("configuration", [&] {
+    for (const auto &family : families_) {
+      // A file of an earlier version knows fewer families: theirs stay as the factory has them.
+      if (!archive.has(family->name())) continue;
+      archive.object(family->name(), [&] { family->configuration(archive); });
+    }
   });
 }
 
+void Hardware::describe_saved(Archive &archive) {
+  // What was read is the box's own: it was chosen before the families were made.
+  Topology topology = topology_;
+  archive.object("topology", [&] { topology.describe(archive); });
+  describe_configuration(archive);
+}
+
 void Hardware::save() {
-  Json value = configuration();
-  write_state_file(state_, kSavedFile, {{"configuration", value}});
-  saved_ = std::move(value);
+  Archive archive;
+  describe_saved(archive);
+  std::string saved = archive.take();
+  state_.write(kSavedFile, seal(saved), Durable::kYes);
+  saved_ = std::move(saved);
 }
 
 void Hardware::restore_factory() {
@@ -75,37 +74,26 @@ void Hardware::restore_factory() {
 
 void Hardware::reboot() {
   for (const auto &family : families_) family->reboot();
-  if (saved_.is_null()) {
-    restore_factory();
+  if (saved_) {
+    Archive archive(*saved_);
+    archive.adopt();
+    describe_saved(archive);
   } else {
-    configure(saved_, "/configuration");
+    restore_factory();
   }
   started_ = clock_();
 }
 
-Json Hardware::running() const {
-  Json families = Json::object();
-  for (const auto &family : families_) families[std::string(family->name())] = family->running();
-  auto started = std::chrono::floor<std::chrono::seconds>(started_.time_since_epoch());
-  return {{"started", static_cast<uint64_t>(started.count())},
-          {"configuration", configuration()},
-          {"families", families},
-          {"events", events_.to_json()}};
-}
-
-void Hardware::resume(const Json &value, const std::string &place) {
-  ObjectReader reader(value, place);
-  started_ = TimePoint(std::chrono::seconds(reader.number("started", kAnyU32)));
-  configure(reader.get("configuration"), reader.place_of("configuration"));
-  const Json &families = reader.get("families");
-  ObjectReader family_reader(families, reader.place_of("families"));
-  for (const auto &family : families_) {
-    const Json *member = family_reader.find(family->name());
-    if (member != nullptr) family->resume(*member, family_reader.place_of(family->name()));
-  }
-  family_reader.finish();
-  events_.from_json(reader.get("events"), reader.place_of("events"));
-  reader.finish();
+void Hardware::describe(Archive &archive) {
+  archive.moment("started", started_);
+  describe_configuration(archive);
+  archive.object("running", [&] {
+    for (const auto &family : families_) {
+      if (!archive.has(family->name())) continue;
+      archive.object(family->name(), [&] { family->running(archive); });
+    }
+  });
+  events_.describe(archive);
 }
 
 }  // namespace olt::box

@@ -4,13 +4,15 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "base/clock.h"
 #include "box/core/family.h"
 #include "box/core/listings.h"
 #include "box/core/topology.h"
-#include "box/state/files.h"
+#include "box/state/state_file.h"
 #include "box/watch/event_log.h"
 
 namespace olt::box {
@@ -20,8 +22,8 @@ class Hardware {
   Hardware(const Topology &topology, StateDirectory &state, Listings listings, Clock clock);
 
   /// Starts these families from the saved configuration; from the factory state when there is none.
-  /// Throws std::runtime_error when the saved configuration is damaged.
-  void start(std::vector<std::unique_ptr<Family>> families);
+  /// @return why parts of it were left out. Throws StorageFailure when it is damaged.
+  std::vector<std::string> start(std::vector<std::unique_ptr<Family>> families, Misfits misfits);
 
   const Topology &topology() const { return topology_; }
   EventLog &events() { return events_; }
@@ -39,14 +41,12 @@ class Hardware {
   /// Falls back to the saved configuration.
   void reboot();
 
-  Json running() const;
-  /// Takes what running gave. Throws BadInput.
-  void resume(const Json &value, const std::string &place);
+  /// Describes configuration and running state.
+  void describe(Archive &archive);
 
  private:
-  Json configuration() const;
-  void configure(const Json &value, const std::string &place);
-  void load_saved();
+  void describe_saved(Archive &archive);
+  void describe_configuration(Archive &archive);
 
   const Topology &topology_;
   StateDirectory &state_;
@@ -54,7 +54,7 @@ class Hardware {
   Clock clock_;
   EventLog events_;
   std::vector<std::unique_ptr<Family>> families_;
-  Json saved_;
+  std::optional<std::string> saved_;  ///< archive
   TimePoint started_;
 };
 

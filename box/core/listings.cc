@@ -33,7 +33,7 @@ std::optional<uint32_t> number_in(std::string_view name) {
 }  // namespace
 
 Listings::Listings(std::filesystem::path directory, std::optional<gid_t> group)
-    : directory_(std::move(directory)), placement_({.group = group, .durable = false}) {
+    : directory_(std::move(directory)), placement_({.group = group, .durable = Durable::kNo}) {
   if (group) placement_.mode = 0640;
 }
 

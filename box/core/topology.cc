@@ -5,7 +5,7 @@
 #include "base/bad_input.h"
 #include "base/text.h"
 #include "box/state/files.h"
-#include "box/state/json.h"
+#include "box/state/json_form.h"
 
 namespace olt::box {
 
@@ -13,90 +13,100 @@ namespace {
 
 constexpr size_t kTextLimit = 31;
 
-std::string read_text(ObjectReader &object, std::string_view key, const std::string &fallback) {
-  std::string text = object.text(key, fallback);
-  if (text.empty() || text.size() > kTextLimit || text != printable_ascii(text)) {
-    refuse(object.place_of(key), text, "1 to 31 printable ASCII characters");
-  }
-  return text;
+/// Describes a member that may be missing.
+void optional_number(Archive &archive, std::string_view key, uint32_t &value, NumberRange range) {
+  if (archive.has(key)) archive.number(key, value, range);
 }
 
-Mac read_mac(ObjectReader &object, const Mac &fallback) {
-  const Json *member = object.find("mac");
-  if (member == nullptr) return fallback;
-  auto mac = to_mac(member->is_string() ? member->get<std::string>() : "");
-  if (!mac || ((*mac)[0] & 1) != 0) {
-    refuse(object.place_of("mac"), *member,
-           "the MAC address of one device, such as \"02:00:00:00:00:01\"");
-  }
-  return *mac;
-}
-
-void read_number(ObjectReader &object, std::string_view key, NumberRange range, uint32_t &field) {
-  field = static_cast<uint32_t>(object.number(key, range, field));
-}
-
-uint32_t read_speed(ObjectReader &port, uint32_t fallback) {
-  auto speed = static_cast<uint32_t>(port.number("speed", kAnyU32, fallback));
-  if (speed != 10 && speed != 100 && speed != 1000 && speed != 10'000) {
-    refuse(port.place_of("speed"), speed, "10, 100, 1000 or 10000");
-  }
-  return speed;
-}
-
-bool read_full_duplex(ObjectReader &port) {
-  std::string duplex = port.text("duplex", "full");
-  if (duplex != "full" && duplex != "half") {
-    refuse(port.place_of("duplex"), duplex, R"("full" or "half")");
-  }
-  return duplex == "full";
-}
-
-void read_port(const Json &value, const std::string &place, Topology &topology) {
-  ObjectReader port(value, place);
-  auto number = static_cast<uint32_t>(port.number("port", {1, topology.ethernet_ports}));
-  PortHardware hardware;
-  hardware.speed = read_speed(port, hardware.speed);
-  hardware.full_duplex = read_full_duplex(port);
-  if (port.find("plugged") != nullptr) hardware.plugged = port.flag("plugged");
-  read_number(port, "stations", {0, 64}, hardware.stations);
-  port.finish();
-  if (!topology.special_ports.emplace(number, hardware).second) {
-    refuse(port.place_of("port"), number, "each port once");
+void describe_text(Archive &archive, std::string_view key, std::string &value) {
+  if (!archive.has(key)) return;
+  archive.text(key, value, kTextLimit);
+  if (value.empty() || value != printable_ascii(value)) {
+    archive.refuse(key, "1 to 31 printable ASCII characters");
   }
 }
 
-void read_olt(const Json &value, Topology &topology) {
-  ObjectReader olt(value, "/olt");
-  topology.name = read_text(olt, "name", topology.name);
-  topology.mac = read_mac(olt, topology.mac);
-  topology.serial = read_text(olt, "serial", topology.serial);
-  topology.software_version = read_text(olt, "software_version", topology.software_version);
-  read_number(olt, "oam_support", kAnyU32, topology.oam_support);
-  read_number(olt, "ethernet_ports", {1, 64}, topology.ethernet_ports);
-  if (const Json *ports = olt.find("ports")) {
-    for_each_element(*ports, olt.place_of("ports"),
-                     [&topology](const Json &element, const std::string &at) {
-                       read_port(element, at, topology);
-                     });
+void describe_mac(Archive &archive, Mac &mac) {
+  if (!archive.has("mac")) return;
+  std::string text = mac_text(mac);
+  archive.text("mac", text, text.size());
+  auto read = to_mac(text);
+  if (!read || ((*read)[0] & 1) != 0) {
+    archive.refuse("mac", "the MAC address of one device, such as \"02:00:00:00:00:01\"");
   }
-  olt.finish();
+  mac = *read;
 }
 
-void read_pon(const Json &value, Topology &topology) {
-  ObjectReader pon(value, "/pon");
-  read_number(pon, "interfaces", {1, 16}, topology.pon_interfaces);
-  read_number(pon, "onus_per_interface", {1, 1024}, topology.onus_per_interface);
-  read_number(pon, "uni_ports_per_onu", {1, 32}, topology.uni_ports_per_onu);
-  read_number(pon, "voice_lines_per_onu", {0, 8}, topology.voice_lines_per_onu);
-  auto restart = static_cast<uint64_t>(topology.onu_restart.count());
+void describe_hardware(Archive &archive, PortHardware &hardware) {
+  if (archive.has("speed")) {
+    archive.number("speed", hardware.speed);
+    bool known = hardware.speed == 10 || hardware.speed == 100 || hardware.speed == 1000 ||
+                 hardware.speed == 10'000;
+    if (!known) archive.refuse("speed", "10, 100, 1000 or 10000");
+  }
+  if (archive.has("duplex")) {
+    std::string duplex = hardware.full_duplex ? "full" : "half";
+    archive.text("duplex", duplex, kTextLimit);
+    if (duplex != "full" && duplex != "half") archive.refuse("duplex", R"("full" or "half")");
+    hardware.full_duplex = duplex == "full";
+  }
+  if (archive.has("plugged")) archive.flag("plugged", hardware.plugged);
+  optional_number(archive, "stations", hardware.stations, {0, 64});
+}
+
+void describe_ports(Archive &archive, Topology &topology) {
+  if (!archive.has("ports")) return;
+  NumberRange ports = {1, topology.ethernet_ports};
+  archive.list(
+      "ports", topology.ethernet_ports,
+      [&] {
+        for (auto &[key, hardware] : topology.special_ports) {
+          archive.element([&, number = key, &hardware = hardware]() mutable {
+            archive.number("port", number, ports);
+            describe_hardware(archive, hardware);
+          });
+        }
+      },
+      [&] {
+        uint32_t number = 0;
+        PortHardware hardware;
+        archive.number("port", number, ports);
+        describe_hardware(archive, hardware);
+        if (!topology.special_ports.emplace(number, hardware).second) {
+          archive.refuse("port", "each port once");
+        }
+      });
+}
+
+void describe_olt(Archive &archive, Topology &topology) {
+  describe_text(archive, "name", topology.name);
+  describe_mac(archive, topology.mac);
+  describe_text(archive, "serial", topology.serial);
+  describe_text(archive, "software_version", topology.software_version);
+  optional_number(archive, "oam_support", topology.oam_support, {0, UINT32_MAX});
+  optional_number(archive, "ethernet_ports", topology.ethernet_ports, {1, 64});
+  describe_ports(archive, topology);
+}
+
+void describe_pon(Archive &archive, Topology &topology) {
+  optional_number(archive, "interfaces", topology.pon_interfaces, {1, 16});
+  optional_number(archive, "onus_per_interface", topology.onus_per_interface, {1, 1024});
+  optional_number(archive, "uni_ports_per_onu", topology.uni_ports_per_onu, {1, 32});
+  optional_number(archive, "voice_lines_per_onu", topology.voice_lines_per_onu, {0, 8});
+  auto restart = static_cast<uint32_t>(topology.onu_restart.count());
   auto longest = static_cast<uint64_t>(kLongestRestart.count());
-  topology.onu_restart =
-      std::chrono::seconds(pon.number("onu_restart_seconds", {0, longest}, restart));
-  pon.finish();
+  optional_number(archive, "onu_restart_seconds", restart, {0, longest});
+  topology.onu_restart = std::chrono::seconds(restart);
 }
 
 }  // namespace
+
+void Topology::describe(Archive &archive) {
+  uint32_t version = 1;
+  optional_number(archive, "version", version, {1, 1});
+  if (archive.has("olt")) archive.object("olt", [&] { describe_olt(archive, *this); });
+  if (archive.has("pon")) archive.object("pon", [&] { describe_pon(archive, *this); });
+}
 
 PortHardware Topology::port(uint32_t number) const {
   auto special = special_ports.find(number);
@@ -104,13 +114,11 @@ PortHardware Topology::port(uint32_t number) const {
 }
 
 Topology parse_topology(std::string_view text) {
-  Json value = parse_json(text);
-  ObjectReader root(value, "");
+  std::string data = from_json_text(text);
+  Archive archive(data);
   Topology topology;
-  root.number("version", {1, 1}, 1);
-  if (const Json *olt = root.find("olt")) read_olt(*olt, topology);
-  if (const Json *pon = root.find("pon")) read_pon(*pon, topology);
-  root.finish();
+  topology.describe(archive);
+  archive.finish();
   return topology;
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "base/mac.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -24,6 +25,8 @@ struct PortHardware {
 inline constexpr std::chrono::seconds kLongestRestart{3600};
 
 struct Topology {
+  /// Describes it as topology files do; what a file lacks stays as it is.
+  void describe(Archive &archive);
   /// The port of that number, counted from 1.
   PortHardware port(uint32_t number) const;
 

@@ -8,6 +8,9 @@ namespace olt::box {
 
 namespace {
 
+/// More than every second id takes as text.
+constexpr size_t kMostText = 16'384;
+
 std::string range_text(IdRange range) {
   return range.first == range.last ? fmt::to_string(range.first)
                                    : fmt::format("{}-{}", range.first, range.last);
@@ -114,10 +117,13 @@ std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width) {
   return cells;
 }
 
-IdSet read_ids(ObjectReader &reader, std::string_view key) {
-  auto ids = ids_from_text(reader.text(key));
-  if (!ids) refuse(reader.place_of(key), reader.get(key), "numbers up to 4094 as in \"1,20-25\"");
-  return *ids;
+void describe_ids(Archive &archive, std::string_view key, IdSet &ids) {
+  std::string text = ids_to_text(ids);
+  archive.text(key, text, kMostText);
+  if (!archive.is_reading()) return;
+  auto read = ids_from_text(text);
+  if (!read) archive.refuse(key, "numbers up to 4094 as in \"1,20-25\"");
+  ids = *read;
 }
 
 Message vlan_message(uint32_t type, std::string_view name, size_t head, VlanAction act) {

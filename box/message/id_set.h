@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "box/message/message.h"
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -39,8 +39,8 @@ std::string ids_to_text(const IdSet &ids);
 std::string ids_to_cell(const IdSet &ids, std::string_view prefix = {});
 /// The same as cells below each other, of about the width.
 std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width);
-/// Reads a member that is a text as ids_to_text writes it. Throws BadInput.
-IdSet read_ids(ObjectReader &reader, std::string_view key);
+/// Describes a member that is a text as ids_to_text writes it.
+void describe_ids(Archive &archive, std::string_view key, IdSet &ids);
 
 /// The ranges that VLAN elements name; nothing when one of them is invalid.
 template <typename Element>

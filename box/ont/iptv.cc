@@ -68,45 +68,24 @@ class OntIptv final : public OnuFamily {
     };
   }
 
-  Json configuration() const override {
-    Json profiles = Json::array();
-    for (const auto &[name, channels] : iptv_.profiles) {
-      Json list = Json::array();
-      for (const auto &[number, settings] : channels) {
-        list.push_back({{"number", number}, {"settings", to_hex(settings)}});
+  void configuration(Archive &archive) override {
+    describe_profiles(archive);
+    archive.list("user_channels", iptv_.user_channels, kMostUserChannels,
+                 [&](UserChannel &channel) {
+                   archive.bytes("user", channel.user);
+                   archive.number("a", channel.a);
+                   archive.number("b", channel.b);
+                   archive.number("c", channel.c);
+                   archive.number("d", channel.d);
+                 });
+    archive.object("onus", [&] {
+      OnuFamily::configuration(archive);
+      for (const auto &[onu, record] : attachments().kept()) {
+        if (!iptv_.profiles.contains(text_in(record))) {
+          archive.refuse(attachments().key(), "profiles that exist");
+        }
       }
-      profiles.push_back({{"name", bytes_to_utf8(name)}, {"channels", list}});
-    }
-    Json user_channels = Json::array();
-    for (const UserChannel &channel : iptv_.user_channels) {
-      user_channels.push_back({{"user", to_hex(channel.user)},
-                               {"a", channel.a},
-                               {"b", channel.b},
-                               {"c", channel.c},
-                               {"d", channel.d}});
-    }
-    return {{"profiles", profiles},
-            {"user_channels", user_channels},
-            {"onus", OnuFamily::configuration()}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    iptv_.profiles.clear();
-    iptv_.user_channels.clear();
-    for_each_element(
-        reader.get("profiles"), reader.place_of("profiles"),
-        [this](const Json &element, const std::string &at) { take_profile(element, at); });
-    for_each_element(
-        reader.get("user_channels"), reader.place_of("user_channels"),
-        [this](const Json &element, const std::string &at) { take_user_channel(element, at); });
-    OnuFamily::configure(reader.get("onus"), reader.place_of("onus"));
-    for (const auto &[onu, record] : attachments().kept()) {
-      if (!iptv_.profiles.contains(text_in(record))) {
-        refuse(reader.place_of("onus"), reader.get("onus"), "profiles that exist");
-      }
-    }
-    reader.finish();
+    });
   }
 
   void restore_factory() override {
@@ -241,34 +220,43 @@ class OntIptv final : public OnuFamily {
     return users;
   }
 
-  void take_profile(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    std::string name = reader.bytes("name", sizeof(ProfileName));
-    bool usable = !name.empty() && name.find('\0') == std::string::npos;
-    if (!usable || iptv_.profiles.contains(name)) {
-      refuse(reader.place_of("name"), reader.get("name"), "a name, each once");
-    }
-    IptvState::Channels &channels = iptv_.profiles[name];
-    for_each_element(reader.get("channels"), reader.place_of("channels"),
-                     [&channels](const Json &channel, const std::string &at) {
-                       ObjectReader members(channel, at);
-                       auto number = static_cast<uint32_t>(members.number("number", kAnyU32));
-                       members.hex("settings", channels[number]);
-                       members.finish();
-                     });
-    reader.finish();
+  void describe_profiles(Archive &archive) {
+    if (archive.is_reading()) iptv_.profiles.clear();
+    archive.list(
+        "profiles", kMostProfiles,
+        [&] {
+          for (auto &[name, channels] : iptv_.profiles) {
+            archive.element([&, name = name, &channels = channels]() mutable {
+              archive.text("name", name, sizeof(ProfileName));
+              describe_channels(archive, channels);
+            });
+          }
+        },
+        [&] {
+          std::string name;
+          archive.text("name", name, sizeof(ProfileName));
+          bool usable = !name.empty() && name.find('\0') == std::string::npos;
+          if (!usable || iptv_.profiles.contains(name)) archive.refuse("name", "a name, each once");
+          describe_channels(archive, iptv_.profiles[name]);
+        });
   }
 
-  void take_user_channel(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    UserChannel channel{};
-    reader.hex("user", channel.user);
-    channel.a = static_cast<uint32_t>(reader.number("a", kAnyU32));
-    channel.b = static_cast<uint16_t>(reader.number("b", kAnyU16));
-    channel.c = static_cast<uint16_t>(reader.number("c", kAnyU16));
-    channel.d = static_cast<uint32_t>(reader.number("d", kAnyU32));
-    reader.finish();
-    iptv_.user_channels.insert(channel);
+  static void describe_channels(Archive &archive, IptvState::Channels &channels) {
+    archive.list(
+        "channels", kMostChannels,
+        [&] {
+          for (auto &[number, settings] : channels) {
+            archive.element([&, number = number, &settings = settings]() mutable {
+              archive.number("number", number);
+              archive.bytes("settings", settings);
+            });
+          }
+        },
+        [&] {
+          uint32_t number = 0;
+          archive.number("number", number);
+          archive.bytes("settings", channels[number]);
+        });
   }
 
   RecordTable &attachments() const { return state().records.iptv_profile; }

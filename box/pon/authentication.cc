@@ -10,7 +10,6 @@
 #include "box/message/id_set.h"
 #include "box/pon/families.h"
 #include "box/pon/onu_listing.h"
-#include "box/state/moment.h"
 
 namespace olt::box {
 
@@ -61,31 +60,25 @@ class PonAuthentication final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json interfaces = Json::array();
-    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      const PonAccess &access = admission_.of(interface);
-      if (access.as_from_factory()) continue;
-      Json value = {{"interface", interface}, {"mode", static_cast<uint32_t>(access.mode)}};
-      for (size_t i = 0; i < access.lists.size(); ++i) {
-        Json entries = Json::array();
-        for (const AuthEntry &entry : access.lists[i].entries()) {
-          entries.push_back(to_hex(bytes_of(entry)));
-        }
-        value[std::string(kListKeys[i])] = std::move(entries);
-      }
-      interfaces.push_back(std::move(value));
-    }
-    return {{"interfaces", interfaces}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    admission_.clear();
-    ObjectReader reader(value, place);
-    for_each_element(reader.get("interfaces"), reader.place_of("interfaces"),
-                     [this](const Json &element, const std::string &at) { take(element, at); });
-    reader.finish();
-    try_all();
+  void configuration(Archive &archive) override {
+    if (archive.is_reading()) admission_.clear();
+    archive.list(
+        "interfaces", interfaces_count(),
+        [&] {
+          for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+            if (admission_.of(interface).as_from_factory()) continue;
+            archive.element([&] {
+              describe_interface(archive, interface);
+              describe_access(archive, admission_.of(interface));
+            });
+          }
+        },
+        [&] {
+          uint32_t interface = 0;
+          describe_interface(archive, interface);
+          describe_access(archive, admission_.of(interface));
+        });
+    if (archive.is_reading()) try_all();
   }
 
   void restore_factory() override {
@@ -93,20 +86,26 @@ class PonAuthentication final : public Family {
     try_all();
   }
 
-  Json running() const override {
-    Json groups = Json::array();
-    for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      add_groups(interface, groups);
-    }
-    return {{"onus", groups}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for_each_element(
-        reader.get("onus"), reader.place_of("onus"),
-        [this](const Json &element, const std::string &at) { resume_group(element, at); });
-    reader.finish();
+  /// ONUs that stand alike are written together: as a rule that is all of an interface.
+  void running(Archive &archive) override {
+    archive.list(
+        "onus", state_.onus.size(),
+        [&] {
+          for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
+            for (auto [standing, numbers] : groups_of(interface)) {
+              archive.element([&, standing = standing, numbers = numbers]() mutable {
+                describe_group(archive, interface, numbers, standing);
+              });
+            }
+          }
+        },
+        [&] {
+          uint32_t interface = 0;
+          IdSet numbers;
+          Standing standing;
+          describe_group(archive, interface, numbers, standing);
+          resume_group(archive, interface, numbers, standing);
+        });
   }
 
   void reboot() override {
@@ -272,57 +271,73 @@ class PonAuthentication final : public Family {
     }
   }
 
-  void take(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    PonAccess &access = admission_.of(read_interface(reader));
-    access.mode = static_cast<AuthMode>(reader.number("mode", {0, kLastAuthMode}));
+  void describe_interface(Archive &archive, uint32_t &interface) const {
+    archive.number("interface", interface, {1, interfaces_count()});
+  }
+
+  static void describe_access(Archive &archive, PonAccess &access) {
+    auto mode = static_cast<uint32_t>(access.mode);
+    archive.number("mode", mode, {0, kLastAuthMode});
+    access.mode = static_cast<AuthMode>(mode);
     for (size_t i = 0; i < access.lists.size(); ++i) {
-      for_each_element(
-          reader.get(kListKeys[i]), reader.place_of(kListKeys[i]),
-          [&list = access.lists[i]](const Json &entry, const std::string &at) {
-            auto bytes = from_hex(entry.is_string() ? entry.get<std::string>() : "");
-            bool valid = bytes && bytes->size() == sizeof(AuthEntry);
-            if (!valid || list.add(Request(*bytes).records<AuthEntry>(0)) != Status::kOk) {
-              refuse(at, entry, "an entry of the list, 44 bytes in hex");
+      AllowList &list = access.lists[i];
+      archive.list(
+          kListKeys[i], kMostAllowed,
+          [&] {
+            for (AuthEntry entry : list.entries()) {
+              archive.element([&] { describe_entry(archive, entry); });
+            }
+          },
+          [&] {
+            AuthEntry entry{};
+            describe_entry(archive, entry);
+            if (list.add({entry}) != Status::kOk) {
+              archive.refuse("mac", "an entry that the list can hold");
             }
           });
     }
-    reader.finish();
   }
 
-  uint32_t read_interface(ObjectReader &reader) const {
-    return static_cast<uint32_t>(reader.number("interface", {1, interfaces_count()}));
+  static void describe_entry(Archive &archive, AuthEntry &entry) {
+    archive.bytes("mac", entry.mac);
+    describe_text(archive, "loid", entry.loid, &Archive::text);
+    describe_text(archive, "password", entry.password, &Archive::secret);
   }
 
-  /// ONUs that stand alike are written together: as a rule that is all of an interface.
-  void add_groups(uint32_t interface, Json &groups) const {
-    std::map<std::pair<bool, uint64_t>, IdSet> alike;
+  template <size_t size>
+  static void describe_text(Archive &archive, std::string_view key, char (&field)[size],
+                            void (Archive::*describe)(std::string_view, std::string &, size_t)) {
+    std::string text = text_of(field);
+    (archive.*describe)(key, text, size);
+    set_text(field, text);
+  }
+
+  using Standing = std::pair<bool, TimePoint>;  ///< admitted, from when
+
+  std::map<Standing, IdSet> groups_of(uint32_t interface) const {
+    std::map<Standing, IdSet> groups;
     for (const Onu &onu : state_.of_interface(interface)) {
-      alike[{onu.admitted(), to_milliseconds(onu.from())}].set(onu.place().onu);
+      groups[{onu.admitted(), onu.from()}].set(onu.place().onu);
     }
-    for (const auto &[standing, onus] : alike) {
-      groups.push_back({{"interface", interface},
-                        {"onus", ids_to_text(onus)},
-                        {"admitted", standing.first},
-                        {"from", standing.second}});
-    }
+    return groups;
   }
 
-  void resume_group(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    uint32_t interface = read_interface(reader);
-    IdSet onus = read_ids(reader, "onus");
-    bool admitted = reader.flag("admitted");
-    TimePoint from = read_time(reader, "from");
-    reader.finish();
-    for (IdRange range : ranges_of(onus)) {
+  void describe_group(Archive &archive, uint32_t &interface, IdSet &numbers,
+                      Standing &standing) const {
+    describe_interface(archive, interface);
+    describe_ids(archive, "onus", numbers);
+    archive.flag("admitted", standing.first);
+    archive.moment("from", standing.second);
+  }
+
+  void resume_group(Archive &archive, uint32_t interface, const IdSet &numbers,
+                    const Standing &standing) {
+    for (IdRange range : ranges_of(numbers)) {
       for (uint32_t number = range.first; number <= range.last; ++number) {
         Onu *onu = state_.find(interface, number);
-        if (onu == nullptr) {
-          refuse(reader.place_of("onus"), reader.get("onus"), "ONUs that the box has");
-        }
-        onu->block(from);
-        if (admitted) onu->admit(from);
+        if (onu == nullptr) archive.refuse("onus", "ONUs that the box has");
+        onu->block(standing.second);
+        if (standing.first) onu->admit(standing.second);
       }
     }
   }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "base/text.h"
 #include "box/pon/families.h"
 
 namespace olt::box {
@@ -53,10 +52,9 @@ class PonLink final : public OnuFamily {
     };
   }
 
-  Json configuration() const override {
-    Json value = OnuFamily::configuration();
-    value["global"] = to_hex(bytes_of(global_));
-    return value;
+  void configuration(Archive &archive) override {
+    OnuFamily::configuration(archive);
+    archive.bytes("global", bytes_of(global_));
   }
 
   void restore_factory() override {
@@ -77,8 +75,6 @@ class PonLink final : public OnuFamily {
   }
 
  private:
-  void configure_rest(ObjectReader &reader) override { reader.hex("global", bytes_of(global_)); }
-
   Message onu_message(uint32_t type, std::string_view name, Status (PonLink::*act)(Onu &)) {
     return part_message(state(), type, name, Scope::kOnu, exactly(0),
                         [this, act](const OnuPart &place, const Request &, Reply &) {

@@ -5,20 +5,11 @@ namespace olt::box {
 OnuFamily::OnuFamily(std::string_view name, OnuState &state, std::vector<RecordTable *> tables)
     : name_(name), state_(state), tables_(std::move(tables)) {}
 
-Json OnuFamily::configuration() const {
-  Json value = Json::object();
-  for (const RecordTable *table : tables_) value[std::string(table->key())] = table->to_json();
-  return value;
-}
-
-void OnuFamily::configure(const Json &value, const std::string &place) {
-  ObjectReader reader(value, place);
+void OnuFamily::configuration(Archive &archive) {
   for (RecordTable *table : tables_) {
-    table->from_json(reader.get(table->key()), reader.place_of(table->key()),
-                     [this](Scope scope, const OnuPart &part) { return state_.has(scope, part); });
+    table->describe(archive,
+                    [this](Scope scope, const OnuPart &part) { return state_.has(scope, part); });
   }
-  configure_rest(reader);
-  reader.finish();
 }
 
 void OnuFamily::restore_factory() {

@@ -16,17 +16,13 @@ class OnuFamily : public Family {
   OnuFamily(std::string_view name, OnuState &state, std::vector<RecordTable *> tables);
 
   std::string_view name() const override { return name_; }
-  Json configuration() const override;
-  void configure(const Json &value, const std::string &place) override;
+  void configuration(Archive &archive) override;
   void restore_factory() override;
   void describe_configuration(Report &report) const override;
   size_t footprint() const override;
 
  protected:
   OnuState &state() const { return state_; }
-
-  /// Reads what a family has beside its tables. Throws BadInput.
-  virtual void configure_rest(ObjectReader & /*reader*/) {}
 
  private:
   std::string_view name_;

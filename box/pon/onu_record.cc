@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/bad_input.h"
 #include "base/text.h"
 #include "box/message/id_set.h"
 #include "box/message/message.h"
@@ -115,31 +116,25 @@ std::string RecordTable::show(std::span<const uint8_t> record) const {
   return to_hex(record);
 }
 
-Json RecordTable::to_json() const {
-  Json value = Json::object();
-  for (const auto &[place, record] : records_) value[to_text(place)] = to_hex(record);
-  return value;
-}
-
-void RecordTable::from_json(const Json &value, const std::string &place,
-                            const std::function<bool(Scope, const OnuPart &)> &valid) {
-  records_.clear();
-  ObjectReader reader(value, place);
-  for (const auto &[key, member] : value.items()) {
-    auto part = to_onu_part(key);
-    if (!part || !valid(scope_, *part)) {
-      refuse(reader.place_of(key), member, "no member of this name: the box has no such part");
-    }
-    auto record = from_hex(reader.text(key));
-    bool sound = record && record->size() == size();
-    if (!sound || (shown_ == Shown::kCountedIds && !holds_counted_vlans(*record))) {
-      refuse(reader.place_of(key), member,
-             fmt::format("{}{} bytes in hex", shown_ == Shown::kCountedIds ? "VLANs in " : "",
-                         size()));
-    }
-    set(*part, *record);
-  }
-  reader.finish();
+void RecordTable::describe(Archive &archive,
+                           const std::function<bool(Scope, const OnuPart &)> &valid) {
+  if (archive.is_reading()) records_.clear();
+  archive.entries(
+      key_,
+      [&] {
+        for (const auto &[place, record] : records_) archive.entry(to_text(place), record);
+      },
+      [&](std::string_view name, ByteView record) {
+        auto part = to_onu_part(name);
+        if (!part || !valid(scope_, *part)) throw BadInput("names no part that the box has");
+        if (record.size() != size()) {
+          throw BadInput(fmt::format("has {} bytes; expected {}", record.size(), size()));
+        }
+        if (shown_ == Shown::kCountedIds && !holds_counted_vlans(record)) {
+          throw BadInput("holds no VLANs; expected their count, then the VLANs");
+        }
+        set(*part, record);
+      });
 }
 
 size_t RecordTable::footprint() const {

@@ -12,7 +12,7 @@
 #include <tuple>
 #include <vector>
 
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -85,10 +85,8 @@ class RecordTable {
   KeptOfOnu kept_of(const OnuPart &onu) const;
   std::string show(std::span<const uint8_t> record) const;
 
-  Json to_json() const;
-  /// Throws BadInput. A place is valid when the function says so.
-  void from_json(const Json &value, const std::string &place,
-                 const std::function<bool(Scope, const OnuPart &)> &valid);
+  /// A place is valid when the function says so.
+  void describe(Archive &archive, const std::function<bool(Scope, const OnuPart &)> &valid);
 
   size_t footprint() const;
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "base/clock.h"
-#include "base/text.h"
 #include "box/ont/families.h"
 #include "box/snmp/families.h"
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/bad_input.h"
+#include "base/text.h"
 
 namespace olt::box {
 
@@ -156,7 +157,7 @@ void Archive::moment(std::string_view key, TimePoint &value) {
 void Archive::object(std::string_view key, const std::function<void()> &describe) {
   if (!is_reading()) {
     out().text(key);
-    write_element(describe);
+    element(describe);
     return;
   }
   CborReader reader = value_of(key);
@@ -165,33 +166,34 @@ void Archive::object(std::string_view key, const std::function<void()> &describe
   leave();
 }
 
-void Archive::write_element(const std::function<void()> &describe) {
+void Archive::element(const std::function<void()> &describe) {
   out().begin_map();
   describe();
   out().end();
 }
 
-void Archive::write_list(std::string_view key, const std::function<void()> &write) {
-  out().text(key);
-  out().begin_list();
-  write();
-  out().end();
-}
-
-void Archive::read_list(std::string_view key, size_t max, const std::function<void()> &read) {
+void Archive::list(std::string_view key, size_t max, const std::function<void()> &write,
+                   const std::function<void()> &read) {
+  if (!is_reading()) {
+    out().text(key);
+    out().begin_list();
+    write();
+    out().end();
+    return;
+  }
   CborReader reader = value_of(key);
-  CborReader::Value list = reader.next();
-  if (list.kind != Kind::kList) refuse(place_of(key), list, "an array");
+  CborReader::Value head = reader.next();
+  if (head.kind != Kind::kList) refuse(place_of(key), head, "an array");
   std::string place = place_of(key);
   for (size_t i = 0;; ++i) {
-    CborReader element = reader;
-    if (element.next().kind == Kind::kEnd) return;
-    if (i == max) refuse(place, list, fmt::format("at most {} elements", max));
-    element = reader;
+    CborReader next = reader;
+    if (next.next().kind == Kind::kEnd) return;
+    if (i == max) refuse(place, head, fmt::format("at most {} elements", max));
+    next = reader;
     reader.skip();
     size_t depth = in().scopes.size();
     attempt([&] {
-      enter(fmt::format("{}/{}", place, i), element);
+      enter(fmt::format("{}/{}", place, i), next);
       read();
       leave();
     });
@@ -203,7 +205,7 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
                       const TakeEntry &take) {
   if (!is_reading()) {
     out().text(key);
-    write_element(write);
+    element(write);
     return;
   }
   CborReader reader = value_of(key);

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "base/text.h"
 #include "box/state/cbor.h"
 
 namespace olt::box {
@@ -57,25 +58,30 @@ class Archive {
   /// A member whose own members the function describes.
   void object(std::string_view key, const std::function<void()> &describe);
 
-  /// A member that is a list of objects, each described by the function. Reading appends to an
-  /// empty container, at most max elements.
+  /// A member that is a list of objects. Writing calls write, which calls element for each; reading
+  /// calls read for each, at most max times.
+  void list(std::string_view key, size_t max, const std::function<void()> &write,
+            const std::function<void()> &read);
+  void element(const std::function<void()> &describe);
+
+  /// The same with a container of which the function describes each element. Reading replaces what
+  /// it holds.
   template <typename Container, typename Describe>
   void list(std::string_view key, Container &elements, size_t max, Describe describe) {
-    if (is_reading()) {
-      elements.clear();
-      read_list(key, max, [&] {
-        typename Container::value_type element{};
-        describe(element);
-        elements.insert(elements.end(), std::move(element));
-      });
-    } else {
-      write_list(key, [&] {
-        for (auto &element : elements) {
-          auto copy = element;
-          write_element([&] { describe(copy); });
-        }
-      });
-    }
+    if (is_reading()) elements.clear();
+    list(
+        key, max,
+        [&] {
+          for (const auto &element_of : elements) {
+            auto copy = element_of;
+            element([&] { describe(copy); });
+          }
+        },
+        [&] {
+          typename Container::value_type read{};
+          describe(read);
+          elements.insert(elements.end(), std::move(read));
+        });
   }
 
   /// A member whose own members are named by what they belong to, each of them bytes. Writing calls
@@ -126,9 +132,6 @@ class Archive {
   void wide_number(std::string_view key, uint64_t &value, NumberRange range);
   void characters(std::string_view key, std::string &value, size_t max, bool is_secret);
   void fixed(std::string_view key, std::span<uint8_t> field, bool is_secret);
-  void write_list(std::string_view key, const std::function<void()> &write);
-  void write_element(const std::function<void()> &describe);
-  void read_list(std::string_view key, size_t max, const std::function<void()> &read);
 
   Member *find(std::string_view key);
   CborReader value_of(std::string_view key);

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <thread>
@@ -33,14 +34,28 @@ void write_all(int fd, std::string_view content, const std::string &name) {
   }
 }
 
+/// Far more than any state takes.
+constexpr size_t kLargestFile = size_t{1} << 30;
+
+/// Opens for reading, without waiting for a writer as a FIFO does.
+constexpr int kReading = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+/// The content of a regular file that is not too large.
 std::string read_all(int fd, const std::string &name) {
+  struct stat found {};
+  if (fstat(fd, &found) != 0) fail(name);
+  if (!S_ISREG(found.st_mode)) throw StorageFailure(name + ": is no regular file; expected one");
   std::string content;
-  char part[16 * 1024];
+  content.reserve(std::min(static_cast<size_t>(found.st_size), kLargestFile));
+  char part[64 * 1024];
   for (;;) {
     ssize_t count = read(fd, part, sizeof part);
     if (count == 0) return content;
     if (count < 0 && errno != EINTR) fail(name);
     if (count > 0) content.append(part, static_cast<size_t>(count));
+    if (content.size() > kLargestFile) {
+      throw StorageFailure(name + ": is too large; expected at most 1 GiB");
+    }
   }
 }
 
@@ -54,7 +69,7 @@ void fill(int directory, const std::string &name, std::string_view content,
   }
   if (fchmod(file.get(), placement.mode) != 0) fail(name);
   write_all(file.get(), content, name);
-  if (placement.durable && fsync(file.get()) != 0) fail(name);
+  if (placement.durable == Durable::kYes && fsync(file.get()) != 0) fail(name);
 }
 
 void rename_within(int directory, const std::string &from, const std::string &to) {
@@ -99,7 +114,7 @@ Descriptor open_directory(const std::filesystem::path &path) {
 }
 
 std::string read_file(const std::filesystem::path &path) {
-  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  Descriptor file(open(path.c_str(), kReading));
   if (!file.is_open()) fail("cannot be read");
   return read_all(file.get(), "cannot be read");
 }
@@ -111,7 +126,7 @@ void replace_file(const Descriptor &directory, const std::string &name, std::str
   unlinkat(directory.get(), temporary.c_str(), 0);
   try {
     fill(directory.get(), temporary, content, placement);
-    if (placement.durable) {
+    if (placement.durable == Durable::kYes) {
       put_durably(directory.get(), temporary, name);
     } else {
       rename_within(directory.get(), temporary, name);
@@ -136,15 +151,15 @@ StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::millisec
 }
 
 std::optional<std::string> StateDirectory::read(const std::string &name) const {
-  Descriptor file(openat(directory_.get(), name.c_str(), O_RDONLY | O_CLOEXEC));
+  Descriptor file(openat(directory_.get(), name.c_str(), kReading | O_NOFOLLOW));
   if (!file.is_open() && errno == ENOENT) return std::nullopt;
   if (!file.is_open()) fail(path_of(name));
   return read_all(file.get(), path_of(name));
 }
 
-void StateDirectory::write(const std::string &name, std::string_view content) {
+void StateDirectory::write(const std::string &name, std::string_view content, Durable durable) {
   try {
-    replace_file(directory_, name, content, {});
+    replace_file(directory_, name, content, {.durable = durable});
   } catch (const StorageFailure &failure) {
     throw StorageFailure(path_.string() + '/' + failure.what());
   }

@@ -28,10 +28,13 @@ Descriptor open_directory(const std::filesystem::path &path);
 /// The whole content. Throws StorageFailure.
 std::string read_file(const std::filesystem::path &path);
 
+/// Whether what was written is on disk when the call returns, or some time later.
+enum class Durable { kYes, kNo };
+
 struct Placement {
   mode_t mode = 0600;
   std::optional<gid_t> group;
-  bool durable = true;  ///< on disk when the call returns
+  Durable durable = Durable::kYes;
 };
 
 /// Replaces or creates the file in one step: whoever looks, whenever the process ends, finds the
@@ -47,7 +50,7 @@ class StateDirectory {
 
   /// The content, or nothing when there is no such file.
   std::optional<std::string> read(const std::string &name) const;
-  void write(const std::string &name, std::string_view content);
+  void write(const std::string &name, std::string_view content, Durable durable);
   void remove(const std::string &name);
   std::string path_of(const std::string &name) const { return (path_ / name).string(); }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/bad_input.h"
+#include "base/text.h"
 #include "box/state/cbor.h"
 
 namespace olt::box {
@@ -22,11 +23,11 @@ constexpr size_t kDeepest = 32;
 
 class JsonWriter {
  public:
-  JsonWriter(std::string_view archive, Secrets secrets) : reader_(archive), secrets_(secrets) {}
+  JsonWriter(std::string_view archive, Secrets secrets, bool indented)
+      : reader_(archive), secrets_(secrets), indented_(indented) {}
 
   std::string write() {
     value(reader_.next());
-    text_ += '\n';
     if (!reader_.at_end()) throw BadInput("more follows behind its end");
     return std::move(text_);
   }
@@ -56,7 +57,7 @@ class JsonWriter {
       case Kind::kMap:
         elements('{', '}', [this](const CborReader::Value &key) {
           quote(key.data);
-          text_ += ": ";
+          text_ += indented_ ? ": " : ":";
           this->value(reader_.next());
         });
         break;
@@ -73,16 +74,19 @@ class JsonWriter {
     for (;; first = false) {
       CborReader::Value next = reader_.next();
       if (next.kind == Kind::kEnd) break;
-      text_ += first ? "\n" : ",\n";
-      text_.append(depth_, ' ');
+      if (!first) text_ += ',';
+      break_line();
       element(next);
     }
     --depth_;
-    if (!first) {
-      text_ += '\n';
-      text_.append(depth_, ' ');
-    }
+    if (!first) break_line();
     text_ += close;
+  }
+
+  void break_line() {
+    if (!indented_) return;
+    text_ += '\n';
+    text_.append(depth_, ' ');
   }
 
   void quote(std::string_view characters) {
@@ -91,6 +95,7 @@ class JsonWriter {
 
   CborReader reader_;
   Secrets secrets_;
+  bool indented_;
   std::string text_;
   size_t depth_ = 0;
 };
@@ -197,7 +202,11 @@ class JsonReader : public nlohmann::json_sax<Json> {
 }  // namespace
 
 std::string to_json_text(std::string_view archive, Secrets secrets) {
-  return JsonWriter(archive, secrets).write();
+  return JsonWriter(archive, secrets, true).write() + '\n';
+}
+
+std::string to_json_line(std::string_view archive) {
+  return JsonWriter(archive, Secrets::kShown, false).write();
 }
 
 std::string from_json_text(std::string_view text) {

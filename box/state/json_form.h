@@ -12,6 +12,8 @@ enum class Secrets { kMasked, kShown };
 /// The archive as JSON, indented, members in the order in which they were written, bytes in hex.
 /// Throws BadInput when it is none.
 std::string to_json_text(std::string_view archive, Secrets secrets);
+/// The same on one line, with its secrets.
+std::string to_json_line(std::string_view archive);
 
 /// An archive from JSON: objects, arrays, texts, true and false, numbers from 0. Throws BadInput,
 /// "LINE:COLUMN: reason" or the place of a member that is given twice.

@@ -1,40 +1,42 @@
 #include "box/state/state_file.h"
 
+#include <fmt/core.h>
+
 #include "base/bad_input.h"
+#include "box/state/seal.h"
 
 namespace olt::box {
 
 namespace {
 
-std::string format_of(const std::string &name) {
-  return "oltbox " + name;
+template <typename Step>
+auto naming(const StateDirectory &state, const std::string &name, Step step) {
+  try {
+    return step();
+  } catch (const BadInput &error) {
+    throw StorageFailure(fmt::format("{}: {}; remove the file or start afresh (--fresh)",
+                                     state.path_of(name), error.what()));
+  }
 }
 
 }  // namespace
 
-bool read_state_file(const StateDirectory &state, const std::string &name,
-                     const std::function<void(ObjectReader &)> &take) {
-  auto text = state.read(name);
-  if (!text) return false;
-  try {
-    Json value = parse_json(*text);
-    ObjectReader reader(value, "");
-    const Json &format = reader.get("format");
-    if (format != format_of(name)) refuse("/format", format, '"' + format_of(name) + '"');
-    reader.number("version", {1, 1});
-    take(reader);
-    reader.finish();
-    return true;
-  } catch (const BadInput &error) {
-    throw StorageFailure(state.path_of(name) + ": " + error.what() +
-                         "; remove the file or start afresh (--fresh)");
-  }
+std::optional<std::string> read_state_file(const StateDirectory &state, const std::string &name) {
+  auto file = state.read(name);
+  if (!file) return std::nullopt;
+  return naming(state, name, [&] { return std::string(unseal(*file)); });
 }
 
-void write_state_file(StateDirectory &state, const std::string &name, const Json &members) {
-  Json value = {{"format", format_of(name)}, {"version", 1}};
-  value.update(members);
-  state.write(name, value.dump(1) + '\n');
+std::vector<std::string> take_state(const StateDirectory &state, const std::string &name,
+                                    std::string_view data, Misfits misfits,
+                                    const std::function<void(Archive &)> &describe) {
+  return naming(state, name, [&] {
+    Archive archive(data);
+    if (misfits == Misfits::kLeaveOut) archive.adopt();
+    describe(archive);
+    archive.finish();
+    return archive.left_out();
+  });
 }
 
 }  // namespace olt::box

@@ -1,26 +1,32 @@
-/// JSON state files: {"format": "oltbox NAME", "version": 1, and the members}.
+/// State files: archives, sealed.
 #ifndef OLT_BOX_STATE_STATE_FILE_H
 #define OLT_BOX_STATE_STATE_FILE_H
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "box/state/archive.h"
 #include "box/state/files.h"
-#include "box/state/json.h"
 
 namespace olt::box {
 
-inline constexpr char kSavedFile[] = "saved.json";
-inline constexpr char kRunningFile[] = "running.json";
+inline constexpr char kSavedFile[] = "saved.state";
+inline constexpr char kRunningFile[] = "running.state";
 
-/// Hands the members to the function, which must ask for all of them.
-/// @return false when there is no such file. Throws std::runtime_error with one line, which names
-/// the file and the reason, when the file is not what write_state_file wrote.
-bool read_state_file(const StateDirectory &state, const std::string &name,
-                     const std::function<void(ObjectReader &)> &take);
+/// The archive in the file; nothing when there is no such file. Throws StorageFailure with one line
+/// when the file is damaged.
+std::optional<std::string> read_state_file(const StateDirectory &state, const std::string &name);
 
-/// Throws StorageFailure; the old file then stands.
-void write_state_file(StateDirectory &state, const std::string &name, const Json &members);
+enum class Misfits { kRefuse, kLeaveOut };
+
+/// Has the function describe the archive that was read from the file. @return why each element was
+/// left out that did not fit. Throws StorageFailure with one line, which names the file.
+std::vector<std::string> take_state(const StateDirectory &state, const std::string &name,
+                                    std::string_view data, Misfits misfits,
+                                    const std::function<void(Archive &)> &describe);
 
 }  // namespace olt::box
 

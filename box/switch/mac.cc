@@ -10,8 +10,6 @@
 #include <tuple>
 
 #include "base/clock.h"
-#include "base/text.h"
-#include "box/state/moment.h"
 #include "box/switch/families.h"
 
 namespace olt::box {
@@ -68,42 +66,23 @@ class SwitchMac final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json list = Json::array();
-    for (const auto &[port, address] : statics_) {
-      list.push_back({{"port", port}, {"vlan", address.vlan}, {"mac", to_hex(address.mac)}});
-    }
-    return {{"static", list}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    statics_.clear();
-    for_each_element(reader.get("static"), reader.place_of("static"),
-                     [this](const Json &element, const std::string &at) { take(element, at); });
-    reader.finish();
+  void configuration(Archive &archive) override {
+    archive.list("static", statics_, kMostStatic, [&](StaticAddress &fixed) {
+      state_.describe_port(archive, fixed.port);
+      archive.number("vlan", fixed.address.vlan, {1, kLastVlan});
+      archive.bytes("mac", fixed.address.mac);
+      if (archive.is_reading() && !is_unicast(fixed.address.mac)) {
+        archive.refuse("mac", "the MAC address of one device in hex");
+      }
+    });
   }
 
   void restore_factory() override { statics_.clear(); }
 
-  Json running() const override {
-    Json ports = Json::array();
-    for (const EthernetPort &port : state_.ports) {
-      ports.push_back(
-          {{"port", port.number()}, {"forgotten", to_milliseconds(forgotten_[port.number() - 1])}});
-    }
-    return {{"ports", ports}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for_each_element(reader.get("ports"), reader.place_of("ports"),
-                     [this](const Json &element, const std::string &at) {
-                       ObjectReader port(element, at);
-                       forgotten_[state_.read_port(port) - 1] = read_time(port, "forgotten");
-                       port.finish();
-                     });
-    reader.finish();
+  void running(Archive &archive) override {
+    state_.describe_ports(archive, [&](EthernetPort &port) {
+      archive.moment("forgotten", forgotten_[port.number() - 1]);
+    });
   }
 
   void reboot() override { std::fill(forgotten_.begin(), forgotten_.end(), hardware_.now()); }
@@ -126,20 +105,6 @@ class SwitchMac final : public Family {
     Address address;
     std::string age;  ///< "-" for a static one
   };
-
-  void take(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    uint32_t port = state_.read_port(reader);
-    Address address = {static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan})), {}};
-    auto bytes = from_hex(reader.text("mac"));
-    bool whole = bytes && bytes->size() == address.mac.size();
-    if (whole) std::copy(bytes->begin(), bytes->end(), address.mac.begin());
-    if (!whole || !is_unicast(address.mac)) {
-      refuse(reader.place_of("mac"), reader.get("mac"), "the MAC address of one device in hex");
-    }
-    reader.finish();
-    statics_.push_back({port, address});
-  }
 
   Status list(const Request &request, Reply &reply) {
     auto asked = request.record<ListingRequest>();

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "base/text.h"
 #include "box/switch/families.h"
 
 namespace olt::box {
@@ -35,15 +34,9 @@ class SwitchMulticast final : public Family {
     };
   }
 
-  Json configuration() const override {
-    return {{"igmp_proxy", to_hex(bytes_of(proxy_))}, {"vlans", ids_to_text(vlans_)}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    reader.hex("igmp_proxy", bytes_of(proxy_));
-    vlans_ = read_ids(reader, "vlans");
-    reader.finish();
+  void configuration(Archive &archive) override {
+    archive.bytes("igmp_proxy", bytes_of(proxy_));
+    describe_ids(archive, "vlans", vlans_);
   }
 
   void restore_factory() override {

@@ -44,24 +44,15 @@ class SwitchPort final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json ports = Json::array();
-    for (const EthernetPort &port : state_.ports) {
-      Json entry = {{"port", port.number()}};
+  void configuration(Archive &archive) override {
+    archive.number("uplink_aggregation", aggregation_);
+    state_.describe_ports(archive, [&](EthernetPort &port) {
       for (const PortSetting &setting : kPortSettings) {
-        entry[std::string(setting.key)] = port.setting(setting.word);
+        uint32_t value = port.setting(setting.word);
+        archive.number(setting.key, value, {0, setting.most});
+        port.set(setting.word, value, hardware_.now());
       }
-      ports.push_back(std::move(entry));
-    }
-    return {{"uplink_aggregation", aggregation_}, {"ports", ports}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    aggregation_ = static_cast<uint32_t>(reader.number("uplink_aggregation", kAnyU32));
-    for_each_element(reader.get("ports"), reader.place_of("ports"),
-                     [this](const Json &element, const std::string &at) { take(element, at); });
-    reader.finish();
+    });
   }
 
   void restore_factory() override {
@@ -69,21 +60,8 @@ class SwitchPort final : public Family {
     aggregation_ = 0;
   }
 
-  Json running() const override {
-    Json ports = Json::array();
-    for (const EthernetPort &port : state_.ports) ports.push_back(port.running());
-    return {{"ports", ports}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for_each_element(reader.get("ports"), reader.place_of("ports"),
-                     [this](const Json &element, const std::string &at) {
-                       ObjectReader port(element, at);
-                       state_.ports[state_.read_port(port) - 1].resume(port);
-                       port.finish();
-                     });
-    reader.finish();
+  void running(Archive &archive) override {
+    state_.describe_ports(archive, [&](EthernetPort &port) { port.describe_running(archive); });
   }
 
   void reboot() override {
@@ -122,16 +100,6 @@ class SwitchPort final : public Family {
   }
 
  private:
-  void take(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    EthernetPort &port = state_.ports[state_.read_port(reader) - 1];
-    for (const PortSetting &setting : kPortSettings) {
-      auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.most}));
-      port.set(setting.word, value, hardware_.now());
-    }
-    reader.finish();
-  }
-
   /// A message that sets these words of a port and reads no others.
   Message setter(uint32_t type, std::string_view message, std::vector<PortWord> words) {
     auto set = [this, message, words = std::move(words)](const Request &request, Reply &) {

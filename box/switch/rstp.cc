@@ -6,8 +6,6 @@
 #include <algorithm>
 
 #include "base/clock.h"
-#include "base/text.h"
-#include "box/state/moment.h"
 #include "box/switch/families.h"
 
 namespace olt::box {
@@ -68,27 +66,13 @@ class SwitchRstp final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json ports = Json::array();
-    for (const EthernetPort &port : state_.ports) {
-      RstpPort record = settings_of(port);
-      ports.push_back({{"port", port.number()}, {"settings", to_hex(settings_in(record))}});
-    }
-    return {{"bridge", to_hex(bytes_of(bridge_))}, {"ports", ports}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    RstpBridge bridge;
-    reader.hex("bridge", bytes_of(bridge));
-    take_bridge(bridge);
-    for_each_element(reader.get("ports"), reader.place_of("ports"),
-                     [this](const Json &element, const std::string &at) {
-                       ObjectReader port(element, at);
-                       port.hex("settings", settings_in(ports_[state_.read_port(port) - 1]));
-                       port.finish();
-                     });
-    reader.finish();
+  void configuration(Archive &archive) override {
+    RstpBridge bridge = bridge_;
+    archive.bytes("bridge", bytes_of(bridge));
+    if (archive.is_reading()) take_bridge(bridge);
+    state_.describe_ports(archive, [&](EthernetPort &port) {
+      archive.bytes("settings", settings_in(ports_[port.number() - 1]));
+    });
   }
 
   void restore_factory() override {
@@ -96,13 +80,7 @@ class SwitchRstp final : public Family {
     std::fill(ports_.begin(), ports_.end(), kFactoryPort);
   }
 
-  Json running() const override { return {{"bridge_from", to_milliseconds(bridge_from_)}}; }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    bridge_from_ = read_time(reader, "bridge_from");
-    reader.finish();
-  }
+  void running(Archive &archive) override { archive.moment("bridge_from", bridge_from_); }
 
   void reboot() override { bridge_from_ = hardware_.now(); }
 

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "box/state/moment.h"
-
 namespace olt::box {
 
 namespace {
@@ -15,6 +13,9 @@ using std::chrono::milliseconds;
 
 /// From enabling a port to its link.
 constexpr std::chrono::seconds kNegotiation{2};
+
+/// More milliseconds than any box was up.
+constexpr NumberRange kMoments = {0, uint64_t{UINT32_MAX} * 1000};
 
 enum Duplex : uint32_t { kNoLink, kHalfDuplex, kFullDuplex };
 
@@ -87,19 +88,13 @@ void EthernetPort::clear_counters(TimePoint now) {
   counted_from_ = std::max(link_from_, now);
 }
 
-Json EthernetPort::running() const {
-  return {{"port", number_},
-          {"link_from", to_milliseconds(link_from_)},
-          {"rstp_from", to_milliseconds(rstp_from_)},
-          {"counted_from", to_milliseconds(counted_from_)},
-          {"counted_before", static_cast<uint64_t>(counted_before_.count())}};
-}
-
-void EthernetPort::resume(ObjectReader &reader) {
-  link_from_ = read_time(reader, "link_from");
-  rstp_from_ = read_time(reader, "rstp_from");
-  counted_from_ = read_time(reader, "counted_from");
-  counted_before_ = milliseconds(reader.number("counted_before", kMoments));
+void EthernetPort::describe_running(Archive &archive) {
+  archive.moment("link_from", link_from_);
+  archive.moment("rstp_from", rstp_from_);
+  archive.moment("counted_from", counted_from_);
+  auto counted = static_cast<uint64_t>(counted_before_.count());
+  archive.number("counted_before", counted, kMoments);
+  counted_before_ = milliseconds(counted);
 }
 
 SwitchState::SwitchState(const Topology &topology, TimePoint now)
@@ -113,8 +108,24 @@ EthernetPort *SwitchState::find(uint32_t slot, uint32_t port) {
   return slot == kEthernetSlot && port >= 1 && port <= ports.size() ? &ports[port - 1] : nullptr;
 }
 
-uint32_t SwitchState::read_port(ObjectReader &reader) const {
-  return static_cast<uint32_t>(reader.number("port", {1, ports.size()}));
+void SwitchState::describe_ports(Archive &archive,
+                                 const std::function<void(EthernetPort &)> &describe) {
+  archive.list(
+      "ports", ports.size(),
+      [&] {
+        for (EthernetPort &port : ports) {
+          archive.element([&] {
+            uint32_t number = port.number();
+            describe_port(archive, number);
+            describe(port);
+          });
+        }
+      },
+      [&] {
+        uint32_t number = 0;
+        describe_port(archive, number);
+        describe(ports[number - 1]);
+      });
 }
 
 }  // namespace olt::box

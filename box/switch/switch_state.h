@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include "base/text.h"
 #include "box/core/topology.h"
 #include "box/message/id_set.h"
+#include "box/state/archive.h"
 #include "box/wire/records.h"
 
 namespace olt::box {
@@ -76,9 +78,7 @@ class EthernetPort {
   std::chrono::milliseconds counted(TimePoint now) const;
   void clear_counters(TimePoint now);
 
-  Json running() const;
-  /// Takes what running gave, from behind the port's number. Throws BadInput.
-  void resume(ObjectReader &reader);
+  void describe_running(Archive &archive);
 
  private:
   uint32_t number_;
@@ -103,8 +103,12 @@ struct SwitchState {
   /// Null when there is no such port.
   EthernetPort *find(uint32_t slot, uint32_t port);
 
-  /// The number of a port as the member "port" gives it. Throws BadInput.
-  uint32_t read_port(ObjectReader &reader) const;
+  /// Describes the number of a port, as the member "port".
+  void describe_port(Archive &archive, uint32_t &port) const {
+    archive.number("port", port, {1, ports.size()});
+  }
+  /// Describes a list of the ports, with their numbers; the function describes the rest of each.
+  void describe_ports(Archive &archive, const std::function<void(EthernetPort &)> &describe);
 
   std::vector<EthernetPort> ports;
   std::vector<Membership> memberships;  ///< in the order of the ports

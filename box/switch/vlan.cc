@@ -55,35 +55,15 @@ class SwitchVlan final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json descriptions = Json::array();
-    for (const auto &[vlan, text] : state_.descriptions) {
-      descriptions.push_back({{"vlan", vlan}, {"text", bytes_to_utf8(text)}});
-    }
-    Json trunks = Json::array();
-    for (const EthernetPort &port : state_.ports) {
-      const Membership &membership = membership_of(port);
-      trunks.push_back({{"port", port.number()},
-                        {"trunk_value", membership.trunk_value},
-                        {"tagged", ids_to_text(membership.tagged)},
-                        {"untagged", ids_to_text(membership.untagged)}});
-    }
-    return {
-        {"vlans", ids_to_text(state_.vlans)}, {"descriptions", descriptions}, {"trunks", trunks}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    state_.vlans = read_ids(reader, "vlans");
-    state_.descriptions.clear();
-    for_each_element(
-        reader.get("descriptions"), reader.place_of("descriptions"),
-        [this](const Json &element, const std::string &at) { take_description(element, at); });
-    std::fill(state_.memberships.begin(), state_.memberships.end(), Membership());
-    for_each_element(
-        reader.get("trunks"), reader.place_of("trunks"),
-        [this](const Json &element, const std::string &at) { take_trunk(element, at); });
-    reader.finish();
+  void configuration(Archive &archive) override {
+    describe_ids(archive, "vlans", state_.vlans);
+    describe_descriptions(archive);
+    state_.describe_ports(archive, [&](EthernetPort &port) {
+      Membership &membership = membership_of(port);
+      archive.number("trunk_value", membership.trunk_value);
+      describe_side(archive, "tagged", membership.tagged, state_.vlans);
+      describe_side(archive, "untagged", membership.untagged, state_.vlans & ~membership.tagged);
+    });
   }
 
   void restore_factory() override {
@@ -120,29 +100,34 @@ class SwitchVlan final : public Family {
  private:
   using Ranges = std::vector<IdRange>;
 
-  void take_description(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    auto vlan = static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan}));
-    if (!state_.vlans[vlan]) refuse(reader.place_of("vlan"), vlan, "a VLAN of the table");
-    state_.descriptions[vlan] = reader.bytes("text", sizeof(DescribedVlan::description));
-    reader.finish();
+  void describe_descriptions(Archive &archive) {
+    if (archive.is_reading()) state_.descriptions.clear();
+    auto describe = [&](uint16_t &vlan, std::string &text) {
+      archive.number("vlan", vlan, {1, kLastVlan});
+      if (!state_.vlans[vlan]) archive.refuse("vlan", "a VLAN of the table");
+      archive.text("text", text, sizeof(DescribedVlan::description));
+    };
+    archive.list(
+        "descriptions", kLastVlan,
+        [&] {
+          for (auto &[key, text] : state_.descriptions) {
+            archive.element([&, vlan = key, &text = text]() mutable { describe(vlan, text); });
+          }
+        },
+        [&] {
+          uint16_t vlan = 0;
+          std::string text;
+          describe(vlan, text);
+          state_.descriptions[vlan] = text;
+        });
   }
 
-  void take_trunk(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    Membership &membership = state_.memberships[state_.read_port(reader) - 1];
-    membership.trunk_value = static_cast<uint32_t>(reader.number("trunk_value", kAnyU32));
-    membership.tagged = read_side(reader, "tagged", state_.vlans);
-    membership.untagged = read_side(reader, "untagged", state_.vlans & ~membership.tagged);
-    reader.finish();
-  }
-
-  static IdSet read_side(ObjectReader &reader, std::string_view key, const IdSet &possible) {
-    IdSet vlans = read_ids(reader, key);
-    if ((vlans & ~possible).any()) {
-      refuse(reader.place_of(key), reader.get(key), "VLANs of the table, each on one side");
+  static void describe_side(Archive &archive, std::string_view key, IdSet &side,
+                            const IdSet &possible) {
+    describe_ids(archive, key, side);
+    if (archive.is_reading() && (side & ~possible).any()) {
+      archive.refuse(key, "VLANs of the table, each on one side");
     }
-    return vlans;
   }
 
   Message list_message(uint32_t type, std::string_view message,

@@ -22,15 +22,9 @@ class SystemControl final : public Family {
     };
   }
 
-  Json running() const override {
-    return {{"in_service", in_service_}, {"start_announced", start_announced_}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    in_service_ = reader.flag("in_service");
-    start_announced_ = reader.flag("start_announced");
-    reader.finish();
+  void running(Archive &archive) override {
+    archive.flag("in_service", in_service_);
+    archive.flag("start_announced", start_announced_);
   }
 
   void reboot() override {

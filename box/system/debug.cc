@@ -42,16 +42,10 @@ class SystemDebug final : public Family {
     return messages;
   }
 
-  Json running() const override {
-    return {{"switches", pairs(switches_)}, {"values", pairs(values_)}, {"switch", switch_value_}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    switches_ = map_of(reader.get("switches"), reader.place_of("switches"));
-    values_ = map_of(reader.get("values"), reader.place_of("values"));
-    switch_value_ = static_cast<uint16_t>(reader.number("switch", kAnyU16));
-    reader.finish();
+  void running(Archive &archive) override {
+    describe(archive, "switches", switches_);
+    describe(archive, "values", values_);
+    archive.number("switch", switch_value_);
   }
 
   void reboot() override {
@@ -81,21 +75,23 @@ class SystemDebug final : public Family {
  private:
   using Values = std::map<uint32_t, uint32_t>;
 
-  static Json pairs(const Values &values) {
-    Json list = Json::array();
-    for (const auto &[key, value] : values) list.push_back({{"key", key}, {"value", value}});
-    return list;
-  }
-
-  static Values map_of(const Json &list, const std::string &place) {
-    Values values;
-    for_each_element(list, place, [&values](const Json &element, const std::string &at) {
-      ObjectReader pair(element, at);
-      auto key = static_cast<uint32_t>(pair.number("key", kAnyU32));
-      values[key] = static_cast<uint32_t>(pair.number("value", kAnyU32));
-      pair.finish();
-    });
-    return values;
+  static void describe(Archive &archive, std::string_view key, Values &values) {
+    if (archive.is_reading()) values.clear();
+    archive.list(
+        key, kMostValues,
+        [&] {
+          for (auto &[key_of, value] : values) {
+            archive.element([&, number = key_of, &value = value]() mutable {
+              archive.number("key", number);
+              archive.number("value", value);
+            });
+          }
+        },
+        [&] {
+          uint32_t number = 0;
+          archive.number("key", number);
+          archive.number("value", values[number]);
+        });
   }
 
   Status value(const Request &request, Reply &reply) {

@@ -13,6 +13,7 @@ namespace olt::box {
 namespace {
 
 constexpr uint32_t kAllModules = 0;
+constexpr auto kLastLevel = static_cast<uint32_t>(Level::kDebug);
 /// What a row takes beside the event's text, at most: time, level, module, gaps, line end.
 constexpr size_t kRowBytes = 64;
 
@@ -40,7 +41,7 @@ class SystemLog final : public Family {
                           }});
       messages.push_back({settings->module, 83, "log-level", exactly(4),
                           [settings](const Request &request, Reply &) {
-                            if (request.word() > 7) return Status::kBadValue;
+                            if (request.word() > kLastLevel) return Status::kBadValue;
                             settings->level = request.word();
                             return Status::kOk;
                           }});
@@ -48,21 +49,13 @@ class SystemLog final : public Family {
     return messages;
   }
 
-  Json configuration() const override {
-    Json list = Json::array();
-    for (const LogSettings &settings : {log_, main_}) {
-      list.push_back({{"module", settings.module},
-                      {"size_kib", settings.size_kib},
-                      {"level", settings.level}});
+  void configuration(Archive &archive) override {
+    for (auto [key, settings] : {std::pair("log", &log_), std::pair("main", &main_)}) {
+      archive.object(key, [&archive, settings = settings] {
+        archive.number("size_kib", settings->size_kib, {1, UINT32_MAX});
+        archive.number("level", settings->level, {0, kLastLevel});
+      });
     }
-    return {{"logs", list}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for_each_element(reader.get("logs"), reader.place_of("logs"),
-                     [this](const Json &element, const std::string &at) { take(element, at); });
-    reader.finish();
   }
 
   void restore_factory() override {
@@ -87,18 +80,6 @@ class SystemLog final : public Family {
   }
 
  private:
-  void take(const Json &element, const std::string &place) {
-    ObjectReader reader(element, place);
-    uint64_t module = reader.number("module", kAnyU32);
-    if (module != log_.module && module != main_.module) {
-      refuse(reader.place_of("module"), reader.get("module"), "2 or 22");
-    }
-    LogSettings &settings = module == log_.module ? log_ : main_;
-    settings.size_kib = static_cast<uint32_t>(reader.number("size_kib", {1, UINT32_MAX}));
-    settings.level = static_cast<uint32_t>(reader.number("level", {0, 7}));
-    reader.finish();
-  }
-
   Status list(const Request &request, Reply &reply) {
     uint32_t module = request.word();
     bool known = module == kAllModules ||

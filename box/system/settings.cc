@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/text.h"
 #include "box/system/families.h"
 
 namespace olt::box {
@@ -37,23 +36,12 @@ class SystemSettings final : public Family {
     };
   }
 
-  Json configuration() const override {
-    Json value = Json::object();
-    for (const Record *record : records()) value[std::string(record->key)] = to_hex(record->bytes);
-    return value;
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for (Record *record : {&network_, &sntp_, &snmp_param_, &snmp_info_}) {
-      auto bytes = from_hex(reader.text(record->key));
-      if (!bytes || bytes->size() != record->bytes.size()) {
-        refuse(reader.place_of(record->key), reader.get(record->key),
-               std::to_string(record->bytes.size()) + " bytes in hex");
-      }
-      record->bytes = std::move(*bytes);
-    }
-    reader.finish();
+  void configuration(Archive &archive) override {
+    archive.bytes(network_.key, network_.bytes);
+    archive.bytes(sntp_.key, sntp_.bytes);
+    // It holds the communities.
+    archive.secret_bytes(snmp_param_.key, snmp_param_.bytes);
+    archive.bytes(snmp_info_.key, snmp_info_.bytes);
   }
 
   void restore_factory() override {

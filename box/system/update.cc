@@ -19,8 +19,6 @@ class UpdateStream {
  public:
   UpdateStream(std::string_view key, std::string_view title) : key_(key), title_(title) {}
 
-  std::string_view key() const { return key_; }
-
   Status take(const Request &request, Reply &reply, EventLog &events) {
     auto [total, offset] = request.record<UpdatePiece>();
     auto length = static_cast<uint32_t>(request.size() - sizeof(UpdatePiece));
@@ -51,18 +49,15 @@ class UpdateStream {
     received_ = 0;
   }
 
-  Json to_json() const {
-    return {{"state", static_cast<uint32_t>(state_)}, {"total", total_}, {"received", received_}};
-  }
-
-  void from_json(const Json &value, const std::string &place) {
-    ObjectReader reader(value, place);
-    state_ = static_cast<State>(reader.number("state", {0, 3}));
-    // An update that has begun has a length to divide by.
-    total_ = static_cast<uint32_t>(
-        reader.number("total", {state_ == State::kIdle ? 0U : 1U, kLargestImage}));
-    received_ = static_cast<uint32_t>(reader.number("received", {0, total_}));
-    reader.finish();
+  void describe(Archive &archive) {
+    archive.object(key_, [&] {
+      auto state = static_cast<uint32_t>(state_);
+      archive.number("state", state, {0, static_cast<uint64_t>(State::kFailed)});
+      state_ = static_cast<State>(state);
+      // An update that has begun has a length to divide by.
+      archive.number("total", total_, {state_ == State::kIdle ? 0U : 1U, kLargestImage});
+      archive.number("received", received_, {0, total_});
+    });
   }
 
   std::string describe() const {
@@ -121,16 +116,9 @@ class SystemUpdate final : public Family {
     };
   }
 
-  Json running() const override {
-    return {{std::string(olt_.key()), olt_.to_json()}, {std::string(onu_.key()), onu_.to_json()}};
-  }
-
-  void resume(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    for (UpdateStream *stream : {&olt_, &onu_}) {
-      stream->from_json(reader.get(stream->key()), reader.place_of(stream->key()));
-    }
-    reader.finish();
+  void running(Archive &archive) override {
+    olt_.describe(archive);
+    onu_.describe(archive);
   }
 
   void reboot() override {

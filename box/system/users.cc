@@ -44,33 +44,16 @@ class SystemUsers final : public Family {
     return messages;
   }
 
-  Json configuration() const override {
-    Json list = Json::array();
-    for (const User &user : users_) {
-      Json entry = Json::object();
-      entry["name"] = bytes_to_utf8(user.name);
-      entry["password"] = bytes_to_utf8(user.password);
-      entry["level_a"] = user.level_a;
-      entry["level_b"] = user.level_b;
-      list.push_back(std::move(entry));
-    }
-    return {{"users", list}};
-  }
-
-  void configure(const Json &value, const std::string &place) override {
-    ObjectReader reader(value, place);
-    std::vector<User> users;
-    for_each_element(
-        reader.get("users"), reader.place_of("users"),
-        [&users](const Json &element, const std::string &at) {
-          ObjectReader user(element, at);
-          users.push_back({user.bytes("name", kMostText), user.bytes("password", kMostText),
-                           static_cast<uint32_t>(user.number("level_a", kAnyU32)),
-                           static_cast<uint32_t>(user.number("level_b", kAnyU32))});
-          user.finish();
-        });
-    reader.finish();
-    users_ = std::move(users);
+  void configuration(Archive &archive) override {
+    archive.list("users", users_, kMostUsers, [&](User &user) {
+      archive.text("name", user.name, kMostText);
+      if (archive.is_reading() && !is_new_name(user.name)) {
+        archive.refuse("name", "a name, each once");
+      }
+      archive.secret("password", user.password, kMostText);
+      archive.number("level_a", user.level_a);
+      archive.number("level_b", user.level_b);
+    });
   }
 
   void restore_factory() override { users_ = factory_users(); }
@@ -119,6 +102,10 @@ class SystemUsers final : public Family {
       return Status::kDenied;
     }
     return show(user, reply);
+  }
+
+  bool is_new_name(const std::string &name) {
+    return !name.empty() && name.find('\0') == std::string::npos && find(name) == users_.end();
   }
 
   Status add(const User &user) {

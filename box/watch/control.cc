@@ -1,64 +1,84 @@
 #include "box/watch/control.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include "base/bad_input.h"
+#include "box/state/json_form.h"
 
 namespace olt::box {
 
 namespace {
 
 constexpr size_t kReplyLimit = 65'535;
+constexpr size_t kLongestName = 32;
 
-std::string failure(std::string_view reason) {
-  return Json({{"ok", false}, {"error", reason}}).dump();
+std::string failure(std::string reason) {
+  Archive reply;
+  bool ok = false;
+  reply.flag("ok", ok);
+  reply.text("error", reason, SIZE_MAX);
+  return to_json_line(reply.take());
 }
 
 }  // namespace
 
 std::string fault_add_command(std::string_view text) {
-  return Json({{"command", "fault_add"}, {"fault", fault_from_text(text)}}).dump();
+  return fmt::format(R"({{"command":"fault_add","fault":{}}})",
+                     to_json_line(fault_from_text(text)));
 }
 
 std::string Control::answer(std::string_view command) {
   try {
-    std::string reply = carry_out(parse_json(command)).dump();
+    std::string data = from_json_text(command);
+    Archive read(data);
+    Archive written;
+    bool ok = true;
+    written.flag("ok", ok);
+    carry_out(read, written);
+    std::string reply = to_json_line(written.take());
     return reply.size() <= kReplyLimit ? reply : failure("the reply would be too long");
   } catch (const BadInput &error) {
     return failure(error.what());
   }
 }
 
-Json Control::carry_out(const Json &command) {
-  ObjectReader reader(command, "");
-  std::string name = reader.text("command");
-  Json reply = {{"ok", true}};
+void Control::carry_out(Archive &command, Archive &reply) {
+  std::string name;
+  command.text("command", name, kLongestName);
   if (name == "fault_add") {
-    const Json &fault = reader.get("fault");
-    reader.finish();
-    reply["id"] = faults_.add(fault, "/fault");
+    Fault fault;
+    command.object("fault", [&] { fault = read_fault(command); });
+    command.finish();
+    uint32_t id = faults_.arm(fault);
+    reply.number("id", id);
   } else if (name == "fault_list") {
-    reader.finish();
-    reply["faults"] = faults_.list();
+    command.finish();
+    faults_.describe_faults(reply);
   } else if (name == "fault_clear") {
-    reply.update(clear(reader));
+    clear(command, reply);
   } else if (name == "counters") {
-    reader.finish();
-    reply["counters"] = counters_.to_json();
-    if (server_) reply["counters"]["server"] = server_();
+    command.finish();
+    reply.object("counters", [&] {
+      counters_.describe(reply);
+      if (server_) reply.object("server", [&] { server_(reply); });
+    });
   } else {
-    refuse("/command", command["command"], "fault_add, fault_list, fault_clear or counters");
+    command.refuse("command", "fault_add, fault_list, fault_clear or counters");
   }
-  return reply;
 }
 
-Json Control::clear(ObjectReader &reader) {
-  bool one = reader.find("id") != nullptr;
-  auto id = static_cast<uint32_t>(reader.number("id", kAnyU32, 0));
-  reader.finish();
-  if (!one) return {{"cleared", faults_.clear_all()}};
-  if (!faults_.clear(id)) throw BadInput(fmt::format("/id: no fault {} is armed", id));
-  return {{"cleared", 1}};
+void Control::clear(Archive &command, Archive &reply) {
+  uint64_t cleared = 1;
+  bool one = command.has("id");
+  uint32_t id = 0;
+  if (one) command.number("id", id);
+  command.finish();
+  if (one) {
+    if (!faults_.clear(id)) throw BadInput(fmt::format("no fault {} is armed", id));
+  } else {
+    cleared = faults_.clear_all();
+  }
+  reply.number("cleared", cleared);
 }
 
 }  // namespace olt::box

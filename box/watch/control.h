@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "box/state/archive.h"
 #include "box/watch/counters.h"
 #include "box/watch/faults.h"
 
@@ -13,21 +14,21 @@ namespace olt::box {
 
 class Control {
  public:
-  Control(FaultTable &faults, const Counters &counters) : faults_(faults), counters_(counters) {}
+  Control(FaultTable &faults, Counters &counters) : faults_(faults), counters_(counters) {}
 
-  /// Has the reply to the command counters carry what the function gives, as "server".
-  void count_server(std::function<Json()> server) { server_ = std::move(server); }
+  /// The reply to the command counters carries what the function describes, as "server".
+  void count_server(std::function<void(Archive &)> server) { server_ = std::move(server); }
 
   /// Answers any text with {"ok":true,...} or {"ok":false,"error":"one line"}.
   std::string answer(std::string_view command);
 
  private:
-  Json carry_out(const Json &command);
-  Json clear(ObjectReader &reader);
+  void carry_out(Archive &command, Archive &reply);
+  void clear(Archive &command, Archive &reply);
 
   FaultTable &faults_;
-  const Counters &counters_;
-  std::function<Json()> server_;
+  Counters &counters_;
+  std::function<void(Archive &)> server_;
 };
 
 }  // namespace olt::box

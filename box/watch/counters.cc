@@ -14,22 +14,17 @@ void add_to(Tally &sum, const Tally &tally) {
   sum.faults += tally.faults;
 }
 
-void write_tally(Json &value, const Tally &tally) {
-  value["exchanges"] = tally.exchanges;
-  value["refused"] = tally.refused;
-  value["unserved"] = tally.unserved;
-  value["bad_lengths"] = tally.bad_lengths;
-  value["faults"] = tally.faults;
+void describe_tally(Archive &archive, Tally &tally) {
+  archive.number("exchanges", tally.exchanges);
+  archive.number("refused", tally.refused);
+  archive.number("unserved", tally.unserved);
+  archive.number("bad_lengths", tally.bad_lengths);
+  archive.number("faults", tally.faults);
 }
 
-Tally read_tally(ObjectReader &reader) {
-  Tally tally;
-  tally.exchanges = reader.number("exchanges", kAnyU64);
-  tally.refused = reader.number("refused", kAnyU64);
-  tally.unserved = reader.number("unserved", kAnyU64);
-  tally.bad_lengths = reader.number("bad_lengths", kAnyU64);
-  tally.faults = reader.number("faults", kAnyU64);
-  return tally;
+void describe_key(Archive &archive, uint32_t &module, uint32_t &type) {
+  archive.number("module", module);
+  archive.number("type", type);
 }
 
 }  // namespace
@@ -41,32 +36,24 @@ void Counters::add(uint32_t module, uint32_t type, const Tally &tally) {
   if (tally.unserved == 0 || room) add_to(messages_[key], tally);
 }
 
-Json Counters::to_json() const {
-  Json value = Json::object();
-  write_tally(value, total_);
-  Json list = Json::array();
-  for (const auto &[key, tally] : messages_) {
-    Json message = {{"module", key.first}, {"type", key.second}};
-    write_tally(message, tally);
-    list.push_back(std::move(message));
-  }
-  value["messages"] = std::move(list);
-  return value;
-}
-
-void Counters::from_json(const Json &value, const std::string &place) {
-  ObjectReader reader(value, place);
-  total_ = read_tally(reader);
-  messages_.clear();
-  for_each_element(reader.get("messages"), reader.place_of("messages"),
-                   [this](const Json &element, const std::string &at) {
-                     ObjectReader message(element, at);
-                     Key key = {static_cast<uint32_t>(message.number("module", kAnyU32)),
-                                static_cast<uint32_t>(message.number("type", kAnyU32))};
-                     messages_[key] = read_tally(message);
-                     message.finish();
-                   });
-  reader.finish();
+void Counters::describe(Archive &archive) {
+  describe_tally(archive, total_);
+  if (archive.is_reading()) messages_.clear();
+  archive.list(
+      "messages", SIZE_MAX,
+      [&] {
+        for (auto &[key, tally] : messages_) {
+          archive.element([&, key = key, &tally = tally]() mutable {
+            describe_key(archive, key.first, key.second);
+            describe_tally(archive, tally);
+          });
+        }
+      },
+      [&] {
+        Key key;
+        describe_key(archive, key.first, key.second);
+        describe_tally(archive, messages_[key]);
+      });
 }
 
 }  // namespace olt::box

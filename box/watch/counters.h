@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -24,8 +24,7 @@ class Counters {
   /// generous number of different ones are counted in the totals only.
   void add(uint32_t module, uint32_t type, const Tally &tally);
 
-  Json to_json() const;
-  void from_json(const Json &value, const std::string &place);
+  void describe(Archive &archive);
 
  private:
   using Key = std::pair<uint32_t, uint32_t>;  ///< module, type

@@ -22,30 +22,16 @@ void EventLog::record(Level level, uint32_t module, std::string_view text) {
   events_.push_back({clock_(), level, module, printable_ascii(text).substr(0, kTextLimit)});
 }
 
-Json EventLog::to_json() const {
-  Json list = Json::array();
-  for (const Event &event : events_) {
-    auto time = std::chrono::floor<std::chrono::seconds>(event.time.time_since_epoch());
-    list.push_back({{"time", static_cast<uint64_t>(time.count())},
-                    {"level", static_cast<uint8_t>(event.level)},
-                    {"module", event.module},
-                    {"text", event.text}});
-  }
-  return list;
-}
-
-void EventLog::from_json(const Json &value, const std::string &place) {
-  std::deque<Event> events;
-  for_each_element(value, place, [&](const Json &element, const std::string &at) {
-    ObjectReader reader(element, at);
-    std::chrono::seconds time(reader.number("time", {0, UINT32_MAX}));
-    auto level = static_cast<Level>(reader.number("level", {0, 7}));
-    auto module = static_cast<uint32_t>(reader.number("module", kAnyU32));
-    events.push_back({TimePoint(time), level, module, printable_ascii(reader.text("text"))});
-    reader.finish();
+void EventLog::describe(Archive &archive) {
+  archive.list("events", events_, kCapacity, [&](Event &event) {
+    auto level = static_cast<uint32_t>(event.level);
+    archive.moment("time", event.time);
+    archive.number("level", level, {0, static_cast<uint64_t>(Level::kDebug)});
+    archive.number("module", event.module);
+    archive.text("text", event.text, kTextLimit);
+    event.level = static_cast<Level>(level);
+    event.text = printable_ascii(event.text);
   });
-  while (events.size() > kCapacity) events.pop_front();
-  events_ = std::move(events);
 }
 
 }  // namespace olt::box

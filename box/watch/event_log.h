@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "base/clock.h"
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -42,8 +42,7 @@ class EventLog {
   /// Oldest first.
   const std::deque<Event> &events() const { return events_; }
 
-  Json to_json() const;
-  void from_json(const Json &value, const std::string &place);
+  void describe(Archive &archive);
 
  private:
   const Clock &clock_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <set>
 #include <sstream>
 
 #include "base/bad_input.h"
@@ -16,6 +17,7 @@ namespace {
 using Action = Answer::Action;
 
 constexpr size_t kMostFaults = 256;
+constexpr size_t kLongestAction = 16;
 constexpr uint64_t kLongestDelayMs = 600'000;
 constexpr Action kActions[] = {Action::kSend, Action::kWithhold, Action::kDisconnect};
 
@@ -26,90 +28,76 @@ std::optional<Action> action_of(std::string_view name) {
   return std::nullopt;
 }
 
-/// A number in decimal or 0x-hex as a number, anything else as a text.
-Json value_of(std::string_view word) {
+/// The number that the word gives in decimal or 0x-hex.
+std::optional<uint64_t> number_in(std::string_view word) {
   bool hex = word.starts_with("0x");
   std::string_view digits = hex ? word.substr(2) : word;
   uint64_t number = 0;
   auto [end, error] =
       std::from_chars(digits.data(), digits.data() + digits.size(), number, hex ? 16 : 10);
-  if (error == std::errc() && end == digits.data() + digits.size()) return number;
-  return printable_ascii(word);
+  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  return number;
 }
 
-Json fault_from_words(std::string_view text) {
-  Json fault = Json::object();
+std::string fault_from_words(std::string_view text) {
+  CborWriter fault;
+  std::set<std::string> keys;
   std::istringstream words{std::string(text)};
+  fault.begin_map();
   for (std::string word; words >> word;) {
     size_t equals = word.find('=');
     bool is_action = equals == std::string::npos && action_of(word);
     if (equals == std::string::npos && !is_action) {
-      throw BadInput(fmt::format(R"("{}" is not understood, expected KEY=VALUE, silence or drop)",
+      throw BadInput(fmt::format(R"("{}" is not understood; expected KEY=VALUE, silence or drop)",
                                  printable_ascii(word)));
     }
     std::string key = is_action ? "action" : printable_ascii(word.substr(0, equals));
-    if (fault.contains(key)) throw BadInput(key + " is given twice, expected once");
-    fault[key] = is_action ? Json(word) : value_of(std::string_view(word).substr(equals + 1));
+    std::string value = is_action ? word : word.substr(equals + 1);
+    if (!keys.insert(key).second) throw BadInput(key + " is given twice; expected once");
+    fault.text(key);
+    if (auto number = number_in(value)) {
+      fault.number(*number);
+    } else if (key == "module" && value == "any") {
+      fault.number(0);
+    } else {
+      fault.text(printable_ascii(value));
+    }
   }
-  return fault;
+  fault.end();
+  return fault.take();
 }
 
-std::optional<uint32_t> read_module(ObjectReader &reader) {
-  const Json *member = reader.find("module");
-  if (member == nullptr || *member == "any" || *member == 0) return std::nullopt;
-  if (!member->is_number_unsigned() || *member > 255) {
-    refuse(reader.place_of("module"), *member, "a module from 1 to 255, or 0 or \"any\"");
+/// What arms a fault; all but the type may be left out.
+void describe_order(Archive &archive, Fault &fault) {
+  uint32_t module = fault.module.value_or(0);
+  if (archive.has("module")) archive.number("module", module, {0, 255});
+  if (module != 0) fault.module = module;
+  archive.number("type", fault.type);
+  if (archive.has("status")) archive.number("status", fault.status);
+  if (archive.has("delay_ms")) archive.number("delay_ms", fault.delay_ms, {0, kLongestDelayMs});
+  if (archive.has("action")) {
+    std::string action(action_name(fault.action));
+    archive.text("action", action, kLongestAction);
+    auto known = action_of(action);
+    if (!known) archive.refuse("action", "status, silence or drop");
+    fault.action = *known;
   }
-  return member->get<uint32_t>();
+  if (archive.has("from")) archive.number("from", fault.from, {1, UINT32_MAX});
+  if (archive.has("count")) archive.number("count", fault.count, {0, UINT32_MAX});
 }
 
-Action read_action(ObjectReader &reader) {
-  const Json *member = reader.find("action");
-  if (member == nullptr) return Action::kSend;
-  auto action = member->is_string() ? action_of(member->get<std::string>()) : std::nullopt;
-  if (!action) refuse(reader.place_of("action"), *member, "status, silence or drop");
-  return *action;
-}
-
-Fault read_fault(ObjectReader &reader) {
-  Fault fault;
-  fault.module = read_module(reader);
-  fault.type = static_cast<uint32_t>(reader.number("type", kAnyU32));
-  fault.status = static_cast<uint16_t>(reader.number("status", kAnyU16, 0));
-  fault.delay_ms = static_cast<uint32_t>(reader.number("delay_ms", {0, kLongestDelayMs}, 0));
-  fault.action = read_action(reader);
-  fault.from = reader.number("from", {1, UINT32_MAX}, 1);
-  fault.count = reader.number("count", kAnyU32, 0);
-  return fault;
-}
-
-void check_effect(const Fault &fault, const std::string &place) {
-  auto complain = [&place](std::string_view reason) {
-    throw BadInput(fmt::format("{}: {}", place.empty() ? "/" : place, reason));
-  };
+void check_effect(const Fault &fault) {
   bool sends = fault.action == Action::kSend;
   if (sends && fault.status == 0 && fault.delay_ms == 0) {
-    complain("has no effect, expected a status, a delay_ms, or the action silence or drop");
+    throw BadInput(
+        "the fault has no effect; expected a status, a delay_ms, or the action silence or drop");
   }
   if (!sends && fault.status != 0) {
-    complain("has a status that is never sent, expected it without silence and drop");
+    throw BadInput("the status is never sent; expected it without silence and drop");
   }
   if (fault.action == Action::kWithhold && fault.delay_ms != 0) {
-    complain("delays an answer that is never sent, expected delay_ms without silence");
+    throw BadInput("the answer that is delayed is never sent; expected delay_ms without silence");
   }
-}
-
-Json fault_to_json(const Fault &fault) {
-  return {{"id", fault.id},
-          {"module", fault.module.value_or(0)},
-          {"type", fault.type},
-          {"status", fault.status},
-          {"delay_ms", fault.delay_ms},
-          {"action", action_name(fault.action)},
-          {"from", fault.from},
-          {"count", fault.count},
-          {"seen", fault.seen},
-          {"applied", fault.applied}};
 }
 
 }  // namespace
@@ -126,28 +114,33 @@ std::string_view action_name(Action action) {
   return "";
 }
 
-Json fault_from_text(std::string_view text) {
+std::string fault_from_text(std::string_view text) {
   try {
-    Json fault = fault_from_words(text);
-    FaultTable().add(fault, "");
+    std::string fault = fault_from_words(text);
+    Archive archive(fault);
+    read_fault(archive);
+    archive.finish();
     return fault;
   } catch (const BadInput &error) {
     throw BadInput(fmt::format(R"(fault "{}": {})", printable_ascii(text), error.what()));
   }
 }
 
-uint32_t FaultTable::add(const Json &fault, const std::string &place) {
-  ObjectReader reader(fault, place);
-  Fault read = read_fault(reader);
-  reader.finish();
-  check_effect(read, place);
+Fault read_fault(Archive &order) {
+  Fault fault;
+  describe_order(order, fault);
+  check_effect(fault);
+  return fault;
+}
+
+uint32_t FaultTable::arm(Fault fault) {
   if (faults_.size() >= kMostFaults) {
     throw BadInput(
-        fmt::format("{} faults are armed already, expected one to be cleared first", kMostFaults));
+        fmt::format("{} faults are armed already; expected one to be cleared first", kMostFaults));
   }
-  read.id = ++last_id_;
-  faults_.push_back(read);
-  return read.id;
+  fault.id = ++last_id_;
+  faults_.push_back(fault);
+  return fault.id;
 }
 
 bool FaultTable::clear(uint32_t id) {
@@ -173,31 +166,18 @@ const Fault *FaultTable::strike(uint32_t module, uint32_t type) {
   return striking;
 }
 
-Json FaultTable::list() const {
-  Json list = Json::array();
-  for (const Fault &fault : faults_) list.push_back(fault_to_json(fault));
-  return list;
+void FaultTable::describe_faults(Archive &archive) {
+  archive.list("faults", faults_, kMostFaults, [&](Fault &fault) {
+    archive.number("id", fault.id, {1, last_id_});
+    describe_order(archive, fault);
+    archive.number("seen", fault.seen);
+    archive.number("applied", fault.applied);
+  });
 }
 
-Json FaultTable::to_json() const {
-  return {{"last_id", last_id_}, {"armed", list()}};
-}
-
-void FaultTable::from_json(const Json &value, const std::string &place) {
-  ObjectReader reader(value, place);
-  last_id_ = static_cast<uint32_t>(reader.number("last_id", kAnyU32));
-  faults_.clear();
-  for_each_element(reader.get("armed"), reader.place_of("armed"),
-                   [this](const Json &element, const std::string &at) {
-                     ObjectReader fault_reader(element, at);
-                     Fault fault = read_fault(fault_reader);
-                     fault.id = static_cast<uint32_t>(fault_reader.number("id", {1, last_id_}));
-                     fault.seen = fault_reader.number("seen", kAnyU64);
-                     fault.applied = fault_reader.number("applied", kAnyU64);
-                     fault_reader.finish();
-                     faults_.push_back(fault);
-                   });
-  reader.finish();
+void FaultTable::describe(Archive &archive) {
+  archive.number("last_id", last_id_);
+  describe_faults(archive);
 }
 
 }  // namespace olt::box

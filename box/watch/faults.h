@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "box/message/message.h"
-#include "box/state/json.h"
+#include "box/state/archive.h"
 
 namespace olt::box {
 
@@ -31,14 +31,17 @@ struct Fault {
 
 std::string_view action_name(Answer::Action action);
 
-/// What the text describes, in the form of JSON that FaultTable::add takes: words KEY=VALUE, or
-/// the name of an action alone. Throws BadInput.
-Json fault_from_text(std::string_view text);
+/// An archive of what the text describes: words KEY=VALUE, or the name of an action alone. Throws
+/// BadInput.
+std::string fault_from_text(std::string_view text);
+
+/// What an order describes. Throws BadInput.
+Fault read_fault(Archive &order);
 
 class FaultTable {
  public:
-  /// @return the id, never used before. Throws BadInput; places in it begin with the given one.
-  uint32_t add(const Json &fault, const std::string &place);
+  /// @return the fault's id, never used before. Throws BadInput when there are too many.
+  uint32_t arm(Fault fault);
   bool clear(uint32_t id);
   /// @return how many there were.
   size_t clear_all();
@@ -48,10 +51,9 @@ class FaultTable {
   const Fault *strike(uint32_t module, uint32_t type);
 
   const std::vector<Fault> &faults() const { return faults_; }
-  Json list() const;
-
-  Json to_json() const;
-  void from_json(const Json &value, const std::string &place);
+  /// The armed faults, as the member "faults".
+  void describe_faults(Archive &archive);
+  void describe(Archive &archive);
 
  private:
   std::vector<Fault> faults_;

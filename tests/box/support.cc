@@ -5,6 +5,9 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "box/state/json_form.h"
+#include "box/state/seal.h"
+
 namespace olt::test {
 
 TestBox::TestBox() {
@@ -88,6 +91,21 @@ Bytes port_record(uint32_t number, std::initializer_list<std::pair<size_t, Bytes
   put(bytes, 0, word(1));
   put(bytes, 4, word(number));
   return bytes;
+}
+
+std::string TestBox::state(std::string_view name) const {
+  std::string file = read_file(options.state_dir / (std::string(name) + ".state"));
+  return box::to_json_text(box::unseal(file), box::Secrets::kShown);
+}
+
+void TestBox::damage_state(std::string_view name, std::string_view text,
+                           std::string_view replacement) {
+  std::string json = state(name);
+  size_t at = json.find(text);
+  if (at == std::string::npos) throw std::runtime_error(json + " lacks " + std::string(text));
+  json.replace(at, text.size(), replacement);
+  write_file(options.state_dir / (std::string(name) + ".state"),
+             box::seal(box::from_json_text(json)));
 }
 
 }  // namespace olt::test

@@ -48,6 +48,11 @@ class TestBox {
 
   void keep() { simulator_->keep(); }
 
+  /// The readable form of a state file, "saved" or "running".
+  std::string state(std::string_view name) const;
+  /// Writes a state file from its readable form, with the text in it replaced, which must be there.
+  void damage_state(std::string_view name, std::string_view text, std::string_view replacement);
+
   box::Options options;
   bool traced = true;
   std::vector<std::string> trace;

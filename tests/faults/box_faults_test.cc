@@ -159,7 +159,7 @@ TEST(Faults, OfTheRunningState) {
     EXPECT_EQ(open_descriptors(), descriptors);
     const auto now = without_left_overs(files_in(box.options.state_dir), plan);
     if (kept) {
-      EXPECT_TRUE(holds(now.at("running.json"), std::string(2 * kSnmpParamSize, '2')));
+      EXPECT_TRUE(holds(now.at("running.state"), std::string(kSnmpParamSize, '\x22')));
       EXPECT_EQ(now.size(), 1U);
     } else {
       EXPECT_EQ(now, before);
@@ -168,7 +168,7 @@ TEST(Faults, OfTheRunningState) {
     box.keep();
     box.restart();
     EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
-    std::filesystem::remove(box.options.state_dir / "running.json");
+    std::filesystem::remove(box.options.state_dir / "running.state");
     for (const auto &[name, content] : before) {
       write_file(box.options.state_dir / name, content);
     }

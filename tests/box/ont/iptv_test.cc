@@ -192,16 +192,13 @@ TEST(Iptv, AProfileOfAnOnuMustBeInTheFile) {
   box.status(kSetIptvProfile, target_with(target(1, 2), name("basic")));
   box.status(kSaveConfig);
   box.end();
-  const std::string path = box.folder / "state/saved.json";
-  std::string saved = read_file(path);
-  size_t profile = saved.find(R"("name": "basic")");
-  ASSERT_NE(profile, std::string::npos) << saved;
-  write_file(path, saved.replace(profile, 15, R"("name": "other")"));
+  box.damage_state("saved", R"("name": "basic")", R"("name": "other")");
   try {
     box.restart();
     ADD_FAILURE() << "accepted";
   } catch (const std::runtime_error &error) {
-    EXPECT_TRUE(holds(error.what(), "/configuration/ont-iptv/onus: is ")) << error.what();
+    EXPECT_TRUE(holds(error.what(), "/configuration/ont-iptv/onus/iptv_profile: is "))
+        << error.what();
     EXPECT_TRUE(holds(error.what(), "expected profiles that exist")) << error.what();
   }
 }

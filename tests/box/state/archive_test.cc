@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "base/bad_input.h"
+#include "base/clock.h"
+#include "base/text.h"
 #include "box/state/json_form.h"
 #include "box/state/seal.h"
 
@@ -274,8 +276,7 @@ TEST(Seal, ReportsEachFlippedBitAndEachCut) {
 
 TEST(Seal, ReportsTenThousandDamagesOfALargeFile) {
   Kept kept = sample();
-  for (int i = 0; i < 400; ++i)
-    kept.rows[std::to_string(i)] = Bytes(48, static_cast<uint8_t>(i));
+  for (int i = 0; i < 400; ++i) kept.rows[std::to_string(i)] = Bytes(48, static_cast<uint8_t>(i));
   const std::string sealed = seal(written(kept));
   std::mt19937 random(20'260'131);
   for (int i = 0; i < 10'000; ++i) {

@@ -1,5 +1,6 @@
 // The files of the box: always whole, and refused when damaged.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -32,23 +33,21 @@ TEST(Storage, IsForTheOwnUserAlone) {
   TestBox box;
   box.status(kSaveConfig);
   struct stat status = {};
-  ASSERT_EQ(stat((box.options.state_dir / "saved.json").c_str(), &status), 0);
+  ASSERT_EQ(stat((box.options.state_dir / "saved.state").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0600U);
   ASSERT_EQ(stat(box.options.state_dir.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0700U);
 }
 
-TEST(Storage, SavedConfigurationIsVersionedJson) {
+TEST(Storage, SavedConfigurationHasAReadableForm) {
   TestBox box;
   box.status(
       kUserAccount,
       record(kUserSize, {{0, word(1)}, {kUserNameAt, text("operator")}, {kLevelAAt, word(3)}}));
   box.status(kSaveConfig);
-  std::string saved = read_file(box.options.state_dir / "saved.json");
-  EXPECT_EQ(saved.find("{\n \"format\": \"oltbox saved.json\",\n \"version\": 1,\n"
-                       " \"configuration\": {\n"),
-            0U)
-      << saved;
+  std::string saved = box.state("saved");
+  EXPECT_TRUE(saved.starts_with("{\n \"topology\": {\n  \"version\": 1,\n")) << saved;
+  EXPECT_TRUE(holds(saved, " \"configuration\": {\n")) << saved;
   EXPECT_TRUE(holds(saved, "\"name\": \"operator\"")) << saved;
 }
 
@@ -118,7 +117,7 @@ TEST(Storage, KeepsTheOldConfigurationWhenTheDiskIsFull) {
   TestBox box;
   box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
   ASSERT_EQ(box.status(kSaveConfig), kOk);
-  std::string old = read_file(box.options.state_dir / "saved.json");
+  std::string old = read_file(box.options.state_dir / "saved.state");
   box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x22));
   pid_t child = fork();
   ASSERT_GE(child, 0);
@@ -135,66 +134,116 @@ TEST(Storage, KeepsTheOldConfigurationWhenTheDiskIsFull) {
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   EXPECT_EQ(status, 0);
-  EXPECT_EQ(read_file(box.options.state_dir / "saved.json"), old);
+  EXPECT_EQ(read_file(box.options.state_dir / "saved.state"), old);
   EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / ".new"));
   EXPECT_EQ(box.status(kSaveConfig), kOk);
 }
+
+constexpr char kAdvice[] = "; remove the file or start afresh (--fresh)";
 
 TEST(Storage, DamagedFilesAreReportedAndKept) {
   TestBox box;
   box.status(kSaveConfig);
   box.end();
-  std::filesystem::path file = box.options.state_dir / "saved.json";
+  std::filesystem::path file = box.options.state_dir / "saved.state";
   std::string good = read_file(file);
-  const std::string kEnd = "; remove the file or start afresh (--fresh)";
-
-  auto changed = [&good](const std::string &from, const std::string &to) {
-    std::string text = good;
-    size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? text : text.replace(at, from.size(), to);
-  };
+  std::string flipped = good;
+  flipped[good.size() / 2] = static_cast<char>(flipped[good.size() / 2] ^ 4);
   const std::pair<std::string, std::string> kDamages[] = {
-      {"",
-       "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-       "literal"},
-      {"[]", "/: is an array, expected an object"},
-      {changed("oltbox saved.json", "oltbox running.json"),
-       "/format: is \"oltbox running.json\", expected \"oltbox saved.json\""},
-      {changed("\"version\": 1", "\"version\": 2"),
-       "/version: is 2, expected an integer from 1 to 1"},
-      {changed("\"configuration\"", "\"konfiguration\""), "/configuration: is missing"},
-      {changed("\"level_a\": 1", "\"level_a\": \"1\""),
-       "/configuration/system-users/users/0/level_a: is \"1\", expected an integer from 0 to "
-       "4294967295"},
-      {changed("\"sntp\": \"00", "\"sntp\": \"0x"),
-       "/configuration/system-settings/sntp: is \"0x0000000000000000000000000000000000000..., "
-       "expected 88 bytes in hex"},
-      {changed("\"sntp\": \"00", "\"sntp\": \""),
-       "/configuration/system-settings/sntp: is \"000000000000000000000000000000000000000..., "
-       "expected 88 bytes in hex"},
-      {changed("\"level\": 6", "\"level\": 8"),
-       "/configuration/system-log/logs/0/level: is 8, expected an integer from 0 to 7"},
-      {changed("\"module\": 22", "\"module\": 3"),
-       "/configuration/system-log/logs/0/module: is 3, expected 2 or 22"},
-      {changed("\"system-log\"", "\"system-lug\""),
-       "/configuration/system-lug: is unknown, expected one of ont-iptv, ont-voice, "
-       "ont-wan, pon-authentication, pon-inventory, pon-link, pon-multicast, pon-uni-port, "
-       "snmp-olt-rows, snmp-onu-rows, switch-mac, switch-multicast, switch-port, switch-rstp, "
-       "switch-statistics, switch-vlan, system-control, system-debug, "
-       "system-information, system-log, system-settings, system-update, system-users"},
+      {"", "is empty; expected saved state"},
+      {"{}", "is damaged or no state file: it does not begin as one"},
+      {flipped, "is damaged: its checksum does not match"},
+      {good + good, fmt::format("is damaged: it has {} bytes; expected {} by its head",
+                                2 * good.size() - 24, good.size() - 24)},
   };
   for (const auto &[content, line] : kDamages) {
     write_file(file, content);
-    EXPECT_EQ(complaint(box), file.string() + ": " + line + kEnd);
+    EXPECT_EQ(complaint(box), file.string() + ": " + line + kAdvice);
     EXPECT_EQ(read_file(file), content);
   }
-
-  write_file(file, good.substr(0, good.size() / 2));
-  EXPECT_TRUE(holds(complaint(box), "syntax error while parsing"));
+  for (size_t length = 0; length < good.size(); length += 97) {
+    write_file(file, good.substr(0, length));
+    EXPECT_NE(complaint(box), "accepted") << length;
+  }
   box.options.fresh = true;
   EXPECT_EQ(complaint(box), "accepted");
   EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST(Storage, AnyFlippedBitIsReported) {
+  TestBox box;
+  box.status(kSaveConfig);
+  box.end();
+  std::filesystem::path file = box.options.state_dir / "saved.state";
+  const std::string good = read_file(file);
+  // Starting a box costs more than the check: each byte once, with another of its bits each time.
+  for (size_t at = 0; at < good.size(); at += 7) {
+    std::string damaged = good;
+    damaged[at] = static_cast<char>(damaged[at] ^ 1 << at % 8);
+    write_file(file, damaged);
+    EXPECT_TRUE(holds(complaint(box), kAdvice)) << at;
+  }
+}
+
+TEST(Storage, OnlyRegularFilesAreRead) {
+  TestBox box;
+  box.status(kSaveConfig);
+  box.end();
+  std::filesystem::path file = box.options.state_dir / "saved.state";
+  std::filesystem::rename(file, box.folder / "elsewhere");
+  std::filesystem::create_symlink(box.folder / "elsewhere", file);
+  EXPECT_EQ(complaint(box), file.string() + ": Too many levels of symbolic links");
+  std::filesystem::remove(file);
+  ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+  EXPECT_EQ(complaint(box), file.string() + ": is no regular file; expected one");
+  std::filesystem::remove(file);
+  std::filesystem::create_directory(file);
+  EXPECT_EQ(complaint(box), file.string() + ": is no regular file; expected one");
+}
+
+/// What is said of a saved configuration in which the text was replaced.
+std::string complaint_about(const std::string &from, const std::string &to) {
+  TestBox box;
+  box.status(kUserAccount, record(kUserSize, {{0, word(1)},
+                                              {kUserNameAt, text("operator")},
+                                              {kUserPasswordAt, text("planted-secret")}}));
+  box.status(kSaveConfig);
+  box.end();
+  box.damage_state("saved", from, to);
+  std::string line = complaint(box);
+  EXPECT_FALSE(holds(line, "planted-secret")) << line;
+  std::string place = (box.options.state_dir / "saved.state").string() + ": ";
+  if (!line.starts_with(place) || !line.ends_with(kAdvice)) return line;
+  return line.substr(place.size(), line.size() - place.size() - sizeof kAdvice + 1);
+}
+
+TEST(Storage, ValuesAreCheckedAsOnTheWire) {
+  const std::string kUsers = "/configuration/system-users/users";
+  EXPECT_EQ(complaint_about("\"configuration\"", "\"konfiguration\""),
+            "/configuration: is missing");
+  EXPECT_EQ(complaint_about("\"level_a\": 1", "\"level_a\": \"1\""),
+            kUsers + "/0/level_a: is \"1\"; expected an integer from 0 to 4294967295");
+  EXPECT_EQ(complaint_about("\"operator\"", "\"\""),
+            kUsers + "/1/name: is \"\"; expected a name, each once");
+  EXPECT_EQ(complaint_about("\"operator\"", "\"admin\""),
+            kUsers + "/1/name: is \"admin\"; expected a name, each once");
+  EXPECT_EQ(complaint_about("\"operator\"", "\"oper\\u0000tor\""),
+            kUsers + "/1/name: is \"oper\\x00tor\"; expected a name, each once");
+  EXPECT_EQ(
+      complaint_about("\"planted-secret\"", "\"planted-secret-that-is-longer-than-any-password\""),
+      kUsers + "/1/password: is not as it should be; expected a text of at most 31 bytes");
+  std::string user = R"({"name": "x", "password": "planted-secret", "level_a": 0, "level_b": 0},)";
+  std::string users;
+  for (int i = 0; i < 31; ++i) {
+    users += user;
+    users.replace(users.rfind("\"x\""), 3, '"' + std::to_string(i) + '"');
+  }
+  EXPECT_EQ(complaint_about("\"users\": [", "\"users\": [" + users),
+            kUsers + ": is an array; expected at most 32 elements");
+  EXPECT_EQ(complaint_about("\"level\": 6", "\"level\": 8"),
+            "/configuration/system-log/log/level: is 8; expected an integer from 0 to 7");
+  EXPECT_TRUE(complaint_about("\"system-log\"", "\"system-lug\"")
+                  .starts_with("/configuration/system-lug: is unknown; expected one of "));
 }
 
 TEST(Storage, AFamilyMissingFromTheFileStartsFromTheFactory) {
@@ -203,15 +252,62 @@ TEST(Storage, AFamilyMissingFromTheFileStartsFromTheFactory) {
   box.status(kUserAccount, record(kUserSize, {{0, word(1)}, {kUserNameAt, text("operator")}}));
   box.status(kSaveConfig);
   box.end();
-  std::filesystem::path file = box.options.state_dir / "saved.json";
-  std::string saved = read_file(file);
+  std::string saved = box.state("saved");
   size_t begin = saved.find("  \"system-users\"");
   size_t end = saved.find("  \"system-settings\"");
   ASSERT_LT(begin, end);
-  write_file(file, saved.erase(begin, end - begin));
+  box.damage_state("saved", saved.substr(begin, end - begin), "");
   box.restart();
   EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
   EXPECT_EQ(box.status(kGetUserByIndex, record(kUserSize, {{kUserIndexAt, word(1)}})), kNotFound);
+}
+
+TEST(Storage, TheStateRemembersItsTopology) {
+  TestBox box;
+  box.options.topology_file = box.folder.write("six.json", R"({"olt":{"ethernet_ports":6}})");
+  box.restart();
+  EXPECT_EQ(box.status(kSetPortEnable, port_record(6)), kOk);
+  box.status(kSaveConfig);
+  box.options.topology_file = "";
+  box.restart();
+  EXPECT_EQ(box.status(kGetPortEnable, port_record(6)), kOk);
+  EXPECT_EQ(box.status(kGetPortEnable, port_record(7)), kNotFound);
+}
+
+TEST(Storage, AnotherTopologyIsRefusedUnlessWhatFitsIsAdopted) {
+  TestBox box;
+  std::vector<std::string> notices;
+  box.options.notice = [&](std::string_view line) { notices.emplace_back(line); };
+  box.options.topology_file = box.folder.write("six.json", R"({"olt":{"ethernet_ports":6}})");
+  box.restart();
+  box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
+  box.status(kSaveConfig);
+  box.options.topology_file = box.folder.write("four.json", R"({"olt":{"ethernet_ports":4}})");
+  std::string line = complaint(box);
+  EXPECT_TRUE(line.starts_with((box.folder / "four.json") + ": the state in " +
+                               box.options.state_dir.string() +
+                               " was made with another topology, {\"version\":1,"))
+      << line;
+  EXPECT_TRUE(
+      line.ends_with("; expected that one or none, --fresh to forget the state, or --adopt "
+                     "to keep what fits"))
+      << line;
+  EXPECT_TRUE(notices.empty());
+  box.options.adopt = true;
+  ASSERT_EQ(complaint(box), "accepted");
+  EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
+  EXPECT_EQ(box.status(kGetPortEnable, port_record(5)), kNotFound);
+  ASSERT_FALSE(notices.empty());
+  EXPECT_TRUE(holds(notices.front(),
+                    "left out: /configuration/switch-port/ports/4/port: is 5; "
+                    "expected an integer from 1 to 4"))
+      << notices.front();
+  // From then on the state is the new topology's.
+  box.options.adopt = false;
+  box.options.topology_file = "";
+  ASSERT_EQ(complaint(box), "accepted");
+  EXPECT_EQ(box.status(kGetPortEnable, port_record(4)), kOk);
+  EXPECT_EQ(box.status(kGetPortEnable, port_record(5)), kNotFound);
 }
 
 TEST(Storage, OneBoxAtATimeUsesADirectory) {
@@ -302,15 +398,15 @@ TEST(RunningState, IsForgottenWhenStartedAfresh) {
   box.options.fresh = true;
   box.restart();
   EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0));
-  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.json"));
-  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "saved.json"));
+  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.state"));
+  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "saved.state"));
 }
 
 TEST(RunningState, IsNotKeptUnlessAskedFor) {
   TestBox box;
   box.status(kSetSnmpParam, Bytes(kSnmpParamSize, 0x11));
   box.keep();
-  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.json"));
+  EXPECT_FALSE(std::filesystem::exists(box.options.state_dir / "running.state"));
 }
 
 TEST(RunningState, DamageIsReported) {
@@ -319,15 +415,11 @@ TEST(RunningState, DamageIsReported) {
   box.status(kUpdateOlt, record(kUpdateHeadSize + 10, {{0, word(100)}}));
   box.keep();
   box.end();
-  std::filesystem::path file = box.options.state_dir / "running.json";
-  std::string good = read_file(file);
-  size_t at = good.find("\"total\": 100");
-  ASSERT_NE(at, std::string::npos);
-  write_file(file, std::string(good).replace(at, 12, "\"total\": 0"));
-  EXPECT_EQ(complaint(box), file.string() +
-                                ": /box/families/system-update/olt/total: is 0, expected an "
-                                "integer from 1 to 268435456; remove the file or start afresh "
-                                "(--fresh)");
+  box.damage_state("running", "\"total\": 100", "\"total\": 0");
+  EXPECT_EQ(complaint(box), (box.options.state_dir / "running.state").string() +
+                                ": /box/running/system-update/olt/total: is 0; expected an "
+                                "integer from 1 to 268435456" +
+                                kAdvice);
 }
 
 }  // namespace
