@@ -12,6 +12,10 @@ target_compile_options(olt_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes -Wmissing-prototypes>)
 
+# The compiler tidies its memory after each 128 MiB, which takes an eighth of its time.
+target_compile_options(olt_flags INTERFACE
+  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:--param=ggc-min-heapsize=1000000>)
+
 # For scripts/stack.sh: what each function takes of the stack, and whom it calls.
 if(CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(olt_flags INTERFACE -fcallgraph-info=su)

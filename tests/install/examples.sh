@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs a build under a temporary prefix, builds the examples against it through pkg-config and
-# through CMake's find_package, and runs them on an installed box.
+# Installs a build under a temporary prefix and moves it. Builds the examples against what was moved,
+# through pkg-config and through CMake's find_package. Runs them and the programs in an empty
+# environment: nothing but the files must tell them where the libraries are.
 # usage: examples.sh BUILD_FOLDER EXAMPLES_FOLDER
 set -euo pipefail
 
@@ -14,9 +15,23 @@ finish() {
 }
 trap finish EXIT
 
-prefix=$work/prefix
-cmake --install "$1" --prefix "$prefix" >/dev/null
-export LD_LIBRARY_PATH=$prefix/lib OLT_RUN_DIR=$work/run
+fail() {
+  echo "examples.sh: $*" >&2
+  exit 1
+}
+
+alone() {
+  env -i OLT_RUN_DIR="$work/run" HOME="$work/home" "$@"
+}
+
+cmake --install "$1" --prefix "$work/first" >/dev/null
+mkdir "$work/home" "$work/elsewhere"
+prefix=$work/elsewhere/prefix
+mv "$work/first" "$prefix"
+
+for file in "$prefix"/bin/* "$prefix"/lib/*.so.?; do
+  ! readelf -SW "$file" | grep -q ' \.symtab ' || fail "$file is not stripped"
+done
 
 cp -r "$2" "$work/with_make"
 PKG_CONFIG_PATH=$prefix/lib/pkgconfig make -C "$work/with_make" \
@@ -24,7 +39,8 @@ PKG_CONFIG_PATH=$prefix/lib/pkgconfig make -C "$work/with_make" \
 cmake -S "$2" -B "$work/with_cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/with_cmake" >/dev/null
 
-"$prefix/bin/oltbox" --state-dir "$work/state" >"$work/output" &
+# Without exec, the job would be a shell of this script.
+(exec env -i OLT_RUN_DIR="$work/run" HOME="$work/home" "$prefix/bin/oltbox" --state-dir "$work/state" >"$work/output") &
 box=$!
 for ((i = 0; i < 300; i++)); do
   ! grep -q '^oltbox: serving' "$work/output" || break
@@ -44,6 +60,7 @@ VLAN  Tagged ports  Untagged ports  Description
 4094  -             -               -
 END
 for folder in "$work/with_make" "$work/with_cmake"; do
-  [ "$("$folder/mac_address")" = 02:00:00:00:00:01 ]
-  "$folder/vlan_report" "$OLT_RUN_DIR" 7 4094 | diff -u "$work/expected" -
+  [ "$(alone "$folder/mac_address")" = 02:00:00:00:00:01 ]
+  alone "$folder/vlan_report" "$work/run" 7 4094 | diff -u "$work/expected" -
 done
+[ "$(alone "$prefix/bin/oltctl" get_olt_mac)" = 'mac = 02 00 00 00 00 01' ]
