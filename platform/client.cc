@@ -20,6 +20,7 @@
 #include "platform/replies.h"
 
 namespace olt::platform {
+
 namespace {
 
 struct Watcher {
@@ -69,10 +70,8 @@ Kept &kept() {
 
 int32_t open(uint32_t module, const Deadline &deadline, std::unique_ptr<Connection> &connection) {
   Descriptor socket;
-  const int32_t result = connect_to_module(module, deadline, socket);
-  if (result == OLT_TRANSPORT_OK) {
-    connection = std::make_unique<Connection>(std::move(socket));
-  }
+  int32_t result = connect_to_module(module, deadline, socket);
+  if (result == OLT_TRANSPORT_OK) connection = std::make_unique<Connection>(std::move(socket));
   return result;
 }
 
@@ -81,14 +80,10 @@ int32_t open(uint32_t module, const Deadline &deadline, std::unique_ptr<Connecti
 int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
              std::unique_ptr<Connection> &connection) {
   Sent sent = Sent::kNothing;
-  if (connection && connection->is_open()) {
-    sent = connection->send(request, deadline);
-  }
+  if (connection && connection->is_open()) sent = connection->send(request, deadline);
   if (sent == Sent::kNothing) {
     connection.reset();
-    if (const int32_t result = open(module, deadline, connection)) {
-      return result;
-    }
+    if (int32_t result = open(module, deadline, connection)) return result;
     sent = connection->send(request, deadline);
   }
   switch (sent) {
@@ -110,12 +105,10 @@ int32_t exchange(uint32_t module, const Request &request, const Deadline &deadli
     result = connection->receive(request.no_reply, deadline, answer);
     if (result == OLT_TRANSPORT_REFUSED) {
       complain("module " + std::to_string(module) + " does not accept user " +
-               user_name(::geteuid()));
+               user_name(geteuid()));
     }
   }
-  if (result != OLT_TRANSPORT_OK) {
-    connection.reset();
-  }
+  if (result != OLT_TRANSPORT_OK) connection.reset();
   return result;
 }
 
@@ -132,7 +125,7 @@ struct Outcome {
 Outcome exchange_for_caller(uint32_t module, const Request &request, const Deadline &deadline) {
   try {
     Answer answer;
-    if (const int32_t result = exchange(module, request, deadline, answer)) {
+    if (int32_t result = exchange(module, request, deadline, answer)) {
       return {.result = result};
     }
     if (answer.status != 0 || !answer.reply) {
@@ -156,21 +149,19 @@ int32_t platmsg_syn_result(uint32_t message_type, uint32_t module, void *request
                            uint32_t *reply_handle, uint16_t *status, uint32_t no_reply,
                            uint32_t timeout) {
   using namespace olt::platform;
-  const bool wants_reply = no_reply == 0;
+  bool wants_reply = no_reply == 0;
   if (status == nullptr || (request == nullptr && request_length > 0) ||
       (wants_reply && (reply == nullptr || reply_length == nullptr || reply_handle == nullptr))) {
     return OLT_TRANSPORT_BAD_CALL;
   }
-  if (request_length > OLT_REQUEST_LIMIT) {
-    return OLT_TRANSPORT_TOO_LONG;
-  }
-  const Deadline deadline(timeout);
-  const Outcome outcome = exchange_for_caller(module,
-                                              {.message_type = message_type,
-                                               .data = request,
-                                               .length = request_length,
-                                               .no_reply = !wants_reply},
-                                              deadline);
+  if (request_length > OLT_REQUEST_LIMIT) return OLT_TRANSPORT_TOO_LONG;
+  Deadline deadline(timeout);
+  Outcome outcome = exchange_for_caller(module,
+                                        {.message_type = message_type,
+                                         .data = request,
+                                         .length = request_length,
+                                         .no_reply = !wants_reply},
+                                        deadline);
   if (outcome.result == OLT_TRANSPORT_OK) {
     *status = outcome.status;
     if (wants_reply) {
@@ -180,17 +171,17 @@ int32_t platmsg_syn_result(uint32_t message_type, uint32_t module, void *request
     }
   }
   if (watcher.call != nullptr) {
-    const olt_exchange seen{.module = module,
-                            .message_type = message_type,
-                            .request = request,
-                            .request_length = request_length,
-                            .no_reply = no_reply,
-                            .timeout = timeout,
-                            .result = outcome.result,
-                            .status = outcome.status,
-                            .reply_length = outcome.reply_length,
-                            .reply = outcome.reply,
-                            .elapsed_ns = static_cast<uint64_t>(deadline.elapsed().count())};
+    olt_exchange seen{.module = module,
+                      .message_type = message_type,
+                      .request = request,
+                      .request_length = request_length,
+                      .no_reply = no_reply,
+                      .timeout = timeout,
+                      .result = outcome.result,
+                      .status = outcome.status,
+                      .reply_length = outcome.reply_length,
+                      .reply = outcome.reply,
+                      .elapsed_ns = static_cast<uint64_t>(deadline.elapsed().count())};
     watcher.call(watcher.context, &seen);
   }
   return outcome.result;

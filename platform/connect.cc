@@ -16,6 +16,7 @@
 #include "platform/run_dir.h"
 
 namespace olt::platform {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -43,28 +44,24 @@ int32_t result_of(int error) {
 
 // A full queue of the module's socket gives no sign when it has room again: ask now and then.
 int32_t connect_through_run_dir(uint32_t module, const Deadline &deadline, Descriptor &socket) {
-  const std::string path = socket_path(selected_run_dir(), module);
-  const auto address = socket_address(path);
+  std::string path = socket_path(selected_run_dir(), module);
+  auto address = socket_address(path);
   if (!address) {
     complain(too_long_for_socket(path));
     return OLT_TRANSPORT_NO_MODULE;
   }
   socket = Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-  if (!socket.is_open()) {
-    return result_of(errno);
-  }
-  while (::connect(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address)) {
+  if (!socket.is_open()) return result_of(errno);
+  while (connect(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address)) {
     if (errno != EAGAIN && errno != EINTR) {
-      const int32_t result = result_of(errno);
+      int32_t result = result_of(errno);
       if (result == OLT_TRANSPORT_REFUSED) {
-        complain("\"" + path + "\" is closed to user " + user_name(::geteuid()) +
+        complain("\"" + path + "\" is closed to user " + user_name(geteuid()) +
                  "; expected its owner, root or a member of its group");
       }
       return result;
     }
-    if (!deadline.nap(2ms)) {
-      return OLT_TRANSPORT_TIMED_OUT;
-    }
+    if (!deadline.nap(2ms)) return OLT_TRANSPORT_TIMED_OUT;
   }
   return OLT_TRANSPORT_OK;
 }
@@ -76,9 +73,7 @@ int32_t connect_through_connector(uint32_t module, Descriptor &socket) {
 
 std::optional<gid_t> allowed_group() {
   const char *group = environment("OLT_GROUP");
-  if (group == nullptr) {
-    return std::nullopt;
-  }
+  if (group == nullptr) return std::nullopt;
   try {
     return require_group(group);
   } catch (const Failure &failure) {
@@ -90,21 +85,17 @@ std::optional<gid_t> allowed_group() {
 }  // namespace
 
 int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor &socket) {
-  const int32_t result = connector.call != nullptr
-                             ? connect_through_connector(module, socket)
-                             : connect_through_run_dir(module, deadline, socket);
-  if (result != OLT_TRANSPORT_OK) {
-    return result;
-  }
-  if (const std::string refusal = refusal_of_peer(socket.get(), allowed_group());
-      !refusal.empty()) {
+  int32_t result = connector.call != nullptr ? connect_through_connector(module, socket)
+                                             : connect_through_run_dir(module, deadline, socket);
+  if (result != OLT_TRANSPORT_OK) return result;
+  if (std::string refusal = refusal_of_peer(socket.get(), allowed_group()); !refusal.empty()) {
     complain("module " + std::to_string(module) + ": " + refusal);
     return OLT_TRANSPORT_REFUSED;
   }
-  ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
+  fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
   // A socket that stays non-blocking does as well: it costs a poll for each answer.
-  if (const int flags = ::fcntl(socket.get(), F_GETFL); flags >= 0) {
-    ::fcntl(socket.get(), F_SETFL, flags & ~O_NONBLOCK);
+  if (int flags = fcntl(socket.get(), F_GETFL); flags >= 0) {
+    fcntl(socket.get(), F_SETFL, flags & ~O_NONBLOCK);
   }
   return OLT_TRANSPORT_OK;
 }

@@ -16,6 +16,7 @@
 #include "platform/frame.h"
 
 namespace olt::platform {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -26,7 +27,7 @@ constexpr auto kPlainWait = 400ms;
 constexpr auto kSafeDistance = 2 * kPlainWait;
 
 // Most answers fit into one piece, received on the stack.
-constexpr std::size_t kFirstPiece = 4096;
+constexpr size_t kFirstPiece = 4096;
 
 constinit std::mutex lock;
 [[maybe_unused]] const int registered = hold_across_fork<lock, Connection::close_all>();
@@ -39,7 +40,7 @@ std::unordered_set<Connection *> &open_connections() {
 bool set_plain_wait(int socket) {
   timeval limit{};
   limit.tv_usec = std::chrono::microseconds(kPlainWait).count();
-  return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
+  return setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
 bool is_closed_by_peer(int error) {
@@ -54,46 +55,42 @@ bool is_transient(int error) {
 
 Connection::Connection(Descriptor socket)
     : socket_(std::move(socket)), waits_plainly_(set_plain_wait(socket_.get())) {
-  const std::lock_guard guard(lock);
+  std::lock_guard guard(lock);
   open_connections().insert(this);
 }
 
 Connection::~Connection() {
-  const std::lock_guard guard(lock);
+  std::lock_guard guard(lock);
   open_connections().erase(this);
 }
 
 // The lock is held by the fork.
 void Connection::close_all() {
-  for (Connection *connection : open_connections()) {
-    connection->socket_.close();
-  }
+  for (Connection *connection : open_connections()) connection->socket_.close();
   open_connections().clear();
 }
 
 Sent Connection::send(const Request &request, const Deadline &deadline) {
-  const auto header = encode(RequestHeader{.sequence = ++sequence_,
-                                           .message_type = request.message_type,
-                                           .no_reply = request.no_reply,
-                                           .length = request.length});
+  auto header = encode(RequestHeader{.sequence = ++sequence_,
+                                     .message_type = request.message_type,
+                                     .no_reply = request.no_reply,
+                                     .length = request.length});
   std::array<iovec, 2> pieces{{{const_cast<std::byte *>(header.data()), header.size()},
                                {const_cast<void *>(request.data), request.length}}};
   msghdr message{};
   message.msg_iov = pieces.data();
   message.msg_iovlen = pieces.size();
-  std::size_t left = header.size() + request.length;
+  size_t left = header.size() + request.length;
   bool untouched = true;
   for (;;) {
-    const ssize_t taken = ::sendmsg(socket_.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+    ssize_t taken = sendmsg(socket_.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (taken >= 0) {
-      auto count = static_cast<std::size_t>(taken);
+      auto count = static_cast<size_t>(taken);
       left -= count;
-      if (left == 0) {
-        return Sent::kAll;
-      }
+      if (left == 0) return Sent::kAll;
       untouched = untouched && count == 0;
       for (iovec &piece : pieces) {
-        const std::size_t step = std::min(count, piece.iov_len);
+        size_t step = std::min(count, piece.iov_len);
         piece.iov_base = static_cast<std::byte *>(piece.iov_base) + step;
         piece.iov_len -= step;
         count -= step;
@@ -103,70 +100,53 @@ Sent Connection::send(const Request &request, const Deadline &deadline) {
     } else if (!is_transient(errno)) {
       return Sent::kNoResources;
     }
-    if (!deadline.wait(socket_.get(), POLLOUT)) {
-      return Sent::kTooLate;
-    }
+    if (!deadline.wait(socket_.get(), POLLOUT)) return Sent::kTooLate;
   }
 }
 
-int32_t Connection::receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
-                                 std::size_t &received) {
+int32_t Connection::receive_some(std::byte *into, size_t limit, const Deadline &deadline,
+                                 size_t &received) {
   int flags = waits_plainly_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
   for (;;) {
-    const ssize_t count = ::recv(socket_.get(), into, limit, flags);
+    ssize_t count = recv(socket_.get(), into, limit, flags);
     if (count > 0) {
-      received = static_cast<std::size_t>(count);
+      received = static_cast<size_t>(count);
       return OLT_TRANSPORT_OK;
     }
-    if (count == 0 || is_closed_by_peer(errno)) {
-      return OLT_TRANSPORT_LOST;
-    }
-    if (!is_transient(errno)) {
-      return OLT_TRANSPORT_NO_RESOURCES;
-    }
+    if (count == 0 || is_closed_by_peer(errno)) return OLT_TRANSPORT_LOST;
+    if (!is_transient(errno)) return OLT_TRANSPORT_NO_RESOURCES;
     flags = MSG_DONTWAIT;
-    if (!deadline.wait(socket_.get(), POLLIN)) {
-      return OLT_TRANSPORT_TIMED_OUT;
-    }
+    if (!deadline.wait(socket_.get(), POLLIN)) return OLT_TRANSPORT_TIMED_OUT;
   }
 }
 
 int32_t Connection::receive(bool no_reply, const Deadline &deadline, Answer &answer) {
   std::array<std::byte, kAnswerHeaderSize + kFirstPiece> first;
-  std::size_t filled = 0;
+  size_t filled = 0;
   while (filled < kAnswerHeaderSize) {
-    std::size_t count = 0;
-    if (const int32_t result =
-            receive_some(&first[filled], first.size() - filled, deadline, count)) {
+    size_t count = 0;
+    if (int32_t result = receive_some(&first[filled], first.size() - filled, deadline, count)) {
       return result;
     }
     filled += count;
   }
-  const auto header = decode_answer(first.data());
-  if (!header) {
-    return OLT_TRANSPORT_GARBLED;
-  }
-  if (header->refused) {
-    return OLT_TRANSPORT_REFUSED;
-  }
-  std::size_t arrived = filled - kAnswerHeaderSize;
+  auto header = decode_answer(first.data());
+  if (!header) return OLT_TRANSPORT_GARBLED;
+  if (header->refused) return OLT_TRANSPORT_REFUSED;
+  size_t arrived = filled - kAnswerHeaderSize;
   if (header->sequence != sequence_ || arrived > header->length ||
       (no_reply && header->length > 0)) {
     return OLT_TRANSPORT_GARBLED;
   }
   answer.status = header->status;
   answer.length = static_cast<uint16_t>(header->length);
-  if (no_reply) {
-    return OLT_TRANSPORT_OK;
-  }
+  if (no_reply) return OLT_TRANSPORT_OK;
   answer.reply = make_reply_block(header->length);
-  if (!answer.reply) {
-    return OLT_TRANSPORT_NO_RESOURCES;
-  }
+  if (!answer.reply) return OLT_TRANSPORT_NO_RESOURCES;
   std::copy_n(&first[kAnswerHeaderSize], arrived, answer.reply.get());
   while (arrived < header->length) {
-    std::size_t count = 0;
-    if (const int32_t result =
+    size_t count = 0;
+    if (int32_t result =
             receive_some(answer.reply.get() + arrived, header->length - arrived, deadline, count)) {
       return result;
     }

@@ -56,8 +56,7 @@ class Connection {
   static void close_all();
 
  private:
-  int32_t receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
-                       std::size_t &received);
+  int32_t receive_some(std::byte *into, size_t limit, const Deadline &deadline, size_t &received);
 
   Descriptor socket_;
   const bool waits_plainly_;  ///< false when recv would block without a limit

@@ -17,6 +17,7 @@
 #include "platform/run_dir.h"
 
 namespace olt::platform {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -26,7 +27,7 @@ constexpr auto kPauseWithoutDescriptors = 100ms;
 bool is_same_file(int file, const std::string &path) {
   struct stat open_one {};
   struct stat named_one {};
-  if (::fstat(file, &open_one) != 0 || (::stat(path.c_str(), &named_one) != 0 && errno != ENOENT)) {
+  if (fstat(file, &open_one) != 0 || (stat(path.c_str(), &named_one) != 0 && errno != ENOENT)) {
     throw system_failure("lock file \"" + path + "\" cannot be looked at", errno);
   }
   return open_one.st_dev == named_one.st_dev && open_one.st_ino == named_one.st_ino;
@@ -35,64 +36,52 @@ bool is_same_file(int file, const std::string &path) {
 // The file may be removed by its last owner between being opened and being locked: look again.
 Descriptor lock_module(const std::string &path, uint32_t module, const std::string &run_dir) {
   for (;;) {
-    Descriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!file.is_open()) {
-      throw system_failure("lock file \"" + path + "\" cannot be opened", errno);
-    }
-    if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-      if (errno == EINTR) {
-        continue;
-      }
+    Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!file.is_open()) throw system_failure("lock file \"" + path + "\" cannot be opened", errno);
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno == EINTR) continue;
       if (errno == EWOULDBLOCK) {
         throw Failure("module " + std::to_string(module) + " is already being served in \"" +
                       run_dir + "\"; expected a free module or another run directory");
       }
       throw system_failure("lock file \"" + path + "\" cannot be locked", errno);
     }
-    if (is_same_file(file.get(), path)) {
-      return file;
-    }
+    if (is_same_file(file.get(), path)) return file;
   }
 }
 
 // The lock is held, so that whoever left a socket there is gone.
 const std::string &without_stale_socket(const std::string &path) {
   struct stat found {};
-  if (::lstat(path.c_str(), &found) != 0) {
-    return path;
-  }
+  if (lstat(path.c_str(), &found) != 0) return path;
   if (!S_ISSOCK(found.st_mode)) {
     throw Failure("\"" + path + "\" is in the way; expected a socket or nothing");
   }
-  if (::unlink(path.c_str()) != 0) {
-    throw system_failure("\"" + path + "\" cannot be removed", errno);
-  }
+  if (unlink(path.c_str()) != 0) throw system_failure("\"" + path + "\" cannot be removed", errno);
   return path;
 }
 
 void open_to(const std::string &path, std::optional<gid_t> allowed_group) {
-  if (allowed_group && ::chown(path.c_str(), static_cast<uid_t>(-1), *allowed_group) != 0) {
+  if (allowed_group && chown(path.c_str(), static_cast<uid_t>(-1), *allowed_group) != 0) {
     throw system_failure("\"" + path + "\" cannot be given to group " + group_name(*allowed_group),
                          errno);
   }
-  if (::chmod(path.c_str(), allowed_group ? 0660 : 0600) != 0) {
+  if (chmod(path.c_str(), allowed_group ? 0660 : 0600) != 0) {
     throw system_failure("\"" + path + "\" cannot be closed to others", errno);
   }
 }
 
 // Not listening before its permissions are right.
 Descriptor listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
-  const auto address = socket_address(path);
-  if (!address) {
-    throw Failure(too_long_for_socket(path));
-  }
+  auto address = socket_address(path);
+  if (!address) throw Failure(too_long_for_socket(path));
   Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
   if (!socket.is_open() ||
-      ::bind(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address) != 0) {
+      bind(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address) != 0) {
     throw system_failure("\"" + path + "\" cannot be bound", errno);
   }
   open_to(path, allowed_group);
-  if (::listen(socket.get(), SOMAXCONN) != 0) {
+  if (listen(socket.get(), SOMAXCONN) != 0) {
     throw system_failure("\"" + path + "\" cannot be listened on", errno);
   }
   return socket;
@@ -122,18 +111,14 @@ Listener::Listener(asio::io_context &loop, const std::string &run_dir, uint32_t 
 }
 
 void Listener::attend() {
-  if (!waits_) {
-    await_client();
-  }
+  if (!waits_) await_client();
 }
 
 void Listener::await_client() {
   socket_.async_wait(asio::posix::stream_descriptor::wait_read,
                      [this](const std::error_code &error) {
                        waits_ = false;
-                       if (error) {
-                         throw std::system_error(error, name_);
-                       }
+                       if (error) throw std::system_error(error, name_);
                        accept_all();
                      });
   waits_ = true;
@@ -142,7 +127,7 @@ void Listener::await_client() {
 void Listener::accept_all() {
   for (;;) {
     Descriptor client(
-        ::accept4(socket_.native_handle(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+        accept4(socket_.native_handle(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (client.is_open()) {
       paused_ = false;
       accept_(std::move(client));

@@ -27,7 +27,7 @@ class OwnedFile {
   explicit OwnedFile(std::string path) : path_(std::move(path)) {}
   OwnedFile(const OwnedFile &) = delete;
   OwnedFile &operator=(const OwnedFile &) = delete;
-  ~OwnedFile() { ::unlink(path_.c_str()); }
+  ~OwnedFile() { unlink(path_.c_str()); }
 
  private:
   std::string path_;
@@ -40,7 +40,7 @@ class ModuleLock {
   ModuleLock(const std::string &run_dir, uint32_t module);
   ModuleLock(const ModuleLock &) = delete;
   ModuleLock &operator=(const ModuleLock &) = delete;
-  ~ModuleLock() { ::unlink(path_.c_str()); }
+  ~ModuleLock() { unlink(path_.c_str()); }
 
  private:
   std::string path_;

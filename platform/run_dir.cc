@@ -21,6 +21,7 @@
 #include "platform/olthost.h"
 
 namespace olt::platform {
+
 namespace {
 
 constexpr mode_t kOwnMode = 0700;
@@ -38,41 +39,35 @@ std::string octal(mode_t mode) {
 }
 
 bool is_empty(const std::string &path, int directory) {
-  Descriptor copy(::openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  Descriptor copy(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   const std::unique_ptr<DIR, int (*)(DIR *)> entries(
-      copy.is_open() ? ::fdopendir(copy.get()) : nullptr, ::closedir);
-  if (!entries) {
-    throw system_failure(quoted(path) + " cannot be read", errno);
-  }
+      copy.is_open() ? fdopendir(copy.get()) : nullptr, ::closedir);
+  if (!entries) throw system_failure(quoted(path) + " cannot be read", errno);
   copy.release();
   for (;;) {
     errno = 0;
-    const dirent *entry = ::readdir(entries.get());
+    const dirent *entry = readdir(entries.get());
     if (entry == nullptr && errno != 0) {
       throw system_failure(quoted(path) + " cannot be read", errno);
     }
-    if (entry == nullptr) {
-      return true;
-    }
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") {
-      return false;
-    }
+    if (entry == nullptr) return true;
+    std::string_view name = entry->d_name;
+    if (name != "." && name != "..") return false;
   }
 }
 
 // Permissions beyond the wanted ones, be it only that a group has them which is not the allowed
 // one: whoever had them may have put something there.
 bool is_too_open(const struct stat &found, std::optional<gid_t> allowed_group) {
-  const mode_t wanted = allowed_group && found.st_gid == *allowed_group ? kGroupMode : kOwnMode;
+  mode_t wanted = allowed_group && found.st_gid == *allowed_group ? kGroupMode : kOwnMode;
   return (found.st_mode & kModeBits & ~wanted) != 0;
 }
 
 void require_trustworthy(const std::string &path, int directory, const struct stat &found,
                          std::optional<gid_t> allowed_group) {
-  if (found.st_uid != ::geteuid()) {
+  if (found.st_uid != geteuid()) {
     throw Failure(quoted(path) + " belongs to user " + user_name(found.st_uid) + "; expected " +
-                  user_name(::geteuid()));
+                  user_name(geteuid()));
   }
   if (is_too_open(found, allowed_group) && !is_empty(path, directory)) {
     throw Failure(quoted(path) + " is not empty and has mode " + octal(found.st_mode) +
@@ -85,9 +80,7 @@ void require_trustworthy(const std::string &path, int directory, const struct st
 }  // namespace
 
 std::string selected_run_dir() {
-  if (const char *chosen = environment("OLT_RUN_DIR")) {
-    return chosen;
-  }
+  if (const char *chosen = environment("OLT_RUN_DIR")) return chosen;
   const char *runtime = environment("XDG_RUNTIME_DIR");
   return std::string(runtime != nullptr ? runtime : "/run") + "/oltmgmt";
 }
@@ -99,9 +92,7 @@ std::string socket_path(const std::string &run_dir, uint32_t module) {
 std::optional<sockaddr_un> socket_address(const std::string &path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path) {
-    return std::nullopt;
-  }
+  if (path.size() >= sizeof address.sun_path) return std::nullopt;
   path.copy(address.sun_path, path.size());
   return address;
 }
@@ -112,21 +103,21 @@ std::string too_long_for_socket(const std::string &path) {
 }
 
 void prepare_run_dir(const std::string &path, std::optional<gid_t> allowed_group) {
-  if (::mkdir(path.c_str(), kOwnMode) != 0 && errno != EEXIST) {
+  if (mkdir(path.c_str(), kOwnMode) != 0 && errno != EEXIST) {
     throw system_failure(quoted(path) + " cannot be created", errno);
   }
-  const Descriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  Descriptor directory(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat found {};
-  if (!directory.is_open() || ::fstat(directory.get(), &found) != 0) {
+  if (!directory.is_open() || fstat(directory.get(), &found) != 0) {
     throw system_failure(quoted(path) + " cannot be used", errno);
   }
   require_trustworthy(path, directory.get(), found, allowed_group);
   if (allowed_group && found.st_gid != *allowed_group &&
-      ::fchown(directory.get(), static_cast<uid_t>(-1), *allowed_group) != 0) {
+      fchown(directory.get(), static_cast<uid_t>(-1), *allowed_group) != 0) {
     throw system_failure(quoted(path) + " cannot be given to group " + group_name(*allowed_group),
                          errno);
   }
-  if (::fchmod(directory.get(), allowed_group ? kGroupMode : kOwnMode) != 0) {
+  if (fchmod(directory.get(), allowed_group ? kGroupMode : kOwnMode) != 0) {
     throw system_failure(quoted(path) + " cannot be closed to others", errno);
   }
 }
@@ -134,11 +125,9 @@ void prepare_run_dir(const std::string &path, std::optional<gid_t> allowed_group
 }  // namespace olt::platform
 
 int olt_run_dir(char *path, size_t size) {
-  const std::string selected = olt::platform::selected_run_dir();
+  std::string selected = olt::platform::selected_run_dir();
   if (selected.size() >= size) {
-    if (size > 0) {
-      *path = '\0';
-    }
+    if (size > 0) *path = '\0';
     return -1;
   }
   std::memcpy(path, selected.c_str(), selected.size() + 1);

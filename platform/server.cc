@@ -19,6 +19,7 @@
 #include "platform/run_dir.h"
 
 namespace olt::platform {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -29,17 +30,15 @@ constexpr auto kPauseInNeed = 10ms;
 // As many clients as the system allows.
 void raise_descriptor_limit() {
   rlimit limit{};
-  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+  if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
     limit.rlim_cur = limit.rlim_max;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+    setrlimit(RLIMIT_NOFILE, &limit);
   }
 }
 
 Descriptor make_event() {
-  Descriptor event(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
-  if (!event.is_open()) {
-    throw system_failure("no event descriptor is to be had", errno);
-  }
+  Descriptor event(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+  if (!event.is_open()) throw system_failure("no event descriptor is to be had", errno);
   return event;
 }
 
@@ -49,8 +48,8 @@ std::optional<gid_t> group_of(const olt_server_options &options) {
 
 // The client learns why its connection is closed.
 void send_refusal(int socket) {
-  const auto frame = encode(AnswerHeader{.sequence = 0, .status = 0, .refused = true, .length = 0});
-  ::send(socket, frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  auto frame = encode(AnswerHeader{.sequence = 0, .status = 0, .refused = true, .length = 0});
+  send(socket, frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
 }  // namespace
@@ -69,15 +68,13 @@ Server::Server(const olt_server_options &options)
 }
 
 void Server::add(const Service &service) {
-  const std::lock_guard guard(lock_);
-  const auto [place, added] = services_.emplace(service.module, service);
+  std::lock_guard guard(lock_);
+  auto [place, added] = services_.emplace(service.module, service);
   if (!added) {
     throw Failure("module " + std::to_string(service.module) +
                   " was added before; expected each module once");
   }
-  if (run_dir_.empty()) {
-    return;
-  }
+  if (run_dir_.empty()) return;
   try {
     listeners_.emplace_back(
         loop_, run_dir_, service.module, allowed_group_, ledger_,
@@ -106,12 +103,8 @@ void Server::run() {
 }
 
 void Server::attend() {
-  if (!waker_waits_) {
-    await_wake_up();
-  }
-  for (Listener &listener : listeners_) {
-    listener.attend();
-  }
+  if (!waker_waits_) await_wake_up();
+  for (Listener &listener : listeners_) listener.attend();
 }
 
 void Server::stop() {
@@ -120,14 +113,14 @@ void Server::stop() {
 }
 
 int Server::connect(uint32_t module) {
-  const std::lock_guard guard(lock_);
-  const auto service = services_.find(module);
+  std::lock_guard guard(lock_);
+  auto service = services_.find(module);
   if (service == services_.end()) {
     errno = ECONNREFUSED;
     return -1;
   }
   std::array<int, 2> ends{};
-  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     return -1;
   }
   Descriptor own(ends[0]);
@@ -139,9 +132,9 @@ int Server::connect(uint32_t module) {
 
 // Only system calls: signal handlers come here.
 void Server::wake_up() {
-  const int error = errno;
-  const uint64_t one = 1;
-  while (::write(waker_.native_handle(), &one, sizeof one) < 0 && errno == EINTR) {
+  int error = errno;
+  uint64_t one = 1;
+  while (write(waker_.native_handle(), &one, sizeof one) < 0 && errno == EINTR) {
   }
   errno = error;
 }
@@ -150,14 +143,10 @@ void Server::await_wake_up() {
   waker_.async_wait(
       asio::posix::stream_descriptor::wait_read, [this](const std::error_code &error) {
         waker_waits_ = false;
-        if (error) {
-          throw std::system_error(error);
-        }
+        if (error) throw std::system_error(error);
         uint64_t count = 0;
-        [[maybe_unused]] const ssize_t got = ::read(waker_.native_handle(), &count, sizeof count);
-        if (stop_.exchange(false)) {
-          loop_.stop();
-        }
+        [[maybe_unused]] const ssize_t got = read(waker_.native_handle(), &count, sizeof count);
+        if (stop_.exchange(false)) loop_.stop();
         await_wake_up();
         admit_arrivals();
       });
@@ -167,16 +156,14 @@ void Server::await_wake_up() {
 void Server::admit_arrivals() {
   std::vector<Arrival> arrivals;
   {
-    const std::lock_guard guard(lock_);
+    std::lock_guard guard(lock_);
     arrivals.swap(arrivals_);
   }
-  for (Arrival &arrival : arrivals) {
-    admit(std::move(arrival.socket), *arrival.service);
-  }
+  for (Arrival &arrival : arrivals) admit(std::move(arrival.socket), *arrival.service);
 }
 
 void Server::admit(Descriptor socket, const Service &service) {
-  const std::string refusal = refusal_of_peer(socket.get(), allowed_group_);
+  std::string refusal = refusal_of_peer(socket.get(), allowed_group_);
   if (!refusal.empty()) {
     send_refusal(socket.get());
     ledger_.count(&olt_server_counters::refused_peers,

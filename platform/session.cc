@@ -12,12 +12,13 @@
 #include <utility>
 
 namespace olt::platform {
+
 namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::size_t kFirstBuffer = 4096;
-constexpr std::size_t kLargestIdleBuffer = std::size_t{64} * 1024;
+constexpr size_t kFirstBuffer = 4096;
+constexpr size_t kLargestIdleBuffer = size_t{64} * 1024;
 
 bool is_transient(const std::error_code &error) {
   return error == asio::error::would_block || error == asio::error::try_again ||
@@ -53,58 +54,45 @@ void Session::serve() {
     if (!may_be_request(buffer_.data(), filled_)) {
       return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
     }
-    if (filled_ < kRequestHeaderSize) {
-      break;
-    }
-    const auto header = decode_request(buffer_.data());
+    if (filled_ < kRequestHeaderSize) break;
+    auto header = decode_request(buffer_.data());
     if (!header) {
       return drop(&olt_server_counters::broken_frames,
                   "sent a request with unknown flags or of more than " +
                       std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
     }
-    const std::size_t frame_size = kRequestHeaderSize + header->length;
+    size_t frame_size = kRequestHeaderSize + header->length;
     if (filled_ < frame_size) {
       make_room(frame_size);
       break;
     }
-    const bool goes_on = answer(*header);
+    bool goes_on = answer(*header);
     consume(frame_size);
-    if (!goes_on) {
-      return;
-    }
+    if (!goes_on) return;
   }
   await_bytes();
 }
 
 void Session::await_bytes() {
-  if (filled_ > 0) {
-    after(stall_limit_, &Session::stalled);
-  }
-  socket_.async_receive(
-      asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
-      [self = shared_from_this()](const std::error_code &error, std::size_t count) {
-        if (!self->socket_.is_open()) {
-          return;
-        }
-        self->stop_timer();
-        if (error) {
-          return self->end();
-        }
-        self->filled_ += count;
-        self->attempt(&Session::serve);
-      });
+  if (filled_ > 0) after(stall_limit_, &Session::stalled);
+  socket_.async_receive(asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
+                        [self = shared_from_this()](const std::error_code &error, size_t count) {
+                          if (!self->socket_.is_open()) return;
+                          self->stop_timer();
+                          if (error) return self->end();
+                          self->filled_ += count;
+                          self->attempt(&Session::serve);
+                        });
 }
 
 // Grows with what has come, not with what is claimed.
-void Session::make_room(std::size_t frame_size) {
-  if (filled_ == buffer_.size()) {
-    buffer_.resize(std::min(frame_size, 2 * buffer_.size()));
-  }
+void Session::make_room(size_t frame_size) {
+  if (filled_ == buffer_.size()) buffer_.resize(std::min(frame_size, 2 * buffer_.size()));
 }
 
-void Session::consume(std::size_t frame_size) {
-  std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(frame_size),
-            buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
+void Session::consume(size_t frame_size) {
+  std::copy(buffer_.begin() + static_cast<ptrdiff_t>(frame_size),
+            buffer_.begin() + static_cast<ptrdiff_t>(filled_), buffer_.begin());
   filled_ -= frame_size;
   if (filled_ == 0 && buffer_.size() > kLargestIdleBuffer) {
     buffer_ = std::vector<std::byte>(kFirstBuffer);
@@ -113,18 +101,16 @@ void Session::consume(std::size_t frame_size) {
 
 bool Session::answer(const RequestHeader &header) {
   owes_answer_ = true;
-  const olt_answer answer = call_handler(header);
-  const milliseconds delay(answer.delay_ms);
-  if (answer.action == OLT_ANSWER_WITHHOLD) {
-    return true;
-  }
+  olt_answer answer = call_handler(header);
+  milliseconds delay(answer.delay_ms);
+  if (answer.action == OLT_ANSWER_WITHHOLD) return true;
   if (answer.action == OLT_ANSWER_DISCONNECT) {
     await_hangup();
     after(delay, &Session::close);
     return false;
   }
-  const uint32_t length = header.no_reply ? 0 : answer.reply_length;
-  const auto bytes = encode(AnswerHeader{
+  uint32_t length = header.no_reply ? 0 : answer.reply_length;
+  auto bytes = encode(AnswerHeader{
       .sequence = header.sequence, .status = answer.status, .refused = false, .length = length});
   const auto *reply = static_cast<const std::byte *>(answer.reply);
   if (delay.count() > 0) {
@@ -135,11 +121,11 @@ bool Session::answer(const RequestHeader &header) {
 }
 
 olt_answer Session::call_handler(const RequestHeader &header) {
-  const olt_request request{.module = service_.module,
-                            .message_type = header.message_type,
-                            .data = &buffer_[kRequestHeaderSize],
-                            .length = header.length,
-                            .no_reply = header.no_reply ? 1u : 0u};
+  olt_request request{.module = service_.module,
+                      .message_type = header.message_type,
+                      .data = &buffer_[kRequestHeaderSize],
+                      .length = header.length,
+                      .no_reply = header.no_reply ? 1u : 0u};
   std::string fault;
   try {
     olt_answer answer{};
@@ -161,10 +147,10 @@ olt_answer Session::call_handler(const RequestHeader &header) {
 }
 
 bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-                   std::size_t length) {
+                   size_t length) {
   std::error_code error;
-  const std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
-  const std::size_t count = socket_.send(pieces, 0, error);
+  std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
+  size_t count = socket_.send(pieces, 0, error);
   if (!error && count == header.size() + length) {
     answered();
     return true;
@@ -175,7 +161,7 @@ bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const
 }
 
 void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
-                         const std::byte *reply, std::size_t length, milliseconds delay) {
+                         const std::byte *reply, size_t length, milliseconds delay) {
   outgoing_.assign(header.begin(), header.end());
   outgoing_.insert(outgoing_.end(), reply, reply + length);
   sent_ = 0;
@@ -186,9 +172,7 @@ void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
 void Session::flush() {
   std::error_code error;
   sent_ += socket_.send(asio::buffer(outgoing_) + sent_, 0, error);
-  if (error && !is_transient(error)) {
-    return end();
-  }
+  if (error && !is_transient(error)) return end();
   if (sent_ < outgoing_.size()) {
     after(stall_limit_, &Session::stalled);
     socket_.async_wait(asio::socket_base::wait_write,
@@ -222,11 +206,8 @@ void Session::await_hangup() {
 
 void Session::notice_hangup() {
   std::byte next{};
-  const ssize_t count =
-      ::recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
-  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
-    end();
-  }
+  ssize_t count = recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) end();
 }
 
 void Session::after(milliseconds delay, void (Session::*then)()) {

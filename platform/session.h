@@ -42,16 +42,16 @@ class Session : public std::enable_shared_from_this<Session> {
   void attempt(void (Session::*step)());
   void serve();
   void await_bytes();
-  void make_room(std::size_t frame_size);
-  void consume(std::size_t frame_size);
+  void make_room(size_t frame_size);
+  void consume(size_t frame_size);
 
   /// @return false when the answer has not left yet, or never will
   bool answer(const RequestHeader &header);
   olt_answer call_handler(const RequestHeader &header);
   bool send(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-            std::size_t length);
+            size_t length);
   void send_later(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-                  std::size_t length, std::chrono::milliseconds delay);
+                  size_t length, std::chrono::milliseconds delay);
   void flush();
   void answered();
   void await_hangup();
@@ -72,9 +72,9 @@ class Session : public std::enable_shared_from_this<Session> {
   const std::chrono::milliseconds stall_limit_;
 
   std::vector<std::byte> buffer_;
-  std::size_t filled_ = 0;
+  size_t filled_ = 0;
   std::vector<std::byte> outgoing_;
-  std::size_t sent_ = 0;
+  size_t sent_ = 0;
   bool owes_answer_ = false;
   bool timer_runs_ = false;
   uint32_t timer_turn_ = 0;  ///< tells an expiry that was overtaken by its cancellation

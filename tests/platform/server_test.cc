@@ -14,6 +14,7 @@
 #include "tests/platform/support.h"
 
 namespace olt::test {
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -31,7 +32,7 @@ class Serving : public testing::Test {
 };
 
 TEST_F(Serving, AnswersWithTheDocumentedBytes) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex("4f4c5131 f1e2d3c4 01000000 00000000 03000000 616263")));
   EXPECT_EQ(client.receive(19), hex("4f4c4131 f1e2d3c4 0000 0000 03000000 616263"));
   ASSERT_TRUE(client.send(hex("4f4c5131 02000000 02000000 00000000 04000000 34120000")));
@@ -39,7 +40,7 @@ TEST_F(Serving, AnswersWithTheDocumentedBytes) {
 }
 
 TEST_F(Serving, SendsNoReplyThatIsNotWanted) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex("4f4c5131 01000000 01000000 01000000 03000000 616263")));
   EXPECT_EQ(client.receive(16), kEmptyAnswer);
   ASSERT_TRUE(client.send(request_frame(2, kEcho, bytes_of("z"))));
@@ -47,8 +48,8 @@ TEST_F(Serving, SendsNoReplyThatIsNotWanted) {
 }
 
 TEST_F(Serving, TakesAFrameInPieces) {
-  const RawClient client(dir_.socket(2));
-  for (const uint8_t byte : request_frame(1, kEcho, bytes_of("pieces"))) {
+  RawClient client(dir_.socket(2));
+  for (uint8_t byte : request_frame(1, kEcho, bytes_of("pieces"))) {
     ASSERT_TRUE(client.send({byte}));
     std::this_thread::sleep_for(milliseconds(2));
   }
@@ -57,15 +58,15 @@ TEST_F(Serving, TakesAFrameInPieces) {
 }
 
 TEST_F(Serving, AnswersRequestsThatCameTogetherInTurn) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes all;
   for (uint32_t i = 0; i < 500; ++i) {
-    const Bytes frame = request_frame(i, kEcho, le32(i));
+    Bytes frame = request_frame(i, kEcho, le32(i));
     all.insert(all.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(all));
   for (uint32_t i = 0; i < 500; ++i) {
-    const Bytes answer = client.receive(20);
+    Bytes answer = client.receive(20);
     ASSERT_EQ(answer.size(), 20u);
     EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
     EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), le32(i));
@@ -73,9 +74,9 @@ TEST_F(Serving, AnswersRequestsThatCameTogetherInTurn) {
 }
 
 TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes both = request_frame(1, kDelayedEcho, le32(100));
-  const Bytes second = request_frame(2, kEcho, {});
+  Bytes second = request_frame(2, kEcho, {});
   both.insert(both.end(), second.begin(), second.end());
   ASSERT_TRUE(client.send(both));
   EXPECT_EQ(client.receive(36), hex("4f4c4131 01000000 0000 0000 04000000 64000000"
@@ -83,30 +84,28 @@ TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
 }
 
 TEST_F(Serving, OthersAreServedWhileAnAnswerIsDelayed) {
-  const RawClient patient(dir_.socket(2));
-  const auto start = Clock::now();
+  RawClient patient(dir_.socket(2));
+  auto start = Clock::now();
   ASSERT_TRUE(patient.send(request_frame(1, kDelayedEcho, le32(600))));
-  for (int i = 0; i < 20; ++i) {
-    expect_still_serving();
-  }
+  for (int i = 0; i < 20; ++i) expect_still_serving();
   EXPECT_LT(seconds_since(start), 0.6);
   EXPECT_EQ(patient.receive(20).size(), 20u);
   EXPECT_GE(seconds_since(start), 0.6);
 }
 
 TEST_F(Serving, AWithheldAnswerLeavesTheConnectionUsable) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(request_frame(1, kSilence, {})));
   ASSERT_TRUE(client.send(request_frame(2, kEcho, {})));
   EXPECT_EQ(client.receive(16), hex("4f4c4131 02000000 0000 0000 00000000"));
 }
 
 TEST_F(Serving, HangsUpOnRequestAtOnceOrLater) {
-  const RawClient first(dir_.socket(2));
+  RawClient first(dir_.socket(2));
   ASSERT_TRUE(first.send(request_frame(1, kHangUp, {})));
   EXPECT_TRUE(first.is_closed());
-  const RawClient second(dir_.socket(2));
-  const auto start = Clock::now();
+  RawClient second(dir_.socket(2));
+  auto start = Clock::now();
   ASSERT_TRUE(second.send(request_frame(1, kHangUp, le32(200))));
   EXPECT_TRUE(second.is_closed());
   EXPECT_GE(seconds_since(start), 0.2);
@@ -114,12 +113,12 @@ TEST_F(Serving, HangsUpOnRequestAtOnceOrLater) {
 }
 
 TEST_F(Serving, AFailingHandlerAnswersWithItsOwnStatus) {
-  for (const uint32_t type : {kThrow, kTooLong, kNullReply}) {
-    const Exchanged all = exchange(2, type, {});
+  for (uint32_t type : {kThrow, kTooLong, kNullReply}) {
+    Exchanged all = exchange(2, type, {});
     EXPECT_EQ(all.result, 0);
     EXPECT_EQ(all.status, 0xffff);
   }
-  const std::string events = server_.events();
+  std::string events = server_.events();
   EXPECT_NE(events.find("module 2: the handler of message type 8 threw an exception: no such slot"),
             std::string::npos);
   EXPECT_NE(events.find("message type 9 gave a reply longer than 65535 bytes: 65536"),
@@ -140,7 +139,7 @@ struct Rubbish {
 class RubbishRequest : public Serving, public testing::WithParamInterface<Rubbish> {};
 
 TEST_P(RubbishRequest, ClosesTheConnectionAndIsCounted) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex(GetParam().bytes)));
   EXPECT_TRUE(client.is_closed());
   EXPECT_TRUE(server_.reaches(&olt_server_counters::broken_frames, 1));
@@ -158,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto &one) { return std::string(one.param.name); });
 
 TEST_F(Serving, RubbishBehindAGoodRequestClosesTheConnectionAfterItsAnswer) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes bytes = request_frame(1, kEcho, {});
   bytes.push_back('x');
   ASSERT_TRUE(client.send(bytes));
@@ -168,7 +167,7 @@ TEST_F(Serving, RubbishBehindAGoodRequestClosesTheConnectionAfterItsAnswer) {
 
 TEST_F(Serving, SurvivesMuchRubbish) {
   for (uint32_t i = 0; i < 200; ++i) {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     client.send(pattern(1 + i * 7, i));
   }
   EXPECT_TRUE(server_.reaches(&olt_server_counters::broken_frames, 200));
@@ -176,11 +175,11 @@ TEST_F(Serving, SurvivesMuchRubbish) {
 }
 
 TEST_F(Serving, AClientThatStopsHalfWayIsDropped) {
-  const RawClient in_header(dir_.socket(2));
+  RawClient in_header(dir_.socket(2));
   ASSERT_TRUE(in_header.send(hex("4f4c5131 0100")));
-  const RawClient in_data(dir_.socket(2));
+  RawClient in_data(dir_.socket(2));
   ASSERT_TRUE(in_data.send(hex("4f4c5131 01000000 01000000 00000000 0a000000 616263")));
-  const RawClient idle(dir_.socket(2));
+  RawClient idle(dir_.socket(2));
   expect_still_serving();
   EXPECT_TRUE(in_header.is_closed());
   EXPECT_TRUE(in_data.is_closed());
@@ -193,10 +192,10 @@ TEST_F(Serving, AClientThatStopsHalfWayIsDropped) {
 }
 
 TEST_F(Serving, AClientThatDoesNotReadItsAnswersIsDropped) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 64; ++i) {
-    const Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, le32(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
@@ -207,17 +206,17 @@ TEST_F(Serving, AClientThatDoesNotReadItsAnswersIsDropped) {
 }
 
 TEST_F(Serving, ASlowReaderGetsAllItsAnswers) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 16; ++i) {
-    const Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, le32(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
-  const Bytes reply = pattern(65535, 6);
+  Bytes reply = pattern(65535, 6);
   for (uint32_t i = 0; i < 16; ++i) {
     std::this_thread::sleep_for(milliseconds(10));
-    const Bytes answer = client.receive(65551);
+    Bytes answer = client.receive(65551);
     ASSERT_EQ(answer.size(), 65551u);
     EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
     EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), reply);
@@ -250,7 +249,7 @@ TEST_F(Serving, AClientThatVanishesBeforeItsAnswerIsNoticedAtOnce) {
 
 TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     ASSERT_TRUE(client.send(request_frame(1, kEcho, {})));
     EXPECT_EQ(client.receive(16), kEmptyAnswer);
   }
@@ -260,14 +259,14 @@ TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   EXPECT_EQ(server_.counters().connections, 2u);
 }
 
-std::size_t virtual_memory() {
-  std::size_t pages = 0;
+size_t virtual_memory() {
+  size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
-  return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
 TEST_F(Serving, AClaimedLengthTakesNoMemory) {
-  const std::size_t before = virtual_memory();
+  size_t before = virtual_memory();
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 64; ++i) {
     clients.push_back(std::make_unique<RawClient>(dir_.socket(2)));
@@ -291,7 +290,7 @@ TEST_F(Serving, ConnectsWithinTheProcess) {
 
 TEST_F(Serving, CountsExchangesAndConnections) {
   for (int i = 0; i < 3; ++i) {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     ASSERT_TRUE(client.send(request_frame(1, kEcho, {})));
     EXPECT_EQ(client.receive(16), kEmptyAnswer);
   }
@@ -300,11 +299,11 @@ TEST_F(Serving, CountsExchangesAndConnections) {
 }
 
 TEST(ServerEvents, GoToTheLogWhenNobodyTakesThem) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   testing::internal::CaptureStderr();
   {
-    const ServerProcess server(dir.path());
-    const RawClient client(dir.socket(2));
+    ServerProcess server(dir.path());
+    RawClient client(dir.socket(2));
     ASSERT_TRUE(client.send(bytes_of("rubbish")));
     EXPECT_TRUE(client.is_closed());
   }
@@ -318,7 +317,7 @@ olt_server *stopped_by_signal = nullptr;
 class Stopping : public testing::Test {
  protected:
   Stopping() {
-    const olt_server_options options{};
+    olt_server_options options{};
     char error[256] = "";
     server_ = olt_server_create(&options, error);
     EXPECT_NE(server_, nullptr) << error;
@@ -340,13 +339,13 @@ TEST_F(Stopping, WorksFromASignalHandler) {
   struct sigaction before {};
   action.sa_handler = [](int) { olt_server_stop(stopped_by_signal); };
   sigaction(SIGUSR1, &action, &before);
-  const pthread_t runner = ::pthread_self();
+  pthread_t runner = pthread_self();
   std::atomic<double> signalled{0};
-  const auto start = Clock::now();
+  auto start = Clock::now();
   std::thread signaller([&] {
     std::this_thread::sleep_for(milliseconds(50));
     signalled = seconds_since(start);
-    ::pthread_kill(runner, SIGUSR1);
+    pthread_kill(runner, SIGUSR1);
   });
   EXPECT_EQ(run(), 0);
   EXPECT_LT(seconds_since(start) - signalled, 0.5);
@@ -356,7 +355,7 @@ TEST_F(Stopping, WorksFromASignalHandler) {
 
 TEST_F(Stopping, BeforeTheRunEndsIt) {
   olt_server_stop(server_);
-  const auto start = Clock::now();
+  auto start = Clock::now();
   EXPECT_EQ(run(), 0);
   EXPECT_LT(seconds_since(start), 0.5);
 }
@@ -392,47 +391,43 @@ double cpu_seconds(pid_t process) {
 }
 
 TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   testing::internal::CaptureStderr();
-  const ServerProcess server(dir.path(), {2}, nullptr, [] {
-    const rlimit few{.rlim_cur = 40, .rlim_max = 40};
-    ::setrlimit(RLIMIT_NOFILE, &few);
+  ServerProcess server(dir.path(), {2}, nullptr, [] {
+    rlimit few{.rlim_cur = 40, .rlim_max = 40};
+    setrlimit(RLIMIT_NOFILE, &few);
   });
   std::vector<std::unique_ptr<RawClient>> clients;
-  for (int i = 0; i < 60; ++i) {
-    clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
-  }
+  for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
   ASSERT_TRUE(clients[0]->send(request_frame(1, kEcho, {})));
   EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
-  const double before = cpu_seconds(server.pid());
+  double before = cpu_seconds(server.pid());
   std::this_thread::sleep_for(milliseconds(500));
   EXPECT_LT(cpu_seconds(server.pid()) - before, 0.2);
   ASSERT_TRUE(clients[0]->send(request_frame(1, kEcho, {})));
   EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
 
   ASSERT_TRUE(clients[59]->send(request_frame(1, kEcho, {})));
-  for (std::size_t i = 0; i < 40; ++i) {
-    clients[i]->close();
-  }
+  for (size_t i = 0; i < 40; ++i) clients[i]->close();
   EXPECT_EQ(clients[59]->receive(16), kEmptyAnswer);
-  const std::string errors = testing::internal::GetCapturedStderr();
+  std::string errors = testing::internal::GetCapturedStderr();
   EXPECT_NE(errors.find("module 2: new clients have to wait: Too many open files\n"),
             std::string::npos)
       << errors;
 }
 
 TEST(ServerLimits, AsManyDescriptorsAsTheSystemAllows) {
-  const TemporaryRunDir dir;
-  const ChildResult child = run_in_child([&] {
+  TemporaryRunDir dir;
+  ChildResult child = run_in_child([&] {
     rlimit limit{};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
+    getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = 30;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-    const olt_server_options options{.run_dir = dir.path().c_str()};
+    setrlimit(RLIMIT_NOFILE, &limit);
+    olt_server_options options{.run_dir = dir.path().c_str()};
     char error[256] = "";
     olt_server *server = olt_server_create(&options, error);
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    const bool raised = server != nullptr && limit.rlim_cur == limit.rlim_max;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    bool raised = server != nullptr && limit.rlim_cur == limit.rlim_max;
     olt_server_destroy(server);
     return raised ? 0 : 1;
   });

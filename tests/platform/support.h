@@ -30,9 +30,9 @@ Bytes hex(std::string_view digits);
 Bytes bytes_of(std::string_view text);
 Bytes le32(uint32_t value);
 /// Bytes that show a shift, a repetition or a swap.
-Bytes pattern(std::size_t length, uint32_t seed);
+Bytes pattern(size_t length, uint32_t seed);
 /// Length and a sum that depends on every byte and its place, as the module of act() computes it.
-Bytes digest(const uint8_t *data, std::size_t length);
+Bytes digest(const uint8_t *data, size_t length);
 
 /// A private directory, removed with everything in it, and OLT_RUN_DIR pointing to "run" in it.
 class TemporaryRunDir {
@@ -150,7 +150,7 @@ class RawClient {
   void close();
   bool send(const Bytes &bytes) const;
   /// At most so many bytes; fewer at the end of the stream or after five seconds.
-  Bytes receive(std::size_t length) const;
+  Bytes receive(size_t length) const;
   /// True when the stream ends within five seconds, with nothing before.
   bool is_closed() const;
 
@@ -160,7 +160,7 @@ class RawClient {
 
 int listen_at(const std::string &socket_path, int backlog);
 void send_bytes(int socket, const Bytes &bytes);
-Bytes receive_bytes(int socket, std::size_t length);
+Bytes receive_bytes(int socket, size_t length);
 
 /// A request frame, composed byte by byte.
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags = 0);
@@ -190,7 +190,7 @@ struct ChildResult {
 /// Runs the body in a child process, which then exits as the body says.
 ChildResult run_in_child(const std::function<int()> &body);
 
-std::size_t open_descriptors();
+size_t open_descriptors();
 
 /// Makes the next exchange of this thread start with a new connection.
 void drop_connections();
