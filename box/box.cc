@@ -26,7 +26,8 @@ Json server_counters(const olt_server *server) {
           {"refused_peers", counters.refused_peers},
           {"broken_frames", counters.broken_frames},
           {"stalled_clients", counters.stalled_clients},
-          {"vanished_clients", counters.vanished_clients}};
+          {"vanished_clients", counters.vanished_clients},
+          {"over_limit_clients", counters.over_limit_clients}};
 }
 
 }  // namespace

@@ -22,9 +22,9 @@ namespace {
 constexpr size_t kGuardSize = 16;
 constexpr unsigned char kGuardByte = 0xb7;
 constexpr unsigned char kReleasedByte = 0xdd;
-// Released blocks are kept back, so that a second release still finds what it is about.
-constexpr size_t kMostKeptBlocks = 4096;
-constexpr size_t kMostKeptBytes = size_t{8} * 1024 * 1024;
+// Released blocks are kept back, so that a second release is recognized.
+constexpr size_t kMaxKeptBlocks = 4096;
+constexpr size_t kMaxKeptBytes = size_t{8} * 1024 * 1024;
 
 struct Block {
   std::string tag;
@@ -88,7 +88,7 @@ void keep_back(Watch &all, unsigned char *data, Block &block) {
   block.released = true;
   all.kept.push_back(data);
   all.kept_bytes += block.size;
-  while (all.kept.size() > kMostKeptBlocks || all.kept_bytes > kMostKeptBytes) {
+  while (all.kept.size() > kMaxKeptBlocks || all.kept_bytes > kMaxKeptBytes) {
     unsigned char *oldest = all.kept.front();
     all.kept.pop_front();
     auto found = all.blocks.find(oldest);
@@ -136,7 +136,7 @@ enum class Mode { kUndecided, kPlain, kWatching };
 
 std::atomic<Mode> mode{Mode::kUndecided};
 
-// Decided by the first allocation; the lock keeps two threads from deciding, and warning, at once.
+// Decided by the first allocation; the lock keeps two threads from both deciding and warning.
 bool watching() {
   Mode now = mode.load(std::memory_order_acquire);
   if (now == Mode::kUndecided) {

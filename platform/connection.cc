@@ -1,6 +1,7 @@
 #include "platform/connection.h"
 
 #include <poll.h>
+#include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 
@@ -8,11 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <mutex>
-#include <unordered_set>
-#include <utility>
 
-#include "platform/fork_safety.h"
 #include "platform/frame.h"
 
 namespace olt::platform {
@@ -22,24 +19,16 @@ namespace {
 using namespace std::chrono_literals;
 
 // Nearly every answer arrives while recv itself blocks, which saves a poll per exchange. That wait
-// ends by a coarse timer (an eighth late, at worst), so it is short and far from any deadline.
-constexpr auto kPlainWait = 400ms;
-constexpr auto kSafeDistance = 2 * kPlainWait;
+// ends by a coarse timer (up to an eighth late), so it is short and used far from any deadline.
+constexpr auto kBlockingWait = 400ms;
+constexpr auto kSafeDistance = 2 * kBlockingWait;
 
 // Most answers fit into one piece, received on the stack.
 constexpr size_t kFirstPiece = 4096;
 
-constinit std::mutex lock;
-[[maybe_unused]] const int registered = hold_across_fork<lock, Connection::close_all>();
-
-std::unordered_set<Connection *> &open_connections() {
-  static auto &instance = *new std::unordered_set<Connection *>;
-  return instance;
-}
-
-bool set_plain_wait(int socket) {
+bool limit_blocking_wait(int socket) {
   timeval limit{};
-  limit.tv_usec = std::chrono::microseconds(kPlainWait).count();
+  limit.tv_usec = std::chrono::microseconds(kBlockingWait).count();
   return setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
@@ -53,21 +42,22 @@ bool is_transient(int error) {
 
 }  // namespace
 
-Connection::Connection(Descriptor socket)
-    : socket_(std::move(socket)), waits_plainly_(set_plain_wait(socket_.get())) {
-  std::lock_guard guard(lock);
-  open_connections().insert(this);
+int32_t Connection::connect(uint32_t module, const Deadline &deadline) {
+  int32_t result = connect_to_module(module, deadline, socket_);
+  if (result != OLT_TRANSPORT_OK) return result;
+  recv_may_block_ = limit_blocking_wait(socket_.get());
+  // An answer that was sent before its request can match the sequence number by chance only.
+  if (getrandom(&sequence_, sizeof sequence_, GRND_NONBLOCK) != ssize_t{sizeof sequence_}) {
+    sequence_ = static_cast<uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+  }
+  return OLT_TRANSPORT_OK;
 }
 
-Connection::~Connection() {
-  std::lock_guard guard(lock);
-  open_connections().erase(this);
-}
-
-// The lock is held by the fork.
-void Connection::close_all() {
-  for (Connection *connection : open_connections()) connection->socket_.close();
-  open_connections().clear();
+Idle Connection::check_idle() const {
+  std::byte next{};
+  ssize_t count = recv(socket_.get(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count > 0) return Idle::kUnsolicitedBytes;
+  return count < 0 && is_transient(errno) ? Idle::kYes : Idle::kClosed;
 }
 
 Sent Connection::send(const Request &request, const Deadline &deadline) {
@@ -106,7 +96,7 @@ Sent Connection::send(const Request &request, const Deadline &deadline) {
 
 int32_t Connection::receive_some(std::byte *into, size_t limit, const Deadline &deadline,
                                  size_t &received) {
-  int flags = waits_plainly_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
+  int flags = recv_may_block_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
   for (;;) {
     ssize_t count = recv(socket_.get(), into, limit, flags);
     if (count > 0) {

@@ -5,10 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include "base/accounts.h"
-#include "platform/failure.h"
+#include "base/failure.h"
 
 namespace olt::platform {
 
@@ -54,7 +55,9 @@ std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group) {
   ucred peer{};
   socklen_t size = sizeof peer;
   if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) {
-    return "the user at the other end is not to be had; " + expected_peers(allowed_group);
+    int error = errno;
+    return std::string("the user at the other end is unknown: ") + std::strerror(error) + "; " +
+           expected_peers(allowed_group);
   }
   if (peer.uid == geteuid() || peer.uid == 0 ||
       (allowed_group && is_member(socket, peer.gid, *allowed_group))) {

@@ -15,7 +15,7 @@ using std::chrono::seconds;
 using namespace std::chrono_literals;
 
 // The kernel may end a long wait late by a thousandth of its length (by a 200th in a niced
-// process), which is more than we allow ourselves: the last second is waited for on its own.
+// process), which is too late for us: the last second is a wait of its own.
 nanoseconds slice(nanoseconds remaining) {
   return remaining > 2s ? std::min<nanoseconds>(remaining - 1s, 1h) : remaining;
 }
@@ -51,7 +51,7 @@ bool Deadline::wait(int socket, short events) const {
   }
 }
 
-bool Deadline::nap(nanoseconds duration) const {
+bool Deadline::sleep(nanoseconds duration) const {
   nanoseconds left = remaining();
   if (left <= 0ns) return false;
   timespec limit = to_timespec(std::min(duration, left));

@@ -30,7 +30,7 @@ struct AnswerHeader {
 std::array<std::byte, kRequestHeaderSize> encode(const RequestHeader &header);
 std::array<std::byte, kAnswerHeaderSize> encode(const AnswerHeader &header);
 
-/// False when the first bytes, be they few, cannot become a request.
+/// False when no request begins with these bytes, of which there may be few.
 bool may_be_request(const std::byte *bytes, size_t count);
 
 /// Nothing when the bytes are not such a header, or the length is beyond its limit.

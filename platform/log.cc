@@ -17,7 +17,7 @@ namespace {
 
 enum class Target { kUnknown, kStandardError, kSyslog };
 
-// Longer lines are cut: no memory is allocated here, for lines also tell that there is none left.
+// Longer lines are cut: no memory is allocated here, for lines also report that there is none left.
 constexpr size_t kLineLimit = 2048;
 
 // One call of write, so that the lines of several threads and processes do not mix.
@@ -29,7 +29,7 @@ void write_line(int level, const char *tag, int line, const char *message) {
   std::replace_if(
       text, text + length, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
   text[length] = '\n';
-  // Nothing is left to tell a failure to.
+  // There is nowhere left to report a failure to.
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, length + 1);
 }
 
@@ -56,7 +56,7 @@ Target target() {
 
 }  // namespace
 
-void complain(const std::string &message, int line) {
+void log_exchange_error(const std::string &message, int line) {
   log_log(kErrorLevel, "platmsg_syn_result", line, message.c_str());
 }
 

@@ -13,8 +13,8 @@
 #include <thread>
 #include <utility>
 
+#include "base/failure.h"
 #include "platform/credentials.h"
-#include "platform/failure.h"
 #include "platform/frame.h"
 #include "platform/run_dir.h"
 
@@ -25,7 +25,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr uint32_t kDefaultStallMs = 10'000;
-constexpr auto kPauseInNeed = 10ms;
+constexpr uint32_t kDefaultPendingLimit = 64 * 1024 * 1024;
+constexpr auto kPauseAfterFailure = 10ms;
 
 // As many clients as the system allows.
 void raise_descriptor_limit() {
@@ -37,8 +38,8 @@ void raise_descriptor_limit() {
 }
 
 Descriptor make_event() {
-  Descriptor event(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
-  if (!event.is_open()) throw system_failure("no event descriptor is to be had", errno);
+  Descriptor event = above_standard_streams(Descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)));
+  if (!event.is_open()) throw system_failure("an event descriptor cannot be created", errno);
   return event;
 }
 
@@ -58,13 +59,14 @@ Server::Server(const olt_server_options &options)
     : run_dir_(options.run_dir != nullptr ? options.run_dir : ""),
       allowed_group_(group_of(options)),
       stall_limit_(options.stall_ms != 0 ? options.stall_ms : kDefaultStallMs),
-      ledger_(options.on_event, options.context),
-      waker_(watched_by(loop_, make_event())) {
+      statistics_(options.on_event, options.context),
+      budget_(options.pending_limit != 0 ? options.pending_limit : kDefaultPendingLimit),
+      waker_(stream_in(loop_, make_event())) {
   if (options.run_dir != nullptr) {
     raise_descriptor_limit();
     prepare_run_dir(run_dir_, allowed_group_);
   }
-  attend();
+  ensure_waiting();
 }
 
 void Server::add(const Service &service) {
@@ -77,7 +79,7 @@ void Server::add(const Service &service) {
   if (run_dir_.empty()) return;
   try {
     listeners_.emplace_back(
-        loop_, run_dir_, service.module, allowed_group_, ledger_,
+        loop_, run_dir_, service.module, allowed_group_, statistics_,
         [this, &kept = place->second](Descriptor socket) { admit(std::move(socket), kept); });
   } catch (...) {
     services_.erase(place);
@@ -85,26 +87,30 @@ void Server::add(const Service &service) {
   }
 }
 
-// A connection for which there is no memory or no place in the loop is lost, and nothing else.
+// A connection for which there is no memory or no place in the loop is dropped; the others go on.
+// The stop flag is read after each handler, so that a stop waits for one of them at most.
 void Server::run() {
-  loop_.restart();
-  while (!loop_.stopped()) {
+  for (;;) {
     try {
-      attend();
-      loop_.run();
+      ensure_waiting();
+      while (!stop_) loop_.run_one();
+      take_wake_up();
+      stop_ = false;
+      return;
     } catch (const std::bad_alloc &) {
-      ledger_.tell("out of memory: a connection was dropped");
-      std::this_thread::sleep_for(kPauseInNeed);
+      statistics_.report("out of memory: a connection was dropped");
+      std::this_thread::sleep_for(kPauseAfterFailure);
     } catch (const std::system_error &error) {
-      ledger_.tell(error.what());
-      std::this_thread::sleep_for(kPauseInNeed);
+      statistics_.report(error.what());
+      std::this_thread::sleep_for(kPauseAfterFailure);
     }
+    loop_.restart();
   }
 }
 
-void Server::attend() {
+void Server::ensure_waiting() {
   if (!waker_waits_) await_wake_up();
-  for (Listener &listener : listeners_) listener.attend();
+  for (Listener &listener : listeners_) listener.ensure_waiting();
 }
 
 void Server::stop() {
@@ -125,7 +131,7 @@ int Server::connect(uint32_t module) {
   }
   Descriptor own(ends[0]);
   Descriptor other(ends[1]);
-  arrivals_.push_back({.socket = std::move(own), .service = &service->second});
+  pending_.push_back({.socket = std::move(own), .service = &service->second});
   wake_up();
   return other.release();
 }
@@ -144,34 +150,34 @@ void Server::await_wake_up() {
       asio::posix::stream_descriptor::wait_read, [this](const std::error_code &error) {
         waker_waits_ = false;
         if (error) throw std::system_error(error);
-        uint64_t count = 0;
-        [[maybe_unused]] const ssize_t got = read(waker_.native_handle(), &count, sizeof count);
-        if (stop_.exchange(false)) loop_.stop();
+        take_wake_up();
         await_wake_up();
-        admit_arrivals();
       });
   waker_waits_ = true;
 }
 
-void Server::admit_arrivals() {
-  std::vector<Arrival> arrivals;
+void Server::take_wake_up() {
+  uint64_t count = 0;
+  [[maybe_unused]] ssize_t got = read(waker_.native_handle(), &count, sizeof count);
+  std::vector<PendingConnection> connections;
   {
     std::lock_guard guard(lock_);
-    arrivals.swap(arrivals_);
+    connections.swap(pending_);
   }
-  for (Arrival &arrival : arrivals) admit(std::move(arrival.socket), *arrival.service);
+  for (PendingConnection &one : connections) admit(std::move(one.socket), *one.service);
 }
 
 void Server::admit(Descriptor socket, const Service &service) {
   std::string refusal = refusal_of_peer(socket.get(), allowed_group_);
   if (!refusal.empty()) {
     send_refusal(socket.get());
-    ledger_.count(&olt_server_counters::refused_peers,
-                  "module " + std::to_string(service.module) + ": " + refusal);
+    statistics_.count(&olt_server_counters::refused_peers,
+                      "module " + std::to_string(service.module) + ": " + refusal);
     return;
   }
-  ledger_.count(&olt_server_counters::connections);
-  std::make_shared<Session>(loop_, std::move(socket), service, ledger_, stall_limit_)->start();
+  statistics_.count(&olt_server_counters::connections);
+  std::make_shared<Session>(loop_, std::move(socket), service, statistics_, budget_, stall_limit_)
+      ->start();
 }
 
 }  // namespace olt::platform

@@ -2,6 +2,7 @@
 
 #include <asio/buffer.hpp>
 #include <asio/error.hpp>
+#include <asio/post.hpp>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -18,7 +19,6 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr size_t kFirstBuffer = 4096;
-constexpr size_t kLargestIdleBuffer = size_t{64} * 1024;
 
 bool is_transient(const std::error_code &error) {
   return error == asio::error::would_block || error == asio::error::try_again ||
@@ -27,20 +27,21 @@ bool is_transient(const std::error_code &error) {
 
 }  // namespace
 
-Session::Session(asio::io_context &loop, Descriptor socket, const Service &service, Ledger &ledger,
-                 milliseconds stall_limit)
+Session::Session(asio::io_context &loop, Descriptor socket, const Service &service,
+                 ServerStatistics &statistics, PendingBudget &budget, milliseconds stall_limit)
     : socket_(loop, asio::local::stream_protocol(), socket.get()),
       timer_(loop),
       service_(service),
-      ledger_(ledger),
+      statistics_(statistics),
       stall_limit_(stall_limit),
+      budget_share_(budget),
       buffer_(kFirstBuffer) {
   socket.release();
   socket_.non_blocking(true);
 }
 
-// A session that cannot go on leaves nothing behind that waits.
-void Session::attempt(void (Session::*step)()) {
+// A session that cannot go on closes its socket, which ends all its waits.
+void Session::run_step(void (Session::*step)()) {
   try {
     (this->*step)();
   } catch (...) {
@@ -49,28 +50,33 @@ void Session::attempt(void (Session::*step)()) {
   }
 }
 
+// One request at a time: other connections take their turns before the next one.
 void Session::serve() {
-  while (filled_ > 0) {
-    if (!may_be_request(buffer_.data(), filled_)) {
-      return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
-    }
-    if (filled_ < kRequestHeaderSize) break;
-    auto header = decode_request(buffer_.data());
-    if (!header) {
-      return drop(&olt_server_counters::broken_frames,
-                  "sent a request with unknown flags or of more than " +
-                      std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
-    }
-    size_t frame_size = kRequestHeaderSize + header->length;
-    if (filled_ < frame_size) {
-      make_room(frame_size);
-      break;
-    }
-    bool goes_on = answer(*header);
-    consume(frame_size);
-    if (!goes_on) return;
+  if (!may_be_request(buffer_.data(), filled_)) {
+    return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
   }
-  await_bytes();
+  if (filled_ < kRequestHeaderSize) return await_bytes();
+  auto header = decode_request(buffer_.data());
+  if (!header) {
+    return drop(&olt_server_counters::broken_frames,
+                "sent a request with unknown flags or of more than " +
+                    std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
+  }
+  size_t frame_size = kRequestHeaderSize + header->length;
+  if (filled_ < frame_size) {
+    if (make_room(frame_size)) await_bytes();
+    return;
+  }
+  bool goes_on = answer(*header);
+  consume(frame_size);
+  if (goes_on) continue_serving();
+}
+
+void Session::continue_serving() {
+  if (filled_ == 0) return await_bytes();
+  asio::post(socket_.get_executor(), [self = shared_from_this()] {
+    if (self->socket_.is_open()) self->run_step(&Session::serve);
+  });
 }
 
 void Session::await_bytes() {
@@ -81,22 +87,31 @@ void Session::await_bytes() {
                           self->stop_timer();
                           if (error) return self->end();
                           self->filled_ += count;
-                          self->attempt(&Session::serve);
+                          self->run_step(&Session::serve);
                         });
 }
 
-// Grows with what has come, not with what is claimed.
-void Session::make_room(size_t frame_size) {
-  if (filled_ == buffer_.size()) buffer_.resize(std::min(frame_size, 2 * buffer_.size()));
+// Grows with the bytes received, not with the length claimed.
+bool Session::make_room(size_t frame_size) {
+  if (filled_ < buffer_.size()) return true;
+  size_t size = std::min(frame_size, 2 * buffer_.size());
+  if (!budget_share_.reserve(size - buffer_.size())) {
+    drop(&olt_server_counters::over_limit_clients,
+         "sent a request for which the limit on pending requests leaves no memory; dropped");
+    return false;
+  }
+  buffer_.reserve(size);
+  buffer_.resize(size);
+  return true;
 }
 
 void Session::consume(size_t frame_size) {
   std::copy(buffer_.begin() + static_cast<ptrdiff_t>(frame_size),
             buffer_.begin() + static_cast<ptrdiff_t>(filled_), buffer_.begin());
   filled_ -= frame_size;
-  if (filled_ == 0 && buffer_.size() > kLargestIdleBuffer) {
-    buffer_ = std::vector<std::byte>(kFirstBuffer);
-  }
+  if (filled_ > 0 || buffer_.size() == kFirstBuffer) return;
+  buffer_ = std::vector<std::byte>(kFirstBuffer);
+  budget_share_.release();
 }
 
 bool Session::answer(const RequestHeader &header) {
@@ -141,8 +156,9 @@ olt_answer Session::call_handler(const RequestHeader &header) {
   } catch (const std::exception &exception) {
     fault = std::string("threw an exception: ") + exception.what();
   }
-  ledger_.tell("module " + std::to_string(service_.module) + ": the handler of message type " +
-               std::to_string(header.message_type) + " " + fault);
+  statistics_.report("module " + std::to_string(service_.module) +
+                     ": the handler of message type " + std::to_string(header.message_type) + " " +
+                     fault);
   return {.status = kHandlerFailed};
 }
 
@@ -179,22 +195,22 @@ void Session::flush() {
                        [self = shared_from_this()](const std::error_code &failure) {
                          if (!failure && self->socket_.is_open()) {
                            self->stop_timer();
-                           self->attempt(&Session::flush);
+                           self->run_step(&Session::flush);
                          }
                        });
     return;
   }
   outgoing_ = {};
   answered();
-  serve();
+  continue_serving();
 }
 
 void Session::answered() {
   owes_answer_ = false;
-  ledger_.count(&olt_server_counters::exchanges);
+  statistics_.count(&olt_server_counters::exchanges);
 }
 
-// A client that leaves while its answer is delayed is not kept until the delay is over.
+// A connection is closed when its client leaves, not when the delay of its answer is over.
 void Session::await_hangup() {
   socket_.async_wait(asio::socket_base::wait_read,
                      [self = shared_from_this()](const std::error_code &error) {
@@ -217,7 +233,7 @@ void Session::after(milliseconds delay, void (Session::*then)()) {
       [self = shared_from_this(), then, turn = ++timer_turn_](const std::error_code &) {
         if (turn == self->timer_turn_ && self->socket_.is_open()) {
           self->timer_runs_ = false;
-          self->attempt(then);
+          self->run_step(then);
         }
       });
 }
@@ -246,8 +262,8 @@ void Session::stalled() {
            "; dropped after " + std::to_string(stall_limit_.count()) + " ms");
 }
 
-void Session::drop(Ledger::Counter counter, const std::string &what) {
-  ledger_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
+void Session::drop(ServerStatistics::Counter counter, const std::string &what) {
+  statistics_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
   close();
 }
 

@@ -7,13 +7,13 @@
 #include <map>
 
 #include "tests/box/support.h"
-#include "tests/faults/walk.h"
+#include "tests/faults/fault_sweep.h"
 
 namespace {
 
+using olt::faults::FaultInjector;
 using olt::faults::is_harmless;
 using olt::faults::Plan;
-using olt::faults::Strike;
 using olt::tests::Bytes;
 using olt::tests::read_file;
 using olt::tests::TestBox;
@@ -21,9 +21,9 @@ using olt::tests::TestBox;
 constexpr uint32_t kDone = 0;
 constexpr uint32_t kStorageFailed = 8;
 
-std::size_t open_descriptors() {
-  const std::filesystem::directory_iterator entries("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+size_t open_descriptors() {
+  std::filesystem::directory_iterator entries("/proc/self/fd");
+  return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 
 /// The files of a directory, by name, whole.
@@ -78,17 +78,17 @@ struct Saves {
 TEST(Faults, OfASave) {
   TestBox box;
   box.traced = false;
-  const Saves saves(box);
+  Saves saves(box);
   ASSERT_NE(saves.before, saves.after);
   auto scenario = [&](const Plan &plan) {
-    const std::size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     uint32_t status = 0;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       status = box.status(2, 8);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(open_descriptors(), descriptors);
@@ -115,9 +115,9 @@ TEST(Faults, OfTheFirstSave) {
     uint32_t status = 0;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       status = box.status(2, 8);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan).size(),
@@ -141,25 +141,25 @@ TEST(Faults, OfTheRunningState) {
   box.options.keep_running_state = true;
   Saves::change(box, 0x11);
   box.keep();
-  const auto before = files_in(box.options.state_dir);
+  auto before = files_in(box.options.state_dir);
   auto scenario = [&](const Plan &plan) {
-    const std::size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     bool kept = true;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       try {
         box.keep();
       } catch (const std::exception &failure) {
         kept = false;
         EXPECT_TRUE(is_one_line(failure.what()));
       }
-      reached = strike.reached();
+      reached = injector.reached();
     }
     EXPECT_TRUE(kept || !is_harmless(plan));
     EXPECT_EQ(open_descriptors(), descriptors);
-    const auto now = without_left_overs(files_in(box.options.state_dir), plan);
+    auto now = without_left_overs(files_in(box.options.state_dir), plan);
     if (kept) {
       EXPECT_NE(now.at("running.json").find(std::string(272, '2')), std::string::npos);
       EXPECT_EQ(now.size(), 1U);
@@ -190,19 +190,19 @@ TEST(Faults, OfAListing) {
   olt::tests::write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
   auto scenario = [&](const Plan &plan) {
     box.restart();
-    const std::size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     olt::box::Answer answer;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       answer = box.ask(2, 53);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, answer.status);
     EXPECT_EQ(open_descriptors(), descriptors);
     auto files = without_left_overs(files_in(box.options.listing_dir), plan);
     if (answer.status == kDone) {
-      const std::string listed = box.listing(answer.reply, 48);
+      std::string listed = box.listing(answer.reply, 48);
       EXPECT_EQ(listed.find("Basic information of olt\n"), 0U);
       EXPECT_EQ(listed.back(), '\n');
       EXPECT_EQ(files.size(), 2U);
@@ -210,8 +210,8 @@ TEST(Faults, OfAListing) {
       EXPECT_EQ(files.size(), 1U);
     }
     // No number is used twice, whatever could not be seen.
-    const Bytes next = box.reply(2, 53);
-    const std::string name = olt::tests::characters(olt::tests::slice(next, 48, 70));
+    Bytes next = box.reply(2, 53);
+    std::string name = olt::tests::characters(olt::tests::slice(next, 48, 70));
     EXPECT_FALSE(files.contains(name)) << name;
     EXPECT_EQ(files_in(box.options.listing_dir).at("basicinfo-00000007.txt"), "an earlier one");
     for (const auto &[listing, content] : files_in(box.options.listing_dir)) {
@@ -233,20 +233,20 @@ TEST(Faults, OfAStart) {
   box.status(2, 8);
   box.keep();
   box.end();
-  const auto before = files_in(box.options.state_dir);
-  const std::size_t descriptors = open_descriptors();
+  auto before = files_in(box.options.state_dir);
+  size_t descriptors = open_descriptors();
   auto scenario = [&](const Plan &plan) {
     bool started = true;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       try {
         box.restart();
       } catch (const std::exception &failure) {
         started = false;
         EXPECT_TRUE(is_one_line(failure.what()));
       }
-      reached = strike.reached();
+      reached = injector.reached();
     }
     EXPECT_TRUE(started || !is_harmless(plan));
     if (started) {

@@ -16,10 +16,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kPause = 40ms;
-constexpr std::size_t kLongestList = 4094;
+constexpr size_t kLongestList = 4094;
 /// Places among the kinds.
-constexpr std::size_t kDebugValues = 0;
-constexpr std::size_t kUsers = 1;
+constexpr size_t kDebugValues = 0;
+constexpr size_t kUsers = 1;
 /// As many as the box has room for beside its own.
 constexpr uint32_t kMostUsers = 24;
 
@@ -31,7 +31,7 @@ std::string read_listing(const char (&name)[32]) {
 
 /// Whether a listing of VLANs has one row, and which.
 bool shows_only(const std::string &listing, uint32_t vlan, const std::string &description) {
-  const std::string row = "\n" + std::to_string(vlan) + "  -             -               ";
+  std::string row = "\n" + std::to_string(vlan) + "  -             -               ";
   return listing.find("\n1 VLAN\n") != std::string::npos &&
          listing.ends_with(row + description + "\n");
 }
@@ -40,7 +40,7 @@ bool shows_only(const std::string &listing, uint32_t vlan, const std::string &de
 
 Client::Client(Scene &scene, uint32_t id)
     : scene_(scene), tally_(scene.tallies[id]), id_(id), nodes_(kLongestList) {
-  for (std::size_t i = 0; i < nodes_.size(); ++i) {
+  for (size_t i = 0; i < nodes_.size(); ++i) {
     nodes_[i].next = i + 1 < nodes_.size() ? &nodes_[i + 1] : nullptr;
     nodes_[i].vlan_first = static_cast<uint16_t>(own_vlan());
   }
@@ -48,7 +48,7 @@ Client::Client(Scene &scene, uint32_t id)
 
 void Client::run() {
   while (!scene_.over) {
-    const std::size_t kind = round_ % kKinds.size();
+    size_t kind = round_ % kKinds.size();
     go_round(kind == kUsers && id_ >= kMostUsers ? kDebugValues : kind);
     ++round_;
     std::this_thread::sleep_for(kPause);
@@ -57,14 +57,14 @@ void Client::run() {
 
 // What happens while the box is away, or between two boxes, proves nothing but that an exchange
 // fails as it is documented to.
-void Client::go_round(std::size_t kind) {
+void Client::go_round(size_t kind) {
   bool (Client::*const kRounds[])() = {&Client::debug_values,    &Client::users,
                                        &Client::described_vlans, &Client::long_vlan_lists,
                                        &Client::onu_rows,        &Client::listings};
-  const uint32_t before = scene_.epoch;
+  uint32_t before = scene_.epoch;
   met_no_box_ = false;
-  const bool right = (this->*kRounds[kind])();
-  const bool undisturbed = before == scene_.epoch && before % 2 == 0;
+  bool right = (this->*kRounds[kind])();
+  bool undisturbed = before == scene_.epoch && before % 2 == 0;
   if (right) {
     ++tally_.rounds;
     ++tally_.of_kind[kind];
@@ -78,7 +78,7 @@ void Client::go_round(std::size_t kind) {
 }
 
 bool Client::succeeded(const char *what, int32_t result) {
-  const int32_t transport = result & static_cast<int32_t>(0xffff0000);
+  int32_t transport = result & static_cast<int32_t>(0xffff0000);
   met_no_box_ = transport == OLT_TRANSPORT_NO_MODULE || transport == OLT_TRANSPORT_LOST;
   tally_.exchanges += transport == 0 ? 1 : 0;
   if (result == 0) return true;
@@ -111,8 +111,8 @@ bool Client::debug_values() {
 }
 
 bool Client::users() {
-  const std::string name = "user-" + std::to_string(id_);
-  const std::string password = own_text();
+  std::string name = "user-" + std::to_string(id_);
+  std::string password = own_text();
   uint32_t level_a = 0;
   uint32_t level_b = 0;
   return succeeded("adding a user", add_user_level(name.c_str(), password.c_str(), id_, round_)) &&
@@ -155,7 +155,7 @@ bool Client::onu_rows() {
   target.target[2] = 1 + id_ % 64;
   target.target_kind = 1;
   target.reserved_10[0] = 1;
-  const olt_uni_downrate rates = {{id_, round_, id_ ^ round_}};
+  olt_uni_downrate rates = {{id_, round_, id_ ^ round_}};
   olt_uni_downrate read{};
   return succeeded("setting a rate", set_ont_port_downrate(&target, &rates)) &&
          succeeded("reading a row", process_onu_portdownrate(&target, &read)) &&
@@ -165,7 +165,7 @@ bool Client::onu_rows() {
 bool Client::listings() {
   char name[32];
   if (!succeeded("listing", get_system_basicinfofile(name))) return false;
-  const std::string text = read_listing(name);
+  std::string text = read_listing(name);
   return holds("no whole listing",
                text.starts_with("Basic information of olt\n") && text.ends_with('\n'));
 }

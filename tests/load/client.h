@@ -47,7 +47,7 @@ class Client {
   void run();
 
  private:
-  void go_round(std::size_t kind);
+  void go_round(size_t kind);
   bool debug_values();
   bool users();
   bool described_vlans();

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <climits>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 #include "tests/platform/support.h"
@@ -256,8 +257,7 @@ TEST_F(Client, TheTimeOutCoversTheConnecting) {
 TEST_F(Client, TheTimeOutCoversHalfAnAnswer) {
   std::atomic<bool> done{false};
   FakeModule slow(dir_.socket(2), [&](int socket) {
-    receive_bytes(socket, 20);
-    send_bytes(socket, hex("4f4c4131 01000000 0000 0000 0a000000 616263"));
+    send_bytes(socket, answer_frame(receive_bytes(socket, 20), "0000 0000 0a000000 616263"));
     while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   });
   Exchanged all = exchange(2, kEcho, {}, 1);
@@ -359,9 +359,9 @@ TEST_F(Client, ARestartIsNoticedByALargeRequestToo) {
 TEST_F(Client, ARequestIsNeverDeliveredTwice) {
   std::atomic<int> requests{0};
   FakeModule reader(dir_.socket(2), [&](int socket) {
-    while (receive_bytes(socket, 20).size() == 20) {
+    for (Bytes request; (request = receive_bytes(socket, 20)).size() == 20;) {
       if (++requests > 1) return;
-      send_bytes(socket, hex("4f4c4131 01000000 0000 0000 00000000"));
+      send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
     }
   });
   EXPECT_EQ(exchange(2, kEcho, {}).result, 0);
@@ -370,22 +370,85 @@ TEST_F(Client, ARequestIsNeverDeliveredTwice) {
   EXPECT_EQ(reader.connections(), 1);
 }
 
+uint32_t sequence_of(const Bytes &frame) {
+  uint32_t value = 0;
+  for (size_t i = 0; i < 4; ++i) value |= static_cast<uint32_t>(frame[4 + i]) << (8 * i);
+  return value;
+}
+
+TEST_F(Client, EachConnectionStartsWithAnotherSequenceNumber) {
+  std::vector<uint32_t> starts;
+  FakeModule recorder(dir_.socket(2), [&](int socket) {
+    Bytes request = receive_bytes(socket, 20);
+    starts.push_back(sequence_of(request));
+    send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
+  });
+  for (int i = 0; i < 3; ++i) {
+    drop_connections();
+    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  }
+  EXPECT_EQ(std::set<uint32_t>(starts.begin(), starts.end()).size(), 3u);
+}
+
+// Whatever number a module would guess, from those of earlier connections and requests.
+TEST_F(Client, AnAnswerThatCameBeforeItsRequestIsNotTaken) {
+  FakeModule eager(dir_.socket(2), [](int socket) {
+    send_bytes(socket, hex("4f4c4131 01000000 0500 0000 00000000"));
+    receive_bytes(socket, 20);
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(tell(2, kEcho, {}).result, kGarbled);
+}
+
+TEST_F(Client, BytesBehindAnAnswerEndTheConnectionBeforeTheNextRequest) {
+  std::atomic<int> delivered{0};
+  FakeModule twofold(dir_.socket(2), [&](int socket) {
+    Bytes request = receive_bytes(socket, 20);
+    if (request.size() < 20) return;
+    ++delivered;
+    send_bytes(socket, answer_frame(request, "0500 0000 00000000"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    request[4] = static_cast<uint8_t>(request[4] + 1);
+    send_bytes(socket, answer_frame(request, "0900 0000 00000000"));
+    delivered += receive_bytes(socket, 20).empty() ? 0 : 1;
+  });
+  EXPECT_EQ(tell(2, kEcho, {}).status, 5);
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  testing::internal::CaptureStderr();
+  Exchanged second = tell(2, kEcho, {});
+  std::string errors = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(second.result, 0);
+  EXPECT_EQ(second.status, 5);
+  EXPECT_EQ(delivered, 2);
+  EXPECT_EQ(twofold.connections(), 2);
+  EXPECT_NE(errors.find("module 2 sent bytes after its answer; expected none before the next "
+                        "request; connecting anew\n"),
+            std::string::npos)
+      << errors;
+  drop_connections();
+}
+
 TEST_F(Client, SendsTheDocumentedBytes) {
   Bytes first;
   Bytes second;
   FakeModule recorder(dir_.socket(2), [&](int socket) {
     first = receive_bytes(socket, 23);
-    send_bytes(socket, hex("4f4c4131 01000000 3412 0000 00000000"));
+    send_bytes(socket, answer_frame(first, "3412 0000 00000000"));
     second = receive_bytes(socket, 20);
-    send_bytes(socket, hex("4f4c4131 02000000 0000 0000 02000000 5a5b"));
+    send_bytes(socket, answer_frame(second, "0000 0000 02000000 5a5b"));
   });
   EXPECT_EQ(tell(2, 0x01020304, bytes_of("abc")).status, 0x1234);
   Exchanged all = exchange(2, 7, {});
   ASSERT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0);
   EXPECT_EQ(all.bytes(), hex("5a5b"));
-  EXPECT_EQ(first, hex("4f4c5131 01000000 04030201 01000000 03000000 616263"));
-  EXPECT_EQ(second, hex("4f4c5131 02000000 07000000 00000000 00000000"));
+  ASSERT_EQ(first.size(), 23u);
+  ASSERT_EQ(second.size(), 20u);
+  EXPECT_EQ(sequence_of(second), sequence_of(first) + 1);
+  std::fill_n(first.begin() + 4, 4, uint8_t{0});
+  std::fill_n(second.begin() + 4, 4, uint8_t{0});
+  EXPECT_EQ(first, hex("4f4c5131 00000000 04030201 01000000 03000000 616263"));
+  EXPECT_EQ(second, hex("4f4c5131 00000000 07000000 00000000 00000000"));
   IPC_Free(all.handle);
 }
 
@@ -399,14 +462,23 @@ struct Rubbish {
   friend void PrintTo(const Rubbish &rubbish, std::ostream *out) { *out << rubbish.name; }
 };
 
+/// Answers in the list are to a request with sequence number 1.
+Bytes with_sequence(Bytes answer, const Bytes &request) {
+  for (size_t i = 4; i < std::min<size_t>(8, answer.size()); ++i) {
+    answer[i] = static_cast<uint8_t>(answer[i] + request[i] - (i == 4 ? 1 : 0));
+  }
+  return answer;
+}
+
 class RubbishAnswer : public Client, public testing::WithParamInterface<Rubbish> {};
 
 TEST_P(RubbishAnswer, IsReportedAndTheNextCallWorks) {
   std::atomic<int> connections{0};
   FakeModule liar(dir_.socket(2), [&](int socket) {
     bool lies = ++connections == 1;
-    receive_bytes(socket, 20);
-    send_bytes(socket, hex(lies ? GetParam().answer : "4f4c4131 01000000 0500 0000 00000000"));
+    Bytes request = receive_bytes(socket, 20);
+    send_bytes(socket, lies ? with_sequence(hex(GetParam().answer), request)
+                            : answer_frame(request, "0500 0000 00000000"));
     if (!lies) receive_bytes(socket, 1);
   });
   Exchanged all = GetParam().wants_reply ? exchange(2, kEcho, {}) : tell(2, kEcho, {});
@@ -537,6 +609,36 @@ class NoDescriptors {
   rlimit before_{};
 };
 
+// A line for standard error must not become part of a request.
+TEST_F(Client, ASocketNeverTakesThePlaceOfAStandardStream) {
+  std::atomic<int> frames{0};
+  FakeModule reader(dir_.socket(2), [&](int socket) {
+    for (Bytes request; (request = receive_bytes(socket, 20)).size() == 20;) {
+      frames += Bytes(request.begin(), request.begin() + 4) == bytes_of("OLQ1") ? 1 : 100;
+      send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
+    }
+  });
+  ChildResult child = run_in_child([] {
+    drop_connections();
+    for (int number : {0, 1, 2}) close(number);
+    int failures = 0;
+    for (int i = 0; i < 3; ++i) {
+      failures += tell(2, kEcho, {}).result == 0 ? 0 : 1;
+      log_log(3, "front end", 1, "a line");
+    }
+    int ends[2];
+    socketpair(AF_UNIX, SOCK_STREAM, 0, ends);
+    olt_connect_through([](void *end, uint32_t) { return *static_cast<int *>(end); }, &ends[0]);
+    failures += tell(2, kEcho, {}, 0).result == kTimedOut ? 0 : 1;
+    log_log(3, "front end", 2, "a line");
+    char bytes[64];
+    failures += read(ends[1], bytes, sizeof bytes) == 20 ? 0 : 1;
+    return failures;
+  });
+  EXPECT_EQ(child.status, 0);
+  EXPECT_EQ(frames, 3);
+}
+
 TEST_F(ServedClient, TellsWhenDescriptorsRunOut) {
   {
     NoDescriptors none;
@@ -634,9 +736,9 @@ TEST_F(Client, ANonBlockingSocketFromAConnectorWillDo) {
   olt_connect_through([](void *context, uint32_t) { return *static_cast<int *>(context); },
                       &ends[0]);
   std::thread module([&] {
-    receive_bytes(ends[1], 20);
+    Bytes request = receive_bytes(ends[1], 20);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    send_bytes(ends[1], hex("4f4c4131 01000000 0600 0000 00000000"));
+    send_bytes(ends[1], answer_frame(request, "0600 0000 00000000"));
   });
   EXPECT_EQ(tell(2, kEcho, {}).status, 6);
   module.join();

@@ -251,7 +251,7 @@ TEST_F(TwoUsers, AMemberOfTheGroupIsServed) {
 
 TEST_F(TwoUsers, RootDoesNotTrustAModuleOfAnotherUser) {
   open_the_way();
-  ASSERT_EQ(chmod(dir_.base().c_str(), 0777), 0);
+  ASSERT_EQ(chmod(dir_.base().c_str(), 01777), 0);
   ServerProcess server(dir_.path(), {2}, nullptr, [] {
     if (may_become_another() && become_stranger(kAllowedGroup) != 0) _exit(1);
   });

@@ -51,6 +51,31 @@ TEST_F(Fork, TheChildStartsWithoutTheConnectionsOfItsParent) {
   other.join();
 }
 
+// Other threads open and close connections all the time; none of them may stay open in a child.
+TEST_F(Fork, NoConnectionLeaksWhereverAnotherThreadIs) {
+  int before = count_sockets();
+  std::atomic<bool> done{false};
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 3; ++i) {
+    threads.emplace_back([&done] {
+      while (!done) {
+        std::thread([] { tell(2, kEcho, {}); }).join();
+      }
+    });
+  }
+  int leaked = 0;
+  for (int i = 0; i < 1000; ++i) {
+    pid_t child = fork();
+    if (child == 0) _exit(count_sockets() - before);
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    leaked += status == 0 ? 0 : 1;
+  }
+  done = true;
+  for (std::thread &thread : threads) thread.join();
+  EXPECT_EQ(leaked, 0);
+}
+
 TEST_F(Fork, ParentAndChildGetTheirOwnAnswers) {
   EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("before")), bytes_of("before"));
   pid_t child = fork();

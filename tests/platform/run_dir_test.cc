@@ -28,7 +28,7 @@ gid_t group_of(const std::string &path) {
   return found.st_gid;
 }
 
-/// A server that does not run; null with a line when it cannot be had.
+/// A server that does not run; null with a line when it cannot be created.
 struct Attempt {
   explicit Attempt(const std::string &run_dir, const char *group = nullptr,
                    const std::vector<uint32_t> &modules = {2}) {
@@ -138,17 +138,32 @@ TEST_F(RunDir, IsRefusedWhenItBelongsToSomebodyElse) {
 
 TEST_F(RunDir, IsRefusedWhenItIsALinkOrNoDirectory) {
   fs::create_directory(dir_.base() + "/elsewhere");
+  unsigned mode = mode_of(dir_.base() + "/elsewhere");
   fs::create_symlink(dir_.base() + "/elsewhere", dir_.base() + "/link");
-  Attempt link(dir_.base() + "/link");
-  EXPECT_NE(link.line().find("cannot be used"), std::string::npos) << link.line();
+  for (const char *end : {"/link", "/link/", "/link//"}) {
+    Attempt link(dir_.base() + end);
+    EXPECT_NE(link.line().find("cannot be used"), std::string::npos) << link.line();
+  }
+  EXPECT_EQ(mode_of(dir_.base() + "/elsewhere"), mode);
   std::ofstream(dir_.base() + "/file") << "x";
   Attempt file(dir_.base() + "/file");
   EXPECT_NE(file.line().find("cannot be used: Not a directory"), std::string::npos) << file.line();
 }
 
+TEST_F(RunDir, IsRefusedWhereOthersCanRenameIt) {
+  ASSERT_EQ(chmod(dir_.base().c_str(), 0777), 0);
+  Attempt attempt(dir_.path());
+  EXPECT_EQ(attempt.server, nullptr);
+  EXPECT_NE(attempt.line().find("\"" + dir_.base() +
+                                "\" has mode 0777; expected a directory that "
+                                "only its owner can write to, or one with the sticky bit"),
+            std::string::npos)
+      << attempt.line();
+}
+
 TEST_F(RunDir, NeedsItsParent) {
   Attempt attempt(dir_.base() + "/missing/run");
-  EXPECT_NE(attempt.line().find("cannot be created: No such file or directory"), std::string::npos)
+  EXPECT_NE(attempt.line().find("cannot be reached: No such file or directory"), std::string::npos)
       << attempt.line();
 }
 

@@ -3,8 +3,10 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <fstream>
@@ -19,6 +21,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr int32_t kLost = 0x00030000;
 const Bytes kEmptyAnswer = hex("4f4c4131 01000000 0000 0000 00000000");
 
 class Serving : public testing::Test {
@@ -259,6 +262,67 @@ TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   EXPECT_EQ(server_.counters().connections, 2u);
 }
 
+// The handler takes 20 ms for each of 50 requests; another client waits for one of them, not all.
+TEST_F(Serving, RequestsSentTogetherHoldUpNobodyElse) {
+  expect_still_serving();
+  RawClient greedy(dir_.socket(2));
+  Bytes requests;
+  for (uint32_t i = 0; i < 50; ++i) {
+    Bytes frame = request_frame(i, kBusy, le32(20));
+    requests.insert(requests.end(), frame.begin(), frame.end());
+  }
+  ASSERT_TRUE(greedy.send(requests));
+  for (int i = 0; i < 5; ++i) {
+    Exchanged other = exchange(2, kEcho, {});
+    EXPECT_EQ(other.result, 0);
+    EXPECT_LT(other.seconds, 0.4);
+  }
+  EXPECT_LT(server_.counters().exchanges, 50u);
+  EXPECT_EQ(greedy.receive(50 * 16).size(), 800u);
+}
+
+class Limited : public testing::Test {
+ protected:
+  TemporaryRunDir dir_;
+  ServerThread server_{{.run_dir = dir_.path().c_str(), .pending_limit = 1 << 20}};
+};
+
+// 200 KiB of each request arrive, for which a buffer of 256 KiB is needed: four fit into 1 MiB.
+TEST_F(Limited, HalfReceivedRequestsTakeNoMoreMemoryThanTold) {
+  std::vector<std::unique_ptr<RawClient>> clients;
+  Bytes piece = hex("4f4c5131 01000000 01000000 00000000 00000001");
+  piece.resize(200 * 1024);
+  for (int i = 0; i < 20; ++i) {
+    clients.push_back(std::make_unique<RawClient>(dir_.socket(2)));
+    clients.back()->send(piece);
+  }
+  for (int i = 0; i < 500 && server_.counters().over_limit_clients < 16; ++i) {
+    std::this_thread::sleep_for(milliseconds(2));
+  }
+  uint64_t dropped = server_.counters().over_limit_clients;
+  EXPECT_GE(dropped, 16u);
+  EXPECT_LT(dropped, 20u);
+  EXPECT_NE(
+      server_.events().find("module 2: a client sent a request for which the limit on pending "
+                            "requests leaves no memory; dropped\n"),
+      std::string::npos)
+      << server_.events();
+  EXPECT_EQ(exchange_bytes(2, kEcho, Bytes(4000, 7)), Bytes(4000, 7));
+
+  clients.clear();
+  EXPECT_TRUE(server_.reaches(&olt_server_counters::vanished_clients, 20 - dropped));
+  for (int i = 0; i < 10; ++i) {
+    Bytes request = pattern(900 * 1024, 1);
+    EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
+  }
+}
+
+TEST_F(Limited, ARequestBeyondTheLimitIsDroppedAndOthersAreServed) {
+  EXPECT_EQ(tell(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
+  EXPECT_TRUE(server_.reaches(&olt_server_counters::over_limit_clients, 1));
+  EXPECT_EQ(tell(2, kDigest, Bytes(1024 * 1024)).result, 0);
+}
+
 size_t virtual_memory() {
   size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
@@ -383,6 +447,59 @@ TEST_F(Stopping, DestroyingClosesWhatIsStillOpen) {
   EXPECT_TRUE(delayed.is_closed());
 }
 
+// Each connection has a request waiting, and the handler takes 50 ms for each.
+TEST_F(Stopping, WaitsForOneHandlerAtMost) {
+  std::thread runner([&] { EXPECT_EQ(run(), 0); });
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int i = 0; i < 60; ++i) {
+    clients.push_back(std::make_unique<RawClient>(olt_server_connect(server_, 2)));
+    ASSERT_TRUE(clients.back()->send(request_frame(1, kBusy, le32(50))));
+  }
+  EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
+  auto start = Clock::now();
+  olt_server_stop(server_);
+  runner.join();
+  EXPECT_LT(seconds_since(start), 0.5);
+}
+
+/// A process that connects to a socket and closes the connection, without end.
+class ConnectFlood {
+ public:
+  explicit ConnectFlood(const std::string &socket) : child_(fork()) {
+    if (child_ != 0) return;
+    for (;;) RawClient{socket};
+  }
+  ConnectFlood(const ConnectFlood &) = delete;
+  ConnectFlood &operator=(const ConnectFlood &) = delete;
+  ~ConnectFlood() {
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+  }
+
+ private:
+  pid_t child_;
+};
+
+TEST(ServerLoad, AFloodOfConnectionsDoesNotHoldUpTheOthers) {
+  TemporaryRunDir dir;
+  testing::internal::CaptureStderr();
+  ServerProcess server(dir.path());
+  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  ConnectFlood flood(dir.socket(2));
+  std::this_thread::sleep_for(milliseconds(200));
+  std::vector<double> times;
+  for (int i = 0; i < 200; ++i) {
+    Exchanged one = tell(2, kEcho, {});
+    EXPECT_EQ(one.result, 0);
+    times.push_back(one.seconds);
+  }
+  EXPECT_LT(open_descriptors_of(server.pid()), 60u);
+  std::sort(times.begin(), times.end());
+  EXPECT_LT(times[100], 0.02);
+  RecordProperty("p99_us", static_cast<int>(times[198] * 1e6));
+  testing::internal::GetCapturedStderr();
+}
+
 double cpu_seconds(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
   uint64_t nanoseconds = 0;
@@ -394,7 +511,7 @@ TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
   TemporaryRunDir dir;
   testing::internal::CaptureStderr();
   ServerProcess server(dir.path(), {2}, nullptr, [] {
-    rlimit few{.rlim_cur = 40, .rlim_max = 40};
+    rlimit few{.rlim_cur = 60, .rlim_max = 60};
     setrlimit(RLIMIT_NOFILE, &few);
   });
   std::vector<std::unique_ptr<RawClient>> clients;
@@ -414,6 +531,23 @@ TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
   EXPECT_NE(errors.find("module 2: new clients have to wait: Too many open files\n"),
             std::string::npos)
       << errors;
+}
+
+// Sixteen descriptors stay free for what handlers open.
+TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
+  TemporaryRunDir dir;
+  testing::internal::CaptureStderr();
+  ServerProcess server(dir.path(), {2, 18}, nullptr, [] {
+    rlimit few{.rlim_cur = 40, .rlim_max = 40};
+    setrlimit(RLIMIT_NOFILE, &few);
+  });
+  EXPECT_EQ(tell(18, kEcho, {}).result, 0);
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
+  std::this_thread::sleep_for(milliseconds(100));
+  EXPECT_EQ(tell(18, kOpenFiles, le32(16)).status, 0);
+  EXPECT_GT(open_descriptors_of(server.pid()), 20u);
+  testing::internal::GetCapturedStderr();
 }
 
 TEST(ServerLimits, AsManyDescriptorsAsTheSystemAllows) {

@@ -1,5 +1,6 @@
 #include "tests/platform/support.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
@@ -9,12 +10,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
 
+#include "base/descriptor.h"
 #include "base/text.h"
 
 namespace olt::test {
@@ -40,6 +43,13 @@ void reply_with(olt_answer *answer, Bytes bytes) {
 void echo(const olt_request &request, olt_answer *answer) {
   answer->reply = request.data;
   answer->reply_length = request.length;
+}
+
+size_t failed_opens(size_t count) {
+  std::vector<Descriptor> files;
+  for (size_t i = 0; i < count; ++i) files.emplace_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  return static_cast<size_t>(std::count_if(files.begin(), files.end(),
+                                           [](const Descriptor &file) { return !file.is_open(); }));
 }
 
 sockaddr_un address_of(const std::string &path) {
@@ -165,6 +175,12 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
     case kNoReplyFlag:
       answer->status = static_cast<uint16_t>(request->no_reply);
       return;
+    case kBusy:
+      std::this_thread::sleep_for(std::chrono::milliseconds(parameter(*request, 0)));
+      return;
+    case kOpenFiles:
+      answer->status = static_cast<uint16_t>(failed_opens(parameter(*request, 0)));
+      return;
     default:
       answer->status = 99;
   }
@@ -175,7 +191,8 @@ ServerThread::ServerThread(const Setup &setup) {
                              .group = setup.group,
                              .stall_ms = setup.stall_ms,
                              .on_event = note,
-                             .context = this};
+                             .context = this,
+                             .pending_limit = setup.pending_limit};
   char error[256] = "";
   server_ = olt_server_create(&options, error);
   if (server_ == nullptr) throw std::runtime_error(error);
@@ -347,6 +364,14 @@ Bytes receive_bytes(int socket, size_t length) {
   return bytes;
 }
 
+Bytes answer_frame(const Bytes &request, std::string_view rest) {
+  Bytes frame = bytes_of("OLA1");
+  frame.insert(frame.end(), request.begin() + 4, request.begin() + 8);
+  Bytes tail = hex(rest);
+  frame.insert(frame.end(), tail.begin(), tail.end());
+  return frame;
+}
+
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags) {
   Bytes frame = bytes_of("OLQ1");
   for (uint32_t word : {sequence, type, flags, static_cast<uint32_t>(data.size())}) {
@@ -412,7 +437,11 @@ ChildResult run_in_child(const std::function<int()> &body) {
 }
 
 size_t open_descriptors() {
-  std::filesystem::directory_iterator entries("/proc/self/fd");
+  return open_descriptors_of(getpid());
+}
+
+size_t open_descriptors_of(pid_t process) {
+  std::filesystem::directory_iterator entries("/proc/" + std::to_string(process) + "/fd");
   return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 

@@ -53,20 +53,22 @@ class TemporaryRunDir {
 
 /// What act() does with a request; its first bytes are the parameters, as le32.
 enum Act : uint32_t {
-  kEcho = 1,         ///< the request comes back
-  kStatus = 2,       ///< status of the first parameter, and "reason" as reply
-  kDelayedEcho = 3,  ///< the request comes back after so many milliseconds
-  kSilence = 4,      ///< no answer
-  kHangUp = 5,       ///< the connection is closed after so many milliseconds
-  kPattern = 6,      ///< a reply of so many bytes of pattern(length, 6)
-  kDigest = 7,       ///< the digest of the request
-  kThrow = 8,        ///< the handler throws
-  kTooLong = 9,      ///< a reply of 65,536 bytes
-  kDie = 10,         ///< the serving process is killed
-  kCount = 11,       ///< number of requests of type kCounted so far
-  kCounted = 12,     ///< status 0
-  kNullReply = 13,   ///< a reply length without a reply
-  kNoReplyFlag = 14  ///< status is the request's no-reply flag
+  kEcho = 1,          ///< the request comes back
+  kStatus = 2,        ///< status of the first parameter, and "reason" as reply
+  kDelayedEcho = 3,   ///< the request comes back after so many milliseconds
+  kSilence = 4,       ///< no answer
+  kHangUp = 5,        ///< the connection is closed after so many milliseconds
+  kPattern = 6,       ///< a reply of so many bytes of pattern(length, 6)
+  kDigest = 7,        ///< the digest of the request
+  kThrow = 8,         ///< the handler throws
+  kTooLong = 9,       ///< a reply of 65,536 bytes
+  kDie = 10,          ///< the serving process is killed
+  kCount = 11,        ///< number of requests of type kCounted so far
+  kCounted = 12,      ///< status 0
+  kNullReply = 13,    ///< a reply length without a reply
+  kNoReplyFlag = 14,  ///< status is the request's no-reply flag
+  kBusy = 15,         ///< the handler itself takes so many milliseconds
+  kOpenFiles = 16     ///< opens so many files at once; status is the number that failed
 };
 void act(void *context, const olt_request *request, olt_answer *answer);
 
@@ -77,6 +79,7 @@ class ServerThread {
     const char *run_dir = nullptr;
     const char *group = nullptr;
     uint32_t stall_ms = 0;
+    uint32_t pending_limit = 0;
     std::vector<uint32_t> modules{2};
     olt_handler handler = act;
     std::function<void()> before_run = [] {};
@@ -162,6 +165,9 @@ int listen_at(const std::string &socket_path, int backlog);
 void send_bytes(int socket, const Bytes &bytes);
 Bytes receive_bytes(int socket, size_t length);
 
+/// The answer to a request frame: its sequence number, then the digits from the status on.
+Bytes answer_frame(const Bytes &request, std::string_view rest);
+
 /// A request frame, composed byte by byte.
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags = 0);
 
@@ -191,6 +197,7 @@ struct ChildResult {
 ChildResult run_in_child(const std::function<int()> &body);
 
 size_t open_descriptors();
+size_t open_descriptors_of(pid_t process);
 
 /// Makes the next exchange of this thread start with a new connection.
 void drop_connections();
