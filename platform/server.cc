@@ -90,22 +90,23 @@ void Server::add(const Service &service) {
 // A connection for which there is no memory or no place in the loop is dropped; the others go on.
 // The stop flag is read after each handler, so that a stop waits for one of them at most.
 void Server::run() {
-  for (;;) {
+  do {
     try {
       ensure_waiting();
-      while (!stop_) loop_.run_one();
-      take_wake_up();
-      stop_ = false;
-      return;
+      loop_.run_one();
+      if (stop_) take_wake_up();
     } catch (const std::bad_alloc &) {
-      statistics_.report("out of memory: a connection was dropped");
-      std::this_thread::sleep_for(kPauseAfterFailure);
+      recover("out of memory: a connection was dropped");
     } catch (const std::system_error &error) {
-      statistics_.report(error.what());
-      std::this_thread::sleep_for(kPauseAfterFailure);
+      recover(error.what());
     }
-    loop_.restart();
-  }
+  } while (!stop_.exchange(false));
+}
+
+void Server::recover(const char *event) {
+  statistics_.report(event);
+  std::this_thread::sleep_for(kPauseAfterFailure);
+  loop_.restart();
 }
 
 void Server::ensure_waiting() {
@@ -146,13 +147,13 @@ void Server::wake_up() {
 }
 
 void Server::await_wake_up() {
-  waker_.async_wait(
-      asio::posix::stream_descriptor::wait_read, [this](const std::error_code &error) {
-        waker_waits_ = false;
-        if (error) throw std::system_error(error);
-        take_wake_up();
-        await_wake_up();
-      });
+  waker_.async_wait(asio::posix::stream_descriptor::wait_read,
+                    [this](const std::error_code &error) {
+                      waker_waits_ = false;
+                      if (error) throw std::system_error(error);
+                      take_wake_up();
+                      await_wake_up();
+                    });
   waker_waits_ = true;
 }
 

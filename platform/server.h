@@ -48,6 +48,8 @@ class Server {
     const Service *service;
   };
 
+  /// After a failure that may pass: reports it and pauses.
+  void recover(const char *event);
   /// Starts the waits that are not under way: an exception may have ended one.
   void ensure_waiting();
   void await_wake_up();
