@@ -30,6 +30,13 @@ class Descriptor {
   int number_ = -1;
 };
 
+/// The same file under a number above 2, so that nothing written to a standard stream that the
+/// process lacks ends up in it. Not open, with errno, when there is none.
+Descriptor above_standard_streams(Descriptor descriptor);
+
+/// Opens /dev/null in the place of each standard stream that the process lacks.
+void fill_standard_streams();
+
 }  // namespace olt
 
 #endif

@@ -27,6 +27,7 @@ void describe_server(Archive &archive, const olt_server *server) {
   archive.number("broken_frames", counters.broken_frames);
   archive.number("stalled_clients", counters.stalled_clients);
   archive.number("vanished_clients", counters.vanished_clients);
+  archive.number("over_limit_clients", counters.over_limit_clients);
 }
 
 }  // namespace

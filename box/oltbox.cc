@@ -12,22 +12,33 @@
 
 #include "base/accounts.h"
 #include "base/bad_input.h"
+#include "base/descriptor.h"
 #include "base/folders.h"
+#include "base/line_writer.h"
 #include "box/box.h"
 
 namespace {
 
 using olt::BadInput;
+using olt::LineWriter;
 using olt::box::Box;
 using olt::box::Options;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
+constexpr uint32_t kEventsPerSecond = 100;
+
+/// The standard streams. A reader that is slow, or gone, does not hold up the box.
+struct Console {
+  LineWriter output{STDOUT_FILENO, "oltbox"};
+  LineWriter errors{STDERR_FILENO, "oltbox", kEventsPerSecond};
+};
 
 struct Arguments {
   std::string run_dir;
   std::string group;
   bool trace = false;
+  uint32_t pending_limit = 0;
   Options box;
 };
 
@@ -39,17 +50,11 @@ std::string default_run_dir() {
 
 gid_t group_id(const std::string &name_or_number) {
   if (auto group = olt::find_group(name_or_number)) return *group;
-  throw BadInput("--group " + name_or_number + ": is no group, expected the name or number of one");
-}
-
-/// Whether anybody still reads the line is not the box's affair.
-void print_line(std::FILE *stream, const std::string &line) {
-  static_cast<void>(std::fputs((line + '\n').c_str(), stream));
-  static_cast<void>(std::fflush(stream));
+  throw BadInput("--group " + name_or_number + ": is no group; expected the name or number of one");
 }
 
 /// Throws CLI::ParseError and BadInput.
-Arguments parse(int argc, char **argv) {
+Arguments parse(int argc, char **argv, Console &console) {
   Arguments arguments;
   std::string state_dir;
   std::string topology;
@@ -67,6 +72,9 @@ Arguments parse(int argc, char **argv) {
   app.add_flag("--fresh", arguments.box.fresh, "Forget the saved configuration first");
   app.add_flag("--adopt", arguments.box.adopt,
                "Keep what fits of a configuration that was saved with another topology");
+  app.add_option("--pending-limit", arguments.pending_limit,
+                 "Most bytes that half-received requests may take together; default 64 MiB")
+      ->check(CLI::Range(1U, UINT32_MAX));
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {
@@ -78,11 +86,11 @@ Arguments parse(int argc, char **argv) {
   arguments.box.listing_dir = arguments.run_dir;
   arguments.box.topology_file = topology;
   if (!arguments.group.empty()) arguments.box.listing_group = group_id(arguments.group);
-  arguments.box.notice = [](std::string_view line) {
-    print_line(stderr, fmt::format("oltbox: {}", line));
+  arguments.box.notice = [&console](std::string_view line) {
+    console.errors.write(fmt::format("oltbox: {}", line));
   };
   if (arguments.trace) {
-    arguments.box.trace = [](std::string_view line) { print_line(stdout, std::string(line)); };
+    arguments.box.trace = [&console](std::string_view line) { console.output.write(line); };
   }
   return arguments;
 }
@@ -99,8 +107,6 @@ class StopOnSignals {
     stopped = server;
     on_signal(SIGTERM, stop);
     on_signal(SIGINT, stop);
-    // Whoever reads the trace may go away; the box goes on.
-    on_signal(SIGPIPE, SIG_IGN);
   }
   StopOnSignals(const StopOnSignals &) = delete;
   StopOnSignals &operator=(const StopOnSignals &) = delete;
@@ -121,12 +127,14 @@ class StopOnSignals {
   static inline olt_server *stopped = nullptr;
 };
 
-Server create_server(const Arguments &arguments) {
+Server create_server(const Arguments &arguments, Console &console) {
   olt_server_options options = {};
   options.run_dir = arguments.run_dir.c_str();
   options.group = arguments.group.empty() ? nullptr : arguments.group.c_str();
-  options.on_event = [](void *, const char *line) {
-    print_line(stderr, fmt::format("oltbox: {}", line));
+  options.pending_limit = arguments.pending_limit;
+  options.context = &console.errors;
+  options.on_event = [](void *errors, const char *line) {
+    static_cast<LineWriter *>(errors)->write(fmt::format("oltbox: {}", line));
   };
   char error[256] = "";
   Server server(olt_server_create(&options, error));
@@ -134,32 +142,38 @@ Server create_server(const Arguments &arguments) {
   return server;
 }
 
-void serve(const Arguments &arguments) {
+void serve(const Arguments &arguments, Console &console) {
   Box box(arguments.box);
-  Server server = create_server(arguments);
+  Server server = create_server(arguments, console);
   StopOnSignals stopping(server.get());
   box.serve(server.get());
-  print_line(stdout, fmt::format("oltbox: serving modules 2, 18, 22, 23 in {}", arguments.run_dir));
+  console.output.write(
+      fmt::format("oltbox: serving modules 2, 18, 22, 23 in {}", arguments.run_dir));
   char error[256] = "";
   if (olt_server_run(server.get(), error) != 0) throw std::runtime_error(error);
 }
 
-int complain(const char *reason, int status) {
-  print_line(stderr, fmt::format("oltbox: {}", reason));
+int fail(Console &console, const char *reason, int status) {
+  console.errors.write(fmt::format("oltbox: {}", reason));
   return status;
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
+  olt::fill_standard_streams();
+  // A file size limit, or a reader that went away, fails the write and does not end the box.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  Console console;
   try {
-    serve(parse(argc, argv));
+    serve(parse(argc, argv, console), console);
     return 0;
   } catch (const CLI::ParseError &error) {
-    return complain(error.what(), kWrongUsage);
+    return fail(console, error.what(), kWrongUsage);
   } catch (const BadInput &error) {
-    return complain(error.what(), kWrongUsage);
+    return fail(console, error.what(), kWrongUsage);
   } catch (const std::exception &error) {
-    return complain(error.what(), kFailed);
+    return fail(console, error.what(), kFailed);
   }
 }

@@ -10,6 +10,7 @@
 #include "flash_device/system_calls.h"
 
 namespace olt::flash_device {
+
 namespace {
 
 constexpr uint32_t kErase = 0x80084D02;
@@ -57,12 +58,12 @@ int64_t seek_base(int descriptor, int whence) {
 }
 
 bool load(int descriptor, void *data, uint32_t offset, uint32_t length) {
-  const auto place = static_cast<off_t>(offset);
+  auto place = static_cast<off_t>(offset);
   return pread(descriptor, data, length, place) == static_cast<ssize_t>(length);
 }
 
 bool store_over(int descriptor, const void *data, uint32_t offset, uint32_t length) {
-  const auto place = static_cast<off_t>(offset);
+  auto place = static_cast<off_t>(offset);
   return pwrite(descriptor, data, length, place) == static_cast<ssize_t>(length);
 }
 
@@ -70,8 +71,8 @@ bool store_over(int descriptor, const void *data, uint32_t offset, uint32_t leng
 bool clear_bits(int descriptor, const uint8_t *data, uint32_t offset, uint32_t length) {
   uint8_t cells[512];
   for (uint32_t done = 0; done < length;) {
-    const uint32_t rest = length - done;
-    const uint32_t piece = rest < sizeof cells ? rest : uint32_t{sizeof cells};
+    uint32_t rest = length - done;
+    uint32_t piece = rest < sizeof cells ? rest : uint32_t{sizeof cells};
     if (!load(descriptor, cells, offset + done, piece)) return false;
     for (uint32_t i = 0; i < piece; ++i) cells[i] = static_cast<uint8_t>(cells[i] & data[done + i]);
     if (!store_over(descriptor, cells, offset + done, piece)) return false;
@@ -84,8 +85,8 @@ bool blank(int descriptor, uint32_t start, uint32_t length) {
   uint8_t blanks[kEraseBlock];
   memset(blanks, 0xff, sizeof blanks);
   for (uint32_t done = 0; done < length;) {
-    const uint32_t rest = length - done;
-    const uint32_t piece = rest < sizeof blanks ? rest : uint32_t{sizeof blanks};
+    uint32_t rest = length - done;
+    uint32_t piece = rest < sizeof blanks ? rest : uint32_t{sizeof blanks};
     if (!store_over(descriptor, blanks, start + done, piece)) return false;
     done += piece;
   }
@@ -95,7 +96,7 @@ bool blank(int descriptor, uint32_t start, uint32_t length) {
 }  // namespace
 
 void Device::attach(const char *image, bool nor, const Faults &faults) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   stpcpy(image_, image);
   nor_ = nor;
   faults_ = faults;
@@ -140,16 +141,16 @@ bool Device::owns(int descriptor) {
       file.st_ino == opened->file) {
     return true;
   }
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   if (opened->descriptor.get() == descriptor) forget(*opened);
   return false;
 }
 
 int Device::open(int flags) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kOpen);
   if (fails(fault)) return fail(fault->error);
-  const int descriptor = next::open(image_, O_RDWR | (flags & O_CLOEXEC));
+  int descriptor = next::open(image_, O_RDWR | (flags & O_CLOEXEC));
   if (descriptor < 0) return -1;
   if (remember(descriptor, flags) == nullptr) {
     next::close(descriptor);
@@ -159,17 +160,17 @@ int Device::open(int flags) {
 }
 
 int64_t Device::seek(int descriptor, int64_t offset, int whence) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kSeek);
   if (fails(fault)) return fail(fault->error);
   if (whence != SEEK_SET && whence != SEEK_CUR && whence != SEEK_END) return fail(EINVAL);
-  const int64_t base = seek_base(descriptor, whence);
+  int64_t base = seek_base(descriptor, whence);
   if (offset < -base || offset > int64_t{kFlashSize} - base) return fail(EINVAL);
   return next::lseek(descriptor, static_cast<off_t>(base + offset), SEEK_SET);
 }
 
 ssize_t Device::read(int descriptor, void *buffer, size_t length) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kRead);
   if (fails(fault)) return fail(fault->error);
   const Opened *opened = find(descriptor);
@@ -178,15 +179,15 @@ ssize_t Device::read(int descriptor, void *buffer, size_t length) {
 }
 
 ssize_t Device::write(int descriptor, const void *data, size_t length) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kWrite);
   if (fails(fault)) return fail(fault->error);
   const Opened *opened = find(descriptor);
   if (opened == nullptr || opened->access == O_RDONLY) return fail(EBADF);
-  const uint32_t offset = position(descriptor);
+  uint32_t offset = position(descriptor);
   if (offset >= kFlashSize) return fail(ENOSPC);
-  const uint32_t wanted = movable(offset, length, fault);
-  const uint32_t done = faults_.write_cut.admit(wanted);
+  uint32_t wanted = movable(offset, length, fault);
+  uint32_t done = faults_.write_cut.admit(wanted);
   if (!store(descriptor, data, offset, done)) return -1;
   advance(descriptor, static_cast<ssize_t>(done));
   return faults_.write_cut.happened() ? fail(EIO) : static_cast<ssize_t>(done);
@@ -198,7 +199,7 @@ bool Device::store(int descriptor, const void *data, uint32_t offset, uint32_t l
 }
 
 int Device::control(int descriptor, uint32_t request, const void *argument) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kControl);
   if (fails(fault)) return fail(fault->error);
   const Opened *opened = find(descriptor);
@@ -216,16 +217,16 @@ int Device::erase(const Opened &opened, const EraseRequest &request) {
   }
   if (request.length == 0) return 0;
   if (request.start % kEraseBlock != 0 || request.length % kEraseBlock != 0) return fail(EINVAL);
-  const uint32_t done = faults_.erase_cut.admit(request.length);
+  uint32_t done = faults_.erase_cut.admit(request.length);
   if (!blank(opened.descriptor.get(), request.start, done)) return -1;
   return faults_.erase_cut.happened() ? fail(EIO) : 0;
 }
 
 int Device::close(int descriptor) {
-  const Lock lock(mutex_);
+  Lock lock(mutex_);
   const Fault *fault = faults_.next(Call::kClose);
   if (Opened *opened = find(descriptor)) forget(*opened);
-  const int result = next::close(descriptor);
+  int result = next::close(descriptor);
   return fails(fault) ? fail(fault->error) : result;
 }
 

@@ -3,6 +3,7 @@
 #include <errno.h>
 
 namespace olt::flash_device {
+
 namespace {
 
 struct CallName {
@@ -28,7 +29,7 @@ constexpr ErrorName kErrorNames[] = {
 std::string_view take(std::string_view &text, std::string_view separators) {
   size_t length = 0;
   while (length < text.size() && separators.find(text[length]) == std::string_view::npos) ++length;
-  const std::string_view taken(text.data(), length);
+  std::string_view taken(text.data(), length);
   text.remove_prefix(length < text.size() ? length + 1 : length);
   return taken;
 }
@@ -42,7 +43,7 @@ bool take_prefix(std::string_view &text, std::string_view prefix) {
 bool read_number(std::string_view text, uint32_t &number) {
   if (text.empty() || text.size() > 9) return false;
   number = 0;
-  for (const char c : text) {
+  for (char c : text) {
     if (c < '0' || c > '9') return false;
     number = number * 10 + static_cast<uint32_t>(c - '0');
   }
@@ -88,7 +89,7 @@ bool read_cut(std::string_view text, PowerCut &cut) {
 
 std::string_view Faults::plan(std::string_view text) {
   while (!text.empty()) {
-    const std::string_view word = take(text, " ,");
+    std::string_view word = take(text, " ,");
     if (!word.empty() && !plan_word(word)) return word;
   }
   return {};
@@ -114,7 +115,7 @@ bool Faults::plan_call(std::string_view word) {
 const Fault *Faults::next(Call call) {
   static constexpr Fault kNoPower{.call = Call::kOpen, .number = 0, .error = EIO, .most = 0};
   if (write_cut.happened() || erase_cut.happened()) return &kNoPower;
-  const uint32_t number = ++calls_[static_cast<size_t>(call)];
+  uint32_t number = ++calls_[static_cast<size_t>(call)];
   for (size_t i = 0; i < count_; ++i) {
     if (planned_[i].call == call && planned_[i].number == number) return &planned_[i];
   }

@@ -30,7 +30,7 @@ class PowerCut {
   /// How many of the next bytes are still changed. The byte that uses up the rest is the last one.
   uint32_t admit(uint32_t bytes) {
     if (!planned_) return bytes;
-    const uint32_t admitted = bytes < left_ ? bytes : left_;
+    uint32_t admitted = bytes < left_ ? bytes : left_;
     left_ -= admitted;
     happened_ = left_ == 0;
     return admitted;

@@ -11,6 +11,7 @@
 #include "flash_device/system_calls.h"
 
 namespace olt::flash_device {
+
 namespace {
 
 constexpr mode_t kImageMode = 0644;
@@ -25,9 +26,9 @@ bool fill(int file) {
 }
 
 bool fill_new_file(const char *path) {
-  const int file = next::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kImageMode);
+  int file = next::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kImageMode);
   if (file < 0) return false;
-  const bool filled = fill(file);
+  bool filled = fill(file);
   return next::close(file) == 0 && filled;
 }
 
@@ -37,8 +38,8 @@ bool create(const char *path) {
     errno = ENAMETOOLONG;
     return false;
   }
-  const bool created = fill_new_file(draft) && (link(draft, path) == 0 || errno == EEXIST);
-  const int reason = errno;
+  bool created = fill_new_file(draft) && (link(draft, path) == 0 || errno == EEXIST);
+  int reason = errno;
   unlink(draft);
   errno = reason;
   return created;

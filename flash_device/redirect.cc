@@ -9,10 +9,11 @@
 #include "flash_device/image.h"
 
 namespace olt::flash_device {
+
 namespace {
 
 bool plan(Faults &faults, const char *text, char (&error)[kErrorLength]) {
-  const std::string_view wrong = faults.plan(text);
+  std::string_view wrong = faults.plan(text);
   if (wrong.empty()) return true;
   static_cast<void>(
       snprintf(error, sizeof error,

@@ -1,6 +1,7 @@
 #include "flash_device/system_calls.h"
 
 namespace olt::flash_device {
+
 namespace {
 
 // A signal handler may call these, but must not look them up.

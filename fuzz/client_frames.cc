@@ -1,15 +1,16 @@
 // What a module may answer to platmsg_syn_result. Result, reply and the caller's memory are
 // compared with a plain model of the protocol.
+#include <sys/random.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <utility>
+#include <optional>
 #include <vector>
 
+#include "base/descriptor.h"
 #include "fuzz/target.h"
 #include "platform/olthost.h"
 #include "tests/support/bytes.h"
@@ -18,6 +19,12 @@
 void log_log(int /*level*/, const char *tag, int /*line*/, const char *message) {
   olt::fuzz::require_line(tag);
   olt::fuzz::require_line(message);
+}
+
+// Sequence numbers then start at the same value each time.
+extern "C" ssize_t getrandom(void *buffer, size_t length, unsigned /*flags*/) noexcept {
+  std::memset(buffer, 0, length);
+  return static_cast<ssize_t>(length);
 }
 
 namespace {
@@ -33,39 +40,41 @@ constexpr size_t kHeader = 16;
 constexpr size_t kFirstPiece = kHeader + 4096;
 constexpr uint32_t kTimeout = 5;
 constexpr unsigned kExchanges = 3;
+constexpr uint32_t kFirstSequence = 1;
 
-/// A module that has answered before it was asked.
+/// A module that answers before it is asked. The client keeps no connection that has brought bytes
+/// it did not ask for, or that is closed: each exchange has its own.
 class Module {
  public:
-  explicit Module(View answers) {
-    std::array<int, 2> ends{};
-    require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0,
-            "sockets are available");
-    client_ = ends[0];
-    own_ = ends[1];
-    require(answers.empty() || send(own_, answers.data(), answers.size(), MSG_DONTWAIT) ==
-                                   static_cast<ssize_t>(answers.size()),
-            "the answers fit into the socket");
-    shutdown(own_, SHUT_WR);
-    olt_connect_through(connect, this);
-  }
+  Module() { olt_connect_through(connect, this); }
   Module(const Module &) = delete;
   Module &operator=(const Module &) = delete;
-  ~Module() {
-    olt_connect_through(nullptr, nullptr);
-    if (client_ >= 0) close(client_);
-    close(own_);
-  }
+  ~Module() { olt_connect_through(nullptr, nullptr); }
+
+  /// What the next connection brings; nothing refuses it.
+  void offer(std::optional<View> answers) { answers_ = answers; }
 
  private:
   static int connect(void *context, uint32_t /*module*/) {
     auto *module = static_cast<Module *>(context);
     errno = ECONNREFUSED;
-    return std::exchange(module->client_, -1);
+    return module->answers_ ? module->connection_with(*module->answers_) : -1;
   }
 
-  int client_;
-  int own_;
+  int connection_with(View answers) {
+    std::array<int, 2> ends{};
+    require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0,
+            "sockets can be created");
+    require(answers.empty() || send(ends[1], answers.data(), answers.size(), MSG_DONTWAIT) ==
+                                   static_cast<ssize_t>(answers.size()),
+            "the answers fit into the socket");
+    shutdown(ends[1], SHUT_WR);
+    own_ends_.emplace_back(ends[1]);
+    return ends[0];
+  }
+
+  std::optional<View> answers_;
+  std::vector<olt::Descriptor> own_ends_;  ///< requests must have somewhere to go
 };
 
 class Model {
@@ -74,12 +83,13 @@ class Model {
 
   int32_t exchange(bool no_reply) {
     if (closed_) return OLT_TRANSPORT_NO_MODULE;
-    ++sequence_;
     int32_t result = receive(no_reply);
     closed_ = result != OLT_TRANSPORT_OK;
     return result;
   }
 
+  /// What the next connection brings.
+  std::optional<View> offered() const { return closed_ ? std::nullopt : std::optional(left_); }
   uint16_t status() const { return status_; }
   View reply() const { return reply_; }
 
@@ -94,7 +104,7 @@ class Model {
     }
     if (kind == 1) return OLT_TRANSPORT_REFUSED;
     size_t behind = std::min(left_.size(), kFirstPiece) - kHeader;
-    if (word_at(left_, 4) != sequence_ || behind > length || (no_reply && length > 0)) {
+    if (word_at(left_, 4) != kFirstSequence || behind > length || (no_reply && length > 0)) {
       return OLT_TRANSPORT_GARBLED;
     }
     if (left_.size() - kHeader < length) return OLT_TRANSPORT_LOST;
@@ -105,7 +115,6 @@ class Model {
   }
 
   View left_;
-  uint32_t sequence_ = 0;
   uint16_t status_ = 0;
   View reply_;
   bool closed_ = false;
@@ -141,7 +150,8 @@ void check_reply(const Outputs &outputs, const Model &model) {
   IPC_Free(outputs.handle);
 }
 
-void exchange(Model &model, bool no_reply) {
+void exchange(Module &module, Model &model, bool no_reply) {
+  module.offer(model.offered());
   Outputs outputs;
   char request[] = "request";
   int32_t result =
@@ -173,8 +183,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   View rest = input.rest();
   Bytes answers(rest.begin(), rest.end());
   if (!answers.empty()) answers.resize(answers.size() + repeated, answers.back());
-  Module module(answers);
+  Module module;
   Model model(answers);
-  for (unsigned i = 0; i < kExchanges; ++i) exchange(model, (no_reply >> i & 1) != 0);
+  for (unsigned i = 0; i < kExchanges; ++i) exchange(module, model, (no_reply >> i & 1) != 0);
   return 0;
 }

@@ -16,14 +16,15 @@
 #include "platform/olthost.h"
 
 namespace olt::platform {
+
 namespace {
 
-constexpr std::size_t kGuardSize = 16;
+constexpr size_t kGuardSize = 16;
 constexpr unsigned char kGuardByte = 0xb7;
 constexpr unsigned char kReleasedByte = 0xdd;
-// Released blocks are kept back, so that a second release still finds what it is about.
-constexpr std::size_t kMostKeptBlocks = 4096;
-constexpr std::size_t kMostKeptBytes = std::size_t{8} * 1024 * 1024;
+// Released blocks are kept back, so that a second release is recognized.
+constexpr size_t kMaxKeptBlocks = 4096;
+constexpr size_t kMaxKeptBytes = size_t{8} * 1024 * 1024;
 
 struct Block {
   std::string tag;
@@ -35,7 +36,7 @@ struct Block {
 struct Watch {
   std::unordered_map<const unsigned char *, Block> blocks;
   std::deque<unsigned char *> kept;
-  std::size_t kept_bytes = 0;
+  size_t kept_bytes = 0;
 };
 
 constinit std::mutex lock;
@@ -65,19 +66,15 @@ bool guard_intact(const unsigned char *guard) {
 }
 
 void *allocate_watched(uint32_t size, const char *tag, int line) {
-  std::size_t total = 0;
-  if (__builtin_add_overflow(size, 2 * kGuardSize, &total)) {
-    return nullptr;
-  }
+  size_t total = 0;
+  if (__builtin_add_overflow(size, 2 * kGuardSize, &total)) return nullptr;
   auto *start = static_cast<unsigned char *>(std::calloc(1, total));
-  if (start == nullptr) {
-    return nullptr;
-  }
+  if (start == nullptr) return nullptr;
   unsigned char *data = start + kGuardSize;
   std::memset(start, kGuardByte, kGuardSize);
   std::memset(data + size, kGuardByte, kGuardSize);
   try {
-    const std::lock_guard guard(lock);
+    std::lock_guard guard(lock);
     watch().blocks[data] = {.tag = name(tag), .line = line, .size = size};
   } catch (const std::bad_alloc &) {
     std::free(start);
@@ -91,10 +88,10 @@ void keep_back(Watch &all, unsigned char *data, Block &block) {
   block.released = true;
   all.kept.push_back(data);
   all.kept_bytes += block.size;
-  while (all.kept.size() > kMostKeptBlocks || all.kept_bytes > kMostKeptBytes) {
+  while (all.kept.size() > kMaxKeptBlocks || all.kept_bytes > kMaxKeptBytes) {
     unsigned char *oldest = all.kept.front();
     all.kept.pop_front();
-    const auto found = all.blocks.find(oldest);
+    auto found = all.blocks.find(oldest);
     all.kept_bytes -= found->second.size;
     all.blocks.erase(found);
     std::free(oldest - kGuardSize);
@@ -103,9 +100,9 @@ void keep_back(Watch &all, unsigned char *data, Block &block) {
 
 void release_watched(void *pointer, const char *tag, int line) {
   auto *data = static_cast<unsigned char *>(pointer);
-  const std::lock_guard guard(lock);
+  std::lock_guard guard(lock);
   Watch &all = watch();
-  const auto found = all.blocks.find(data);
+  auto found = all.blocks.find(data);
   if (found == all.blocks.end()) {
     report(tag, line, "released a block that ___MALLOC did not give");
     return;
@@ -115,9 +112,7 @@ void release_watched(void *pointer, const char *tag, int line) {
     report(tag, line, "released a second time: " + describe(block));
     return;
   }
-  if (block.tag != name(tag)) {
-    report(tag, line, "released under another tag: " + describe(block));
-  }
+  if (block.tag != name(tag)) report(tag, line, "released under another tag: " + describe(block));
   if (!guard_intact(data - kGuardSize)) {
     report(tag, line, "bytes before the block were overwritten: " + describe(block));
   }
@@ -129,13 +124,9 @@ void release_watched(void *pointer, const char *tag, int line) {
 
 bool read_switch() {
   const char *value = environment("OLT_ALLOC_DEBUG");
-  if (value == nullptr || std::strcmp(value, "0") == 0) {
-    return false;
-  }
-  if (std::strcmp(value, "1") == 0) {
-    return true;
-  }
-  const std::string message =
+  if (value == nullptr || std::strcmp(value, "0") == 0) return false;
+  if (std::strcmp(value, "1") == 0) return true;
+  std::string message =
       std::string("OLT_ALLOC_DEBUG is \"") + value + "\"; expected 0 or 1; using 0";
   log_log(kWarningLevel, "___MALLOC", __LINE__, message.c_str());
   return false;
@@ -145,11 +136,11 @@ enum class Mode { kUndecided, kPlain, kWatching };
 
 std::atomic<Mode> mode{Mode::kUndecided};
 
-// Decided by the first allocation; the lock keeps two threads from deciding, and warning, at once.
+// Decided by the first allocation; the lock keeps two threads from both deciding and warning.
 bool watching() {
   Mode now = mode.load(std::memory_order_acquire);
   if (now == Mode::kUndecided) {
-    const std::lock_guard guard(lock);
+    std::lock_guard guard(lock);
     now = mode.load(std::memory_order_relaxed);
     if (now == Mode::kUndecided) {
       now = read_switch() ? Mode::kWatching : Mode::kPlain;
@@ -160,16 +151,14 @@ bool watching() {
 }
 
 struct Unreleased {
-  std::size_t count = 0;
+  size_t count = 0;
   uint64_t bytes = 0;
 };
 
 // A destructor of the library: it runs after those of the programs and libraries that use it.
 [[gnu::destructor]] void report_unreleased() {
-  if (mode.load() != Mode::kWatching) {
-    return;
-  }
-  const std::lock_guard guard(lock);
+  if (mode.load() != Mode::kWatching) return;
+  std::lock_guard guard(lock);
   std::map<std::string, Unreleased> by_tag;
   for (const auto &[data, block] : watch().blocks) {
     if (!block.released) {
@@ -190,9 +179,7 @@ struct Unreleased {
 
 void *___MALLOC(uint32_t size, const char *tag, int line) {
   using namespace olt::platform;
-  if (watching()) {
-    return allocate_watched(size, tag, line);
-  }
+  if (watching()) return allocate_watched(size, tag, line);
   return std::calloc(1, std::max<uint32_t>(size, 1));
 }
 

@@ -11,7 +11,6 @@
 #include <utility>
 
 #include "base/accounts.h"
-#include "base/descriptor.h"
 #include "platform/connection.h"
 #include "platform/credentials.h"
 #include "platform/deadline.h"
@@ -20,6 +19,7 @@
 #include "platform/replies.h"
 
 namespace olt::platform {
+
 namespace {
 
 struct Watcher {
@@ -28,67 +28,70 @@ struct Watcher {
 };
 constinit Watcher watcher;
 
-/// Raised when the way to the modules changes: connections of an earlier way are not used again.
-constinit unsigned way_to_modules = 0;
+/// Incremented with each change of the connector: connections made before are not used again.
+constinit unsigned connector_generation = 0;
 
-/// The connections of one thread.
-struct Kept {
+struct ThreadConnections {
   std::map<uint32_t, std::unique_ptr<Connection>> by_module;
-  unsigned way = 0;
+  unsigned generation = 0;
 };
 
 // Owned by a thread-specific key rather than by a thread_local object: the main thread may make
 // exchanges while it runs exit handlers, when its thread_local objects are already gone.
-thread_local Kept *kept_of_thread = nullptr;
+thread_local ThreadConnections *thread_connections = nullptr;
 
-void drop_all(void *kept) {
-  kept_of_thread = nullptr;
-  delete static_cast<Kept *>(kept);
+void delete_connections(void *connections) {
+  thread_connections = nullptr;
+  delete static_cast<ThreadConnections *>(connections);
 }
 
 struct ThreadKey {
   pthread_key_t key{};
-  const bool made = pthread_key_create(&key, drop_all) == 0;
+  const bool made = pthread_key_create(&key, delete_connections) == 0;
 };
 const ThreadKey thread_key;
 
-Kept &kept() {
-  if (kept_of_thread == nullptr) {
-    auto fresh = std::make_unique<Kept>();
+ThreadConnections &connections() {
+  if (thread_connections == nullptr) {
+    auto fresh = std::make_unique<ThreadConnections>();
     if (!thread_key.made || pthread_setspecific(thread_key.key, fresh.get()) != 0) {
       throw std::bad_alloc();
     }
-    kept_of_thread = fresh.release();
+    thread_connections = fresh.release();
   }
-  if (kept_of_thread->way != way_to_modules) {
-    kept_of_thread->by_module.clear();
-    kept_of_thread->way = way_to_modules;
+  if (thread_connections->generation != connector_generation) {
+    thread_connections->by_module.clear();
+    thread_connections->generation = connector_generation;
   }
-  return *kept_of_thread;
+  return *thread_connections;
 }
 
-int32_t open(uint32_t module, const Deadline &deadline, std::unique_ptr<Connection> &connection) {
-  Descriptor socket;
-  const int32_t result = connect_to_module(module, deadline, socket);
-  if (result == OLT_TRANSPORT_OK) {
-    connection = std::make_unique<Connection>(std::move(socket));
+bool is_usable(uint32_t module, Connection *connection) {
+  if (connection == nullptr || !connection->is_open()) return false;
+  switch (connection->check_idle()) {
+    case Idle::kYes:
+      return true;
+    case Idle::kClosed:
+      return false;
+    case Idle::kUnsolicitedBytes:
+      log_exchange_error("module " + std::to_string(module) +
+                         " sent bytes after its answer; expected none before the next request; "
+                         "connecting anew");
+      return false;
   }
-  return result;
+  return false;
 }
 
-// Sends over the kept connection, or over a new one when there is none or its module closed it
-// before it took a byte: the module was started anew since the last exchange.
+// Sends over the kept connection, or over a new one when there is none or it is of no more use
+// before the module took a byte, for example because the module was restarted.
 int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
              std::unique_ptr<Connection> &connection) {
   Sent sent = Sent::kNothing;
-  if (connection && connection->is_open()) {
-    sent = connection->send(request, deadline);
-  }
+  if (is_usable(module, connection.get())) sent = connection->send(request, deadline);
   if (sent == Sent::kNothing) {
     connection.reset();
-    if (const int32_t result = open(module, deadline, connection)) {
-      return result;
-    }
+    connection = std::make_unique<Connection>();
+    if (int32_t result = connection->connect(module, deadline)) return result;
     sent = connection->send(request, deadline);
   }
   switch (sent) {
@@ -97,25 +100,23 @@ int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
     case Sent::kNoResources:
       return OLT_TRANSPORT_NO_RESOURCES;
     default:
-      // A module that closed the stream may have left a word why: receiving tells.
+      // A module that closed the stream may have sent a refusal first: receive reports it.
       return OLT_TRANSPORT_OK;
   }
 }
 
 int32_t exchange(uint32_t module, const Request &request, const Deadline &deadline,
                  Answer &answer) {
-  std::unique_ptr<Connection> &connection = kept().by_module[module];
+  std::unique_ptr<Connection> &connection = connections().by_module[module];
   int32_t result = send(module, request, deadline, connection);
   if (result == OLT_TRANSPORT_OK) {
     result = connection->receive(request.no_reply, deadline, answer);
     if (result == OLT_TRANSPORT_REFUSED) {
-      complain("module " + std::to_string(module) + " does not accept user " +
-               user_name(::geteuid()));
+      log_exchange_error("module " + std::to_string(module) + " does not accept user " +
+                         user_name(geteuid()));
     }
   }
-  if (result != OLT_TRANSPORT_OK) {
-    connection.reset();
-  }
+  if (result != OLT_TRANSPORT_OK) connection.reset();
   return result;
 }
 
@@ -132,7 +133,7 @@ struct Outcome {
 Outcome exchange_for_caller(uint32_t module, const Request &request, const Deadline &deadline) {
   try {
     Answer answer;
-    if (const int32_t result = exchange(module, request, deadline, answer)) {
+    if (int32_t result = exchange(module, request, deadline, answer)) {
       return {.result = result};
     }
     if (answer.status != 0 || !answer.reply) {
@@ -156,21 +157,19 @@ int32_t platmsg_syn_result(uint32_t message_type, uint32_t module, void *request
                            uint32_t *reply_handle, uint16_t *status, uint32_t no_reply,
                            uint32_t timeout) {
   using namespace olt::platform;
-  const bool wants_reply = no_reply == 0;
+  bool wants_reply = no_reply == 0;
   if (status == nullptr || (request == nullptr && request_length > 0) ||
       (wants_reply && (reply == nullptr || reply_length == nullptr || reply_handle == nullptr))) {
     return OLT_TRANSPORT_BAD_CALL;
   }
-  if (request_length > OLT_REQUEST_LIMIT) {
-    return OLT_TRANSPORT_TOO_LONG;
-  }
-  const Deadline deadline(timeout);
-  const Outcome outcome = exchange_for_caller(module,
-                                              {.message_type = message_type,
-                                               .data = request,
-                                               .length = request_length,
-                                               .no_reply = !wants_reply},
-                                              deadline);
+  if (request_length > OLT_REQUEST_LIMIT) return OLT_TRANSPORT_TOO_LONG;
+  Deadline deadline(timeout);
+  Outcome outcome = exchange_for_caller(module,
+                                        {.message_type = message_type,
+                                         .data = request,
+                                         .length = request_length,
+                                         .no_reply = !wants_reply},
+                                        deadline);
   if (outcome.result == OLT_TRANSPORT_OK) {
     *status = outcome.status;
     if (wants_reply) {
@@ -180,17 +179,17 @@ int32_t platmsg_syn_result(uint32_t message_type, uint32_t module, void *request
     }
   }
   if (watcher.call != nullptr) {
-    const olt_exchange seen{.module = module,
-                            .message_type = message_type,
-                            .request = request,
-                            .request_length = request_length,
-                            .no_reply = no_reply,
-                            .timeout = timeout,
-                            .result = outcome.result,
-                            .status = outcome.status,
-                            .reply_length = outcome.reply_length,
-                            .reply = outcome.reply,
-                            .elapsed_ns = static_cast<uint64_t>(deadline.elapsed().count())};
+    olt_exchange seen{.module = module,
+                      .message_type = message_type,
+                      .request = request,
+                      .request_length = request_length,
+                      .no_reply = no_reply,
+                      .timeout = timeout,
+                      .result = outcome.result,
+                      .status = outcome.status,
+                      .reply_length = outcome.reply_length,
+                      .reply = outcome.reply,
+                      .elapsed_ns = static_cast<uint64_t>(deadline.elapsed().count())};
     watcher.call(watcher.context, &seen);
   }
   return outcome.result;
@@ -203,5 +202,5 @@ void olt_watch_exchanges(olt_watcher watcher, void *context) {
 void olt_connect_through(olt_connector connector, void *context) {
   using namespace olt::platform;
   set_connector(connector, context);
-  ++way_to_modules;
+  ++connector_generation;
 }

@@ -1,6 +1,7 @@
 #include "platform/connection.h"
 
 #include <poll.h>
+#include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 
@@ -8,38 +9,27 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <mutex>
-#include <unordered_set>
-#include <utility>
 
-#include "platform/fork_safety.h"
 #include "platform/frame.h"
 
 namespace olt::platform {
+
 namespace {
 
 using namespace std::chrono_literals;
 
 // Nearly every answer arrives while recv itself blocks, which saves a poll per exchange. That wait
-// ends by a coarse timer (an eighth late, at worst), so it is short and far from any deadline.
-constexpr auto kPlainWait = 400ms;
-constexpr auto kSafeDistance = 2 * kPlainWait;
+// ends by a coarse timer (up to an eighth late), so it is short and used far from any deadline.
+constexpr auto kBlockingWait = 400ms;
+constexpr auto kSafeDistance = 2 * kBlockingWait;
 
 // Most answers fit into one piece, received on the stack.
-constexpr std::size_t kFirstPiece = 4096;
+constexpr size_t kFirstPiece = 4096;
 
-constinit std::mutex lock;
-[[maybe_unused]] const int registered = hold_across_fork<lock, Connection::close_all>();
-
-std::unordered_set<Connection *> &open_connections() {
-  static auto &instance = *new std::unordered_set<Connection *>;
-  return instance;
-}
-
-bool set_plain_wait(int socket) {
+bool limit_blocking_wait(int socket) {
   timeval limit{};
-  limit.tv_usec = std::chrono::microseconds(kPlainWait).count();
-  return ::setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
+  limit.tv_usec = std::chrono::microseconds(kBlockingWait).count();
+  return setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit) == 0;
 }
 
 bool is_closed_by_peer(int error) {
@@ -52,48 +42,45 @@ bool is_transient(int error) {
 
 }  // namespace
 
-Connection::Connection(Descriptor socket)
-    : socket_(std::move(socket)), waits_plainly_(set_plain_wait(socket_.get())) {
-  const std::lock_guard guard(lock);
-  open_connections().insert(this);
-}
-
-Connection::~Connection() {
-  const std::lock_guard guard(lock);
-  open_connections().erase(this);
-}
-
-// The lock is held by the fork.
-void Connection::close_all() {
-  for (Connection *connection : open_connections()) {
-    connection->socket_.close();
+int32_t Connection::connect(uint32_t module, const Deadline &deadline) {
+  int32_t result = connect_to_module(module, deadline, socket_);
+  if (result != OLT_TRANSPORT_OK) return result;
+  recv_may_block_ = limit_blocking_wait(socket_.get());
+  // An answer that was sent before its request can match the sequence number by chance only.
+  if (getrandom(&sequence_, sizeof sequence_, GRND_NONBLOCK) != ssize_t{sizeof sequence_}) {
+    sequence_ = static_cast<uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count());
   }
-  open_connections().clear();
+  return OLT_TRANSPORT_OK;
+}
+
+Idle Connection::check_idle() const {
+  std::byte next{};
+  ssize_t count = recv(socket_.get(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count > 0) return Idle::kUnsolicitedBytes;
+  return count < 0 && is_transient(errno) ? Idle::kYes : Idle::kClosed;
 }
 
 Sent Connection::send(const Request &request, const Deadline &deadline) {
-  const auto header = encode(RequestHeader{.sequence = ++sequence_,
-                                           .message_type = request.message_type,
-                                           .no_reply = request.no_reply,
-                                           .length = request.length});
+  auto header = encode(RequestHeader{.sequence = ++sequence_,
+                                     .message_type = request.message_type,
+                                     .no_reply = request.no_reply,
+                                     .length = request.length});
   std::array<iovec, 2> pieces{{{const_cast<std::byte *>(header.data()), header.size()},
                                {const_cast<void *>(request.data), request.length}}};
   msghdr message{};
   message.msg_iov = pieces.data();
   message.msg_iovlen = pieces.size();
-  std::size_t left = header.size() + request.length;
+  size_t left = header.size() + request.length;
   bool untouched = true;
   for (;;) {
-    const ssize_t taken = ::sendmsg(socket_.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
+    ssize_t taken = sendmsg(socket_.get(), &message, MSG_NOSIGNAL | MSG_DONTWAIT);
     if (taken >= 0) {
-      auto count = static_cast<std::size_t>(taken);
+      auto count = static_cast<size_t>(taken);
       left -= count;
-      if (left == 0) {
-        return Sent::kAll;
-      }
+      if (left == 0) return Sent::kAll;
       untouched = untouched && count == 0;
       for (iovec &piece : pieces) {
-        const std::size_t step = std::min(count, piece.iov_len);
+        size_t step = std::min(count, piece.iov_len);
         piece.iov_base = static_cast<std::byte *>(piece.iov_base) + step;
         piece.iov_len -= step;
         count -= step;
@@ -103,70 +90,53 @@ Sent Connection::send(const Request &request, const Deadline &deadline) {
     } else if (!is_transient(errno)) {
       return Sent::kNoResources;
     }
-    if (!deadline.wait(socket_.get(), POLLOUT)) {
-      return Sent::kTooLate;
-    }
+    if (!deadline.wait(socket_.get(), POLLOUT)) return Sent::kTooLate;
   }
 }
 
-int32_t Connection::receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
-                                 std::size_t &received) {
-  int flags = waits_plainly_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
+int32_t Connection::receive_some(std::byte *into, size_t limit, const Deadline &deadline,
+                                 size_t &received) {
+  int flags = recv_may_block_ && deadline.remaining() > kSafeDistance ? 0 : MSG_DONTWAIT;
   for (;;) {
-    const ssize_t count = ::recv(socket_.get(), into, limit, flags);
+    ssize_t count = recv(socket_.get(), into, limit, flags);
     if (count > 0) {
-      received = static_cast<std::size_t>(count);
+      received = static_cast<size_t>(count);
       return OLT_TRANSPORT_OK;
     }
-    if (count == 0 || is_closed_by_peer(errno)) {
-      return OLT_TRANSPORT_LOST;
-    }
-    if (!is_transient(errno)) {
-      return OLT_TRANSPORT_NO_RESOURCES;
-    }
+    if (count == 0 || is_closed_by_peer(errno)) return OLT_TRANSPORT_LOST;
+    if (!is_transient(errno)) return OLT_TRANSPORT_NO_RESOURCES;
     flags = MSG_DONTWAIT;
-    if (!deadline.wait(socket_.get(), POLLIN)) {
-      return OLT_TRANSPORT_TIMED_OUT;
-    }
+    if (!deadline.wait(socket_.get(), POLLIN)) return OLT_TRANSPORT_TIMED_OUT;
   }
 }
 
 int32_t Connection::receive(bool no_reply, const Deadline &deadline, Answer &answer) {
   std::array<std::byte, kAnswerHeaderSize + kFirstPiece> first;
-  std::size_t filled = 0;
+  size_t filled = 0;
   while (filled < kAnswerHeaderSize) {
-    std::size_t count = 0;
-    if (const int32_t result =
-            receive_some(&first[filled], first.size() - filled, deadline, count)) {
+    size_t count = 0;
+    if (int32_t result = receive_some(&first[filled], first.size() - filled, deadline, count)) {
       return result;
     }
     filled += count;
   }
-  const auto header = decode_answer(first.data());
-  if (!header) {
-    return OLT_TRANSPORT_GARBLED;
-  }
-  if (header->refused) {
-    return OLT_TRANSPORT_REFUSED;
-  }
-  std::size_t arrived = filled - kAnswerHeaderSize;
+  auto header = decode_answer(first.data());
+  if (!header) return OLT_TRANSPORT_GARBLED;
+  if (header->refused) return OLT_TRANSPORT_REFUSED;
+  size_t arrived = filled - kAnswerHeaderSize;
   if (header->sequence != sequence_ || arrived > header->length ||
       (no_reply && header->length > 0)) {
     return OLT_TRANSPORT_GARBLED;
   }
   answer.status = header->status;
   answer.length = static_cast<uint16_t>(header->length);
-  if (no_reply) {
-    return OLT_TRANSPORT_OK;
-  }
+  if (no_reply) return OLT_TRANSPORT_OK;
   answer.reply = make_reply_block(header->length);
-  if (!answer.reply) {
-    return OLT_TRANSPORT_NO_RESOURCES;
-  }
+  if (!answer.reply) return OLT_TRANSPORT_NO_RESOURCES;
   std::copy_n(&first[kAnswerHeaderSize], arrived, answer.reply.get());
   while (arrived < header->length) {
-    std::size_t count = 0;
-    if (const int32_t result =
+    size_t count = 0;
+    if (int32_t result =
             receive_some(answer.reply.get() + arrived, header->length - arrived, deadline, count)) {
       return result;
     }

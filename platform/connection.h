@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "base/descriptor.h"
 #include "platform/deadline.h"
 #include "platform/olthost.h"
+#include "platform/process_socket.h"
 #include "platform/replies.h"
 
 namespace olt::platform {
@@ -34,42 +34,46 @@ enum class Sent {
   kNoResources,
 };
 
-/// One stream, used by one thread at a time. Closed by itself in the child of a fork.
+/// What a connection brought between two exchanges.
+enum class Idle {
+  kYes,               ///< nothing
+  kUnsolicitedBytes,  ///< bytes that answer no request
+  kClosed,            ///< the end of the stream
+};
+
+/// One stream, used by one thread at a time. Closed in the child of a fork.
 class Connection {
  public:
-  explicit Connection(Descriptor socket);
-  Connection(const Connection &) = delete;
-  Connection &operator=(const Connection &) = delete;
-  ~Connection();
+  /// Connects to a module and checks who serves it. @return OLT_TRANSPORT_OK, or why it cannot
+  int32_t connect(uint32_t module, const Deadline &deadline);
 
   /// False in the child of a fork, for a connection of its parent.
   bool is_open() const { return socket_.is_open(); }
 
-  /// Sends a request, without a second try of any byte.
+  /// Whether the next exchange can use the connection.
+  Idle check_idle() const;
+
+  /// Sends a request; never sends a byte twice.
   Sent send(const Request &request, const Deadline &deadline);
 
   /// Receives the answer to the request sent last.
-  /// @return OLT_TRANSPORT_OK, or why there is no answer; the connection is then of no more use
+  /// @return OLT_TRANSPORT_OK, or why there is no answer; the connection must then be dropped
   int32_t receive(bool no_reply, const Deadline &deadline, Answer &answer);
 
-  /// Closes the streams of the parent, in the child of a fork.
-  static void close_all();
-
  private:
-  int32_t receive_some(std::byte *into, std::size_t limit, const Deadline &deadline,
-                       std::size_t &received);
+  int32_t receive_some(std::byte *into, size_t limit, const Deadline &deadline, size_t &received);
 
-  Descriptor socket_;
-  const bool waits_plainly_;  ///< false when recv would block without a limit
-  uint32_t sequence_ = 0;
+  ProcessSocket socket_;
+  bool recv_may_block_ = false;  ///< its wait has a limit
+  uint32_t sequence_ = 0;        ///< of the last request; starts at random
 };
 
-/// Connects to a module, through the run directory of the environment or the process's connector,
-/// and checks who serves it.
+/// Connects through the run directory of the environment or the process's connector, and checks who
+/// serves the module.
 /// @return OLT_TRANSPORT_OK and an open socket, or why there is none
-int32_t connect_to_module(uint32_t module, const Deadline &deadline, Descriptor &socket);
+int32_t connect_to_module(uint32_t module, const Deadline &deadline, ProcessSocket &socket);
 
-/// Changes the way to the modules; null goes back to the run directory.
+/// Sets the process's connector; null returns to the run directory.
 void set_connector(olt_connector call, void *context);
 
 }  // namespace olt::platform

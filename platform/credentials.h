@@ -13,7 +13,7 @@ namespace olt::platform {
 gid_t require_group(const std::string &name_or_number);
 
 /// Empty when the peer of the socket is the own user, root or a member of the allowed group; else
-/// a line that tells who it is and who is expected.
+/// a line that says who it is and who is expected.
 std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group);
 
 }  // namespace olt::platform

@@ -7,6 +7,7 @@
 #include <ctime>
 
 namespace olt::platform {
+
 namespace {
 
 using std::chrono::nanoseconds;
@@ -14,13 +15,13 @@ using std::chrono::seconds;
 using namespace std::chrono_literals;
 
 // The kernel may end a long wait late by a thousandth of its length (by a 200th in a niced
-// process), which is more than we allow ourselves: the last second is waited for on its own.
+// process), which is too late for us: the last second is a wait of its own.
 nanoseconds slice(nanoseconds remaining) {
   return remaining > 2s ? std::min<nanoseconds>(remaining - 1s, 1h) : remaining;
 }
 
 timespec to_timespec(nanoseconds duration) {
-  const auto whole = std::chrono::duration_cast<seconds>(duration);
+  auto whole = std::chrono::duration_cast<seconds>(duration);
   timespec result{};
   result.tv_sec = static_cast<time_t>(whole.count());
   result.tv_nsec = static_cast<long>((duration - whole).count());
@@ -41,26 +42,20 @@ nanoseconds Deadline::remaining() const {
 
 bool Deadline::wait(int socket, short events) const {
   for (;;) {
-    const nanoseconds left = remaining();
-    if (left <= 0ns) {
-      return false;
-    }
+    nanoseconds left = remaining();
+    if (left <= 0ns) return false;
     pollfd watched{.fd = socket, .events = events, .revents = 0};
-    const timespec limit = to_timespec(slice(left));
-    const int ready = ::ppoll(&watched, 1, &limit, nullptr);
-    if (ready > 0 || (ready < 0 && errno != EINTR)) {
-      return true;
-    }
+    timespec limit = to_timespec(slice(left));
+    int ready = ppoll(&watched, 1, &limit, nullptr);
+    if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
   }
 }
 
-bool Deadline::nap(nanoseconds duration) const {
-  const nanoseconds left = remaining();
-  if (left <= 0ns) {
-    return false;
-  }
-  const timespec limit = to_timespec(std::min(duration, left));
-  ::ppoll(nullptr, 0, &limit, nullptr);
+bool Deadline::sleep(nanoseconds duration) const {
+  nanoseconds left = remaining();
+  if (left <= 0ns) return false;
+  timespec limit = to_timespec(std::min(duration, left));
+  ppoll(nullptr, 0, &limit, nullptr);
   return true;
 }
 

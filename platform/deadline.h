@@ -17,12 +17,12 @@ class Deadline {
   std::chrono::nanoseconds remaining() const;
 
   /// Waits until the socket is ready for the poll events, whatever signals arrive. Errors count
-  /// as ready: the next call on the socket tells them.
+  /// as ready: the next call on the socket reports them.
   /// @return false when the deadline passed first
   bool wait(int socket, short events) const;
 
-  /// Sleeps for a moment, at most up to the deadline. @return false when it has passed
-  bool nap(std::chrono::nanoseconds duration) const;
+  /// Sleeps for the duration or until the deadline. @return false when the deadline has passed
+  bool sleep(std::chrono::nanoseconds duration) const;
 
  private:
   std::chrono::steady_clock::time_point start_;

@@ -5,6 +5,7 @@
 #include "platform/olthost.h"
 
 namespace olt::platform {
+
 namespace {
 
 constexpr uint32_t kRequestMagic = 0x31514c4f;  // "OLQ1"
@@ -54,18 +55,18 @@ std::array<std::byte, kAnswerHeaderSize> encode(const AnswerHeader &header) {
   return bytes;
 }
 
-bool may_be_request(const std::byte *bytes, std::size_t count) {
+bool may_be_request(const std::byte *bytes, size_t count) {
   std::array<std::byte, sizeof kRequestMagic> magic;
   put32(magic.data(), kRequestMagic);
   return std::equal(magic.begin(), magic.begin() + std::min(count, magic.size()), bytes);
 }
 
 std::optional<RequestHeader> decode_request(const std::byte *bytes) {
-  const uint32_t flags = get32(bytes + 12);
-  const RequestHeader header{.sequence = get32(bytes + 4),
-                             .message_type = get32(bytes + 8),
-                             .no_reply = flags == kNoReplyFlag,
-                             .length = get32(bytes + 16)};
+  uint32_t flags = get32(bytes + 12);
+  RequestHeader header{.sequence = get32(bytes + 4),
+                       .message_type = get32(bytes + 8),
+                       .no_reply = flags == kNoReplyFlag,
+                       .length = get32(bytes + 16)};
   if (get32(bytes) != kRequestMagic || flags > kNoReplyFlag || header.length > OLT_REQUEST_LIMIT) {
     return std::nullopt;
   }
@@ -73,11 +74,11 @@ std::optional<RequestHeader> decode_request(const std::byte *bytes) {
 }
 
 std::optional<AnswerHeader> decode_answer(const std::byte *bytes) {
-  const uint16_t kind = get16(bytes + 10);
-  const AnswerHeader header{.sequence = get32(bytes + 4),
-                            .status = get16(bytes + 8),
-                            .refused = kind == kRefusalKind,
-                            .length = get32(bytes + 12)};
+  uint16_t kind = get16(bytes + 10);
+  AnswerHeader header{.sequence = get32(bytes + 4),
+                      .status = get16(bytes + 8),
+                      .refused = kind == kRefusalKind,
+                      .length = get32(bytes + 12)};
   if (get32(bytes) != kAnswerMagic || kind > kRefusalKind || header.length > OLT_REPLY_LIMIT) {
     return std::nullopt;
   }

@@ -9,8 +9,8 @@
 
 namespace olt::platform {
 
-inline constexpr std::size_t kRequestHeaderSize = 20;
-inline constexpr std::size_t kAnswerHeaderSize = 16;
+inline constexpr size_t kRequestHeaderSize = 20;
+inline constexpr size_t kAnswerHeaderSize = 16;
 
 struct RequestHeader {
   uint32_t sequence;
@@ -30,8 +30,8 @@ struct AnswerHeader {
 std::array<std::byte, kRequestHeaderSize> encode(const RequestHeader &header);
 std::array<std::byte, kAnswerHeaderSize> encode(const AnswerHeader &header);
 
-/// False when the first bytes, be they few, cannot become a request.
-bool may_be_request(const std::byte *bytes, std::size_t count);
+/// False when no request begins with these bytes, of which there may be few.
+bool may_be_request(const std::byte *bytes, size_t count);
 
 /// Nothing when the bytes are not such a header, or the length is beyond its limit.
 std::optional<RequestHeader> decode_request(const std::byte *bytes);

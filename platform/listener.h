@@ -13,21 +13,21 @@
 #include <string>
 
 #include "base/descriptor.h"
-#include "platform/ledger.h"
+#include "platform/server_statistics.h"
 
 namespace olt::platform {
 
-/// A stream of the loop that owns the descriptor. Throws std::system_error when the loop does not
-/// take it; the descriptor is then closed.
-asio::posix::stream_descriptor watched_by(asio::io_context &loop, Descriptor descriptor);
+/// The descriptor as a stream of the loop, which then owns it. Throws std::system_error when the
+/// loop does not take it; the descriptor is then closed.
+asio::posix::stream_descriptor stream_in(asio::io_context &loop, Descriptor descriptor);
 
-/// A file that is removed with its owner.
+/// Removes a file when it is destroyed.
 class OwnedFile {
  public:
   explicit OwnedFile(std::string path) : path_(std::move(path)) {}
   OwnedFile(const OwnedFile &) = delete;
   OwnedFile &operator=(const OwnedFile &) = delete;
-  ~OwnedFile() { ::unlink(path_.c_str()); }
+  ~OwnedFile() { unlink(path_.c_str()); }
 
  private:
   std::string path_;
@@ -40,7 +40,7 @@ class ModuleLock {
   ModuleLock(const std::string &run_dir, uint32_t module);
   ModuleLock(const ModuleLock &) = delete;
   ModuleLock &operator=(const ModuleLock &) = delete;
-  ~ModuleLock() { ::unlink(path_.c_str()); }
+  ~ModuleLock() { unlink(path_.c_str()); }
 
  private:
   std::string path_;
@@ -52,23 +52,23 @@ class Listener {
  public:
   using Accept = std::function<void(Descriptor)>;
 
-  /// Throws Failure when the socket cannot be had, std::system_error when the loop fails.
+  /// Throws Failure when the socket cannot be created, std::system_error when the loop fails.
   Listener(asio::io_context &loop, const std::string &run_dir, uint32_t module,
-           std::optional<gid_t> allowed_group, Ledger &ledger, Accept accept);
+           std::optional<gid_t> allowed_group, ServerStatistics &statistics, Accept accept);
 
-  /// Waits for clients, unless it does so already; an exception may have ended it.
-  void attend();
+  /// Waits for clients, unless it does already: an exception may have ended the wait.
+  void ensure_waiting();
 
  private:
   void await_client();
-  void accept_all();
+  void accept_clients();
   void pause(int error);
 
   ModuleLock lock_;
   OwnedFile socket_file_;
   asio::posix::stream_descriptor socket_;
   asio::steady_timer timer_;
-  Ledger &ledger_;
+  ServerStatistics &statistics_;
   Accept accept_;
   const std::string name_;
   bool waits_ = false;

@@ -12,34 +12,30 @@
 #include "platform/olthost.h"
 
 namespace olt::platform {
+
 namespace {
 
 enum class Target { kUnknown, kStandardError, kSyslog };
 
-// Longer lines are cut: no memory is allocated here, for lines also tell that there is none left.
-constexpr std::size_t kLineLimit = 2048;
+// Longer lines are cut: no memory is allocated here, for lines also report that there is none left.
+constexpr size_t kLineLimit = 2048;
 
 // One call of write, so that the lines of several threads and processes do not mix.
 void write_line(int level, const char *tag, int line, const char *message) {
   char text[kLineLimit];
-  const int wanted =
-      std::snprintf(text, sizeof text, "oltmgmt[%d] %s:%d: %s", level, tag, line, message);
-  if (wanted < 0) {
-    return;
-  }
-  const auto length = std::min(static_cast<std::size_t>(wanted), sizeof text - 1);
+  int wanted = std::snprintf(text, sizeof text, "oltmgmt[%d] %s:%d: %s", level, tag, line, message);
+  if (wanted < 0) return;
+  auto length = std::min(static_cast<size_t>(wanted), sizeof text - 1);
   std::replace_if(
       text, text + length, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
   text[length] = '\n';
-  // Nothing is left to tell a failure to.
-  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, length + 1);
+  // There is nowhere left to report a failure to.
+  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, length + 1);
 }
 
 Target choose_target() {
   const char *choice = environment("OLT_LOG");
-  if (choice == nullptr || std::strcmp(choice, "stderr") == 0) {
-    return Target::kStandardError;
-  }
+  if (choice == nullptr || std::strcmp(choice, "stderr") == 0) return Target::kStandardError;
   return std::strcmp(choice, "syslog") == 0 ? Target::kSyslog : Target::kUnknown;
 }
 
@@ -47,14 +43,12 @@ Target choose_target() {
 Target target() {
   static std::atomic<Target> decided{Target::kUnknown};
   Target now = decided.load();
-  if (now != Target::kUnknown) {
-    return now;
-  }
-  const Target choice = choose_target();
-  const Target usable = choice == Target::kUnknown ? Target::kStandardError : choice;
+  if (now != Target::kUnknown) return now;
+  Target choice = choose_target();
+  Target usable = choice == Target::kUnknown ? Target::kStandardError : choice;
   if (decided.compare_exchange_strong(now, usable) && choice == Target::kUnknown) {
-    const std::string message = std::string("OLT_LOG is \"") + environment("OLT_LOG") +
-                                "\"; expected stderr or syslog; using stderr";
+    std::string message = std::string("OLT_LOG is \"") + environment("OLT_LOG") +
+                          "\"; expected stderr or syslog; using stderr";
     write_line(kWarningLevel, "log_log", __LINE__, message.c_str());
   }
   return decided.load();
@@ -62,7 +56,7 @@ Target target() {
 
 }  // namespace
 
-void complain(const std::string &message, int line) {
+void log_exchange_error(const std::string &message, int line) {
   log_log(kErrorLevel, "platmsg_syn_result", line, message.c_str());
 }
 
@@ -78,8 +72,8 @@ void log_log(int level, const char *tag, int line, const char *message) {
   tag = tag != nullptr ? tag : "?";
   message = message != nullptr ? message : "";
   if (target() == Target::kSyslog) {
-    ::syslog(std::clamp(level, LOG_EMERG, LOG_DEBUG), "oltmgmt[%d] %s:%d: %s", level, tag, line,
-             message);
+    syslog(std::clamp(level, LOG_EMERG, LOG_DEBUG), "oltmgmt[%d] %s:%d: %s", level, tag, line,
+           message);
   } else {
     write_line(level, tag, line, message);
   }

@@ -10,7 +10,7 @@ inline constexpr int kErrorLevel = 3;
 inline constexpr int kWarningLevel = 4;
 
 /// Logs what went wrong with an exchange.
-void complain(const std::string &message, int line = __builtin_LINE());
+void log_exchange_error(const std::string &message, int line = __builtin_LINE());
 
 /// Value of an environment variable; null when it is unset or empty.
 const char *environment(const char *name);

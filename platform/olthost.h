@@ -1,7 +1,7 @@
 /// liboltplatform: the five calls of oltplatform.h on a development host, and what goes with them.
 ///
 /// Requests travel over Unix stream sockets named module-N in a run directory. Front ends need
-/// nothing of this header: they call liboltmgmt and link against liboltplatform. It serves those
+/// nothing from this header: they call liboltmgmt and link against liboltplatform. It serves those
 /// who write a module (the serving side), and tools that watch or redirect exchanges.
 ///
 /// Environment:
@@ -112,8 +112,11 @@ struct olt_server_options {
   const char *run_dir;  ///< where the sockets go; null: none, only olt_server_connect reaches it
   const char *group;    ///< group that may connect beside the own user and root; null: none
   uint32_t stall_ms;  ///< a client that stops half-way in a frame is dropped after this; 0: 10,000
-  void (*on_event)(void *context, const char *line);  ///< told of each counted mishap; may be null
+  void (*on_event)(void *context, const char *line);  ///< called for each event; null: the log
   void *context;
+  /// Most bytes that half-received requests may take in all connections together, beyond 4 KiB
+  /// each; a client that needs more is dropped. 0: 64 MiB.
+  uint32_t pending_limit;
 };
 
 /// What has happened since the server was created.
@@ -121,13 +124,15 @@ struct olt_server_counters {
   uint64_t exchanges;
   uint64_t connections;
   uint64_t refused_peers;
-  uint64_t broken_frames;     ///< framing that is not ours, or too long
-  uint64_t stalled_clients;   ///< dropped for stopping half-way
-  uint64_t vanished_clients;  ///< gone in the middle of a frame or before their answer
+  uint64_t broken_frames;       ///< framing that is not ours, or too long
+  uint64_t stalled_clients;     ///< dropped for stopping half-way
+  uint64_t vanished_clients;    ///< gone in the middle of a frame or before their answer
+  uint64_t over_limit_clients;  ///< dropped because of pending_limit
 };
 
 /// Creates a server. The run directory is created with mode 0700 (0750 with a group); an existing
-/// one is taken when it belongs to the user and is empty or closed to others.
+/// one is used when it belongs to the user and is empty or closed to others. No other user but root
+/// may own, or be able to rename things in, a directory above it.
 /// @param[out] error one line, when the result is null
 olt_server *olt_server_create(const struct olt_server_options *options, char error[256]);
 
@@ -140,7 +145,8 @@ int olt_server_add(olt_server *server, uint32_t module, olt_handler handler, voi
 /// Serves on the calling thread until olt_server_stop. @return 0, or -1 and a line in error.
 int olt_server_run(olt_server *server, char error[256]);
 
-/// Ends olt_server_run within 100 ms. May be called from any thread and from a signal handler.
+/// Ends olt_server_run as soon as the handler that runs has returned. May be called from any thread
+/// and from a signal handler.
 void olt_server_stop(olt_server *server);
 
 /// A new connection to one of the server's modules, as olt_connector wants it; from any thread.

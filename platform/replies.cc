@@ -11,9 +11,10 @@
 #include "platform/olthost.h"
 
 namespace olt::platform {
+
 namespace {
 
-constexpr std::size_t kSmallestBlock = 256;
+constexpr size_t kSmallestBlock = 256;
 
 /// Handles are given out in turn, so that one which was released stays unknown for four billion
 /// replies.
@@ -34,12 +35,12 @@ Replies &replies() {
 
 }  // namespace
 
-ReplyBlock make_reply_block(std::size_t length) {
+ReplyBlock make_reply_block(size_t length) {
   return ReplyBlock(static_cast<std::byte *>(std::calloc(1, std::max(length + 1, kSmallestBlock))));
 }
 
 uint32_t hand_out(ReplyBlock reply) {
-  const std::lock_guard guard(lock);
+  std::lock_guard guard(lock);
   Replies &all = replies();
   do {
     ++all.last_handle;
@@ -52,7 +53,7 @@ uint32_t hand_out(ReplyBlock reply) {
 
 void IPC_Free(uint32_t reply_handle) {
   using namespace olt::platform;
-  const std::lock_guard guard(lock);
+  std::lock_guard guard(lock);
   Replies &all = replies();
   if (all.held.erase(reply_handle) == 0) {
     char message[96];

@@ -17,7 +17,7 @@ using ReplyBlock = std::unique_ptr<std::byte, FreeBlock>;
 /// A zeroed block for a reply of the given length; null when there is no memory. Longer than the
 /// reply: callers read records of fixed size and texts up to their zero from it, and trust the
 /// module to have sent them.
-ReplyBlock make_reply_block(std::size_t length);
+ReplyBlock make_reply_block(size_t length);
 
 /// Keeps a reply until IPC_Free. @return its handle, never 0. Throws std::bad_alloc.
 uint32_t hand_out(ReplyBlock reply);

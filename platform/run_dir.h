@@ -20,12 +20,11 @@ std::string socket_path(const std::string &run_dir, uint32_t module);
 /// Address of a socket; nothing when the path is too long for one.
 std::optional<sockaddr_un> socket_address(const std::string &path);
 
-/// The line for a path that is too long for a socket.
+/// The error line for a path that is too long for a socket.
 std::string too_long_for_socket(const std::string &path);
 
-/// Makes the directory ready for serving: created when missing, closed to all but the own user and
-/// the allowed group. Throws Failure when it is somebody else's, or when it already holds something
-/// and was open to others.
+/// Makes the directory ready for serving: a private directory of the own user and the allowed
+/// group. Throws Failure as open_private_directory does.
 void prepare_run_dir(const std::string &path, std::optional<gid_t> allowed_group);
 
 }  // namespace olt::platform

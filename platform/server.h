@@ -17,9 +17,9 @@
 #include <vector>
 
 #include "base/descriptor.h"
-#include "platform/ledger.h"
 #include "platform/listener.h"
 #include "platform/olthost.h"
+#include "platform/server_statistics.h"
 #include "platform/session.h"
 
 namespace olt::platform {
@@ -32,35 +32,41 @@ class Server {
   void add(const Service &service);
   void run();
 
-  /// From any thread and from a signal handler. One call ends one run, be it the next one.
+  /// From any thread and from a signal handler. One call ends one run, or the next one when none
+  /// is under way.
   void stop();
 
   /// From any thread. @return a connected socket, or -1 with errno
   int connect(uint32_t module);
 
-  olt_server_counters counters() const { return ledger_.copy(); }
+  olt_server_counters counters() const { return statistics_.counters(); }
 
  private:
-  struct Arrival {
+  /// From connect, not yet seen by the loop.
+  struct PendingConnection {
     Descriptor socket;
     const Service *service;
   };
 
-  /// Has all waits under way, those too that an exception has ended.
-  void attend();
+  /// After a failure that may pass: reports it and pauses.
+  void recover(const char *event);
+  /// Starts the waits that are not under way: an exception may have ended one.
+  void ensure_waiting();
   void await_wake_up();
   void wake_up();
-  void admit_arrivals();
+  /// Admits the connections that it announces.
+  void take_wake_up();
   void admit(Descriptor socket, const Service &service);
 
   const std::string run_dir_;  ///< empty: none
   const std::optional<gid_t> allowed_group_;
   const std::chrono::milliseconds stall_limit_;
-  Ledger ledger_;
+  ServerStatistics statistics_;
+  PendingBudget budget_;
 
-  std::mutex lock_;  ///< of services_ and arrivals_
+  std::mutex lock_;  ///< of services_ and pending_
   std::map<uint32_t, Service> services_;
-  std::vector<Arrival> arrivals_;
+  std::vector<PendingConnection> pending_;
   std::atomic<bool> stop_{false};
 
   // All of its objects live on the thread that runs it: its own locks are not needed.

@@ -15,7 +15,7 @@ struct olt_server {
 
 namespace {
 
-constexpr std::size_t kErrorSize = 256;
+constexpr size_t kErrorSize = 256;
 
 template <typename Action>
 int attempt(char *error, Action action) {

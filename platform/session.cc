@@ -2,6 +2,7 @@
 
 #include <asio/buffer.hpp>
 #include <asio/error.hpp>
+#include <asio/post.hpp>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -12,12 +13,12 @@
 #include <utility>
 
 namespace olt::platform {
+
 namespace {
 
 using std::chrono::milliseconds;
 
-constexpr std::size_t kFirstBuffer = 4096;
-constexpr std::size_t kLargestIdleBuffer = std::size_t{64} * 1024;
+constexpr size_t kFirstBuffer = 4096;
 
 bool is_transient(const std::error_code &error) {
   return error == asio::error::would_block || error == asio::error::try_again ||
@@ -26,20 +27,21 @@ bool is_transient(const std::error_code &error) {
 
 }  // namespace
 
-Session::Session(asio::io_context &loop, Descriptor socket, const Service &service, Ledger &ledger,
-                 milliseconds stall_limit)
+Session::Session(asio::io_context &loop, Descriptor socket, const Service &service,
+                 ServerStatistics &statistics, PendingBudget &budget, milliseconds stall_limit)
     : socket_(loop, asio::local::stream_protocol(), socket.get()),
       timer_(loop),
       service_(service),
-      ledger_(ledger),
+      statistics_(statistics),
       stall_limit_(stall_limit),
+      budget_share_(budget),
       buffer_(kFirstBuffer) {
   socket.release();
   socket_.non_blocking(true);
 }
 
-// A session that cannot go on leaves nothing behind that waits.
-void Session::attempt(void (Session::*step)()) {
+// A session that cannot go on closes its socket, which ends all its waits.
+void Session::run_step(void (Session::*step)()) {
   try {
     (this->*step)();
   } catch (...) {
@@ -48,83 +50,82 @@ void Session::attempt(void (Session::*step)()) {
   }
 }
 
+// One request at a time: other connections take their turns before the next one.
 void Session::serve() {
-  while (filled_ > 0) {
-    if (!may_be_request(buffer_.data(), filled_)) {
-      return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
-    }
-    if (filled_ < kRequestHeaderSize) {
-      break;
-    }
-    const auto header = decode_request(buffer_.data());
-    if (!header) {
-      return drop(&olt_server_counters::broken_frames,
-                  "sent a request with unknown flags or of more than " +
-                      std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
-    }
-    const std::size_t frame_size = kRequestHeaderSize + header->length;
-    if (filled_ < frame_size) {
-      make_room(frame_size);
-      break;
-    }
-    const bool goes_on = answer(*header);
-    consume(frame_size);
-    if (!goes_on) {
-      return;
-    }
+  if (!may_be_request(buffer_.data(), filled_)) {
+    return drop(&olt_server_counters::broken_frames, "sent what is not a request; dropped");
   }
-  await_bytes();
+  if (filled_ < kRequestHeaderSize) return await_bytes();
+  auto header = decode_request(buffer_.data());
+  if (!header) {
+    return drop(&olt_server_counters::broken_frames,
+                "sent a request with unknown flags or of more than " +
+                    std::to_string(OLT_REQUEST_LIMIT) + " bytes; dropped");
+  }
+  size_t frame_size = kRequestHeaderSize + header->length;
+  if (filled_ < frame_size) {
+    if (make_room(frame_size)) await_bytes();
+    return;
+  }
+  bool goes_on = answer(*header);
+  consume(frame_size);
+  if (goes_on) continue_serving();
+}
+
+void Session::continue_serving() {
+  if (filled_ == 0) return await_bytes();
+  asio::post(socket_.get_executor(), [self = shared_from_this()] {
+    if (self->socket_.is_open()) self->run_step(&Session::serve);
+  });
 }
 
 void Session::await_bytes() {
-  if (filled_ > 0) {
-    after(stall_limit_, &Session::stalled);
-  }
-  socket_.async_receive(
-      asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
-      [self = shared_from_this()](const std::error_code &error, std::size_t count) {
-        if (!self->socket_.is_open()) {
-          return;
-        }
-        self->stop_timer();
-        if (error) {
-          return self->end();
-        }
-        self->filled_ += count;
-        self->attempt(&Session::serve);
-      });
+  if (filled_ > 0) after(stall_limit_, &Session::stalled);
+  socket_.async_receive(asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
+                        [self = shared_from_this()](const std::error_code &error, size_t count) {
+                          if (!self->socket_.is_open()) return;
+                          self->stop_timer();
+                          if (error) return self->end();
+                          self->filled_ += count;
+                          self->run_step(&Session::serve);
+                        });
 }
 
-// Grows with what has come, not with what is claimed.
-void Session::make_room(std::size_t frame_size) {
-  if (filled_ == buffer_.size()) {
-    buffer_.resize(std::min(frame_size, 2 * buffer_.size()));
+// Grows with the bytes received, not with the length claimed.
+bool Session::make_room(size_t frame_size) {
+  if (filled_ < buffer_.size()) return true;
+  size_t size = std::min(frame_size, 2 * buffer_.size());
+  if (!budget_share_.reserve(size - buffer_.size())) {
+    drop(&olt_server_counters::over_limit_clients,
+         "sent a request for which the limit on pending requests leaves no memory; dropped");
+    return false;
   }
+  buffer_.reserve(size);
+  buffer_.resize(size);
+  return true;
 }
 
-void Session::consume(std::size_t frame_size) {
-  std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(frame_size),
-            buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
+void Session::consume(size_t frame_size) {
+  std::copy(buffer_.begin() + static_cast<ptrdiff_t>(frame_size),
+            buffer_.begin() + static_cast<ptrdiff_t>(filled_), buffer_.begin());
   filled_ -= frame_size;
-  if (filled_ == 0 && buffer_.size() > kLargestIdleBuffer) {
-    buffer_ = std::vector<std::byte>(kFirstBuffer);
-  }
+  if (filled_ > 0 || buffer_.size() == kFirstBuffer) return;
+  buffer_ = std::vector<std::byte>(kFirstBuffer);
+  budget_share_.release();
 }
 
 bool Session::answer(const RequestHeader &header) {
   owes_answer_ = true;
-  const olt_answer answer = call_handler(header);
-  const milliseconds delay(answer.delay_ms);
-  if (answer.action == OLT_ANSWER_WITHHOLD) {
-    return true;
-  }
+  olt_answer answer = call_handler(header);
+  milliseconds delay(answer.delay_ms);
+  if (answer.action == OLT_ANSWER_WITHHOLD) return true;
   if (answer.action == OLT_ANSWER_DISCONNECT) {
     await_hangup();
     after(delay, &Session::close);
     return false;
   }
-  const uint32_t length = header.no_reply ? 0 : answer.reply_length;
-  const auto bytes = encode(AnswerHeader{
+  uint32_t length = header.no_reply ? 0 : answer.reply_length;
+  auto bytes = encode(AnswerHeader{
       .sequence = header.sequence, .status = answer.status, .refused = false, .length = length});
   const auto *reply = static_cast<const std::byte *>(answer.reply);
   if (delay.count() > 0) {
@@ -135,11 +136,11 @@ bool Session::answer(const RequestHeader &header) {
 }
 
 olt_answer Session::call_handler(const RequestHeader &header) {
-  const olt_request request{.module = service_.module,
-                            .message_type = header.message_type,
-                            .data = &buffer_[kRequestHeaderSize],
-                            .length = header.length,
-                            .no_reply = header.no_reply ? 1u : 0u};
+  olt_request request{.module = service_.module,
+                      .message_type = header.message_type,
+                      .data = &buffer_[kRequestHeaderSize],
+                      .length = header.length,
+                      .no_reply = header.no_reply ? 1u : 0u};
   std::string fault;
   try {
     olt_answer answer{};
@@ -155,16 +156,17 @@ olt_answer Session::call_handler(const RequestHeader &header) {
   } catch (const std::exception &exception) {
     fault = std::string("threw an exception: ") + exception.what();
   }
-  ledger_.tell("module " + std::to_string(service_.module) + ": the handler of message type " +
-               std::to_string(header.message_type) + " " + fault);
+  statistics_.report("module " + std::to_string(service_.module) +
+                     ": the handler of message type " + std::to_string(header.message_type) + " " +
+                     fault);
   return {.status = kHandlerFailed};
 }
 
 bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-                   std::size_t length) {
+                   size_t length) {
   std::error_code error;
-  const std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
-  const std::size_t count = socket_.send(pieces, 0, error);
+  std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
+  size_t count = socket_.send(pieces, 0, error);
   if (!error && count == header.size() + length) {
     answered();
     return true;
@@ -175,7 +177,7 @@ bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const
 }
 
 void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
-                         const std::byte *reply, std::size_t length, milliseconds delay) {
+                         const std::byte *reply, size_t length, milliseconds delay) {
   outgoing_.assign(header.begin(), header.end());
   outgoing_.insert(outgoing_.end(), reply, reply + length);
   sent_ = 0;
@@ -186,31 +188,29 @@ void Session::send_later(const std::array<std::byte, kAnswerHeaderSize> &header,
 void Session::flush() {
   std::error_code error;
   sent_ += socket_.send(asio::buffer(outgoing_) + sent_, 0, error);
-  if (error && !is_transient(error)) {
-    return end();
-  }
+  if (error && !is_transient(error)) return end();
   if (sent_ < outgoing_.size()) {
     after(stall_limit_, &Session::stalled);
     socket_.async_wait(asio::socket_base::wait_write,
                        [self = shared_from_this()](const std::error_code &failure) {
                          if (!failure && self->socket_.is_open()) {
                            self->stop_timer();
-                           self->attempt(&Session::flush);
+                           self->run_step(&Session::flush);
                          }
                        });
     return;
   }
   outgoing_ = {};
   answered();
-  serve();
+  continue_serving();
 }
 
 void Session::answered() {
   owes_answer_ = false;
-  ledger_.count(&olt_server_counters::exchanges);
+  statistics_.count(&olt_server_counters::exchanges);
 }
 
-// A client that leaves while its answer is delayed is not kept until the delay is over.
+// A connection is closed when its client leaves, not when the delay of its answer is over.
 void Session::await_hangup() {
   socket_.async_wait(asio::socket_base::wait_read,
                      [self = shared_from_this()](const std::error_code &error) {
@@ -222,11 +222,8 @@ void Session::await_hangup() {
 
 void Session::notice_hangup() {
   std::byte next{};
-  const ssize_t count =
-      ::recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
-  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
-    end();
-  }
+  ssize_t count = recv(socket_.native_handle(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) end();
 }
 
 void Session::after(milliseconds delay, void (Session::*then)()) {
@@ -236,7 +233,7 @@ void Session::after(milliseconds delay, void (Session::*then)()) {
       [self = shared_from_this(), then, turn = ++timer_turn_](const std::error_code &) {
         if (turn == self->timer_turn_ && self->socket_.is_open()) {
           self->timer_runs_ = false;
-          self->attempt(then);
+          self->run_step(then);
         }
       });
 }
@@ -265,8 +262,8 @@ void Session::stalled() {
            "; dropped after " + std::to_string(stall_limit_.count()) + " ms");
 }
 
-void Session::drop(Ledger::Counter counter, const std::string &what) {
-  ledger_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
+void Session::drop(ServerStatistics::Counter counter, const std::string &what) {
+  statistics_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
   close();
 }
 

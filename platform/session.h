@@ -15,8 +15,9 @@
 
 #include "base/descriptor.h"
 #include "platform/frame.h"
-#include "platform/ledger.h"
 #include "platform/olthost.h"
+#include "platform/pending_budget.h"
+#include "platform/server_statistics.h"
 
 namespace olt::platform {
 
@@ -30,28 +31,31 @@ struct Service {
 };
 
 /// Reads a request, has it answered, and only then reads the next one. Lives as long as it waits
-/// for something: for bytes, for room to send, or for the time of a delayed answer.
+/// for something: bytes, room to send, its next turn, or the time of a delayed answer.
 class Session : public std::enable_shared_from_this<Session> {
  public:
-  Session(asio::io_context &loop, Descriptor socket, const Service &service, Ledger &ledger,
+  Session(asio::io_context &loop, Descriptor socket, const Service &service,
+          ServerStatistics &statistics, PendingBudget &budget,
           std::chrono::milliseconds stall_limit);
 
-  void start() { attempt(&Session::serve); }
+  void start() { run_step(&Session::serve); }
 
  private:
-  void attempt(void (Session::*step)());
+  void run_step(void (Session::*step)());
   void serve();
+  void continue_serving();
   void await_bytes();
-  void make_room(std::size_t frame_size);
-  void consume(std::size_t frame_size);
+  /// @return false when the client was dropped instead
+  bool make_room(size_t frame_size);
+  void consume(size_t frame_size);
 
   /// @return false when the answer has not left yet, or never will
   bool answer(const RequestHeader &header);
   olt_answer call_handler(const RequestHeader &header);
   bool send(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-            std::size_t length);
+            size_t length);
   void send_later(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
-                  std::size_t length, std::chrono::milliseconds delay);
+                  size_t length, std::chrono::milliseconds delay);
   void flush();
   void answered();
   void await_hangup();
@@ -62,22 +66,23 @@ class Session : public std::enable_shared_from_this<Session> {
 
   void end();
   void stalled();
-  void drop(Ledger::Counter counter, const std::string &what);
+  void drop(ServerStatistics::Counter counter, const std::string &what);
   void close();
 
   asio::local::stream_protocol::socket socket_;
   asio::steady_timer timer_;
   const Service &service_;
-  Ledger &ledger_;
+  ServerStatistics &statistics_;
   const std::chrono::milliseconds stall_limit_;
 
+  PendingBudget::Share budget_share_;  ///< what buffer_ takes beyond its first size
   std::vector<std::byte> buffer_;
-  std::size_t filled_ = 0;
+  size_t filled_ = 0;
   std::vector<std::byte> outgoing_;
-  std::size_t sent_ = 0;
+  size_t sent_ = 0;
   bool owes_answer_ = false;
   bool timer_runs_ = false;
-  uint32_t timer_turn_ = 0;  ///< tells an expiry that was overtaken by its cancellation
+  uint32_t timer_turn_ = 0;  ///< recognizes an expiry that was already queued when cancelled
 };
 
 }  // namespace olt::platform

@@ -167,6 +167,10 @@ class JsonReader : public nlohmann::json_sax<Json> {
         text_.substr(0, std::min(std::max<size_t>(position, 1) - 1, text_.size()));
     auto line = 1 + std::count(before.begin(), before.end(), '\n');
     size_t column = before.size() - (before.rfind('\n') + 1) + 1;
+    constexpr int kOverflow = 406;
+    if (error.id == kOverflow) {
+      throw BadInput(fmt::format("{}: is too large a number; expected a smaller one", place()));
+    }
     throw BadInput(fmt::format("{}:{}: is not JSON; expected {}", line, column, expected(error)));
   }
 

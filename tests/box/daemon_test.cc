@@ -299,7 +299,7 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
        "fault \"type=12\": the fault has no effect; expected a status, a delay_ms, or the action "
        "silence or drop"},
       {{"--group", "no such group"},
-       "--group no such group: is no group, expected the name or number of one"},
+       "--group no such group: is no group; expected the name or number of one"},
       {{"--topology", daemon.folder / "box.json"},
        (daemon.folder / "box.json") + ": /pon/interfaces: is 99; expected an integer from 1 to 16"},
   };

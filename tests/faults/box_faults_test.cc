@@ -7,18 +7,18 @@
 #include <map>
 
 #include "tests/box/support.h"
-#include "tests/faults/walk.h"
+#include "tests/faults/fault_sweep.h"
 
 namespace olt::test {
 
 namespace {
 
+using faults::FaultInjector;
 using faults::is_harmless;
 using faults::Plan;
-using faults::Strike;
 
 size_t open_descriptors() {
-  const std::filesystem::directory_iterator entries("/proc/self/fd");
+  std::filesystem::directory_iterator entries("/proc/self/fd");
   return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 
@@ -76,17 +76,17 @@ struct Saves {
 TEST(Faults, OfASave) {
   TestBox box;
   box.traced = false;
-  const Saves saves(box);
+  Saves saves(box);
   ASSERT_NE(saves.before, saves.after);
   auto scenario = [&](const Plan &plan) {
-    const size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     uint32_t status = 0;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       status = box.status(kSaveConfig);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(open_descriptors(), descriptors);
@@ -113,9 +113,9 @@ TEST(Faults, OfTheFirstSave) {
     uint32_t status = 0;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       status = box.status(kSaveConfig);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, status);
     EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan).size(),
@@ -139,25 +139,25 @@ TEST(Faults, OfTheRunningState) {
   box.options.keep_running_state = true;
   Saves::change(box, 0x11);
   box.keep();
-  const auto before = files_in(box.options.state_dir);
+  auto before = files_in(box.options.state_dir);
   auto scenario = [&](const Plan &plan) {
-    const size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     Saves::change(box, 0x22);
     bool kept = true;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       try {
         box.keep();
       } catch (const std::exception &failure) {
         kept = false;
         EXPECT_TRUE(is_one_line(failure.what()));
       }
-      reached = strike.reached();
+      reached = injector.reached();
     }
     EXPECT_TRUE(kept || !is_harmless(plan));
     EXPECT_EQ(open_descriptors(), descriptors);
-    const auto now = without_left_overs(files_in(box.options.state_dir), plan);
+    auto now = without_left_overs(files_in(box.options.state_dir), plan);
     if (kept) {
       EXPECT_TRUE(holds(now.at("running.state"), std::string(kSnmpParamSize, '\x22')));
       EXPECT_EQ(now.size(), 1U);
@@ -188,19 +188,19 @@ TEST(Faults, OfAListing) {
   write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
   auto scenario = [&](const Plan &plan) {
     box.restart();
-    const size_t descriptors = open_descriptors();
+    size_t descriptors = open_descriptors();
     box::Answer answer;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       answer = box.ask(kListBasicInfo);
-      reached = strike.reached();
+      reached = injector.reached();
     }
     expect_status(plan, answer.status);
     EXPECT_EQ(open_descriptors(), descriptors);
     auto files = without_left_overs(files_in(box.options.listing_dir), plan);
     if (answer.status == kOk) {
-      const std::string listed = box.listing(answer.reply, kListingNameAt);
+      std::string listed = box.listing(answer.reply, kListingNameAt);
       EXPECT_EQ(listed.find("Basic information of olt\n"), 0U);
       EXPECT_EQ(listed.back(), '\n');
       EXPECT_EQ(files.size(), 2U);
@@ -208,8 +208,8 @@ TEST(Faults, OfAListing) {
       EXPECT_EQ(files.size(), 1U);
     }
     // No number is used twice, whatever could not be seen.
-    const Bytes next = box.reply(kListBasicInfo);
-    const std::string name = characters(slice(next, kListingNameAt, kListingNameAt + 22));
+    Bytes next = box.reply(kListBasicInfo);
+    std::string name = characters(slice(next, kListingNameAt, kListingNameAt + 22));
     EXPECT_FALSE(files.contains(name)) << name;
     EXPECT_EQ(files_in(box.options.listing_dir).at("basicinfo-00000007.txt"), "an earlier one");
     for (const auto &[listing, content] : files_in(box.options.listing_dir)) {
@@ -231,20 +231,20 @@ TEST(Faults, OfAStart) {
   box.status(kSaveConfig);
   box.keep();
   box.end();
-  const auto before = files_in(box.options.state_dir);
-  const size_t descriptors = open_descriptors();
+  auto before = files_in(box.options.state_dir);
+  size_t descriptors = open_descriptors();
   auto scenario = [&](const Plan &plan) {
     bool started = true;
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       try {
         box.restart();
       } catch (const std::exception &failure) {
         started = false;
         EXPECT_TRUE(is_one_line(failure.what()));
       }
-      reached = strike.reached();
+      reached = injector.reached();
     }
     EXPECT_TRUE(started || !is_harmless(plan));
     if (started) {

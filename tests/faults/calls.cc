@@ -1,4 +1,4 @@
-// The calls that a strike can fail: each looks for one and else goes on to the C library, whose
+// The calls that a injector can fail: each looks for one and else goes on to the C library, whose
 // headers have names of their own for the parameters.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 
@@ -22,14 +22,14 @@
 #include <cstdlib>
 #include <new>
 
-#include "tests/faults/strike.h"
+#include "tests/faults/fault_injector.h"
 
 namespace {
 
+using olt::faults::FaultInjector;
+using olt::faults::injector_for;
 using olt::faults::kNew;
 using olt::faults::kShort;
-using olt::faults::Strike;
-using olt::faults::strike_for;
 
 template <typename Function>
 Function *next(Function * /*of the same type*/, const char *name) {
@@ -37,8 +37,8 @@ Function *next(Function * /*of the same type*/, const char *name) {
 }
 
 /// A closed peer shows in all calls on the socket, not in one alone.
-int fail(const Strike &strike, int socket = -1) {
-  const int error = strike.error();
+int fail(const FaultInjector &injector, int socket = -1) {
+  int error = injector.error();
   if (socket >= 0 && (error == EPIPE || error == ECONNRESET)) shutdown(socket, SHUT_RDWR);
   errno = error;
   return -1;
@@ -48,23 +48,23 @@ int fail(const Strike &strike, int socket = -1) {
 
 #define NEXT(name)                                    \
   static const auto following = next(&(name), #name); \
-  Strike *const strike = strike_for(#name)
+  FaultInjector *const injector = injector_for(#name)
 
 // A call without more to it than its arguments.
-#define CALL(name, parameters, arguments)        \
-  extern "C" int name parameters {               \
-    NEXT(name);                                  \
-    if (strike != nullptr) return fail(*strike); \
-    return following arguments;                  \
+#define CALL(name, parameters, arguments)            \
+  extern "C" int name parameters {                   \
+    NEXT(name);                                      \
+    if (injector != nullptr) return fail(*injector); \
+    return following arguments;                      \
   }
 
 // One that moves bytes through a descriptor.
-#define TRANSFER(name, parameters, arguments)                                     \
-  extern "C" ssize_t name parameters {                                            \
-    NEXT(name);                                                                   \
-    if (strike != nullptr && strike->error() != kShort) return fail(*strike, fd); \
-    if (strike != nullptr) length = std::min<size_t>(length, 1);                  \
-    return following arguments;                                                   \
+#define TRANSFER(name, parameters, arguments)                                           \
+  extern "C" ssize_t name parameters {                                                  \
+    NEXT(name);                                                                         \
+    if (injector != nullptr && injector->error() != kShort) return fail(*injector, fd); \
+    if (injector != nullptr) length = std::min<size_t>(length, 1);                      \
+    return following arguments;                                                         \
   }
 
 CALL(accept4, (int fd, sockaddr *address, socklen_t *size, int flags), (fd, address, size, flags))
@@ -91,6 +91,7 @@ CALL(linkat,
 CALL(listen, (int fd, int backlog) noexcept, (fd, backlog))
 CALL(lstat, (const char *path, struct stat *found) noexcept, (path, found))
 CALL(mkdir, (const char *path, mode_t mode) noexcept, (path, mode))
+CALL(mkdirat, (int directory, const char *path, mode_t mode) noexcept, (directory, path, mode))
 CALL(ppoll, (pollfd * fds, nfds_t count, const timespec *timeout, const sigset_t *mask),
      (fds, count, timeout, mask))
 CALL(renameat, (int from_directory, const char *from, int directory, const char *path) noexcept,
@@ -113,10 +114,15 @@ TRANSFER(recv, (int fd, void *buffer, size_t length, int flags), (fd, buffer, le
 TRANSFER(send, (int fd, const void *buffer, size_t length, int flags), (fd, buffer, length, flags))
 TRANSFER(write, (int fd, const void *buffer, size_t length), (fd, buffer, length))
 
+extern "C" ssize_t readlinkat(int directory, const char *path, char *target, size_t size) noexcept {
+  NEXT(readlinkat);
+  return injector != nullptr ? fail(*injector) : following(directory, path, target, size);
+}
+
 extern "C" ssize_t sendmsg(int fd, const msghdr *message, int flags) {
   NEXT(sendmsg);
-  if (strike == nullptr) return following(fd, message, flags);
-  if (strike->error() != kShort) return fail(*strike, fd);
+  if (injector == nullptr) return following(fd, message, flags);
+  if (injector->error() != kShort) return fail(*injector, fd);
   iovec piece = message->msg_iov[0];
   for (size_t i = 1; piece.iov_len == 0 && i < message->msg_iovlen; ++i) {
     piece = message->msg_iov[i];
@@ -131,8 +137,8 @@ extern "C" ssize_t sendmsg(int fd, const msghdr *message, int flags) {
 // The descriptor is gone whatever close says.
 extern "C" int close(int fd) {
   NEXT(close);
-  const int result = following(fd);
-  return strike != nullptr ? fail(*strike) : result;
+  int result = following(fd);
+  return injector != nullptr ? fail(*injector) : result;
 }
 
 extern "C" int fcntl(int fd, int command, ...) {
@@ -141,7 +147,7 @@ extern "C" int fcntl(int fd, int command, ...) {
   void *argument = va_arg(rest, void *);
   va_end(rest);
   NEXT(fcntl);
-  return strike != nullptr ? fail(*strike) : following(fd, command, argument);
+  return injector != nullptr ? fail(*injector) : following(fd, command, argument);
 }
 
 extern "C" int ioctl(int fd, unsigned long command, ...) noexcept {
@@ -150,38 +156,38 @@ extern "C" int ioctl(int fd, unsigned long command, ...) noexcept {
   void *argument = va_arg(rest, void *);
   va_end(rest);
   NEXT(ioctl);
-  return strike != nullptr ? fail(*strike) : following(fd, command, argument);
+  return injector != nullptr ? fail(*injector) : following(fd, command, argument);
 }
 
 extern "C" int open(const char *path, int flags, ...) {
   va_list rest;
   va_start(rest, flags);
-  const auto mode = static_cast<mode_t>((flags & O_CREAT) != 0 ? va_arg(rest, int) : 0);
+  auto mode = static_cast<mode_t>((flags & O_CREAT) != 0 ? va_arg(rest, int) : 0);
   va_end(rest);
   NEXT(open);
-  return strike != nullptr ? fail(*strike) : following(path, flags, mode);
+  return injector != nullptr ? fail(*injector) : following(path, flags, mode);
 }
 
 extern "C" int openat(int directory, const char *path, int flags, ...) {
   va_list rest;
   va_start(rest, flags);
-  const auto mode = static_cast<mode_t>((flags & O_CREAT) != 0 ? va_arg(rest, int) : 0);
+  auto mode = static_cast<mode_t>((flags & O_CREAT) != 0 ? va_arg(rest, int) : 0);
   va_end(rest);
   NEXT(openat);
-  return strike != nullptr ? fail(*strike) : following(directory, path, flags, mode);
+  return injector != nullptr ? fail(*injector) : following(directory, path, flags, mode);
 }
 
 extern "C" DIR *fdopendir(int fd) {
   NEXT(fdopendir);
-  if (strike == nullptr) return following(fd);
-  fail(*strike);
+  if (injector == nullptr) return following(fd);
+  fail(*injector);
   return nullptr;
 }
 
 extern "C" dirent *readdir(DIR *directory) {
   NEXT(readdir);
-  if (strike == nullptr) return following(directory);
-  fail(*strike);
+  if (injector == nullptr) return following(directory);
+  fail(*injector);
   return nullptr;
 }
 
@@ -190,22 +196,22 @@ extern "C" dirent *readdir(DIR *directory) {
 extern "C" void *__libc_calloc(size_t count, size_t size);
 
 extern "C" void *calloc(size_t count, size_t size) noexcept {
-  Strike *const strike = strike_for("calloc");
-  if (strike == nullptr) return __libc_calloc(count, size);
-  fail(*strike);
+  FaultInjector *const injector = injector_for("calloc");
+  if (injector == nullptr) return __libc_calloc(count, size);
+  fail(*injector);
   return nullptr;
 }
 #endif
 
 void *operator new(size_t size) {
   void *const block =
-      strike_for(kNew) != nullptr ? nullptr : std::malloc(std::max<size_t>(size, 1));
+      injector_for(kNew) != nullptr ? nullptr : std::malloc(std::max<size_t>(size, 1));
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
 
 void *operator new(size_t size, const std::nothrow_t & /*tag*/) noexcept {
-  return strike_for(kNew) != nullptr ? nullptr : std::malloc(std::max<size_t>(size, 1));
+  return injector_for(kNew) != nullptr ? nullptr : std::malloc(std::max<size_t>(size, 1));
 }
 
 void *operator new[](size_t size) {

@@ -10,17 +10,17 @@
 #include <memory>
 #include <thread>
 
-#include "tests/faults/walk.h"
+#include "tests/faults/fault_sweep.h"
 #include "tests/platform/support.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using olt::faults::FaultInjector;
 using olt::faults::is_harmless;
 using olt::faults::is_shortage;
 using olt::faults::kNew;
 using olt::faults::Plan;
-using olt::faults::Strike;
 using olt::test::Bytes;
 using olt::test::drop_connections;
 
@@ -36,9 +36,9 @@ int32_t ask(uint32_t type, const Bytes &request, const Bytes &expected) {
   uint16_t length = 0xabcd;
   uint32_t handle = 0xabcdabcd;
   uint16_t status = 0xabcd;
-  const int32_t result = platmsg_syn_result(type, 2, const_cast<uint8_t *>(request.data()),
-                                            static_cast<uint32_t>(request.size()), &reply, &length,
-                                            &handle, &status, 0, 1);
+  int32_t result = platmsg_syn_result(type, 2, const_cast<uint8_t *>(request.data()),
+                                      static_cast<uint32_t>(request.size()), &reply, &length,
+                                      &handle, &status, 0, 1);
   if (result != OLT_TRANSPORT_OK) {
     EXPECT_TRUE(reply == nullptr && length == 0xabcd && handle == 0xabcdabcd && status == 0xabcd);
     return result;
@@ -65,25 +65,25 @@ void expect_documented(const Plan &plan, int32_t result) {
 }
 
 TEST(Faults, OfAnExchange) {
-  const TemporaryRunDir dir;
-  const ServerProcess server(dir.path());
-  const Bytes small = hex("01 02 03");
-  const Bytes question = hex("30 75 00 00");
-  const Bytes large = olt::test::pattern(30000, 6);
+  TemporaryRunDir dir;
+  ServerProcess server(dir.path());
+  Bytes small = hex("01 02 03");
+  Bytes question = hex("30 75 00 00");
+  Bytes large = olt::test::pattern(30000, 6);
   drop_connections();
-  const std::size_t descriptors = open_descriptors();
+  size_t descriptors = open_descriptors();
   auto scenario = [&](const Plan &plan) {
     int32_t results[3] = {};
     bool reached = false;
     {
-      const Strike strike(plan);
+      FaultInjector injector(plan);
       results[0] = ask(olt::test::kEcho, small, small);
       results[1] = ask(olt::test::kPattern, question, large);
       results[2] = ask(olt::test::kEcho, large, large);
       drop_connections();
-      reached = strike.reached();
+      reached = injector.reached();
     }
-    for (const int32_t result : results) expect_documented(plan, result);
+    for (int32_t result : results) expect_documented(plan, result);
     EXPECT_EQ(ask(olt::test::kEcho, small, small), OLT_TRANSPORT_OK);
     drop_connections();
     EXPECT_EQ(open_descriptors(), descriptors);
@@ -100,11 +100,11 @@ TEST(Faults, OfAnExchange) {
 /// Asks a module that never answers, with a time-out of 1 s.
 void expect_time_out(const Plan &plan) {
   SCOPED_TRACE(olt::faults::describe(plan));
-  const Strike strike(plan);
-  const auto begin = std::chrono::steady_clock::now();
-  const int32_t result = ask(olt::test::kSilence, {}, {});
-  const auto elapsed = std::chrono::steady_clock::now() - begin;
-  EXPECT_TRUE(strike.reached() || plan.nth > 1);
+  FaultInjector injector(plan);
+  auto begin = std::chrono::steady_clock::now();
+  int32_t result = ask(olt::test::kSilence, {}, {});
+  auto elapsed = std::chrono::steady_clock::now() - begin;
+  EXPECT_TRUE(injector.reached() || plan.nth > 1);
   EXPECT_TRUE(result == OLT_TRANSPORT_TIMED_OUT ||
               (!is_harmless(plan) && result == OLT_TRANSPORT_NO_RESOURCES))
       << result;
@@ -113,11 +113,11 @@ void expect_time_out(const Plan &plan) {
 
 // The time-out holds, whatever cannot be set or waited for. All at once, for each takes a second.
 TEST(Faults, OfAnExchangeThatIsNotAnswered) {
-  const TemporaryRunDir dir;
-  const ServerProcess server(dir.path());
+  TemporaryRunDir dir;
+  ServerProcess server(dir.path());
   std::vector<std::thread> threads;
   for (const char *call : {"fcntl", "setsockopt", "recv", "ppoll"}) {
-    for (const int error : {EINTR, EINVAL}) {
+    for (int error : {EINTR, EINVAL}) {
       for (int nth = 1; nth <= 3; ++nth) {
         threads.emplace_back(
             [plan = Plan{call, error, nth, error != EINTR}] { expect_time_out(plan); });
@@ -127,43 +127,43 @@ TEST(Faults, OfAnExchangeThatIsNotAnswered) {
   for (std::thread &thread : threads) thread.join();
 }
 
-/// A server on a thread of its own, whose calls are struck until the strike is lifted.
-class StruckServer {
+/// A server on a thread of its own, with faults in its calls until they are disabled.
+class FaultyServer {
  public:
   enum State { kStarting, kServing, kEnded };
 
-  StruckServer(const Plan &plan, const std::string &run_dir) : run_dir_(run_dir) {
+  FaultyServer(const Plan &plan, const std::string &run_dir) : run_dir_(run_dir) {
     thread_ = std::thread([this, &plan] {
-      Strike strike(plan);
-      strike_ = &strike;
+      FaultInjector injector(plan);
+      injector_ = &injector;
       serve();
-      reached_ = strike.reached();
+      reached_ = injector.reached();
       state_ = kEnded;
       while (!released_) std::this_thread::sleep_for(100us);
     });
     while (state_ == kStarting) std::this_thread::sleep_for(100us);
   }
-  StruckServer(const StruckServer &) = delete;
-  StruckServer &operator=(const StruckServer &) = delete;
-  ~StruckServer() {
+  FaultyServer(const FaultyServer &) = delete;
+  FaultyServer &operator=(const FaultyServer &) = delete;
+  ~FaultyServer() {
     released_ = true;
     thread_.join();
   }
 
   bool serves() const { return state_ == kServing; }
-  void lift() { strike_.load()->lift(); }
+  void disable_faults() { injector_.load()->disable(); }
   void stop() {
     olt_server_stop(server_);
     while (state_ != kEnded) std::this_thread::sleep_for(100us);
   }
   bool reached() const { return reached_; }
-  /// What the server said that it could not do; empty when it did everything.
+  /// The error line of the server; empty without one.
   const char *error() const { return error_; }
   const char *last_event() const { return event_; }
 
  private:
   void serve() {
-    const olt_server_options options{
+    olt_server_options options{
         .run_dir = run_dir_.c_str(), .group = nullptr, .on_event = note, .context = this};
     server_ = olt_server_create(&options, error_);
     if (server_ == nullptr) return;
@@ -175,7 +175,7 @@ class StruckServer {
   }
 
   static void note(void *context, const char *line) {
-    auto &event = static_cast<StruckServer *>(context)->event_;
+    auto &event = static_cast<FaultyServer *>(context)->event_;
     std::strncpy(event, line, sizeof event - 1);
   }
 
@@ -184,7 +184,7 @@ class StruckServer {
   char error_[256] = "";
   char event_[256] = "";
   std::atomic<State> state_{kStarting};
-  std::atomic<Strike *> strike_{nullptr};
+  std::atomic<FaultInjector *> injector_{nullptr};
   std::atomic<bool> reached_{false};
   std::atomic<bool> released_{false};
   std::thread thread_;
@@ -194,11 +194,11 @@ bool is_one_line(const std::string &text) {
   return !text.empty() && text.find('\n') == std::string::npos;
 }
 
-/// Nothing of the server is left, but for files that could not be removed, and a lock file of which
-/// it could not tell who has it.
+/// Whether nothing of the server is left, but for files that could not be removed and a lock file
+/// whose owner could not be determined.
 bool is_clean(const std::string &run_dir, const Plan &plan) {
   if (plan.call == "unlink" || !std::filesystem::exists(run_dir)) return true;
-  const std::filesystem::directory_iterator entries(run_dir);
+  std::filesystem::directory_iterator entries(run_dir);
   return std::all_of(begin(entries), end(entries), [&plan](const auto &entry) {
     return entry.path().filename() == "module-2.lock" &&
            (plan.call == "flock" || plan.call == "fstat" || plan.call == "stat");
@@ -206,29 +206,29 @@ bool is_clean(const std::string &run_dir, const Plan &plan) {
 }
 
 TEST(Faults, OfAServer) {
-  const TemporaryRunDir dir;
-  const Bytes small = hex("01 02 03");
-  const Bytes delay = hex("05 00 00 00");
-  const Bytes large = olt::test::pattern(30000, 6);
+  TemporaryRunDir dir;
+  Bytes small = hex("01 02 03");
+  Bytes delay = hex("05 00 00 00");
+  Bytes large = olt::test::pattern(30000, 6);
   drop_connections();
-  const std::size_t descriptors = open_descriptors();
+  size_t descriptors = open_descriptors();
   auto scenario = [&](const Plan &plan) {
     bool reached = false;
     {
       olt::faults::lower_descriptor_limit();
-      StruckServer server(plan, dir.path());
+      FaultyServer server(plan, dir.path());
       if (server.serves()) {
-        const std::pair<uint32_t, const Bytes &> questions[] = {
+        std::pair<uint32_t, const Bytes &> questions[] = {
             {olt::test::kEcho, small}, {olt::test::kDelayedEcho, delay}, {olt::test::kEcho, large}};
         for (const auto &[type, bytes] : questions) {
-          const int32_t result = ask(type, bytes, bytes);
+          int32_t result = ask(type, bytes, bytes);
           // To a socket that has bytes the kernel does not say that it has none.
           if (is_harmless(plan) && plan.error != EAGAIN) {
             EXPECT_EQ(result, OLT_TRANSPORT_OK);
           }
           if (result == OLT_TRANSPORT_TIMED_OUT) break;
         }
-        server.lift();
+        server.disable_faults();
         EXPECT_TRUE(server.serves()) << server.error();
         drop_connections();
         EXPECT_EQ(ask(olt::test::kEcho, small, small), OLT_TRANSPORT_OK) << server.last_event();
@@ -248,32 +248,32 @@ TEST(Faults, OfAServer) {
   };
   olt::faults::run(
       {.scenario = scenario,
-       .calls = {"accept4",         "bind",       "chmod",      "close",  "epoll_create1",
-                 "epoll_ctl",       "epoll_wait", "eventfd",    "fchmod", "flock",
-                 "fstat",           "getrlimit",  "getsockopt", "ioctl",  "listen",
-                 "lstat",           "mkdir",      "open",       kNew,     "recv",
-                 "sendmsg",         "setrlimit",  "socket",     "stat",   "timerfd_create",
-                 "timerfd_settime", "write"}});
+       .calls = {"accept4",   "bind",           "chmod",           "close",      "epoll_create1",
+                 "epoll_ctl", "epoll_wait",     "eventfd",         "fchmod",     "fcntl",
+                 "flock",     "fstat",          "getrlimit",       "getsockopt", "ioctl",
+                 "listen",    "lstat",          "mkdirat",         "open",       "openat",
+                 kNew,        "recv",           "sendmsg",         "setrlimit",  "socket",
+                 "stat",      "timerfd_create", "timerfd_settime", "write"}});
 }
 
 /// The complaint of a server of module 2 that is to start under the plan; empty when it starts.
 std::string complaint(const Plan &plan, const TemporaryRunDir &dir, const char *group,
                       bool &reached) {
-  const olt_server_options options{.run_dir = dir.path().c_str(), .group = group};
+  olt_server_options options{.run_dir = dir.path().c_str(), .group = group};
   char error[256] = "";
   olt_server *server = nullptr;
   {
-    const Strike strike(plan);
+    FaultInjector injector(plan);
     server = olt_server_create(&options, error);
     if (server != nullptr) olt_server_add(server, 2, olt::test::act, nullptr, error);
-    reached = strike.reached();
+    reached = injector.reached();
   }
   if (server != nullptr) olt_server_destroy(server);
   return error;
 }
 
 TEST(Faults, OfATakeOver) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   ServerProcess(dir.path()).kill();
   ASSERT_TRUE(std::filesystem::is_socket(dir.socket(2)));
   bool reached = false;
@@ -285,7 +285,7 @@ TEST(Faults, OfATakeOver) {
 
 // Whoever could put something there stays refused, whatever hinders the look into it.
 TEST(Faults, OfARunDirectoryThatWasOpenToOthers) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   std::filesystem::create_directories(dir.path() + "/somebody's");
   std::filesystem::permissions(dir.path(), std::filesystem::perms(0777));
   auto scenario = [&](const Plan &plan) {
@@ -296,21 +296,21 @@ TEST(Faults, OfARunDirectoryThatWasOpenToOthers) {
   };
   olt::faults::run({.scenario = scenario,
                     .calls = {"close", "eventfd", "epoll_create1", "epoll_ctl", "fdopendir",
-                              "fstat", "getrlimit", "mkdir", "open", "openat", kNew, "readdir",
+                              "fstat", "getrlimit", "mkdirat", "open", "openat", kNew, "readdir",
                               "setrlimit", "timerfd_create", "write"}});
 }
 
 TEST(Faults, OfAConnectionWithinTheProcess) {
-  const olt::test::ServerThread server({});
-  const std::size_t descriptors = open_descriptors();
+  olt::test::ServerThread server({});
+  size_t descriptors = open_descriptors();
   errno = 0;
   {
-    const Strike strike({"socketpair", EMFILE, 1, false});
+    FaultInjector injector({"socketpair", EMFILE, 1, false});
     EXPECT_EQ(olt_server_connect(server.server(), 2), -1);
     EXPECT_EQ(errno, EMFILE);
   }
   {
-    const Strike strike({kNew, ENOMEM, 1, true});
+    FaultInjector injector({kNew, ENOMEM, 1, true});
     EXPECT_EQ(olt_server_connect(server.server(), 2), -1);
     EXPECT_EQ(errno, ENOMEM);
   }
@@ -318,13 +318,13 @@ TEST(Faults, OfAConnectionWithinTheProcess) {
 }
 
 TEST(Faults, OfAServerForAGroup) {
-  const TemporaryRunDir dir;
-  const std::string group = std::to_string(::getegid() + 1);
-  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files to any group";
+  TemporaryRunDir dir;
+  std::string group = std::to_string(getegid() + 1);
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give files to any group";
   bool reached = false;
   for (const char *call : {"chown", "fchown"}) {
     std::filesystem::remove_all(dir.path());
-    const std::string line = complaint({call, EPERM, 1, false}, dir, group.c_str(), reached);
+    std::string line = complaint({call, EPERM, 1, false}, dir, group.c_str(), reached);
     EXPECT_NE(line.find("cannot be given to group"), std::string::npos) << line;
     EXPECT_TRUE(reached);
     EXPECT_TRUE(!std::filesystem::exists(dir.path()) || std::filesystem::is_empty(dir.path()));

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,8 +14,9 @@
 #include <filesystem>
 #include <thread>
 
+#include "base/descriptor.h"
 #include "oltmgmt.h"
-#include "tests/faults/walk.h"
+#include "tests/faults/fault_sweep.h"
 #include "tests/support/folder.h"
 #include "tests/support/program.h"
 
@@ -25,26 +28,26 @@ using namespace std::chrono_literals;
 using faults::is_harmless;
 using faults::Plan;
 
-/// An oltbox process whose calls are struck.
-class StruckBox {
+/// An oltbox process with faults in its calls.
+class FaultyBox {
  public:
-  explicit StruckBox(const Plan &plan) {
+  explicit FaultyBox(const Plan &plan) : writes_fail_(plan.call == "write") {
     setenv("OLT_RUN_DIR", run_dir().c_str(), 1);
-    const std::string output = folder_.write("output", "");
-    const std::string errors = folder_.write("errors", "");
+    std::string output = folder_.write("output", "");
+    std::string errors = folder_.write("errors", "");
     child_ = fork();
     if (child_ != 0) return;
     dup2(open(output.c_str(), O_WRONLY), STDOUT_FILENO);
     dup2(open(errors.c_str(), O_WRONLY), STDERR_FILENO);
-    const std::string text = std::to_string(plan.nth) + ' ' + std::to_string(plan.error) +
-                             (plan.lasting ? " 1 " : " 0 ") + plan.call;
-    setenv("OLT_STRIKE", text.c_str(), 1);
-    setenv("OLT_STRIKE_REACHED", (folder_ / "reached").c_str(), 1);
+    std::string text = std::to_string(plan.nth) + ' ' + std::to_string(plan.error) +
+                       (plan.lasting ? " 1 " : " 0 ") + plan.call;
+    setenv("OLT_FAULT", text.c_str(), 1);
+    setenv("OLT_FAULT_REACHED", (folder_ / "reached").c_str(), 1);
     execute({OLTBOX, "--run-dir", run_dir(), "--state-dir", folder_ / "state"}, {});
   }
-  StruckBox(const StruckBox &) = delete;
-  StruckBox &operator=(const StruckBox &) = delete;
-  ~StruckBox() {
+  FaultyBox(const FaultyBox &) = delete;
+  FaultyBox &operator=(const FaultyBox &) = delete;
+  ~FaultyBox() {
     if (status_ < 0) kill(child_, SIGKILL);
     if (status_ < 0) waitpid(child_, nullptr, 0);
   }
@@ -57,6 +60,8 @@ class StruckBox {
   bool serves() {
     while (!has_ended()) {
       if (!read_file(folder_ / "output").empty()) return true;
+      // The line that says so may be what could not be written.
+      if (writes_fail_ && accepts(run_dir() + "/module-1000")) return true;
       std::this_thread::sleep_for(500us);
     }
     return false;
@@ -80,6 +85,15 @@ class StruckBox {
     return status_ >= 0;
   }
 
+  static bool accepts(const std::string &path) {
+    Descriptor client(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    return connect(client.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
+  }
+
+  const bool writes_fail_;
   Folder folder_;
   pid_t child_ = -1;
   int status_ = -1;
@@ -87,7 +101,7 @@ class StruckBox {
 
 /// Each line is one of the daemon's.
 bool are_lines_of_oltbox(const std::string &text) {
-  for (std::size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
+  for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1) {
     if (text.compare(at, 8, "oltbox: ") != 0 || text.find('\n', at) == std::string::npos) {
       return false;
     }
@@ -97,7 +111,7 @@ bool are_lines_of_oltbox(const std::string &text) {
 
 bool has_sockets(const std::string &directory) {
   if (!std::filesystem::exists(directory)) return false;
-  const std::filesystem::directory_iterator entries(directory);
+  std::filesystem::directory_iterator entries(directory);
   return std::any_of(begin(entries), end(entries),
                      [](const auto &entry) { return entry.is_socket(); });
 }
@@ -105,14 +119,14 @@ bool has_sockets(const std::string &directory) {
 TEST(Faults, OfTheDaemon) {
   auto scenario = [](const Plan &plan) {
     faults::lower_descriptor_limit();
-    StruckBox box(plan);
+    FaultyBox box(plan);
     if (box.serves()) {
-      const int32_t saved = save_system_config();
+      int32_t saved = save_system_config();
       EXPECT_TRUE(saved == 0 || !is_harmless(plan) || plan.error == EAGAIN) << saved;
       char name[32];
       get_system_basicinfofile(name);
-      // A single fault strikes once.
-      const int32_t again = save_system_config();
+      // A single fault fault_injector once.
+      int32_t again = save_system_config();
       EXPECT_TRUE(again == 0 || (saved == 0 && save_system_config() == 0)) << again;
       EXPECT_EQ(box.end(), 0);
       EXPECT_TRUE(are_lines_of_oltbox(box.errors())) << box.errors();
@@ -127,13 +141,14 @@ TEST(Faults, OfTheDaemon) {
   };
   faults::run({.scenario = scenario,
                .allocations = false,
-               .calls = {"accept4",        "bind",       "chmod",     "close",  "epoll_create1",
-                         "epoll_ctl",      "epoll_wait", "eventfd",   "fchmod", "fdopendir",
-                         "readdir",        "flock",      "fstat",     "fsync",  "getrlimit",
-                         "getsockopt",     "ioctl",      "linkat",    "listen", "lstat",
-                         "mkdir",          "open",       "openat",    "read",   "recv",
-                         "renameat",       "sendmsg",    "setrlimit", "socket", "stat",
-                         "timerfd_create", "unlink",     "unlinkat",  "write"},
+               .calls = {"accept4",   "bind",       "chmod",          "close",   "epoll_create1",
+                         "fcntl",     "epoll_ctl",  "epoll_wait",     "eventfd", "fchmod",
+                         "fdopendir", "readdir",    "flock",          "fstat",   "fsync",
+                         "getrlimit", "getsockopt", "ioctl",          "linkat",  "listen",
+                         "lstat",     "mkdir",      "mkdirat",        "open",    "openat",
+                         "read",      "recv",       "renameat",       "sendmsg", "setrlimit",
+                         "socket",    "stat",       "timerfd_create", "unlink",  "unlinkat",
+                         "write"},
                .lasting = false});
 }
 

@@ -30,7 +30,7 @@ std::string read_listing(const char (&name)[32]) {
 
 /// Whether a listing of VLANs has one row, and which.
 bool shows_only(const std::string &listing, uint32_t vlan, const std::string &description) {
-  const std::string row = "\n" + std::to_string(vlan) + "  -             -               ";
+  std::string row = "\n" + std::to_string(vlan) + "  -             -               ";
   return holds(listing, "\n1 VLAN\n") && listing.ends_with(row + description + "\n");
 }
 
@@ -46,7 +46,7 @@ Client::Client(Scene &scene, uint32_t id)
 
 void Client::run() {
   while (!scene_.over) {
-    const size_t kind = round_ % kKinds.size();
+    size_t kind = round_ % kKinds.size();
     go_round(kind == kUsers && id_ >= kMostUsers ? kDebugValues : kind);
     ++round_;
     std::this_thread::sleep_for(kPause);
@@ -59,10 +59,10 @@ void Client::go_round(size_t kind) {
   bool (Client::*const kRounds[])() = {&Client::debug_values,    &Client::users,
                                        &Client::described_vlans, &Client::long_vlan_lists,
                                        &Client::onu_rows,        &Client::listings};
-  const uint32_t before = scene_.epoch;
+  uint32_t before = scene_.epoch;
   met_no_box_ = false;
-  const bool right = (this->*kRounds[kind])();
-  const bool undisturbed = before == scene_.epoch && before % 2 == 0;
+  bool right = (this->*kRounds[kind])();
+  bool undisturbed = before == scene_.epoch && before % 2 == 0;
   if (right) {
     ++tally_.rounds;
     ++tally_.of_kind[kind];
@@ -76,7 +76,7 @@ void Client::go_round(size_t kind) {
 }
 
 bool Client::succeeded(const char *what, int32_t result) {
-  const int32_t transport = result & static_cast<int32_t>(0xffff0000);
+  int32_t transport = result & static_cast<int32_t>(0xffff0000);
   met_no_box_ = transport == OLT_TRANSPORT_NO_MODULE || transport == OLT_TRANSPORT_LOST;
   tally_.exchanges += transport == 0 ? 1 : 0;
   if (result == 0) return true;
@@ -109,8 +109,8 @@ bool Client::debug_values() {
 }
 
 bool Client::users() {
-  const std::string name = "user-" + std::to_string(id_);
-  const std::string password = own_text();
+  std::string name = "user-" + std::to_string(id_);
+  std::string password = own_text();
   uint32_t level_a = 0;
   uint32_t level_b = 0;
   return succeeded("adding a user", add_user_level(name.c_str(), password.c_str(), id_, round_)) &&
@@ -153,7 +153,7 @@ bool Client::onu_rows() {
   target.target[2] = 1 + id_ % 64;
   target.target_kind = 1;
   target.reserved_10[0] = 1;
-  const olt_uni_downrate rates = {{id_, round_, id_ ^ round_}};
+  olt_uni_downrate rates = {{id_, round_, id_ ^ round_}};
   olt_uni_downrate read{};
   return succeeded("setting a rate", set_ont_port_downrate(&target, &rates)) &&
          succeeded("reading a row", process_onu_portdownrate(&target, &read)) &&
@@ -163,7 +163,7 @@ bool Client::onu_rows() {
 bool Client::listings() {
   char name[32];
   if (!succeeded("listing", get_system_basicinfofile(name))) return false;
-  const std::string text = read_listing(name);
+  std::string text = read_listing(name);
   return check("no whole listing",
                text.starts_with("Basic information of olt\n") && text.ends_with('\n'));
 }

@@ -49,7 +49,7 @@ struct Holding {
 };
 
 Holding look_at(pid_t process) {
-  const std::string folder = "/proc/" + std::to_string(process);
+  std::string folder = "/proc/" + std::to_string(process);
   Holding holding;
   std::ifstream status(folder + "/status");
   for (std::string word; status >> word;) {
@@ -67,8 +67,8 @@ Holding holding_of(const std::vector<pid_t> &processes) {
   Holding least;
   for (int moment = 0; moment < 20; ++moment) {
     Holding sum;
-    for (const pid_t process : processes) {
-      const Holding one = look_at(process);
+    for (pid_t process : processes) {
+      Holding one = look_at(process);
       sum.kib += one.kib;
       sum.descriptors += one.descriptors;
     }
@@ -87,11 +87,11 @@ void complain(const std::string &line) {
 }
 
 /// A tenth, and what an allocator keeps at hand for each process.
-void expect_no_growth(const char *who, std::size_t processes, const Holding &before,
+void expect_no_growth(const char *who, size_t processes, const Holding &before,
                       const Holding &after) {
   fmt::print("{:<18} {:>7} KiB, then {:>7} KiB; {:>5} descriptors, then {:>5}\n", who, before.kib,
              after.kib, before.descriptors, after.descriptors);
-  const long allowed = before.kib / 10 + static_cast<long>(processes) * 64;
+  long allowed = before.kib / 10 + static_cast<long>(processes) * 64;
   if (after.kib > before.kib + allowed) complain(fmt::format("{}: memory grows", who));
   if (after.descriptors > before.descriptors + kPassingDescriptors)
     complain(fmt::format("{}: descriptors grow", who));
@@ -111,7 +111,7 @@ void expect_no_growth(const char *who, std::size_t processes, const Holding &bef
 std::vector<pid_t> start_clients(Scene &scene) {
   std::vector<pid_t> processes;
   for (uint32_t id = 0; id <= kProcesses; ++id) {
-    const pid_t child = fork();
+    pid_t child = fork();
     if (child == 0) run_clients(scene, id, id < kProcesses ? id + 1 : kClients);
     processes.push_back(child);
   }
@@ -121,8 +121,8 @@ std::vector<pid_t> start_clients(Scene &scene) {
 /// Takes the box away and brings it back. Clients may notice while the epoch is odd.
 void restart(RunningBox &box, Scene &scene, int signal) {
   ++scene.epoch;
-  const int status = box.end(signal);
-  const int expected = signal == SIGTERM ? 0 : 128 + signal;
+  int status = box.end(signal);
+  int expected = signal == SIGTERM ? 0 : 128 + signal;
   if (status != expected) complain(fmt::format("the box ended with {}, not {}", status, expected));
   std::this_thread::sleep_for(200ms);
   box.start();
@@ -139,7 +139,7 @@ uint64_t exchanges(const Scene &scene) {
 void expect_all_at_work(const Scene &scene) {
   std::array<uint64_t, kClients> before{};
   for (uint32_t id = 0; id < kClients; ++id) before[id] = scene.tallies[id].rounds;
-  const auto deadline = steady_clock::now() + 20s;
+  auto deadline = steady_clock::now() + 20s;
   for (uint32_t id = 0; id < kClients; ++id) {
     while (scene.tallies[id].rounds < before[id] + 2 && steady_clock::now() < deadline) {
       std::this_thread::sleep_for(5ms);
@@ -150,7 +150,7 @@ void expect_all_at_work(const Scene &scene) {
 
 void finish(Scene &scene, RunningBox &box, const std::vector<pid_t> &clients) {
   scene.over = true;
-  for (const pid_t client : clients) {
+  for (pid_t client : clients) {
     if (olt::test::wait_for(client) != 0) complain("a client ended in disorder");
   }
   if (box.end(SIGTERM) != 0) complain("the box ended in disorder");
@@ -169,7 +169,7 @@ void report(const Scene &scene, double seconds) {
   }
   fmt::print("{} exchanges by {} clients in {:.0f} s; {} met no box, {} wrong\n", sums[0], kClients,
              seconds, sums[1], sums[2]);
-  for (std::size_t kind = 0; kind < olt::test::kKinds.size(); ++kind) {
+  for (size_t kind = 0; kind < olt::test::kKinds.size(); ++kind) {
     uint64_t rounds = 0;
     for (const auto &tally : scene.tallies) rounds += tally.of_kind[kind];
     fmt::print("{:<18} {:>7} rounds\n", olt::test::kKinds[kind], rounds);
@@ -184,8 +184,8 @@ void load(int seconds) {
       mmap(nullptr, sizeof(Scene), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (shared == MAP_FAILED) throw std::runtime_error("no shared memory");
   Scene &scene = *new (shared) Scene;
-  const auto begin = steady_clock::now();
-  const std::vector<pid_t> clients = start_clients(scene);
+  auto begin = steady_clock::now();
+  std::vector<pid_t> clients = start_clients(scene);
   // The restarts take the first sixth, so that the box can be watched over the rest.
   for (int i = 0; i < kRestarts; ++i) {
     std::this_thread::sleep_for(seconds * 1000ms / 6 / kRestarts);
@@ -193,14 +193,14 @@ void load(int seconds) {
   }
   expect_all_at_work(scene);
   std::this_thread::sleep_for(seconds * 1000ms / 12);
-  const std::vector<pid_t> forked(clients.begin(), clients.begin() + kProcesses);
-  const Holding box_before = holding_of({box.pid()});
-  const Holding processes_before = holding_of(forked);
-  const Holding threads_before = holding_of({clients.back()});
-  const auto watched = steady_clock::now();
-  const uint64_t exchanges_before = exchanges(scene);
+  std::vector<pid_t> forked(clients.begin(), clients.begin() + kProcesses);
+  Holding box_before = holding_of({box.pid()});
+  Holding processes_before = holding_of(forked);
+  Holding threads_before = holding_of({clients.back()});
+  auto watched = steady_clock::now();
+  uint64_t exchanges_before = exchanges(scene);
   std::this_thread::sleep_until(begin + seconds * 1s);
-  const double elapsed = std::chrono::duration<double>(steady_clock::now() - watched).count();
+  double elapsed = std::chrono::duration<double>(steady_clock::now() - watched).count();
   fmt::print("{:.0f} exchanges a second\n",
              static_cast<double>(exchanges(scene) - exchanges_before) / elapsed);
   expect_no_growth("box", 1, box_before, holding_of({box.pid()}));
@@ -208,7 +208,7 @@ void load(int seconds) {
   expect_no_growth("64 threads", 1, threads_before, holding_of({clients.back()}));
   restart(box, scene, SIGKILL);
   expect_all_at_work(scene);
-  const double whole = std::chrono::duration<double>(steady_clock::now() - begin).count();
+  double whole = std::chrono::duration<double>(steady_clock::now() - begin).count();
   finish(scene, box, clients);
   report(scene, whole);
 }
@@ -218,8 +218,8 @@ void load(int seconds) {
 int main(int argc, char **argv) {
   int seconds = 60;
   if (argc == 2) {
-    const std::string text = argv[1];
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    std::string text = argv[1];
+    auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
     if (error != std::errc() || end != text.data() + text.size()) seconds = 0;
   }
   if (argc > 2 || seconds < kLeastSeconds || seconds > 86'400) {

@@ -11,14 +11,15 @@
 #include "tests/platform/support.h"
 
 namespace olt::test {
+
 namespace {
 
 ChildResult run_with_debug(const char *value, const std::function<void()> &body) {
   return run_in_child([&] {
     if (value != nullptr) {
-      ::setenv("OLT_ALLOC_DEBUG", value, 1);
+      setenv("OLT_ALLOC_DEBUG", value, 1);
     } else {
-      ::unsetenv("OLT_ALLOC_DEBUG");
+      unsetenv("OLT_ALLOC_DEBUG");
     }
     body();
     return 0;
@@ -27,9 +28,9 @@ ChildResult run_with_debug(const char *value, const std::function<void()> &body)
 
 void expect_lines(const ChildResult &child, const std::vector<std::string> &lines) {
   EXPECT_EQ(child.status, 0);
-  std::size_t at = 0;
+  size_t at = 0;
   for (const std::string &line : lines) {
-    const std::string rest = child.errors.substr(at, line.size() + 1);
+    std::string rest = child.errors.substr(at, line.size() + 1);
     EXPECT_EQ(rest, line + "\n") << child.errors;
     at += line.size() + 1;
   }
@@ -37,7 +38,7 @@ void expect_lines(const ChildResult &child, const std::vector<std::string> &line
 }
 
 void use_blocks() {
-  for (const uint32_t size : {1u, 15u, 16u, 17u, 147384u}) {
+  for (uint32_t size : {1u, 15u, 16u, 17u, 147384u}) {
     auto *block = static_cast<uint8_t *>(___MALLOC(size, "add_user_level", 40));
     ASSERT_NE(block, nullptr);
     EXPECT_EQ(reinterpret_cast<uintptr_t>(block) % alignof(std::max_align_t), 0u);
@@ -73,9 +74,7 @@ TEST_P(EitherMode, ABlockOfSizeZeroIsUniqueAndReleased) {
                               [] {
                                 void *one = ___MALLOC(0, "a", 1);
                                 void *two = ___MALLOC(0, "a", 2);
-                                if (one == nullptr || two == nullptr || one == two) {
-                                  _exit(1);
-                                }
+                                if (one == nullptr || two == nullptr || one == two) _exit(1);
                                 ___FREE(one, "a", 3);
                                 ___FREE(two, "a", 4);
                               }),
@@ -107,8 +106,8 @@ TEST(AllocatorDebug, ReportsAWrongTag) {
 TEST(AllocatorDebug, TakesEqualTagsAtOtherAddressesForTheSame) {
   expect_lines(run_with_debug("1",
                               [] {
-                                const std::string tag = "do_handle_epon_updatestream";
-                                const std::string same{tag.begin(), tag.end()};
+                                std::string tag = "do_handle_epon_updatestream";
+                                std::string same{tag.begin(), tag.end()};
                                 ___FREE(___MALLOC(8, tag.c_str(), 1), same.c_str(), 2);
                               }),
                {});
@@ -125,12 +124,10 @@ TEST(AllocatorDebug, ReportsASecondRelease) {
 }
 
 TEST(AllocatorDebug, ReportsASecondReleaseAfterManyOtherBlocks) {
-  const ChildResult child = run_with_debug("1", [] {
+  ChildResult child = run_with_debug("1", [] {
     void *block = ___MALLOC(24, "t", 40);
     ___FREE(block, "t", 41);
-    for (int i = 0; i < 1000; ++i) {
-      ___FREE(___MALLOC(24, "t", 50), "t", 51);
-    }
+    for (int i = 0; i < 1000; ++i) ___FREE(___MALLOC(24, "t", 50), "t", 51);
     ___FREE(block, "t", 42);
   });
   expect_lines(child,
@@ -138,7 +135,7 @@ TEST(AllocatorDebug, ReportsASecondReleaseAfterManyOtherBlocks) {
 }
 
 // A byte just outside, through a volatile pointer: the compiler knows the size of the block.
-void write_at(void *block, std::ptrdiff_t offset) {
+void write_at(void *block, ptrdiff_t offset) {
   volatile uint8_t *byte = static_cast<uint8_t *>(block);
   byte[offset] = 1;
 }
@@ -190,45 +187,39 @@ TEST(AllocatorDebug, SurvivesATagThatIsMissing) {
   expect_lines(run_with_debug("1", [] { ___FREE(___MALLOC(8, nullptr, 1), nullptr, 2); }), {});
 }
 
-std::size_t resident_bytes() {
-  std::size_t pages = 0;
+size_t resident_bytes() {
+  size_t pages = 0;
   std::ifstream file("/proc/self/statm");
   file >> pages >> pages;
-  return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
 // The bound leaves room for what a memory checker keeps back itself.
 TEST(AllocatorDebug, KeepsBackABoundedAmountOfMemory) {
-  const ChildResult child = run_in_child([] {
-    ::setenv("OLT_ALLOC_DEBUG", "1", 1);
-    const std::size_t before = resident_bytes();
-    for (int i = 0; i < 400; ++i) {
-      ___FREE(___MALLOC(1024 * 1024, "big", 1), "big", 2);
-    }
+  ChildResult child = run_in_child([] {
+    setenv("OLT_ALLOC_DEBUG", "1", 1);
+    size_t before = resident_bytes();
+    for (int i = 0; i < 400; ++i) ___FREE(___MALLOC(1024 * 1024, "big", 1), "big", 2);
     return resident_bytes() - before < 340u * 1024 * 1024 ? 0 : 1;
   });
   expect_lines(child, {});
 }
 
 TEST(AllocatorDebug, IsUsableFromManyThreads) {
-  const ChildResult child = run_with_debug("1", [] {
+  ChildResult child = run_with_debug("1", [] {
     std::vector<std::thread> threads;
     for (int id = 0; id < 8; ++id) {
       threads.emplace_back([] {
-        for (int i = 0; i < 500; ++i) {
-          ___FREE(___MALLOC(static_cast<uint32_t>(i), "t", 1), "t", 2);
-        }
+        for (int i = 0; i < 500; ++i) ___FREE(___MALLOC(static_cast<uint32_t>(i), "t", 1), "t", 2);
       });
     }
-    for (std::thread &thread : threads) {
-      thread.join();
-    }
+    for (std::thread &thread : threads) thread.join();
   });
   expect_lines(child, {});
 }
 
 TEST(AllocatorDebug, ABadSwitchIsReportedOnceAndIgnored) {
-  const ChildResult child = run_with_debug("yes", [] {
+  ChildResult child = run_with_debug("yes", [] {
     ___FREE(___MALLOC(8, "one", 1), "other", 2);
     ___FREE(___MALLOC(8, "one", 1), "other", 2);
   });

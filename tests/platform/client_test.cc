@@ -12,11 +12,13 @@
 #include <cerrno>
 #include <climits>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 #include "tests/platform/support.h"
 
 namespace olt::test {
+
 namespace {
 
 constexpr int32_t kTimedOut = 0x00010000;
@@ -60,15 +62,13 @@ TEST_F(ServedClient, ReachesEachModuleBySocket) {
 }
 
 TEST_F(ServedClient, KeepsTheConnectionBetweenExchanges) {
-  for (int i = 0; i < 10; ++i) {
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
-  }
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(tell(2, kEcho, {}).result, 0);
   EXPECT_EQ(server_.counters().connections, 1u);
   EXPECT_TRUE(server_.reaches(&olt_server_counters::exchanges, 10));
 }
 
 TEST_F(ServedClient, ANonZeroStatusBringsNoReplyToRelease) {
-  const Exchanged all = exchange(2, kStatus, le32(5));
+  Exchanged all = exchange(2, kStatus, le32(5));
   EXPECT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 5);
   EXPECT_EQ(all.reply, nullptr);
@@ -77,7 +77,7 @@ TEST_F(ServedClient, ANonZeroStatusBringsNoReplyToRelease) {
 }
 
 TEST_F(ServedClient, WritesOnlyTheStatusWhenNoReplyIsWanted) {
-  const Exchanged all = tell(2, kStatus, le32(0x1234));
+  Exchanged all = tell(2, kStatus, le32(0x1234));
   EXPECT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0x1234);
   EXPECT_EQ(all.reply, nullptr);
@@ -94,10 +94,10 @@ TEST_F(ServedClient, NeedsNoReplyArgumentsWhenNoReplyIsWanted) {
   EXPECT_EQ(exchange(2, kNoReplyFlag, {}).status, 0);
 }
 
-class RequestLength : public ServedClient, public testing::WithParamInterface<std::size_t> {};
+class RequestLength : public ServedClient, public testing::WithParamInterface<size_t> {};
 
 TEST_P(RequestLength, ArrivesWhole) {
-  const Bytes request = pattern(GetParam(), 1);
+  Bytes request = pattern(GetParam(), 1);
   EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
 }
 
@@ -106,11 +106,11 @@ INSTANTIATE_TEST_SUITE_P(Requests, RequestLength,
                          testing::Values(0, 1, 80, 4075, 4076, 4077, 65536, 147384, 1048576,
                                          16777216));
 
-class ReplyLength : public ServedClient, public testing::WithParamInterface<std::size_t> {};
+class ReplyLength : public ServedClient, public testing::WithParamInterface<size_t> {};
 
 TEST_P(ReplyLength, ArrivesWholeWithZeroesBehindIt) {
-  const std::size_t length = GetParam();
-  const Exchanged all = exchange(2, kPattern, le32(static_cast<uint32_t>(length)));
+  size_t length = GetParam();
+  Exchanged all = exchange(2, kPattern, le32(static_cast<uint32_t>(length)));
   ASSERT_EQ(all.result, 0);
   ASSERT_EQ(all.status, 0);
   ASSERT_NE(all.reply, nullptr);
@@ -118,7 +118,7 @@ TEST_P(ReplyLength, ArrivesWholeWithZeroesBehindIt) {
   EXPECT_NE(all.handle, 0u);
   EXPECT_EQ(all.bytes(), pattern(length, 6));
   const auto *bytes = static_cast<const uint8_t *>(all.reply);
-  const std::size_t block = std::max<std::size_t>(256, length + 1);
+  size_t block = std::max<size_t>(256, length + 1);
   EXPECT_EQ(Bytes(bytes + length, bytes + block), Bytes(block - length, 0));
   IPC_Free(all.handle);
 }
@@ -154,7 +154,7 @@ TEST_F(ServedClient, DoesNotSendMoreThan16MiB) {
 }
 
 TEST_F(ServedClient, TellsWhenNoAnswerCameInTime) {
-  const Exchanged all = exchange(2, kSilence, {}, 1);
+  Exchanged all = exchange(2, kSilence, {}, 1);
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 1.0);
   EXPECT_LT(all.seconds, 1.5);
@@ -163,14 +163,14 @@ TEST_F(ServedClient, TellsWhenNoAnswerCameInTime) {
 }
 
 TEST_F(ServedClient, ATimeOutOfZeroDoesNotWait) {
-  const Exchanged all = exchange(2, kSilence, {}, 0);
+  Exchanged all = exchange(2, kSilence, {}, 0);
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_LT(all.seconds, 0.5);
 }
 
 // Long enough for the kernel to round the wait, were it waited for in one piece.
 TEST_F(ServedClient, ALongerTimeOutIsAsExact) {
-  const Exchanged all = exchange(2, kSilence, {}, 3);
+  Exchanged all = exchange(2, kSilence, {}, 3);
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 3.0);
   EXPECT_LT(all.seconds, 3.5);
@@ -195,7 +195,7 @@ class SignalStorm {
 
  private:
   static void set_interval(long microseconds) {
-    const itimerval timer{.it_interval = {0, microseconds}, .it_value = {0, microseconds}};
+    itimerval timer{.it_interval = {0, microseconds}, .it_value = {0, microseconds}};
     setitimer(ITIMER_REAL, &timer, nullptr);
   }
 
@@ -209,9 +209,9 @@ class StormyClient : public Client {
 };
 
 TEST_F(StormyClient, TheTimeOutHoldsWhateverSignalsArrive) {
-  const int before = signals_seen;
-  const SignalStorm storm;
-  const Exchanged all = exchange(2, kSilence, {}, 1);
+  int before = signals_seen;
+  SignalStorm storm;
+  Exchanged all = exchange(2, kSilence, {}, 1);
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 1.0);
   EXPECT_LT(all.seconds, 1.5);
@@ -220,9 +220,9 @@ TEST_F(StormyClient, TheTimeOutHoldsWhateverSignalsArrive) {
 }
 
 TEST_F(StormyClient, ExchangesSurviveSignals) {
-  const SignalStorm storm;
+  SignalStorm storm;
   for (uint32_t i = 0; i < 20; ++i) {
-    const Bytes request = pattern(300000, i);
+    Bytes request = pattern(300000, i);
     EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
     EXPECT_EQ(exchange_bytes(2, kPattern, le32(65535)), pattern(65535, 6));
     Bytes delayed = le32(20);
@@ -233,12 +233,10 @@ TEST_F(StormyClient, ExchangesSurviveSignals) {
 
 TEST_F(Client, TheTimeOutCoversTheSending) {
   std::atomic<bool> done{false};
-  const FakeModule deaf(dir_.socket(2), [&](int) {
-    while (!done) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+  FakeModule deaf(dir_.socket(2), [&](int) {
+    while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   });
-  const Exchanged all = exchange(2, kEcho, Bytes(4 * 1024 * 1024), 1);
+  Exchanged all = exchange(2, kEcho, Bytes(4 * 1024 * 1024), 1);
   done = true;
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 1.0);
@@ -247,10 +245,10 @@ TEST_F(Client, TheTimeOutCoversTheSending) {
 }
 
 TEST_F(Client, TheTimeOutCoversTheConnecting) {
-  const int listener = listen_at(dir_.socket(2), 0);
-  const RawClient first(dir_.socket(2));
-  const Exchanged all = exchange(2, kEcho, {}, 1);
-  ::close(listener);
+  int listener = listen_at(dir_.socket(2), 0);
+  RawClient first(dir_.socket(2));
+  Exchanged all = exchange(2, kEcho, {}, 1);
+  close(listener);
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 1.0);
   EXPECT_LT(all.seconds, 1.5);
@@ -258,14 +256,11 @@ TEST_F(Client, TheTimeOutCoversTheConnecting) {
 
 TEST_F(Client, TheTimeOutCoversHalfAnAnswer) {
   std::atomic<bool> done{false};
-  const FakeModule slow(dir_.socket(2), [&](int socket) {
-    receive_bytes(socket, 20);
-    send_bytes(socket, hex("4f4c4131 01000000 0000 0000 0a000000 616263"));
-    while (!done) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+  FakeModule slow(dir_.socket(2), [&](int socket) {
+    send_bytes(socket, answer_frame(receive_bytes(socket, 20), "0000 0000 0a000000 616263"));
+    while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   });
-  const Exchanged all = exchange(2, kEcho, {}, 1);
+  Exchanged all = exchange(2, kEcho, {}, 1);
   done = true;
   EXPECT_EQ(all.result, kTimedOut);
   EXPECT_GE(all.seconds, 1.0);
@@ -274,12 +269,12 @@ TEST_F(Client, TheTimeOutCoversHalfAnAnswer) {
 }
 
 TEST_F(Client, AnAbsentModuleIsReportedAtOnce) {
-  const Exchanged no_directory = exchange(2, kEcho, {});
+  Exchanged no_directory = exchange(2, kEcho, {});
   EXPECT_EQ(no_directory.result, kNoModule);
   EXPECT_LT(no_directory.seconds, kAtOnce);
   expect_untouched(no_directory);
 
-  const ServerThread server({.run_dir = dir_.path().c_str()});
+  ServerThread server({.run_dir = dir_.path().c_str()});
   EXPECT_EQ(exchange(18, kEcho, {}).result, kNoModule);
   EXPECT_EQ(exchange(2, kEcho, {}).result, 0);
 }
@@ -288,25 +283,25 @@ TEST_F(Client, ASocketLeftByADeadModuleIsAnAbsentModule) {
   ServerProcess server(dir_.path());
   server.kill();
   ASSERT_TRUE(std::filesystem::exists(dir_.socket(2)));
-  const Exchanged all = exchange(2, kEcho, {});
+  Exchanged all = exchange(2, kEcho, {});
   EXPECT_EQ(all.result, kNoModule);
   EXPECT_LT(all.seconds, kAtOnce);
 }
 
 TEST_F(Client, APathThatIsTooLongForASocketIsAnAbsentModule) {
-  const std::string long_dir = dir_.base() + "/" + std::string(100, 'd');
-  ::setenv("OLT_RUN_DIR", long_dir.c_str(), 1);
+  std::string long_dir = dir_.base() + "/" + std::string(100, 'd');
+  setenv("OLT_RUN_DIR", long_dir.c_str(), 1);
   testing::internal::CaptureStderr();
   EXPECT_EQ(exchange(2, kEcho, {}).result, kNoModule);
-  const std::string errors = testing::internal::GetCapturedStderr();
+  std::string errors = testing::internal::GetCapturedStderr();
   EXPECT_NE(errors.find("expected at most 107"), std::string::npos) << errors;
   EXPECT_NE(errors.find("/module-2\" has"), std::string::npos) << errors;
 }
 
 TEST_F(Client, AModuleThatDiesDuringARequestIsReportedAtOnce) {
-  const ServerProcess server(dir_.path());
+  ServerProcess server(dir_.path());
   EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("up")), bytes_of("up"));
-  const Exchanged all = exchange(2, kDie, {});
+  Exchanged all = exchange(2, kDie, {});
   EXPECT_EQ(all.result, kLost);
   EXPECT_LT(all.seconds, kAtOnce);
   expect_untouched(all);
@@ -315,20 +310,20 @@ TEST_F(Client, AModuleThatDiesDuringARequestIsReportedAtOnce) {
 
 TEST_F(Client, AModuleThatIsKilledWhileItTakesARequestIsReportedAtOnce) {
   ServerProcess server(dir_.path());
-  ASSERT_EQ(::kill(server.pid(), SIGSTOP), 0);
+  ASSERT_EQ(kill(server.pid(), SIGSTOP), 0);
   std::thread killer([&] {
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     server.kill();
   });
-  const Exchanged all = exchange(2, kEcho, Bytes(8 * 1024 * 1024));
+  Exchanged all = exchange(2, kEcho, Bytes(8 * 1024 * 1024));
   killer.join();
   EXPECT_EQ(all.result, kLost);
   EXPECT_LT(all.seconds, kAtOnce);
 }
 
 TEST_F(Client, AModuleThatHangsUpIsReportedAtOnce) {
-  const ServerThread server({.run_dir = dir_.path().c_str()});
-  const Exchanged all = exchange(2, kHangUp, le32(50));
+  ServerThread server({.run_dir = dir_.path().c_str()});
+  Exchanged all = exchange(2, kHangUp, le32(50));
   EXPECT_EQ(all.result, kLost);
   EXPECT_LT(all.seconds, kAtOnce);
   EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("again")), bytes_of("again"));
@@ -347,7 +342,7 @@ TEST_F(Client, ARestartOfTheModuleBetweenExchangesGoesUnnoticed) {
   ServerProcess first(dir_.path());
   EXPECT_EQ(exchange(2, kCounted, {}).result, 0);
   first.kill();
-  const ServerProcess second(dir_.path());
+  ServerProcess second(dir_.path());
   EXPECT_EQ(exchange(2, kCounted, {}).result, 0);
   EXPECT_EQ(exchange_bytes(2, kCount, {}), le32(1));
 }
@@ -356,19 +351,17 @@ TEST_F(Client, ARestartIsNoticedByALargeRequestToo) {
   ServerProcess first(dir_.path());
   EXPECT_EQ(exchange(2, kEcho, {}).result, 0);
   first.kill();
-  const ServerProcess second(dir_.path());
-  const Bytes request = pattern(1048576, 3);
+  ServerProcess second(dir_.path());
+  Bytes request = pattern(1048576, 3);
   EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
 }
 
 TEST_F(Client, ARequestIsNeverDeliveredTwice) {
   std::atomic<int> requests{0};
-  const FakeModule reader(dir_.socket(2), [&](int socket) {
-    while (receive_bytes(socket, 20).size() == 20) {
-      if (++requests > 1) {
-        return;
-      }
-      send_bytes(socket, hex("4f4c4131 01000000 0000 0000 00000000"));
+  FakeModule reader(dir_.socket(2), [&](int socket) {
+    for (Bytes request; (request = receive_bytes(socket, 20)).size() == 20;) {
+      if (++requests > 1) return;
+      send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
     }
   });
   EXPECT_EQ(exchange(2, kEcho, {}).result, 0);
@@ -377,22 +370,85 @@ TEST_F(Client, ARequestIsNeverDeliveredTwice) {
   EXPECT_EQ(reader.connections(), 1);
 }
 
+uint32_t sequence_of(const Bytes &frame) {
+  uint32_t value = 0;
+  for (size_t i = 0; i < 4; ++i) value |= static_cast<uint32_t>(frame[4 + i]) << (8 * i);
+  return value;
+}
+
+TEST_F(Client, EachConnectionStartsWithAnotherSequenceNumber) {
+  std::vector<uint32_t> starts;
+  FakeModule recorder(dir_.socket(2), [&](int socket) {
+    Bytes request = receive_bytes(socket, 20);
+    starts.push_back(sequence_of(request));
+    send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
+  });
+  for (int i = 0; i < 3; ++i) {
+    drop_connections();
+    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  }
+  EXPECT_EQ(std::set<uint32_t>(starts.begin(), starts.end()).size(), 3u);
+}
+
+// Whatever number a module would guess, from those of earlier connections and requests.
+TEST_F(Client, AnAnswerThatCameBeforeItsRequestIsNotTaken) {
+  FakeModule eager(dir_.socket(2), [](int socket) {
+    send_bytes(socket, hex("4f4c4131 01000000 0500 0000 00000000"));
+    receive_bytes(socket, 20);
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(tell(2, kEcho, {}).result, kGarbled);
+}
+
+TEST_F(Client, BytesBehindAnAnswerEndTheConnectionBeforeTheNextRequest) {
+  std::atomic<int> delivered{0};
+  FakeModule twofold(dir_.socket(2), [&](int socket) {
+    Bytes request = receive_bytes(socket, 20);
+    if (request.size() < 20) return;
+    ++delivered;
+    send_bytes(socket, answer_frame(request, "0500 0000 00000000"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    request[4] = static_cast<uint8_t>(request[4] + 1);
+    send_bytes(socket, answer_frame(request, "0900 0000 00000000"));
+    delivered += receive_bytes(socket, 20).empty() ? 0 : 1;
+  });
+  EXPECT_EQ(tell(2, kEcho, {}).status, 5);
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  testing::internal::CaptureStderr();
+  Exchanged second = tell(2, kEcho, {});
+  std::string errors = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(second.result, 0);
+  EXPECT_EQ(second.status, 5);
+  EXPECT_EQ(delivered, 2);
+  EXPECT_EQ(twofold.connections(), 2);
+  EXPECT_NE(errors.find("module 2 sent bytes after its answer; expected none before the next "
+                        "request; connecting anew\n"),
+            std::string::npos)
+      << errors;
+  drop_connections();
+}
+
 TEST_F(Client, SendsTheDocumentedBytes) {
   Bytes first;
   Bytes second;
-  const FakeModule recorder(dir_.socket(2), [&](int socket) {
+  FakeModule recorder(dir_.socket(2), [&](int socket) {
     first = receive_bytes(socket, 23);
-    send_bytes(socket, hex("4f4c4131 01000000 3412 0000 00000000"));
+    send_bytes(socket, answer_frame(first, "3412 0000 00000000"));
     second = receive_bytes(socket, 20);
-    send_bytes(socket, hex("4f4c4131 02000000 0000 0000 02000000 5a5b"));
+    send_bytes(socket, answer_frame(second, "0000 0000 02000000 5a5b"));
   });
   EXPECT_EQ(tell(2, 0x01020304, bytes_of("abc")).status, 0x1234);
-  const Exchanged all = exchange(2, 7, {});
+  Exchanged all = exchange(2, 7, {});
   ASSERT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0);
   EXPECT_EQ(all.bytes(), hex("5a5b"));
-  EXPECT_EQ(first, hex("4f4c5131 01000000 04030201 01000000 03000000 616263"));
-  EXPECT_EQ(second, hex("4f4c5131 02000000 07000000 00000000 00000000"));
+  ASSERT_EQ(first.size(), 23u);
+  ASSERT_EQ(second.size(), 20u);
+  EXPECT_EQ(sequence_of(second), sequence_of(first) + 1);
+  std::fill_n(first.begin() + 4, 4, uint8_t{0});
+  std::fill_n(second.begin() + 4, 4, uint8_t{0});
+  EXPECT_EQ(first, hex("4f4c5131 00000000 04030201 01000000 03000000 616263"));
+  EXPECT_EQ(second, hex("4f4c5131 00000000 07000000 00000000 00000000"));
   IPC_Free(all.handle);
 }
 
@@ -406,23 +462,30 @@ struct Rubbish {
   friend void PrintTo(const Rubbish &rubbish, std::ostream *out) { *out << rubbish.name; }
 };
 
+/// Answers in the list are to a request with sequence number 1.
+Bytes with_sequence(Bytes answer, const Bytes &request) {
+  for (size_t i = 4; i < std::min<size_t>(8, answer.size()); ++i) {
+    answer[i] = static_cast<uint8_t>(answer[i] + request[i] - (i == 4 ? 1 : 0));
+  }
+  return answer;
+}
+
 class RubbishAnswer : public Client, public testing::WithParamInterface<Rubbish> {};
 
 TEST_P(RubbishAnswer, IsReportedAndTheNextCallWorks) {
   std::atomic<int> connections{0};
-  const FakeModule liar(dir_.socket(2), [&](int socket) {
-    const bool lies = ++connections == 1;
-    receive_bytes(socket, 20);
-    send_bytes(socket, hex(lies ? GetParam().answer : "4f4c4131 01000000 0500 0000 00000000"));
-    if (!lies) {
-      receive_bytes(socket, 1);
-    }
+  FakeModule liar(dir_.socket(2), [&](int socket) {
+    bool lies = ++connections == 1;
+    Bytes request = receive_bytes(socket, 20);
+    send_bytes(socket, lies ? with_sequence(hex(GetParam().answer), request)
+                            : answer_frame(request, "0500 0000 00000000"));
+    if (!lies) receive_bytes(socket, 1);
   });
-  const Exchanged all = GetParam().wants_reply ? exchange(2, kEcho, {}) : tell(2, kEcho, {});
+  Exchanged all = GetParam().wants_reply ? exchange(2, kEcho, {}) : tell(2, kEcho, {});
   EXPECT_EQ(all.result, GetParam().result);
   EXPECT_LT(all.seconds, kAtOnce);
   expect_untouched(all);
-  const Exchanged next = tell(2, kEcho, {});
+  Exchanged next = tell(2, kEcho, {});
   EXPECT_EQ(next.result, 0);
   EXPECT_EQ(next.status, 5);
   // The fake module waits for a next request; hanging up ends it.
@@ -453,21 +516,19 @@ TEST_F(ServedClient, ManyThreadsGetTheirOwnAnswers) {
   for (uint32_t id = 0; id < kThreads; ++id) {
     threads.emplace_back([&, id] {
       for (uint32_t i = 0; i < kExchanges; ++i) {
-        const Bytes request = pattern(1 + (id * 37 + i * 101) % 6000, id * 1000 + i);
+        Bytes request = pattern(1 + (id * 37 + i * 101) % 6000, id * 1000 + i);
         right += exchange_bytes(i % 2 == 0 ? 2 : 18, kEcho, request) == request ? 1 : 0;
       }
     });
   }
-  for (std::thread &thread : threads) {
-    thread.join();
-  }
+  for (std::thread &thread : threads) thread.join();
   EXPECT_EQ(right, kThreads * kExchanges);
   EXPECT_EQ(server_.counters().connections, 2 * kThreads);
 }
 
 TEST_F(ServedClient, AThreadClosesItsConnectionsWhenItEnds) {
   EXPECT_EQ(tell(2, kEcho, {}).result, 0);
-  const std::size_t before = open_descriptors();
+  size_t before = open_descriptors();
   std::thread([] {
     EXPECT_EQ(tell(2, kEcho, {}).result, 0);
     EXPECT_EQ(tell(18, kEcho, {}).result, 0);
@@ -480,7 +541,7 @@ TEST_F(ServedClient, AThreadClosesItsConnectionsWhenItEnds) {
 }
 
 TEST_F(ServedClient, AReplyMayBeReleasedOnAnotherThread) {
-  const Exchanged all = exchange(2, kEcho, bytes_of("far"));
+  Exchanged all = exchange(2, kEcho, bytes_of("far"));
   testing::internal::CaptureStderr();
   std::thread([&] {
     EXPECT_EQ(all.bytes(), bytes_of("far"));
@@ -491,29 +552,23 @@ TEST_F(ServedClient, AReplyMayBeReleasedOnAnotherThread) {
 
 TEST_F(ServedClient, RepliesLiveUntilTheyAreReleased) {
   std::vector<Exchanged> held;
-  for (uint32_t i = 0; i < 1000; ++i) {
-    held.push_back(exchange(2, kEcho, pattern(300, i)));
-  }
-  for (uint32_t i = 0; i < 1000; ++i) {
-    EXPECT_EQ(held[i].bytes(), pattern(300, i));
-  }
+  for (uint32_t i = 0; i < 1000; ++i) held.push_back(exchange(2, kEcho, pattern(300, i)));
+  for (uint32_t i = 0; i < 1000; ++i) EXPECT_EQ(held[i].bytes(), pattern(300, i));
   testing::internal::CaptureStderr();
-  for (const Exchanged &one : held) {
-    IPC_Free(one.handle);
-  }
+  for (const Exchanged &one : held) IPC_Free(one.handle);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(ServedClient, AnUnknownOrReleasedHandleIsReported) {
-  const Exchanged all = exchange(2, kEcho, bytes_of("once"));
+  Exchanged all = exchange(2, kEcho, bytes_of("once"));
   testing::internal::CaptureStderr();
   IPC_Free(all.handle);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   int times = 0;
-  for (const uint32_t wrong : {all.handle, 0u, 4000000000u}) {
+  for (uint32_t wrong : {all.handle, 0u, 4000000000u}) {
     testing::internal::CaptureStderr();
     IPC_Free(wrong);
-    const std::string errors = testing::internal::GetCapturedStderr();
+    std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_NE(
         errors.find("reply handle " + std::to_string(wrong) + " is unknown or already released (" +
                     std::to_string(++times) + " such calls so far)\n"),
@@ -525,13 +580,11 @@ TEST_F(ServedClient, AnUnknownOrReleasedHandleIsReported) {
 }
 
 TEST_F(Client, FailuresLeakNoDescriptor) {
-  const std::size_t before = open_descriptors();
-  for (int i = 0; i < 50; ++i) {
-    EXPECT_EQ(exchange(2, kEcho, {}).result, kNoModule);
-  }
+  size_t before = open_descriptors();
+  for (int i = 0; i < 50; ++i) EXPECT_EQ(exchange(2, kEcho, {}).result, kNoModule);
   EXPECT_EQ(open_descriptors(), before);
   {
-    const ServerProcess server(dir_.path());
+    ServerProcess server(dir_.path());
     for (int i = 0; i < 20; ++i) {
       EXPECT_EQ(exchange(2, kHangUp, {}).result, kLost);
       EXPECT_EQ(exchange(2, kSilence, {}, 0).result, kTimedOut);
@@ -544,22 +597,52 @@ TEST_F(Client, FailuresLeakNoDescriptor) {
 class NoDescriptors {
  public:
   NoDescriptors() {
-    ::getrlimit(RLIMIT_NOFILE, &before_);
-    const int next = ::dup(STDERR_FILENO);
-    ::close(next);
-    const rlimit none{.rlim_cur = static_cast<rlim_t>(next), .rlim_max = before_.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
+    getrlimit(RLIMIT_NOFILE, &before_);
+    int next = dup(STDERR_FILENO);
+    close(next);
+    rlimit none{.rlim_cur = static_cast<rlim_t>(next), .rlim_max = before_.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
   }
-  ~NoDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+  ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
 
  private:
   rlimit before_{};
 };
 
+// A line for standard error must not become part of a request.
+TEST_F(Client, ASocketNeverTakesThePlaceOfAStandardStream) {
+  std::atomic<int> frames{0};
+  FakeModule reader(dir_.socket(2), [&](int socket) {
+    for (Bytes request; (request = receive_bytes(socket, 20)).size() == 20;) {
+      frames += Bytes(request.begin(), request.begin() + 4) == bytes_of("OLQ1") ? 1 : 100;
+      send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
+    }
+  });
+  ChildResult child = run_in_child([] {
+    drop_connections();
+    for (int number : {0, 1, 2}) close(number);
+    int failures = 0;
+    for (int i = 0; i < 3; ++i) {
+      failures += tell(2, kEcho, {}).result == 0 ? 0 : 1;
+      log_log(3, "front end", 1, "a line");
+    }
+    int ends[2];
+    socketpair(AF_UNIX, SOCK_STREAM, 0, ends);
+    olt_connect_through([](void *end, uint32_t) { return *static_cast<int *>(end); }, &ends[0]);
+    failures += tell(2, kEcho, {}, 0).result == kTimedOut ? 0 : 1;
+    log_log(3, "front end", 2, "a line");
+    char bytes[64];
+    failures += read(ends[1], bytes, sizeof bytes) == 20 ? 0 : 1;
+    return failures;
+  });
+  EXPECT_EQ(child.status, 0);
+  EXPECT_EQ(frames, 3);
+}
+
 TEST_F(ServedClient, TellsWhenDescriptorsRunOut) {
   {
-    const NoDescriptors none;
-    const Exchanged all = exchange(2, kEcho, {});
+    NoDescriptors none;
+    Exchanged all = exchange(2, kEcho, {});
     EXPECT_EQ(all.result, kNoResources);
     expect_untouched(all);
   }
@@ -617,7 +700,7 @@ int connect_to_server(void *context, uint32_t module) {
 TEST_F(ServedClient, AConnectorLeadsElsewhereUntilItIsTakenBack) {
   EXPECT_EQ(tell(2, kNoReplyFlag, {}).status, 1);
   {
-    const ServerThread embedded(
+    ServerThread embedded(
         {.modules = {2},
          .handler = [](void *, const olt_request *, olt_answer *answer) { answer->status = 321; }});
     olt_connect_through(connect_to_server, embedded.server());
@@ -649,17 +732,17 @@ TEST_F(Client, AConnectorMayGiveNothing) {
 
 TEST_F(Client, ANonBlockingSocketFromAConnectorWillDo) {
   int ends[2];
-  ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends), 0);
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends), 0);
   olt_connect_through([](void *context, uint32_t) { return *static_cast<int *>(context); },
                       &ends[0]);
   std::thread module([&] {
-    receive_bytes(ends[1], 20);
+    Bytes request = receive_bytes(ends[1], 20);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    send_bytes(ends[1], hex("4f4c4131 01000000 0600 0000 00000000"));
+    send_bytes(ends[1], answer_frame(request, "0600 0000 00000000"));
   });
   EXPECT_EQ(tell(2, kEcho, {}).status, 6);
   module.join();
-  ::close(ends[1]);
+  close(ends[1]);
   olt_connect_through(nullptr, nullptr);
 }
 

@@ -18,7 +18,7 @@ namespace {
                                                     va_list arguments) {
   char line[512];
   std::vsnprintf(line, sizeof line, format, arguments);
-  ::dprintf(STDERR_FILENO, "syslog %d %s\n", priority, line);
+  dprintf(STDERR_FILENO, "syslog %d %s\n", priority, line);
 }
 
 }  // namespace
@@ -41,14 +41,15 @@ extern "C" [[gnu::visibility("default"), gnu::format(printf, 3, 4)]] void __sysl
 }
 
 namespace olt::test {
+
 namespace {
 
 std::string log_with(const char *target, const std::function<void()> &body) {
-  const ChildResult child = run_in_child([&] {
+  ChildResult child = run_in_child([&] {
     if (target != nullptr) {
-      ::setenv("OLT_LOG", target, 1);
+      setenv("OLT_LOG", target, 1);
     } else {
-      ::unsetenv("OLT_LOG");
+      unsetenv("OLT_LOG");
     }
     body();
     return 0;
@@ -83,7 +84,7 @@ TEST(Log, KeepsTheLevelInTheRangeOfTheSystemLog) {
 }
 
 TEST(Log, ABadTargetIsReportedOnceAndStandardErrorUsed) {
-  const std::string errors = log_with("printer", [] {
+  std::string errors = log_with("printer", [] {
     log_one();
     log_one();
   });
@@ -99,7 +100,7 @@ TEST(Log, ALineStaysOneLine) {
 }
 
 TEST(Log, ALongLineIsCut) {
-  const std::string errors =
+  std::string errors =
       log_with("stderr", [] { log_log(3, "t", 1, std::string(100000, 'x').c_str()); });
   EXPECT_EQ(errors.size(), 2048u);
   EXPECT_EQ(errors.substr(0, 20), "oltmgmt[3] t:1: xxxx");

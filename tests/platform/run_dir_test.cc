@@ -11,29 +11,30 @@
 #include "tests/platform/support.h"
 
 namespace olt::test {
+
 namespace {
 
 namespace fs = std::filesystem;
 
 unsigned mode_of(const std::string &path) {
   struct stat found {};
-  EXPECT_EQ(::lstat(path.c_str(), &found), 0) << path;
+  EXPECT_EQ(lstat(path.c_str(), &found), 0) << path;
   return found.st_mode & 07777;
 }
 
 gid_t group_of(const std::string &path) {
   struct stat found {};
-  EXPECT_EQ(::lstat(path.c_str(), &found), 0) << path;
+  EXPECT_EQ(lstat(path.c_str(), &found), 0) << path;
   return found.st_gid;
 }
 
-/// A server that does not run; null with a line when it cannot be had.
+/// A server that does not run; null with a line when it cannot be created.
 struct Attempt {
   explicit Attempt(const std::string &run_dir, const char *group = nullptr,
                    const std::vector<uint32_t> &modules = {2}) {
-    const olt_server_options options{.run_dir = run_dir.c_str(), .group = group};
+    olt_server_options options{.run_dir = run_dir.c_str(), .group = group};
     server = olt_server_create(&options, error.data());
-    for (const uint32_t module : modules) {
+    for (uint32_t module : modules) {
       added = server != nullptr && olt_server_add(server, module, act, nullptr, error.data()) == 0;
     }
   }
@@ -52,35 +53,35 @@ class RunDir : public testing::Test {
  protected:
   void make(unsigned mode) {
     fs::create_directory(dir_.path());
-    ASSERT_EQ(::chmod(dir_.path().c_str(), mode), 0);
+    ASSERT_EQ(chmod(dir_.path().c_str(), mode), 0);
   }
   void put_something() { std::ofstream(dir_.path() + "/something") << "x"; }
 
   TemporaryRunDir dir_;
-  const std::string own_group_ = std::to_string(::getegid());
+  const std::string own_group_ = std::to_string(getegid());
 };
 
 TEST_F(RunDir, IsCreatedForTheOwnUserAlone) {
-  const mode_t before = ::umask(0);
-  const Attempt attempt(dir_.path());
-  ::umask(before);
+  mode_t before = umask(0);
+  Attempt attempt(dir_.path());
+  umask(before);
   ASSERT_TRUE(attempt.added) << attempt.line();
   EXPECT_EQ(mode_of(dir_.path()), 0700u);
   EXPECT_EQ(mode_of(dir_.socket(2)), 0600u);
 }
 
 TEST_F(RunDir, DoesNotSufferFromATightUmask) {
-  const mode_t before = ::umask(0077);
-  const Attempt attempt(dir_.path(), own_group_.c_str());
-  ::umask(before);
+  mode_t before = umask(0077);
+  Attempt attempt(dir_.path(), own_group_.c_str());
+  umask(before);
   ASSERT_TRUE(attempt.added) << attempt.line();
   EXPECT_EQ(mode_of(dir_.path()), 0750u);
   EXPECT_EQ(mode_of(dir_.socket(2)), 0660u);
 }
 
 TEST_F(RunDir, IsOpenedToTheAllowedGroup) {
-  const std::string group = ::geteuid() == 0 ? "12345" : own_group_;
-  const Attempt attempt(dir_.path(), group.c_str());
+  std::string group = geteuid() == 0 ? "12345" : own_group_;
+  Attempt attempt(dir_.path(), group.c_str());
   ASSERT_TRUE(attempt.added) << attempt.line();
   EXPECT_EQ(mode_of(dir_.path()), 0750u);
   EXPECT_EQ(mode_of(dir_.socket(2)), 0660u);
@@ -90,7 +91,7 @@ TEST_F(RunDir, IsOpenedToTheAllowedGroup) {
 
 TEST_F(RunDir, IsTightenedWhenItIsEmpty) {
   make(0777);
-  const Attempt attempt(dir_.path());
+  Attempt attempt(dir_.path());
   ASSERT_TRUE(attempt.added) << attempt.line();
   EXPECT_EQ(mode_of(dir_.path()), 0700u);
 }
@@ -98,7 +99,7 @@ TEST_F(RunDir, IsTightenedWhenItIsEmpty) {
 TEST_F(RunDir, IsRefusedWhenOthersMayHavePutSomethingThere) {
   make(0755);
   put_something();
-  const Attempt attempt(dir_.path());
+  Attempt attempt(dir_.path());
   EXPECT_EQ(attempt.server, nullptr);
   EXPECT_NE(attempt.line().find("is not empty and has mode 0755"), std::string::npos)
       << attempt.line();
@@ -109,7 +110,7 @@ TEST_F(RunDir, IsRefusedWhenOthersMayHavePutSomethingThere) {
 TEST_F(RunDir, IsTakenWhenItWasClosedToOthers) {
   make(0700);
   put_something();
-  const Attempt attempt(dir_.path());
+  Attempt attempt(dir_.path());
   EXPECT_TRUE(attempt.added) << attempt.line();
   EXPECT_TRUE(fs::exists(dir_.path() + "/something"));
 }
@@ -117,69 +118,84 @@ TEST_F(RunDir, IsTakenWhenItWasClosedToOthers) {
 TEST_F(RunDir, IsTakenWhenItWasClosedToAllButTheAllowedGroup) {
   make(0750);
   put_something();
-  const Attempt without(dir_.path());
+  Attempt without(dir_.path());
   EXPECT_EQ(without.server, nullptr);
-  const Attempt with(dir_.path(), own_group_.c_str());
+  Attempt with(dir_.path(), own_group_.c_str());
   EXPECT_TRUE(with.added) << with.line();
 }
 
 TEST_F(RunDir, IsRefusedWhenItBelongsToSomebodyElse) {
   std::string foreign = "/";
-  if (::geteuid() == 0) {
+  if (geteuid() == 0) {
     make(0700);
     foreign = dir_.path();
-    ASSERT_EQ(::chown(foreign.c_str(), 12345, 12345), 0);
+    ASSERT_EQ(chown(foreign.c_str(), 12345, 12345), 0);
   }
-  const Attempt attempt(foreign);
+  Attempt attempt(foreign);
   EXPECT_EQ(attempt.server, nullptr);
   EXPECT_NE(attempt.line().find("belongs to user"), std::string::npos) << attempt.line();
 }
 
 TEST_F(RunDir, IsRefusedWhenItIsALinkOrNoDirectory) {
   fs::create_directory(dir_.base() + "/elsewhere");
+  unsigned mode = mode_of(dir_.base() + "/elsewhere");
   fs::create_symlink(dir_.base() + "/elsewhere", dir_.base() + "/link");
-  const Attempt link(dir_.base() + "/link");
-  EXPECT_NE(link.line().find("cannot be used"), std::string::npos) << link.line();
+  for (const char *end : {"/link", "/link/", "/link//"}) {
+    Attempt link(dir_.base() + end);
+    EXPECT_NE(link.line().find("cannot be used"), std::string::npos) << link.line();
+  }
+  EXPECT_EQ(mode_of(dir_.base() + "/elsewhere"), mode);
   std::ofstream(dir_.base() + "/file") << "x";
-  const Attempt file(dir_.base() + "/file");
+  Attempt file(dir_.base() + "/file");
   EXPECT_NE(file.line().find("cannot be used: Not a directory"), std::string::npos) << file.line();
 }
 
+TEST_F(RunDir, IsRefusedWhereOthersCanRenameIt) {
+  ASSERT_EQ(chmod(dir_.base().c_str(), 0777), 0);
+  Attempt attempt(dir_.path());
+  EXPECT_EQ(attempt.server, nullptr);
+  EXPECT_NE(attempt.line().find("\"" + dir_.base() +
+                                "\" has mode 0777; expected a directory that "
+                                "only its owner can write to, or one with the sticky bit"),
+            std::string::npos)
+      << attempt.line();
+}
+
 TEST_F(RunDir, NeedsItsParent) {
-  const Attempt attempt(dir_.base() + "/missing/run");
-  EXPECT_NE(attempt.line().find("cannot be created: No such file or directory"), std::string::npos)
+  Attempt attempt(dir_.base() + "/missing/run");
+  EXPECT_NE(attempt.line().find("cannot be reached: No such file or directory"), std::string::npos)
       << attempt.line();
 }
 
 TEST_F(RunDir, AnUnknownGroupIsRefused) {
-  const Attempt attempt(dir_.path(), "no such group");
+  Attempt attempt(dir_.path(), "no such group");
   EXPECT_EQ(attempt.line(),
             "group \"no such group\" is not known; expected the name or the number of a group");
   EXPECT_FALSE(fs::exists(dir_.path()));
 }
 
 TEST_F(RunDir, ATooLongPathIsRefused) {
-  const std::string longer = dir_.base() + "/" + std::string(100, 'd');
-  const Attempt attempt(longer);
+  std::string longer = dir_.base() + "/" + std::string(100, 'd');
+  Attempt attempt(longer);
   EXPECT_FALSE(attempt.added);
   EXPECT_NE(attempt.line().find("socket path \"" + longer), std::string::npos) << attempt.line();
   EXPECT_EQ(std::distance(fs::directory_iterator(longer), {}), 0);
 }
 
 TEST_F(RunDir, AModuleIsServedByOneServerOnly) {
-  const Attempt first(dir_.path());
+  Attempt first(dir_.path());
   ASSERT_TRUE(first.added) << first.line();
-  const Attempt second(dir_.path());
+  Attempt second(dir_.path());
   EXPECT_FALSE(second.added);
   EXPECT_EQ(second.line().substr(0, 38),
             "module 2 is already being served in \"" + dir_.path().substr(0, 1));
-  const Attempt other(dir_.path(), nullptr, {18});
+  Attempt other(dir_.path(), nullptr, {18});
   EXPECT_TRUE(other.added) << other.line();
   EXPECT_TRUE(fs::exists(dir_.socket(2)));
 }
 
 TEST_F(RunDir, AModuleIsAddedOnce) {
-  const Attempt attempt(dir_.path(), nullptr, {2, 2});
+  Attempt attempt(dir_.path(), nullptr, {2, 2});
   EXPECT_FALSE(attempt.added);
   EXPECT_EQ(attempt.line(), "module 2 was added before; expected each module once");
 }
@@ -188,14 +204,14 @@ TEST_F(RunDir, ASocketOfAKilledServerIsTakenOver) {
   ServerProcess killed(dir_.path());
   killed.kill();
   ASSERT_TRUE(fs::exists(dir_.socket(2)));
-  const ServerThread server({.run_dir = dir_.path().c_str()});
+  ServerThread server({.run_dir = dir_.path().c_str()});
   EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("new")), bytes_of("new"));
 }
 
 TEST_F(RunDir, SomethingElseInTheWayIsLeftAlone) {
   make(0700);
   std::ofstream(dir_.socket(2)) << "precious";
-  const Attempt attempt(dir_.path());
+  Attempt attempt(dir_.path());
   EXPECT_FALSE(attempt.added);
   EXPECT_NE(attempt.line().find("/module-2\" is in the way; expected a socket or nothing"),
             std::string::npos)
@@ -207,7 +223,7 @@ TEST_F(RunDir, SomethingElseInTheWayIsLeftAlone) {
 
 TEST_F(RunDir, NothingIsLeftBehindByADestroyedServer) {
   {
-    const Attempt attempt(dir_.path(), nullptr, {2, 18, 22, 23});
+    Attempt attempt(dir_.path(), nullptr, {2, 18, 22, 23});
     ASSERT_TRUE(attempt.added) << attempt.line();
     EXPECT_TRUE(fs::exists(dir_.socket(23)));
   }
@@ -216,21 +232,21 @@ TEST_F(RunDir, NothingIsLeftBehindByADestroyedServer) {
 
 TEST_F(RunDir, IsChosenByTheEnvironment) {
   char path[64];
-  ::setenv("OLT_RUN_DIR", "/some/where", 1);
+  setenv("OLT_RUN_DIR", "/some/where", 1);
   EXPECT_EQ(olt_run_dir(path, sizeof path), 0);
   EXPECT_STREQ(path, "/some/where");
-  ::setenv("OLT_RUN_DIR", "", 1);
-  ::setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
+  setenv("OLT_RUN_DIR", "", 1);
+  setenv("XDG_RUNTIME_DIR", "/run/user/7", 1);
   EXPECT_EQ(olt_run_dir(path, sizeof path), 0);
   EXPECT_STREQ(path, "/run/user/7/oltmgmt");
-  ::unsetenv("OLT_RUN_DIR");
-  ::unsetenv("XDG_RUNTIME_DIR");
+  unsetenv("OLT_RUN_DIR");
+  unsetenv("XDG_RUNTIME_DIR");
   EXPECT_EQ(olt_run_dir(path, sizeof path), 0);
   EXPECT_STREQ(path, "/run/oltmgmt");
 }
 
 TEST_F(RunDir, IsNotCutWhenItDoesNotFit) {
-  ::setenv("OLT_RUN_DIR", "/some/where", 1);
+  setenv("OLT_RUN_DIR", "/some/where", 1);
   char path[12] = "untouched";
   EXPECT_EQ(olt_run_dir(path, 12), 0);
   EXPECT_STREQ(path, "/some/where");

@@ -3,8 +3,10 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <fstream>
@@ -14,10 +16,12 @@
 #include "tests/platform/support.h"
 
 namespace olt::test {
+
 namespace {
 
 using std::chrono::milliseconds;
 
+constexpr int32_t kLost = 0x00030000;
 const Bytes kEmptyAnswer = hex("4f4c4131 01000000 0000 0000 00000000");
 
 class Serving : public testing::Test {
@@ -31,7 +35,7 @@ class Serving : public testing::Test {
 };
 
 TEST_F(Serving, AnswersWithTheDocumentedBytes) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex("4f4c5131 f1e2d3c4 01000000 00000000 03000000 616263")));
   EXPECT_EQ(client.receive(19), hex("4f4c4131 f1e2d3c4 0000 0000 03000000 616263"));
   ASSERT_TRUE(client.send(hex("4f4c5131 02000000 02000000 00000000 04000000 34120000")));
@@ -39,7 +43,7 @@ TEST_F(Serving, AnswersWithTheDocumentedBytes) {
 }
 
 TEST_F(Serving, SendsNoReplyThatIsNotWanted) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex("4f4c5131 01000000 01000000 01000000 03000000 616263")));
   EXPECT_EQ(client.receive(16), kEmptyAnswer);
   ASSERT_TRUE(client.send(request_frame(2, kEcho, bytes_of("z"))));
@@ -47,8 +51,8 @@ TEST_F(Serving, SendsNoReplyThatIsNotWanted) {
 }
 
 TEST_F(Serving, TakesAFrameInPieces) {
-  const RawClient client(dir_.socket(2));
-  for (const uint8_t byte : request_frame(1, kEcho, bytes_of("pieces"))) {
+  RawClient client(dir_.socket(2));
+  for (uint8_t byte : request_frame(1, kEcho, bytes_of("pieces"))) {
     ASSERT_TRUE(client.send({byte}));
     std::this_thread::sleep_for(milliseconds(2));
   }
@@ -57,15 +61,15 @@ TEST_F(Serving, TakesAFrameInPieces) {
 }
 
 TEST_F(Serving, AnswersRequestsThatCameTogetherInTurn) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes all;
   for (uint32_t i = 0; i < 500; ++i) {
-    const Bytes frame = request_frame(i, kEcho, le32(i));
+    Bytes frame = request_frame(i, kEcho, le32(i));
     all.insert(all.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(all));
   for (uint32_t i = 0; i < 500; ++i) {
-    const Bytes answer = client.receive(20);
+    Bytes answer = client.receive(20);
     ASSERT_EQ(answer.size(), 20u);
     EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
     EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), le32(i));
@@ -73,9 +77,9 @@ TEST_F(Serving, AnswersRequestsThatCameTogetherInTurn) {
 }
 
 TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes both = request_frame(1, kDelayedEcho, le32(100));
-  const Bytes second = request_frame(2, kEcho, {});
+  Bytes second = request_frame(2, kEcho, {});
   both.insert(both.end(), second.begin(), second.end());
   ASSERT_TRUE(client.send(both));
   EXPECT_EQ(client.receive(36), hex("4f4c4131 01000000 0000 0000 04000000 64000000"
@@ -83,30 +87,28 @@ TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
 }
 
 TEST_F(Serving, OthersAreServedWhileAnAnswerIsDelayed) {
-  const RawClient patient(dir_.socket(2));
-  const auto start = Clock::now();
+  RawClient patient(dir_.socket(2));
+  auto start = Clock::now();
   ASSERT_TRUE(patient.send(request_frame(1, kDelayedEcho, le32(600))));
-  for (int i = 0; i < 20; ++i) {
-    expect_still_serving();
-  }
+  for (int i = 0; i < 20; ++i) expect_still_serving();
   EXPECT_LT(seconds_since(start), 0.6);
   EXPECT_EQ(patient.receive(20).size(), 20u);
   EXPECT_GE(seconds_since(start), 0.6);
 }
 
 TEST_F(Serving, AWithheldAnswerLeavesTheConnectionUsable) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(request_frame(1, kSilence, {})));
   ASSERT_TRUE(client.send(request_frame(2, kEcho, {})));
   EXPECT_EQ(client.receive(16), hex("4f4c4131 02000000 0000 0000 00000000"));
 }
 
 TEST_F(Serving, HangsUpOnRequestAtOnceOrLater) {
-  const RawClient first(dir_.socket(2));
+  RawClient first(dir_.socket(2));
   ASSERT_TRUE(first.send(request_frame(1, kHangUp, {})));
   EXPECT_TRUE(first.is_closed());
-  const RawClient second(dir_.socket(2));
-  const auto start = Clock::now();
+  RawClient second(dir_.socket(2));
+  auto start = Clock::now();
   ASSERT_TRUE(second.send(request_frame(1, kHangUp, le32(200))));
   EXPECT_TRUE(second.is_closed());
   EXPECT_GE(seconds_since(start), 0.2);
@@ -114,12 +116,12 @@ TEST_F(Serving, HangsUpOnRequestAtOnceOrLater) {
 }
 
 TEST_F(Serving, AFailingHandlerAnswersWithItsOwnStatus) {
-  for (const uint32_t type : {kThrow, kTooLong, kNullReply}) {
-    const Exchanged all = exchange(2, type, {});
+  for (uint32_t type : {kThrow, kTooLong, kNullReply}) {
+    Exchanged all = exchange(2, type, {});
     EXPECT_EQ(all.result, 0);
     EXPECT_EQ(all.status, 0xffff);
   }
-  const std::string events = server_.events();
+  std::string events = server_.events();
   EXPECT_NE(events.find("module 2: the handler of message type 8 threw an exception: no such slot"),
             std::string::npos);
   EXPECT_NE(events.find("message type 9 gave a reply longer than 65535 bytes: 65536"),
@@ -140,7 +142,7 @@ struct Rubbish {
 class RubbishRequest : public Serving, public testing::WithParamInterface<Rubbish> {};
 
 TEST_P(RubbishRequest, ClosesTheConnectionAndIsCounted) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex(GetParam().bytes)));
   EXPECT_TRUE(client.is_closed());
   EXPECT_TRUE(server_.reaches(&olt_server_counters::broken_frames, 1));
@@ -158,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto &one) { return std::string(one.param.name); });
 
 TEST_F(Serving, RubbishBehindAGoodRequestClosesTheConnectionAfterItsAnswer) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes bytes = request_frame(1, kEcho, {});
   bytes.push_back('x');
   ASSERT_TRUE(client.send(bytes));
@@ -168,7 +170,7 @@ TEST_F(Serving, RubbishBehindAGoodRequestClosesTheConnectionAfterItsAnswer) {
 
 TEST_F(Serving, SurvivesMuchRubbish) {
   for (uint32_t i = 0; i < 200; ++i) {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     client.send(pattern(1 + i * 7, i));
   }
   EXPECT_TRUE(server_.reaches(&olt_server_counters::broken_frames, 200));
@@ -176,11 +178,11 @@ TEST_F(Serving, SurvivesMuchRubbish) {
 }
 
 TEST_F(Serving, AClientThatStopsHalfWayIsDropped) {
-  const RawClient in_header(dir_.socket(2));
+  RawClient in_header(dir_.socket(2));
   ASSERT_TRUE(in_header.send(hex("4f4c5131 0100")));
-  const RawClient in_data(dir_.socket(2));
+  RawClient in_data(dir_.socket(2));
   ASSERT_TRUE(in_data.send(hex("4f4c5131 01000000 01000000 00000000 0a000000 616263")));
-  const RawClient idle(dir_.socket(2));
+  RawClient idle(dir_.socket(2));
   expect_still_serving();
   EXPECT_TRUE(in_header.is_closed());
   EXPECT_TRUE(in_data.is_closed());
@@ -193,10 +195,10 @@ TEST_F(Serving, AClientThatStopsHalfWayIsDropped) {
 }
 
 TEST_F(Serving, AClientThatDoesNotReadItsAnswersIsDropped) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 64; ++i) {
-    const Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, le32(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
@@ -207,17 +209,17 @@ TEST_F(Serving, AClientThatDoesNotReadItsAnswersIsDropped) {
 }
 
 TEST_F(Serving, ASlowReaderGetsAllItsAnswers) {
-  const RawClient client(dir_.socket(2));
+  RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 16; ++i) {
-    const Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, le32(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
-  const Bytes reply = pattern(65535, 6);
+  Bytes reply = pattern(65535, 6);
   for (uint32_t i = 0; i < 16; ++i) {
     std::this_thread::sleep_for(milliseconds(10));
-    const Bytes answer = client.receive(65551);
+    Bytes answer = client.receive(65551);
     ASSERT_EQ(answer.size(), 65551u);
     EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
     EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), reply);
@@ -250,7 +252,7 @@ TEST_F(Serving, AClientThatVanishesBeforeItsAnswerIsNoticedAtOnce) {
 
 TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     ASSERT_TRUE(client.send(request_frame(1, kEcho, {})));
     EXPECT_EQ(client.receive(16), kEmptyAnswer);
   }
@@ -260,14 +262,75 @@ TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   EXPECT_EQ(server_.counters().connections, 2u);
 }
 
-std::size_t virtual_memory() {
-  std::size_t pages = 0;
+// The handler takes 20 ms for each of 50 requests; another client waits for one of them, not all.
+TEST_F(Serving, RequestsSentTogetherHoldUpNobodyElse) {
+  expect_still_serving();
+  RawClient greedy(dir_.socket(2));
+  Bytes requests;
+  for (uint32_t i = 0; i < 50; ++i) {
+    Bytes frame = request_frame(i, kBusy, le32(20));
+    requests.insert(requests.end(), frame.begin(), frame.end());
+  }
+  ASSERT_TRUE(greedy.send(requests));
+  for (int i = 0; i < 5; ++i) {
+    Exchanged other = exchange(2, kEcho, {});
+    EXPECT_EQ(other.result, 0);
+    EXPECT_LT(other.seconds, 0.4);
+  }
+  EXPECT_LT(server_.counters().exchanges, 50u);
+  EXPECT_EQ(greedy.receive(50 * 16).size(), 800u);
+}
+
+class Limited : public testing::Test {
+ protected:
+  TemporaryRunDir dir_;
+  ServerThread server_{{.run_dir = dir_.path().c_str(), .pending_limit = 1 << 20}};
+};
+
+// 200 KiB of each request arrive, for which a buffer of 256 KiB is needed: four fit into 1 MiB.
+TEST_F(Limited, HalfReceivedRequestsTakeNoMoreMemoryThanTold) {
+  std::vector<std::unique_ptr<RawClient>> clients;
+  Bytes piece = hex("4f4c5131 01000000 01000000 00000000 00000001");
+  piece.resize(200 * 1024);
+  for (int i = 0; i < 20; ++i) {
+    clients.push_back(std::make_unique<RawClient>(dir_.socket(2)));
+    clients.back()->send(piece);
+  }
+  for (int i = 0; i < 500 && server_.counters().over_limit_clients < 16; ++i) {
+    std::this_thread::sleep_for(milliseconds(2));
+  }
+  uint64_t dropped = server_.counters().over_limit_clients;
+  EXPECT_GE(dropped, 16u);
+  EXPECT_LT(dropped, 20u);
+  EXPECT_NE(
+      server_.events().find("module 2: a client sent a request for which the limit on pending "
+                            "requests leaves no memory; dropped\n"),
+      std::string::npos)
+      << server_.events();
+  EXPECT_EQ(exchange_bytes(2, kEcho, Bytes(4000, 7)), Bytes(4000, 7));
+
+  clients.clear();
+  EXPECT_TRUE(server_.reaches(&olt_server_counters::vanished_clients, 20 - dropped));
+  for (int i = 0; i < 10; ++i) {
+    Bytes request = pattern(900 * 1024, 1);
+    EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
+  }
+}
+
+TEST_F(Limited, ARequestBeyondTheLimitIsDroppedAndOthersAreServed) {
+  EXPECT_EQ(tell(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
+  EXPECT_TRUE(server_.reaches(&olt_server_counters::over_limit_clients, 1));
+  EXPECT_EQ(tell(2, kDigest, Bytes(1024 * 1024)).result, 0);
+}
+
+size_t virtual_memory() {
+  size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
-  return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+  return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
 TEST_F(Serving, AClaimedLengthTakesNoMemory) {
-  const std::size_t before = virtual_memory();
+  size_t before = virtual_memory();
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 64; ++i) {
     clients.push_back(std::make_unique<RawClient>(dir_.socket(2)));
@@ -291,7 +354,7 @@ TEST_F(Serving, ConnectsWithinTheProcess) {
 
 TEST_F(Serving, CountsExchangesAndConnections) {
   for (int i = 0; i < 3; ++i) {
-    const RawClient client(dir_.socket(2));
+    RawClient client(dir_.socket(2));
     ASSERT_TRUE(client.send(request_frame(1, kEcho, {})));
     EXPECT_EQ(client.receive(16), kEmptyAnswer);
   }
@@ -300,11 +363,11 @@ TEST_F(Serving, CountsExchangesAndConnections) {
 }
 
 TEST(ServerEvents, GoToTheLogWhenNobodyTakesThem) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   testing::internal::CaptureStderr();
   {
-    const ServerProcess server(dir.path());
-    const RawClient client(dir.socket(2));
+    ServerProcess server(dir.path());
+    RawClient client(dir.socket(2));
     ASSERT_TRUE(client.send(bytes_of("rubbish")));
     EXPECT_TRUE(client.is_closed());
   }
@@ -318,7 +381,7 @@ olt_server *stopped_by_signal = nullptr;
 class Stopping : public testing::Test {
  protected:
   Stopping() {
-    const olt_server_options options{};
+    olt_server_options options{};
     char error[256] = "";
     server_ = olt_server_create(&options, error);
     EXPECT_NE(server_, nullptr) << error;
@@ -340,13 +403,13 @@ TEST_F(Stopping, WorksFromASignalHandler) {
   struct sigaction before {};
   action.sa_handler = [](int) { olt_server_stop(stopped_by_signal); };
   sigaction(SIGUSR1, &action, &before);
-  const pthread_t runner = ::pthread_self();
+  pthread_t runner = pthread_self();
   std::atomic<double> signalled{0};
-  const auto start = Clock::now();
+  auto start = Clock::now();
   std::thread signaller([&] {
     std::this_thread::sleep_for(milliseconds(50));
     signalled = seconds_since(start);
-    ::pthread_kill(runner, SIGUSR1);
+    pthread_kill(runner, SIGUSR1);
   });
   EXPECT_EQ(run(), 0);
   EXPECT_LT(seconds_since(start) - signalled, 0.5);
@@ -356,7 +419,7 @@ TEST_F(Stopping, WorksFromASignalHandler) {
 
 TEST_F(Stopping, BeforeTheRunEndsIt) {
   olt_server_stop(server_);
-  const auto start = Clock::now();
+  auto start = Clock::now();
   EXPECT_EQ(run(), 0);
   EXPECT_LT(seconds_since(start), 0.5);
 }
@@ -384,6 +447,59 @@ TEST_F(Stopping, DestroyingClosesWhatIsStillOpen) {
   EXPECT_TRUE(delayed.is_closed());
 }
 
+// Each connection has a request waiting, and the handler takes 50 ms for each.
+TEST_F(Stopping, WaitsForOneHandlerAtMost) {
+  std::thread runner([&] { EXPECT_EQ(run(), 0); });
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int i = 0; i < 60; ++i) {
+    clients.push_back(std::make_unique<RawClient>(olt_server_connect(server_, 2)));
+    ASSERT_TRUE(clients.back()->send(request_frame(1, kBusy, le32(50))));
+  }
+  EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
+  auto start = Clock::now();
+  olt_server_stop(server_);
+  runner.join();
+  EXPECT_LT(seconds_since(start), 0.5);
+}
+
+/// A process that connects to a socket and closes the connection, without end.
+class ConnectFlood {
+ public:
+  explicit ConnectFlood(const std::string &socket) : child_(fork()) {
+    if (child_ != 0) return;
+    for (;;) RawClient{socket};
+  }
+  ConnectFlood(const ConnectFlood &) = delete;
+  ConnectFlood &operator=(const ConnectFlood &) = delete;
+  ~ConnectFlood() {
+    kill(child_, SIGKILL);
+    waitpid(child_, nullptr, 0);
+  }
+
+ private:
+  pid_t child_;
+};
+
+TEST(ServerLoad, AFloodOfConnectionsDoesNotHoldUpTheOthers) {
+  TemporaryRunDir dir;
+  testing::internal::CaptureStderr();
+  ServerProcess server(dir.path());
+  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  ConnectFlood flood(dir.socket(2));
+  std::this_thread::sleep_for(milliseconds(200));
+  std::vector<double> times;
+  for (int i = 0; i < 200; ++i) {
+    Exchanged one = tell(2, kEcho, {});
+    EXPECT_EQ(one.result, 0);
+    times.push_back(one.seconds);
+  }
+  EXPECT_LT(open_descriptors_of(server.pid()), 60u);
+  std::sort(times.begin(), times.end());
+  EXPECT_LT(times[100], 0.02);
+  RecordProperty("p99_us", static_cast<int>(times[198] * 1e6));
+  testing::internal::GetCapturedStderr();
+}
+
 double cpu_seconds(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/schedstat");
   uint64_t nanoseconds = 0;
@@ -392,47 +508,60 @@ double cpu_seconds(pid_t process) {
 }
 
 TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
-  const TemporaryRunDir dir;
+  TemporaryRunDir dir;
   testing::internal::CaptureStderr();
-  const ServerProcess server(dir.path(), {2}, nullptr, [] {
-    const rlimit few{.rlim_cur = 40, .rlim_max = 40};
-    ::setrlimit(RLIMIT_NOFILE, &few);
+  ServerProcess server(dir.path(), {2}, nullptr, [] {
+    rlimit few{.rlim_cur = 60, .rlim_max = 60};
+    setrlimit(RLIMIT_NOFILE, &few);
   });
   std::vector<std::unique_ptr<RawClient>> clients;
-  for (int i = 0; i < 60; ++i) {
-    clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
-  }
+  for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
   ASSERT_TRUE(clients[0]->send(request_frame(1, kEcho, {})));
   EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
-  const double before = cpu_seconds(server.pid());
+  double before = cpu_seconds(server.pid());
   std::this_thread::sleep_for(milliseconds(500));
   EXPECT_LT(cpu_seconds(server.pid()) - before, 0.2);
   ASSERT_TRUE(clients[0]->send(request_frame(1, kEcho, {})));
   EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
 
   ASSERT_TRUE(clients[59]->send(request_frame(1, kEcho, {})));
-  for (std::size_t i = 0; i < 40; ++i) {
-    clients[i]->close();
-  }
+  for (size_t i = 0; i < 40; ++i) clients[i]->close();
   EXPECT_EQ(clients[59]->receive(16), kEmptyAnswer);
-  const std::string errors = testing::internal::GetCapturedStderr();
+  std::string errors = testing::internal::GetCapturedStderr();
   EXPECT_NE(errors.find("module 2: new clients have to wait: Too many open files\n"),
             std::string::npos)
       << errors;
 }
 
+// Sixteen descriptors stay free for what handlers open.
+TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
+  TemporaryRunDir dir;
+  testing::internal::CaptureStderr();
+  ServerProcess server(dir.path(), {2, 18}, nullptr, [] {
+    rlimit few{.rlim_cur = 40, .rlim_max = 40};
+    setrlimit(RLIMIT_NOFILE, &few);
+  });
+  EXPECT_EQ(tell(18, kEcho, {}).result, 0);
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
+  std::this_thread::sleep_for(milliseconds(100));
+  EXPECT_EQ(tell(18, kOpenFiles, le32(16)).status, 0);
+  EXPECT_GT(open_descriptors_of(server.pid()), 20u);
+  testing::internal::GetCapturedStderr();
+}
+
 TEST(ServerLimits, AsManyDescriptorsAsTheSystemAllows) {
-  const TemporaryRunDir dir;
-  const ChildResult child = run_in_child([&] {
+  TemporaryRunDir dir;
+  ChildResult child = run_in_child([&] {
     rlimit limit{};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
+    getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = 30;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-    const olt_server_options options{.run_dir = dir.path().c_str()};
+    setrlimit(RLIMIT_NOFILE, &limit);
+    olt_server_options options{.run_dir = dir.path().c_str()};
     char error[256] = "";
     olt_server *server = olt_server_create(&options, error);
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    const bool raised = server != nullptr && limit.rlim_cur == limit.rlim_max;
+    getrlimit(RLIMIT_NOFILE, &limit);
+    bool raised = server != nullptr && limit.rlim_cur == limit.rlim_max;
     olt_server_destroy(server);
     return raised ? 0 : 1;
   });

@@ -1,5 +1,6 @@
 #include "tests/platform/support.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
@@ -9,20 +10,23 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
 
+#include "base/descriptor.h"
 #include "base/text.h"
 
 namespace olt::test {
+
 namespace {
 
-uint32_t parameter(const olt_request &request, std::size_t index) {
+uint32_t parameter(const olt_request &request, size_t index) {
   uint32_t value = 0;
-  for (std::size_t i = 0; i < 4 && 4 * index + i < request.length; ++i) {
+  for (size_t i = 0; i < 4 && 4 * index + i < request.length; ++i) {
     value |= static_cast<uint32_t>(static_cast<const uint8_t *>(request.data)[4 * index + i])
              << (8 * i);
   }
@@ -41,6 +45,13 @@ void echo(const olt_request &request, olt_answer *answer) {
   answer->reply_length = request.length;
 }
 
+size_t failed_opens(size_t count) {
+  std::vector<Descriptor> files;
+  for (size_t i = 0; i < count; ++i) files.emplace_back(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  return static_cast<size_t>(std::count_if(files.begin(), files.end(),
+                                           [](const Descriptor &file) { return !file.is_open(); }));
+}
+
 sockaddr_un address_of(const std::string &path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -53,12 +64,12 @@ sockaddr_un address_of(const std::string &path) {
 
 bool readable_within(int socket, int milliseconds) {
   pollfd watched{.fd = socket, .events = POLLIN, .revents = 0};
-  return ::poll(&watched, 1, milliseconds) == 1;
+  return poll(&watched, 1, milliseconds) == 1;
 }
 
 int exit_status(pid_t child) {
   int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
   }
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
@@ -72,10 +83,8 @@ double seconds_since(Clock::time_point start) {
 Bytes hex(std::string_view digits) {
   Bytes bytes;
   std::string pair;
-  for (const char digit : digits) {
-    if (digit != ' ') {
-      pair += digit;
-    }
+  for (char digit : digits) {
+    if (digit != ' ') pair += digit;
     if (pair.size() == 2) {
       bytes.push_back(static_cast<uint8_t>(std::stoul(pair, nullptr, 16)));
       pair.clear();
@@ -93,7 +102,7 @@ Bytes le32(uint32_t value) {
           static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
 }
 
-Bytes pattern(std::size_t length, uint32_t seed) {
+Bytes pattern(size_t length, uint32_t seed) {
   Bytes bytes(length);
   uint32_t state = seed * 2654435761u + 1;
   for (uint8_t &byte : bytes) {
@@ -103,24 +112,20 @@ Bytes pattern(std::size_t length, uint32_t seed) {
   return bytes;
 }
 
-Bytes digest(const uint8_t *data, std::size_t length) {
+Bytes digest(const uint8_t *data, size_t length) {
   uint32_t sum = 2166136261u;
-  for (std::size_t i = 0; i < length; ++i) {
-    sum = (sum ^ data[i]) * 16777619u;
-  }
+  for (size_t i = 0; i < length; ++i) sum = (sum ^ data[i]) * 16777619u;
   Bytes bytes = le32(static_cast<uint32_t>(length));
-  const Bytes tail = le32(sum);
+  Bytes tail = le32(sum);
   bytes.insert(bytes.end(), tail.begin(), tail.end());
   return bytes;
 }
 
 TemporaryRunDir::TemporaryRunDir()
     : base_(std::filesystem::temp_directory_path() / "olt-platform.XXXXXX") {
-  if (::mkdtemp(base_.data()) == nullptr) {
-    throw std::runtime_error("mkdtemp failed");
-  }
+  if (mkdtemp(base_.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
   path_ = base_ + "/run";
-  ::setenv("OLT_RUN_DIR", path_.c_str(), 1);
+  setenv("OLT_RUN_DIR", path_.c_str(), 1);
   drop_connections();
 }
 
@@ -157,7 +162,7 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
     case kTooLong:
       return reply_with(answer, Bytes(65536));
     case kDie:
-      ::raise(SIGKILL);
+      raise(SIGKILL);
       return;
     case kCount:
       return reply_with(answer, le32(counted));
@@ -170,23 +175,28 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
     case kNoReplyFlag:
       answer->status = static_cast<uint16_t>(request->no_reply);
       return;
+    case kBusy:
+      std::this_thread::sleep_for(std::chrono::milliseconds(parameter(*request, 0)));
+      return;
+    case kOpenFiles:
+      answer->status = static_cast<uint16_t>(failed_opens(parameter(*request, 0)));
+      return;
     default:
       answer->status = 99;
   }
 }
 
 ServerThread::ServerThread(const Setup &setup) {
-  const olt_server_options options{.run_dir = setup.run_dir,
-                                   .group = setup.group,
-                                   .stall_ms = setup.stall_ms,
-                                   .on_event = note,
-                                   .context = this};
+  olt_server_options options{.run_dir = setup.run_dir,
+                             .group = setup.group,
+                             .stall_ms = setup.stall_ms,
+                             .on_event = note,
+                             .context = this,
+                             .pending_limit = setup.pending_limit};
   char error[256] = "";
   server_ = olt_server_create(&options, error);
-  if (server_ == nullptr) {
-    throw std::runtime_error(error);
-  }
-  for (const uint32_t module : setup.modules) {
+  if (server_ == nullptr) throw std::runtime_error(error);
+  for (uint32_t module : setup.modules) {
     if (olt_server_add(server_, module, setup.handler, nullptr, error) != 0) {
       olt_server_destroy(server_);
       throw std::runtime_error(error);
@@ -207,7 +217,7 @@ ServerThread::~ServerThread() {
 
 void ServerThread::note(void *context, const char *line) {
   auto *self = static_cast<ServerThread *>(context);
-  const std::lock_guard guard(self->lock_);
+  std::lock_guard guard(self->lock_);
   self->events_ += line;
   self->events_ += '\n';
 }
@@ -226,41 +236,37 @@ bool ServerThread::reaches(uint64_t olt_server_counters::*counter, uint64_t valu
 }
 
 std::string ServerThread::events() const {
-  const std::lock_guard guard(lock_);
+  std::lock_guard guard(lock_);
   return events_;
 }
 
 ServerProcess::ServerProcess(const std::string &run_dir, const std::vector<uint32_t> &modules,
                              const char *group, const std::function<void()> &prepare) {
   int ready[2];
-  if (::pipe(ready) != 0) {
-    throw std::runtime_error("pipe failed");
-  }
-  pid_ = ::fork();
+  if (pipe(ready) != 0) throw std::runtime_error("pipe failed");
+  pid_ = fork();
   if (pid_ == 0) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    ::close(ready[0]);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    close(ready[0]);
     prepare();
-    const olt_server_options options{.run_dir = run_dir.c_str(), .group = group};
+    olt_server_options options{.run_dir = run_dir.c_str(), .group = group};
     char error[256] = "";
     olt_server *server = olt_server_create(&options, error);
-    for (const uint32_t module : modules) {
+    for (uint32_t module : modules) {
       if (server == nullptr || olt_server_add(server, module, act, nullptr, error) != 0) {
-        ::dprintf(STDERR_FILENO, "%s\n", error);
-        ::_exit(1);
+        dprintf(STDERR_FILENO, "%s\n", error);
+        _exit(1);
       }
     }
-    [[maybe_unused]] const ssize_t written = ::write(ready[1], "r", 1);
-    ::close(ready[1]);
-    ::_exit(olt_server_run(server, error) == 0 ? 0 : 1);
+    [[maybe_unused]] const ssize_t written = write(ready[1], "r", 1);
+    close(ready[1]);
+    _exit(olt_server_run(server, error) == 0 ? 0 : 1);
   }
-  ::close(ready[1]);
+  close(ready[1]);
   char sign = 0;
-  const ssize_t got = ::read(ready[0], &sign, 1);
-  ::close(ready[0]);
-  if (got != 1) {
-    throw std::runtime_error("the server process did not start");
-  }
+  ssize_t got = read(ready[0], &sign, 1);
+  close(ready[0]);
+  if (got != 1) throw std::runtime_error("the server process did not start");
 }
 
 void ServerProcess::kill() {
@@ -273,10 +279,10 @@ void ServerProcess::kill() {
 
 int listen_at(const std::string &socket_path, int backlog) {
   std::filesystem::create_directories(std::filesystem::path(socket_path).parent_path());
-  const sockaddr_un address = address_of(socket_path);
-  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  if (::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
-      ::listen(listener, backlog) != 0) {
+  sockaddr_un address = address_of(socket_path);
+  int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
+      listen(listener, backlog) != 0) {
     throw std::runtime_error("cannot listen at " + socket_path);
   }
   return listener;
@@ -286,35 +292,33 @@ FakeModule::FakeModule(const std::string &socket_path, std::function<void(int)> 
     : listener_(listen_at(socket_path, 16)) {
   thread_ = std::thread([this, script = std::move(script)] {
     for (;;) {
-      const int client = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-      if (client < 0) {
-        return;
-      }
+      int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+      if (client < 0) return;
       {
-        const std::lock_guard guard(lock_);
+        std::lock_guard guard(lock_);
         ++connections_;
       }
       script(client);
-      ::close(client);
+      close(client);
     }
   });
 }
 
 FakeModule::~FakeModule() {
-  ::shutdown(listener_, SHUT_RDWR);
+  shutdown(listener_, SHUT_RDWR);
   thread_.join();
-  ::close(listener_);
+  close(listener_);
 }
 
 int FakeModule::connections() const {
-  const std::lock_guard guard(lock_);
+  std::lock_guard guard(lock_);
   return connections_;
 }
 
 RawClient::RawClient(const std::string &socket_path)
-    : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  const sockaddr_un address = address_of(socket_path);
-  if (::connect(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
+    : socket_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_un address = address_of(socket_path);
+  if (connect(socket_, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
     throw std::runtime_error("cannot connect to " + socket_path);
   }
 }
@@ -331,43 +335,47 @@ bool RawClient::send(const Bytes &bytes) const {
          static_cast<ssize_t>(bytes.size());
 }
 
-Bytes RawClient::receive(std::size_t length) const {
+Bytes RawClient::receive(size_t length) const {
   return receive_bytes(socket_, length);
 }
 
 bool RawClient::is_closed() const {
   char byte = 0;
-  return readable_within(socket_, 5000) && ::recv(socket_, &byte, 1, 0) <= 0;
+  return readable_within(socket_, 5000) && recv(socket_, &byte, 1, 0) <= 0;
 }
 
 void send_bytes(int socket, const Bytes &bytes) {
-  for (std::size_t sent = 0; sent < bytes.size();) {
-    const ssize_t count = ::send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
-    if (count <= 0) {
-      return;
-    }
-    sent += static_cast<std::size_t>(count);
+  for (size_t sent = 0; sent < bytes.size();) {
+    ssize_t count = send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (count <= 0) return;
+    sent += static_cast<size_t>(count);
   }
 }
 
-Bytes receive_bytes(int socket, std::size_t length) {
+Bytes receive_bytes(int socket, size_t length) {
   Bytes bytes(length);
-  std::size_t filled = 0;
+  size_t filled = 0;
   while (filled < length && readable_within(socket, 5000)) {
-    const ssize_t count = ::recv(socket, bytes.data() + filled, length - filled, 0);
-    if (count <= 0) {
-      break;
-    }
-    filled += static_cast<std::size_t>(count);
+    ssize_t count = recv(socket, bytes.data() + filled, length - filled, 0);
+    if (count <= 0) break;
+    filled += static_cast<size_t>(count);
   }
   bytes.resize(filled);
   return bytes;
 }
 
+Bytes answer_frame(const Bytes &request, std::string_view rest) {
+  Bytes frame = bytes_of("OLA1");
+  frame.insert(frame.end(), request.begin() + 4, request.begin() + 8);
+  Bytes tail = hex(rest);
+  frame.insert(frame.end(), tail.begin(), tail.end());
+  return frame;
+}
+
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags) {
   Bytes frame = bytes_of("OLQ1");
-  for (const uint32_t word : {sequence, type, flags, static_cast<uint32_t>(data.size())}) {
-    const Bytes bytes = le32(word);
+  for (uint32_t word : {sequence, type, flags, static_cast<uint32_t>(data.size())}) {
+    Bytes bytes = le32(word);
     frame.insert(frame.end(), bytes.begin(), bytes.end());
   }
   frame.insert(frame.end(), data.begin(), data.end());
@@ -381,7 +389,7 @@ Bytes Exchanged::bytes() const {
 
 Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
   Exchanged all{};
-  const auto start = Clock::now();
+  auto start = Clock::now();
   all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
                                   static_cast<uint32_t>(request.size()), &all.reply, &all.length,
                                   &all.handle, &all.status, 0, timeout);
@@ -390,10 +398,8 @@ Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeo
 }
 
 Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint32_t timeout) {
-  const Exchanged all = exchange(module, type, request, timeout);
-  if (all.result != 0 || all.status != 0) {
-    return {};
-  }
+  Exchanged all = exchange(module, type, request, timeout);
+  if (all.result != 0 || all.status != 0) return {};
   Bytes bytes = all.bytes();
   IPC_Free(all.handle);
   return bytes;
@@ -401,7 +407,7 @@ Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint3
 
 Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
   Exchanged all{};
-  const auto start = Clock::now();
+  auto start = Clock::now();
   all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
                                   static_cast<uint32_t>(request.size()), &all.reply, &all.length,
                                   &all.handle, &all.status, 1, timeout);
@@ -411,30 +417,32 @@ Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) 
 
 ChildResult run_in_child(const std::function<int()> &body) {
   int errors[2];
-  if (::pipe(errors) != 0) {
-    throw std::runtime_error("pipe failed");
-  }
-  const pid_t child = ::fork();
+  if (pipe(errors) != 0) throw std::runtime_error("pipe failed");
+  pid_t child = fork();
   if (child == 0) {
-    ::dup2(errors[1], STDERR_FILENO);
-    ::close(errors[0]);
-    ::close(errors[1]);
+    dup2(errors[1], STDERR_FILENO);
+    close(errors[0]);
+    close(errors[1]);
     std::exit(body());
   }
-  ::close(errors[1]);
+  close(errors[1]);
   ChildResult result;
   char piece[4096];
-  for (ssize_t count = 0; (count = ::read(errors[0], piece, sizeof piece)) > 0;) {
-    result.errors.append(piece, static_cast<std::size_t>(count));
+  for (ssize_t count = 0; (count = read(errors[0], piece, sizeof piece)) > 0;) {
+    result.errors.append(piece, static_cast<size_t>(count));
   }
-  ::close(errors[0]);
+  close(errors[0]);
   result.status = exit_status(child);
   return result;
 }
 
-std::size_t open_descriptors() {
-  const std::filesystem::directory_iterator entries("/proc/self/fd");
-  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+size_t open_descriptors() {
+  return open_descriptors_of(getpid());
+}
+
+size_t open_descriptors_of(pid_t process) {
+  std::filesystem::directory_iterator entries("/proc/" + std::to_string(process) + "/fd");
+  return static_cast<size_t>(std::distance(begin(entries), end(entries)));
 }
 
 void drop_connections() {

@@ -30,9 +30,9 @@ Bytes hex(std::string_view digits);
 Bytes bytes_of(std::string_view text);
 Bytes le32(uint32_t value);
 /// Bytes that show a shift, a repetition or a swap.
-Bytes pattern(std::size_t length, uint32_t seed);
+Bytes pattern(size_t length, uint32_t seed);
 /// Length and a sum that depends on every byte and its place, as the module of act() computes it.
-Bytes digest(const uint8_t *data, std::size_t length);
+Bytes digest(const uint8_t *data, size_t length);
 
 /// A private directory, removed with everything in it, and OLT_RUN_DIR pointing to "run" in it.
 class TemporaryRunDir {
@@ -53,20 +53,22 @@ class TemporaryRunDir {
 
 /// What act() does with a request; its first bytes are the parameters, as le32.
 enum Act : uint32_t {
-  kEcho = 1,         ///< the request comes back
-  kStatus = 2,       ///< status of the first parameter, and "reason" as reply
-  kDelayedEcho = 3,  ///< the request comes back after so many milliseconds
-  kSilence = 4,      ///< no answer
-  kHangUp = 5,       ///< the connection is closed after so many milliseconds
-  kPattern = 6,      ///< a reply of so many bytes of pattern(length, 6)
-  kDigest = 7,       ///< the digest of the request
-  kThrow = 8,        ///< the handler throws
-  kTooLong = 9,      ///< a reply of 65,536 bytes
-  kDie = 10,         ///< the serving process is killed
-  kCount = 11,       ///< number of requests of type kCounted so far
-  kCounted = 12,     ///< status 0
-  kNullReply = 13,   ///< a reply length without a reply
-  kNoReplyFlag = 14  ///< status is the request's no-reply flag
+  kEcho = 1,          ///< the request comes back
+  kStatus = 2,        ///< status of the first parameter, and "reason" as reply
+  kDelayedEcho = 3,   ///< the request comes back after so many milliseconds
+  kSilence = 4,       ///< no answer
+  kHangUp = 5,        ///< the connection is closed after so many milliseconds
+  kPattern = 6,       ///< a reply of so many bytes of pattern(length, 6)
+  kDigest = 7,        ///< the digest of the request
+  kThrow = 8,         ///< the handler throws
+  kTooLong = 9,       ///< a reply of 65,536 bytes
+  kDie = 10,          ///< the serving process is killed
+  kCount = 11,        ///< number of requests of type kCounted so far
+  kCounted = 12,      ///< status 0
+  kNullReply = 13,    ///< a reply length without a reply
+  kNoReplyFlag = 14,  ///< status is the request's no-reply flag
+  kBusy = 15,         ///< the handler itself takes so many milliseconds
+  kOpenFiles = 16     ///< opens so many files at once; status is the number that failed
 };
 void act(void *context, const olt_request *request, olt_answer *answer);
 
@@ -77,6 +79,7 @@ class ServerThread {
     const char *run_dir = nullptr;
     const char *group = nullptr;
     uint32_t stall_ms = 0;
+    uint32_t pending_limit = 0;
     std::vector<uint32_t> modules{2};
     olt_handler handler = act;
     std::function<void()> before_run = [] {};
@@ -150,7 +153,7 @@ class RawClient {
   void close();
   bool send(const Bytes &bytes) const;
   /// At most so many bytes; fewer at the end of the stream or after five seconds.
-  Bytes receive(std::size_t length) const;
+  Bytes receive(size_t length) const;
   /// True when the stream ends within five seconds, with nothing before.
   bool is_closed() const;
 
@@ -160,7 +163,10 @@ class RawClient {
 
 int listen_at(const std::string &socket_path, int backlog);
 void send_bytes(int socket, const Bytes &bytes);
-Bytes receive_bytes(int socket, std::size_t length);
+Bytes receive_bytes(int socket, size_t length);
+
+/// The answer to a request frame: its sequence number, then the digits from the status on.
+Bytes answer_frame(const Bytes &request, std::string_view rest);
 
 /// A request frame, composed byte by byte.
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags = 0);
@@ -190,7 +196,8 @@ struct ChildResult {
 /// Runs the body in a child process, which then exits as the body says.
 ChildResult run_in_child(const std::function<int()> &body);
 
-std::size_t open_descriptors();
+size_t open_descriptors();
+size_t open_descriptors_of(pid_t process);
 
 /// Makes the next exchange of this thread start with a new connection.
 void drop_connections();

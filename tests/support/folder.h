@@ -31,8 +31,4 @@ void write_file(const std::string &path, std::string_view content);
 
 }  // namespace olt::test
 
-namespace olt::tests {
-using namespace test;  // of the tests that are still in this namespace
-}
-
 #endif

@@ -29,8 +29,4 @@ Finished run(const std::vector<std::string> &command,
 
 }  // namespace olt::test
 
-namespace olt::tests {
-using namespace test;  // of the tests that are still in this namespace
-}
-
 #endif

@@ -1,32 +1,33 @@
-#include "tests/faults/strike.h"
+#include "tests/faults/fault_injector.h"
 
 #include <cstring>
 #include <utility>
 
 namespace olt::faults {
+
 namespace {
 
-constinit thread_local Strike *current = nullptr;
+constinit thread_local FaultInjector *current = nullptr;
 
 }  // namespace
 
-Strike::Strike(Plan plan) : plan_(std::move(plan)) {
+FaultInjector::FaultInjector(Plan plan) : plan_(std::move(plan)) {
   current = this;
 }
 
-Strike::~Strike() {
+FaultInjector::~FaultInjector() {
   current = nullptr;
 }
 
-bool Strike::takes(const char *call) {
-  if (lifted_ || std::strcmp(call, plan_.call.c_str()) != 0) return false;
+bool FaultInjector::takes(const char *call) {
+  if (disabled_ || std::strcmp(call, plan_.call.c_str()) != 0) return false;
   ++seen_;
   if (seen_ < plan_.nth || (seen_ > plan_.nth && !plan_.lasting)) return false;
   reached_ = true;
   return true;
 }
 
-Strike *strike_for(const char *call) {
+FaultInjector *injector_for(const char *call) {
   return current != nullptr && current->takes(call) ? current : nullptr;
 }
 

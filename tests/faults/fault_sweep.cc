@@ -1,4 +1,4 @@
-#include "tests/faults/walk.h"
+#include "tests/faults/fault_sweep.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -10,10 +10,11 @@
 #include <vector>
 
 namespace olt::faults {
+
 namespace {
 
-/// A way in which a call fails.
-struct Way {
+/// A mode in which a call fails.
+struct FailureMode {
   const char *call;
   int error;
   bool may_last;
@@ -22,7 +23,7 @@ struct Way {
 constexpr bool kOnce = false;
 constexpr bool kOnceAndLasting = true;
 
-constexpr Way kWays[] = {
+constexpr FailureMode kFailureModes[] = {
     {"accept4", EINTR, kOnce},
     {"accept4", ECONNABORTED, kOnce},
     {"accept4", EMFILE, kOnceAndLasting},
@@ -54,6 +55,7 @@ constexpr Way kWays[] = {
     {"listen", EADDRINUSE, kOnceAndLasting},
     {"lstat", EIO, kOnceAndLasting},
     {"mkdir", ENOSPC, kOnceAndLasting},
+    {"mkdirat", ENOSPC, kOnceAndLasting},
     {"open", EMFILE, kOnceAndLasting},
     {"openat", EMFILE, kOnceAndLasting},
     {kNew, ENOMEM, kOnceAndLasting},
@@ -63,6 +65,7 @@ constexpr Way kWays[] = {
     {"read", EIO, kOnceAndLasting},
     {"read", kShort, kOnceAndLasting},
     {"readdir", EIO, kOnceAndLasting},
+    {"readlinkat", EIO, kOnceAndLasting},
     {"recv", EINTR, kOnce},
     {"recv", EAGAIN, kOnce},
     {"recv", ENOMEM, kOnceAndLasting},
@@ -88,15 +91,15 @@ constexpr Way kWays[] = {
     {"write", kShort, kOnceAndLasting},
 };
 
-/// Walks one way. @return how often it struck.
-int walk_one(const Walk &walk, const Way &way, bool lasting) {
-  int struck = 0;
+/// @return how often the fault was reached
+int sweep_one(const Sweep &sweep, const FailureMode &mode, bool lasting) {
+  int reached = 0;
   for (int nth = 1;; ++nth) {
-    const Plan plan{.call = way.call, .error = way.error, .nth = nth, .lasting = lasting};
+    Plan plan{.call = mode.call, .error = mode.error, .nth = nth, .lasting = lasting};
     SCOPED_TRACE(describe(plan));
-    if (!walk.scenario(plan)) return struck;
-    ++struck;
-    if (testing::Test::HasFailure()) return struck;
+    if (!sweep.scenario(plan)) return reached;
+    ++reached;
+    if (testing::Test::HasFailure()) return reached;
   }
 }
 
@@ -123,20 +126,20 @@ void lower_descriptor_limit() {
   setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-void run(const Walk &walk) {
+void run(const Sweep &sweep) {
   std::set<std::string> made;
-  int struck = 0;
-  for (const Way &way : kWays) {
-    if (!walk.allocations && std::strcmp(way.call, kNew) == 0) continue;
-    for (const bool lasting : {false, true}) {
-      if (lasting && !(way.may_last && walk.lasting)) continue;
-      const int times = walk_one(walk, way, lasting);
-      if (times > 0) made.insert(way.call);
-      struck += times;
+  int reached = 0;
+  for (const FailureMode &mode : kFailureModes) {
+    if (!sweep.allocations && std::strcmp(mode.call, kNew) == 0) continue;
+    for (bool lasting : {false, true}) {
+      if (lasting && !(mode.may_last && sweep.lasting)) continue;
+      int times = sweep_one(sweep, mode, lasting);
+      if (times > 0) made.insert(mode.call);
+      reached += times;
     }
   }
-  testing::Test::RecordProperty("faults", struck);
-  EXPECT_EQ(made, walk.calls);
+  testing::Test::RecordProperty("faults", reached);
+  EXPECT_EQ(made, sweep.calls);
 }
 
 }  // namespace olt::faults

@@ -1,8 +1,7 @@
-/// What has happened in a server: counted, and told to whoever wants to know.
-#ifndef OLT_PLATFORM_LEDGER_H
-#define OLT_PLATFORM_LEDGER_H
+/// Counters and events of a server.
+#ifndef OLT_PLATFORM_SERVER_STATISTICS_H
+#define OLT_PLATFORM_SERVER_STATISTICS_H
 
-#include <cstdint>
 #include <mutex>
 #include <string>
 
@@ -11,25 +10,25 @@
 
 namespace olt::platform {
 
-class Ledger {
+class ServerStatistics {
  public:
   using Counter = uint64_t olt_server_counters::*;
 
-  Ledger(void (*on_event)(void *, const char *), void *context)
+  ServerStatistics(void (*on_event)(void *, const char *), void *context)
       : on_event_(on_event), context_(context) {}
 
   void count(Counter counter) {
-    const std::lock_guard guard(lock_);
+    std::lock_guard guard(lock_);
     ++(counters_.*counter);
   }
 
   void count(Counter counter, const std::string &line) {
-    tell(line);
+    report(line);
     count(counter);
   }
 
-  /// Goes to the log when the server's owner does not take events.
-  void tell(const char *line) {
+  /// Passes an event on; to the log when the options have no on_event.
+  void report(const char *line) {
     if (on_event_ != nullptr) {
       on_event_(context_, line);
     } else {
@@ -37,10 +36,10 @@ class Ledger {
     }
   }
 
-  void tell(const std::string &line) { tell(line.c_str()); }
+  void report(const std::string &line) { report(line.c_str()); }
 
-  olt_server_counters copy() const {
-    const std::lock_guard guard(lock_);
+  olt_server_counters counters() const {
+    std::lock_guard guard(lock_);
     return counters_;
   }
 
