@@ -8,7 +8,7 @@
 
 namespace olt::catalog {
 
-/// No region is longer.
+/// The size of the largest region.
 inline constexpr uint32_t kLongestRegion = 2'355'200;
 
 inline constexpr const char *kNoDevice = "the device cannot be opened";
@@ -25,7 +25,7 @@ inline constexpr Operation kFlash[] = {
                        {"region", optional("unused_a"), optional("unused_b")})),
     with({"the board's record cannot be read or saved"},
          OLT_OPERATION(read_oam_type, Address::nowhere(),
-                       "Reads the board's OAM type and takes up a pending change",
+                       "Reads the board's OAM type and clears a pending change",
                        {"oam_type", "pending"})),
     with({"the type is above 2, or the board's record cannot be read or saved"},
          OLT_OPERATION(write_oam_type, Address::nowhere(),

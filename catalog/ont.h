@@ -8,9 +8,9 @@
 
 namespace olt::catalog {
 
-/// What fits into a request behind the target, with the zero that ends it.
+/// Bytes of an interface's name; a zero ends it in the request.
 inline constexpr uint32_t kInterfaceName = 31;
-/// A profile's name fills its field and needs no zero.
+/// Bytes of a profile's name, which needs no zero.
 inline constexpr uint32_t kProfileName = 32;
 
 inline constexpr Operation kOntVoice[] = {

@@ -122,7 +122,7 @@ struct Address {
   uint8_t second_module;  ///< asked when the first one accepted
 };
 
-/// What results mean. 0 is success everywhere; the others are the transport's and the module's
+/// What results mean. 0 is always success; other results are the transport's and the module's
 /// unless they are named here.
 struct Outcome {
   const char *minus_one = "the request could not be built";

@@ -1,4 +1,4 @@
-/// The rows of the PON interfaces and of the ONUs and UNI ports behind them.
+/// The rows of PON interfaces, ONUs and UNI ports.
 #ifndef OLT_CATALOG_PON_H
 #define OLT_CATALOG_PON_H
 
@@ -22,15 +22,15 @@ inline constexpr Operation kOnuAuthentication[] = {
                   {"iface_a", "iface_b", "auth_mode"}),
     OLT_OPERATION(add_authallowed_mac, 112, "Allows ONUs by MAC address",
                   {"iface_a", "iface_b", "entries"}),
-    OLT_OPERATION(delete_authallowed_mac, 113, "No longer allows ONUs by MAC address",
+    OLT_OPERATION(delete_authallowed_mac, 113, "Deletes ONUs allowed by MAC address",
                   {"iface_a", "iface_b", "entries"}),
     OLT_OPERATION(add_authallowed_loid, 110, "Allows ONUs by LOID",
                   {"iface_a", "iface_b", "entries"}),
-    OLT_OPERATION(delete_authallowed_loid, 111, "No longer allows ONUs by LOID",
+    OLT_OPERATION(delete_authallowed_loid, 111, "Deletes ONUs allowed by LOID",
                   {"iface_a", "iface_b", "entries"}),
     OLT_OPERATION(add_authallowed_mac_loid, 108, "Allows ONUs by MAC address and LOID",
                   {"iface_a", "iface_b", "entries"}),
-    OLT_OPERATION(delete_authallowed_mac_loid, 109, "No longer allows ONUs by MAC address and LOID",
+    OLT_OPERATION(delete_authallowed_mac_loid, 109, "Deletes ONUs allowed by MAC address and LOID",
                   {"iface_a", "iface_b", "entries"}),
     OLT_OPERATION(delete_blocklist_mac, 41, "Deletes entries from the block list",
                   {"iface_a", "iface_b", "entries"}),
@@ -80,8 +80,7 @@ inline constexpr Operation kOnuLinks[] = {
     OLT_OPERATION(set_ont_linkSecurityEncryption, 78, "Sets the link security encryption",
                   {"link_security_a", "link_security_b"}),
     OLT_OPERATION(process_olt_global_paramter, 79,
-                  "Sends the OLT's global parameters and takes the answer back",
-                  {in_out("parameter")}),
+                  "Sends the OLT's global parameters and reads the answer", {in_out("parameter")}),
     OLT_OPERATION(set_ont_linkdba, 54, "Sets a link's bandwidth and reads what was granted",
                   {"ont", in_out("dba")}),
     OLT_OPERATION(tkonu_ont_default, 169, "Restores the defaults of an ONU", {"ont"}),
@@ -96,7 +95,7 @@ inline constexpr Operation kOnuLinks[] = {
                   "Sets an ONU's basic features without its MAC address",
                   {"target_a", "target_b", "target_c", "feature"}),
     OLT_OPERATION(set_onu_basic_feature_f, 42,
-                  "Sets an ONU's basic features and tells its MAC address",
+                  "Sets an ONU's basic features and sends its MAC address",
                   {"target_a", "target_b", "target_c", "feature", "mac"}),
     OLT_OPERATION(add_ont_description, 44, "Adds a description to an ONU", {"ont", "description"}),
 };

@@ -55,7 +55,7 @@ constexpr Mark in(Mark mark) {
   return mark;
 }
 
-/// A record that is sent as it stands and filled from the answer.
+/// A record that is sent unchanged and filled from the reply.
 constexpr Mark in_out(Mark mark) {
   mark.direction = Direction::kInOut;
   return mark;
@@ -75,7 +75,7 @@ constexpr Mark headed(uint32_t size, Mark mark) {
   return mark;
 }
 
-/// A block that is a copy of the whole reply.
+/// A block that copies the whole reply.
 constexpr Mark whole_reply(Mark mark) {
   mark.kind = Kind::kReplyBlock;
   return mark;
@@ -184,7 +184,7 @@ struct Binding;
 
 template <typename... Parameters, int32_t (*Function)(Parameters...)>
 struct Binding<Function> {
-  /// A row that does not fit its function does not compile: the throws are for the compiler.
+  /// A throw stops the compiler: a row that does not fit its function does not compile.
   static constexpr Operation row(const char *name, Address address, const char *summary,
                                  std::initializer_list<Mark> marks = {}) {
     Operation operation{.name = name, .address = address, .summary = summary, .call = call};
@@ -227,7 +227,7 @@ struct Binding<Function> {
   }
 };
 
-/// The row with results of its own.
+/// The row, with an outcome other than the common one.
 constexpr Operation with(Outcome outcome, Operation operation) {
   operation.outcome = outcome;
   return operation;

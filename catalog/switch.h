@@ -10,7 +10,7 @@ namespace olt::catalog {
 
 inline constexpr uint8_t kRstpModule = 23;
 inline constexpr uint32_t kVlanDescription = sizeof(olt_vlan_node::vlan_descr);
-/// What fits into a request for VLANs by description.
+/// The longest description in a request for VLANs by description.
 inline constexpr uint32_t kDescription = 63;
 
 inline constexpr Operation kVlanTables[] = {
@@ -71,7 +71,7 @@ inline constexpr Operation kOltPorts[] = {
                                        "Sets the basic information of a port", {"record"})),
     with(kPortIsChecked, OLT_OPERATION(get_snmp_olt_port_status, 72, "Reads the status of a port",
                                        {in_out("record")})),
-    OLT_OPERATION(process_olt_port_mac, 55, "Has a MAC operation on a port done", {"record"}),
+    OLT_OPERATION(process_olt_port_mac, 55, "Performs a MAC operation on a port", {"record"}),
     OLT_OPERATION(set_oltport_maxlink, 102, "Sets the maximum link count of a port",
                   {"slot", "port", "max_link"}),
     OLT_OPERATION(Set_upport_agg, 34, "Sets the aggregation of the uplink ports", {"upport_agg"}),

@@ -10,7 +10,7 @@
 
 namespace olt::catalog {
 
-/// The library sends no more of a user's name or password than this.
+/// Bytes that the library sends of a user's name or password.
 inline constexpr uint32_t kUserText = 31;
 inline constexpr uint8_t kOamModule = 18;
 inline constexpr uint8_t kLogModule = 22;
@@ -80,11 +80,11 @@ inline constexpr Operation kLogAndDebug[] = {
 };
 
 inline constexpr Operation kFirmwareUpdate[] = {
-    OLT_OPERATION(do_handle_epon_updatestream, 11, "Hands over a piece of an OLT firmware update",
+    OLT_OPERATION(do_handle_epon_updatestream, 11, "Sends a piece of an OLT firmware update",
                   {"request", "answer"}),
-    OLT_OPERATION(do_handle_epon_updatestream_onu, 64,
-                  "Hands over a piece of an ONU firmware update", {"request", "answer"}),
-    OLT_OPERATION(get_card_updatestatus, 61, "Reads how far the card's firmware update has come",
+    OLT_OPERATION(do_handle_epon_updatestream_onu, 64, "Sends a piece of an ONU firmware update",
+                  {"request", "answer"}),
+    OLT_OPERATION(get_card_updatestatus, 61, "Reads the progress of the card's firmware update",
                   {"value"}),
 };
 

@@ -1,4 +1,4 @@
-/// A word that may stand in the place of an operation.
+/// A command: a first word that is not an operation.
 #ifndef OLT_CLI_COMMAND_H
 #define OLT_CLI_COMMAND_H
 

@@ -74,7 +74,7 @@ void run_shell_within(Session & /*session*/, Arguments /*words*/) {
 void run_completion(Session & /*session*/, Arguments words) {
   std::string shell = only_word(words);
   if (shell != "bash") wrong_usage("completion: '{}' given; expected bash", printable(shell));
-  print(bash_completion(commands()));
+  print(bash_completion(commands(), option_names()));
 }
 
 Words words_of_completion(Arguments words) {

@@ -1,4 +1,4 @@
-/// What oltctl can be told to do: the operations of the catalog, and the commands beside them.
+/// What oltctl can do: the operations of the catalog, and its own commands.
 #ifndef OLT_CLI_COMMANDS_H
 #define OLT_CLI_COMMANDS_H
 
@@ -16,7 +16,7 @@ std::span<const Command> commands();
 /// The command of that name, or null.
 const Command *find_command(const std::string &name);
 
-/// Carries out one line and prints what it brings. Throws Error.
+/// Carries out one line and prints the results. Throws Error.
 void run_line(Session &session, std::span<const std::string> words);
 
 /// The operation of that name. Throws Error, which suggests near names.

@@ -72,19 +72,19 @@ constexpr const char *kBashHead =
 _oltctl() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local line='' words='' i
+  local options='@options@'
   case $previous in
-    --box) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    --topology | -f | --file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    @directories@) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+    @files@) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     =) return ;;
   esac
   if [[ $current == -* ]]; then
-    words='--box --fresh --topology --file --json --trace --show-secrets --real-flash --help --version'
-    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
     return
   fi
   for ((i = 1; i < COMP_CWORD; i++)); do
     case ${COMP_WORDS[i]} in
-      --box | --topology | -f | --file) ((i++)) ;;
+      @directories@ | @files@) ((i++)) ;;
       -*) ;;
       *) line+="${line:+ }${COMP_WORDS[i]}" ;;
     esac
@@ -98,6 +98,30 @@ constexpr const char *kBashTail = R"(  esac
 }
 complete -F _oltctl oltctl
 )";
+
+/// The options that take such a value, as a pattern of bash.
+std::string pattern_of(std::span<const OptionName> options, std::string_view value) {
+  Words names;
+  for (const OptionName &option : options) {
+    if (option.value == value) names.push_back(option.name);
+  }
+  return fmt::format("{}", fmt::join(names, " | "));
+}
+
+std::string long_names(std::span<const OptionName> options) {
+  Words names;
+  for (const OptionName &option : options) {
+    if (option.name.starts_with("--")) names.push_back(option.name);
+  }
+  return fmt::format("{}", fmt::join(names, " "));
+}
+
+std::string replaced(std::string text, std::string_view what, const std::string &by) {
+  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at)) {
+    text.replace(at, what.size(), by);
+  }
+  return text;
+}
 
 }  // namespace
 
@@ -117,8 +141,12 @@ Words candidates(std::span<const Command> commands, std::span<const std::string>
   return words;
 }
 
-std::string bash_completion(std::span<const Command> commands) {
-  return kBashHead + branches(commands) + kBashTail;
+std::string bash_completion(std::span<const Command> commands,
+                            std::span<const OptionName> options) {
+  std::string head = replaced(kBashHead, "@options@", long_names(options));
+  head = replaced(head, "@directories@", pattern_of(options, "DIR"));
+  head = replaced(head, "@files@", pattern_of(options, "FILE"));
+  return head + branches(commands) + kBashTail;
 }
 
 }  // namespace olt::cli

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/options.h"
 
 namespace olt::cli {
 
@@ -20,7 +21,7 @@ std::vector<std::string> candidates(std::span<const Command> commands,
                                     std::span<const std::string> before, std::string_view prefix);
 
 /// The completion for bash, which offers the same.
-std::string bash_completion(std::span<const Command> commands);
+std::string bash_completion(std::span<const Command> commands, std::span<const OptionName> options);
 
 }  // namespace olt::cli
 

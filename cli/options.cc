@@ -21,8 +21,9 @@ constexpr const char *kUsage =
     "Usage: oltctl [OPTION...] OPERATION [ARGUMENT...]\n"
     "       oltctl [OPTION...] -f FILE\n"
     "\n"
-    "Calls the management operations of an OLT. Without a running box it brings its own simulated\n"
-    "one along, which remembers until the next call what was set.\n"
+    "Calls the management operations of an OLT. Without a running box it uses a simulated one "
+    "inside\n"
+    "its own process, whose state lasts from one call to the next.\n"
     "\n";
 
 constexpr const char *kExamples =
@@ -88,36 +89,56 @@ void check(const Options &options) {
   }
 }
 
-}  // namespace
-
-std::optional<Options> parse_options(int argc, const char *const *argv,
-                                     const std::string &commands) {
+/// What the options on the command line set.
+struct Given {
   Options options;
   std::string box;
   std::string script;
   bool json = false;
-  CLI::App app;
-  app.allow_extras();
-  app.formatter(std::make_shared<Layout>(commands));
-  app.footer(kExamples);
+};
+
+void define_options(CLI::App &app, Given &given) {
+  BoxOptions &box = given.options.box;
   app.set_help_flag("-h,--help", "This text");
   app.set_version_flag("--version", "oltctl " OLTMGMT_VERSION, "The version");
-  app.add_option("--box", box,
+  app.add_option("--box", given.box,
                  "The box: 'embedded', or the run directory of a running oltbox;\n"
                  "default: the one that OLT_RUN_DIR names, else embedded")
       ->type_name("DIR");
-  app.add_flag("--fresh", options.box.fresh, "Embedded box: forget what was set before");
-  app.add_option("--topology", options.box.topology,
-                 "Embedded box: ports and ONUs from a JSON file")
+  app.add_flag("--fresh", box.fresh, "Embedded box: forget what was set before");
+  app.add_option("--topology", box.topology, "Embedded box: ports and ONUs from a JSON file")
       ->type_name("FILE");
-  auto *file = app.add_option("-f,--file", script,
-                              "Run a command a line; '-' reads them from standard input")
-                   ->type_name("FILE");
-  app.add_flag("--json", json, "Results as JSON, one object a line");
-  app.add_flag("--trace", options.trace, "Show each exchange on standard error");
-  app.add_flag("--show-secrets", options.show_secrets, "Show passwords in results");
-  app.add_flag("--real-flash", options.box.real_flash,
-               "Flash operations use this machine's own /dev/mtd0");
+  app.add_option("-f,--file", given.script, "Run one command per line; '-' reads standard input")
+      ->type_name("FILE");
+  app.add_flag("--json", given.json, "Results as JSON, one object a line");
+  app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
+  app.add_flag("--show-secrets", given.options.show_secrets, "Show passwords in results");
+  app.add_flag("--real-flash", box.real_flash, "Flash operations use this machine's own /dev/mtd0");
+}
+
+}  // namespace
+
+std::vector<OptionName> option_names() {
+  CLI::App app;
+  Given given;
+  define_options(app, given);
+  std::vector<OptionName> names;
+  for (const CLI::Option *option : app.get_options()) {
+    std::string value = option->get_expected_max() == 0 ? "" : option->get_type_name();
+    for (const std::string &name : option->get_lnames()) names.push_back({"--" + name, value});
+    for (const std::string &name : option->get_snames()) names.push_back({"-" + name, value});
+  }
+  return names;
+}
+
+std::optional<Options> parse_options(int argc, const char *const *argv,
+                                     const std::string &commands) {
+  CLI::App app;
+  Given given;
+  app.allow_extras();
+  app.formatter(std::make_shared<Layout>(commands));
+  app.footer(kExamples);
+  define_options(app, given);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
@@ -129,10 +150,11 @@ std::optional<Options> parse_options(int argc, const char *const *argv,
     print(text.str());
     return std::nullopt;
   }
-  if (file->count() > 0) options.script = script;
+  Options options = std::move(given.options);
+  if (app.count("--file") > 0) options.script = given.script;
+  if (given.json) options.format = Format::kJson;
   options.words = words_of(app);
-  options.box.run_dir = run_dir(box);
-  if (json) options.format = Format::kJson;
+  options.box.run_dir = run_dir(given.box);
   check(options);
   return options;
 }

@@ -20,6 +20,14 @@ struct Options {
   std::vector<std::string> words;     ///< the command
 };
 
+/// An option as completion needs it.
+struct OptionName {
+  std::string name;   ///< "--box", "-f"
+  std::string value;  ///< "DIR" or "FILE"; empty for a flag
+};
+
+std::vector<OptionName> option_names();
+
 /// Reads the command line. Nothing when it asked for help or version, which is then printed.
 /// @param commands lines about each command, for the help
 /// Throws Error.

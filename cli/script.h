@@ -1,4 +1,4 @@
-/// Script mode: a command a line.
+/// Scripts: one command per line.
 #ifndef OLT_CLI_SCRIPT_H
 #define OLT_CLI_SCRIPT_H
 

@@ -1,4 +1,4 @@
-/// One run of oltctl: carries out commands on one box and prints what they bring.
+/// One run of oltctl: calls operations on one box and prints the results.
 #ifndef OLT_CLI_SESSION_H
 #define OLT_CLI_SESSION_H
 

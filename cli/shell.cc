@@ -32,12 +32,12 @@ constexpr int kHistoryLines = 1000;
 volatile std::sig_atomic_t interrupted = 0;
 volatile std::sig_atomic_t told_to_end = 0;
 
-/// A signal ends the wait for a key, never the program: what the embedded box holds is kept.
+/// A signal ends only the wait for a key, so that the embedded box's state is still kept.
 void on_signal(int signal) {
   (signal == SIGINT ? interrupted : told_to_end) = 1;
 }
 
-/// Signals come through only while the shell waits for a key, so none is missed before it waits.
+/// Delivers signals only while the shell waits for a key, so that none is missed just before.
 class Signals {
  public:
   Signals() {
@@ -92,7 +92,7 @@ void show(EditLine *editor, const std::vector<std::string> &words) {
   for (const std::string &word : words) fmt::print(terminal, "{}\n", word);
 }
 
-/// The words before the cursor, the last of them perhaps unfinished or empty.
+/// The words before the cursor; the last one may be unfinished or empty.
 std::vector<std::string> words_before_cursor(const LineInfo *line) {
   std::string_view text(line->buffer, static_cast<size_t>(line->cursor - line->buffer));
   size_t begin = text.find_last_of(' ');
@@ -172,7 +172,7 @@ class Editor {
     el_set(editor_, EL_PROMPT, prompt);
     el_set(editor_, EL_EDITOR, "emacs");
     el_set(editor_, EL_HIST, history, lines.get());
-    // The wide form: the other one never releases its copies of the two texts.
+    // The narrow form leaks its copies of the two texts.
     el_wset(editor_, EL_ADDFN, L"olt-complete", L"Completes from the catalog", complete);
     el_set(editor_, EL_BIND, "^I", "olt-complete", nullptr);
   }
@@ -185,7 +185,7 @@ class Editor {
     while (told_to_end == 0) {
       int count = 0;
       interrupted = 0;
-      // Else the terminal would still treat what is typed as soon as the prompt shows.
+      // Else the terminal would still process keys typed right after the prompt.
       el_set(editor_, EL_PREP_TERM, 1);
       const char *text = el_gets(editor_, &count);
       if (text != nullptr && count > 0) {
@@ -209,7 +209,8 @@ bool is_end(const std::vector<std::string> &words) {
   return words.size() == 1 && (words[0] == "exit" || words[0] == "quit");
 }
 
-/// One line of the user's. @return whether to go on.
+/// Carries out a line.
+/// @return whether to go on
 bool take_line(Session &session, LineHistory &lines, const std::string &line) {
   try {
     std::vector<std::string> words = split_words(line);

@@ -1,4 +1,4 @@
-// What operations bring, as text, as JSON and in traces, when the answer is any bytes.
+// Results of operations as text, as JSON and in traces, for any bytes of a reply.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -75,7 +75,7 @@ void require_text(const std::string &text, const Operation &operation) {
   }
 }
 
-/// Secrets are told from their surroundings by a byte that stands nowhere else.
+/// Fills secrets with a byte that occurs nowhere else.
 void require_masked_trace(uint32_t type) {
   constexpr uint8_t kSecret = 0xEE;
   for (const olt::catalog::WireSecret &secret : olt::catalog::wire_secrets()) {
@@ -96,8 +96,8 @@ void require_masked_trace(uint32_t type) {
   }
 }
 
-/// The library takes a module's word for how many bytes stand behind a head, so that no reply
-/// claims more than it has.
+/// The library does not check how many bytes a reply claims to have after its head: the reply with
+/// a claim that is true.
 std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t> bytes) {
   std::vector<uint8_t> reply(bytes.begin(), bytes.end());
   for (const Argument &argument : operation.arguments()) {

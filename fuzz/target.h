@@ -7,8 +7,6 @@
 #include <span>
 #include <string_view>
 
-// The name is libFuzzer's.
-// NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
 
 namespace olt::fuzz {

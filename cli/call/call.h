@@ -1,4 +1,4 @@
-/// One call of an operation, with the caller's memory behind each argument.
+/// One call of an operation, with the memory of each argument.
 #ifndef OLT_CLI_CALL_CALL_H
 #define OLT_CLI_CALL_CALL_H
 
@@ -23,17 +23,18 @@ class Call {
 
   const catalog::Operation &operation() const { return operation_; }
 
-  // Arguments go by their place in the operation's list.
+  // A place is an argument's index in the operation.
 
   /// Writes over a part of a value, which must lie within it.
   void set_bytes(size_t place, size_t offset, ByteView bytes);
   /// The bytes of a stream, VLAN ids or entries.
   void set_stream(size_t place, Bytes bytes) { values_[place].bytes = std::move(bytes); }
   void set_vlans(size_t place, std::vector<olt_vlan_node> vlans);
-  /// Where the bytes of a buffer go instead of being shown.
+  /// The file that the bytes of a buffer are written to.
   void set_file(size_t place, std::string path) { values_[place].file = std::move(path); }
 
-  /// Makes the call. @return the operation's result.
+  /// Makes the call.
+  /// @return the operation's result
   int32_t make();
 
   /// A value, buffer or block.
@@ -43,7 +44,7 @@ class Call {
  private:
   struct Value {
     Bytes bytes;
-    uint32_t length = 0;  ///< of what is not a value; items of a list
+    uint32_t length = 0;  ///< bytes of a stream, block or buffer; items of a list
     void *block = nullptr;
     std::vector<olt_vlan_node> nodes;
     olt_vlan_list vlans{};

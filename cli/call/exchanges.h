@@ -6,8 +6,8 @@
 
 namespace olt::cli {
 
-/// From now on the length of each reply is known and, with trace, each exchange is shown on
-/// standard error as it ends.
+/// Starts to remember the length of each reply and, with trace, to show each exchange on standard
+/// error when it ends.
 void watch_exchanges(bool trace);
 
 /// Bytes in the reply of this thread's last exchange. Some operations hand out a copy of a reply

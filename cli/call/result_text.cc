@@ -11,7 +11,7 @@ namespace {
 
 constexpr int32_t kNotBuilt = -1;
 
-/// Modules choose their own words; only those of the simulated box are known.
+/// Modules define their statuses; only those of the simulated box are known.
 std::string status_of_module(uint16_t status) {
   return fmt::format("status {} (oltbox: {})", status, box::status_text(status));
 }

@@ -1,4 +1,4 @@
-/// What an operation's result says.
+/// What an operation's result means.
 #ifndef OLT_CLI_CALL_RESULT_TEXT_H
 #define OLT_CLI_CALL_RESULT_TEXT_H
 
@@ -10,7 +10,7 @@
 
 namespace olt::cli {
 
-/// A result taken apart: the transport result in the upper half, the module's status in the lower.
+/// The parts of a result: the transport result in the upper half, the module's status in the lower.
 struct ResultParts {
   std::optional<std::string> transport;  ///< why the exchange failed
   std::optional<uint16_t> status;        ///< nothing when no request could be built
@@ -18,7 +18,7 @@ struct ResultParts {
 
 ResultParts take_apart(int32_t result);
 
-/// What the result says of that operation.
+/// What the result means for that operation.
 std::string describe_result(const catalog::Operation &operation, int32_t result);
 
 /// "result 5 (0x00000005): status 5 (oltbox: exists already)"

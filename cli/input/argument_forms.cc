@@ -101,7 +101,7 @@ void read_stream(Call &call, size_t place, std::string_view text) {
 }
 
 std::string described_block(const Argument &argument) {
-  return argument.fields.empty() ? "the answer's bytes" : "the answer's fields";
+  return argument.fields.empty() ? "the reply's bytes" : "the reply's fields";
 }
 
 std::string expected_buffer(const Argument & /*argument*/) {

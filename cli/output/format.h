@@ -26,7 +26,7 @@ class Formatter {
   virtual std::string row(const std::string &reader, const NamedValues &columns) = 0;
   virtual std::string end_of_rows() = 0;
 
-  /// What the box answered to one of its own controls.
+  /// The box's reply to a control request.
   virtual std::string control(const std::string &command, const nlohmann::ordered_json &reply) = 0;
 };
 

@@ -1,4 +1,4 @@
-/// What a call brought, with names, for the output formats to show.
+/// The results of a call by name, as the output formats show them.
 #ifndef OLT_CLI_OUTPUT_RESULT_H
 #define OLT_CLI_OUTPUT_RESULT_H
 

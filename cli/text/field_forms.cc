@@ -20,7 +20,7 @@ namespace {
 
 constexpr size_t kWord = sizeof(uint32_t);
 
-// Where a target names an ONT, and what a UNI port needs besides.
+// The words of a target that name an ONT, and the bytes up to a UNI port.
 constexpr size_t kNameWords = offsetof(box::OntTarget, target_kind) / kWord;
 constexpr size_t kPortEnd = offsetof(box::OntTarget, part) + kWord;
 

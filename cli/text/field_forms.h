@@ -39,11 +39,11 @@ struct FieldForm {
 
   /// The bytes of a field, as many as it is wide. Throws BadValue.
   Bytes (*parse)(const catalog::Field &, std::string_view text);
-  /// What parse() reads is what the formats print of this.
+  /// What the bytes hold. The formats print it as parse() takes it.
   Value (*value)(ByteView bytes);
 
-  /// Records only: whether the text is in this form, not bytes in hex or from a file. Null for what
-  /// has this form alone.
+  /// Records only: whether the text is in this form, and not hex, a file or a patch. Null for kinds
+  /// that have only this form.
   bool (*fits)(std::string_view text);
 };
 

@@ -12,8 +12,8 @@ namespace olt::cli {
 
 namespace {
 
-/// The terminal without echo. Keys that would send a signal are plain characters meanwhile, so
-/// that the program cannot be ended with the echo off.
+/// Turns off the terminal's echo. Keys that would send a signal are plain characters meanwhile, so
+/// that no key ends the program with the echo off.
 class QuietTerminal {
  public:
   QuietTerminal() {

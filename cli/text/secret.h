@@ -7,10 +7,10 @@
 
 namespace olt::cli {
 
-/// Whether there is somebody to ask: standard input is a terminal.
+/// Whether the user can be asked: standard input is a terminal.
 bool can_ask();
 
-/// Asks for a secret without echo, or reads one line from standard input when that is no terminal.
+/// Asks for a secret without echo. When standard input is not a terminal, reads one line from it.
 /// Throws Error.
 std::string read_secret(std::string_view name);
 

@@ -13,7 +13,7 @@ namespace olt::cli {
 /// character; # at the beginning of a word starts a comment. Throws Error for an open quote.
 std::vector<std::string> split_words(std::string_view line);
 
-/// Words as one line that splits into them again.
+/// Joins words to a line that split_words() splits into the same words.
 std::string join_words(std::span<const std::string> words);
 
 }  // namespace olt::cli

@@ -1,4 +1,4 @@
-/// The operations that read a row of an SNMP table, and how to walk along its rows.
+/// The operations that read a row of an SNMP table, and how to find the next row.
 #ifndef OLT_CLI_WALK_READERS_H
 #define OLT_CLI_WALK_READERS_H
 
@@ -11,14 +11,14 @@ struct Reader {
   const char *name;
   /// The operation that finds the next row: it returns which one it read.
   const char *stepper;
-  const char *part = nullptr;  ///< what the rows are of, when not of an ONU as a whole
+  const char *part = nullptr;  ///< the part of an ONU that a row is about; null for the whole ONU
 };
 
 /// Throws Error when there is no such reader.
 const Reader &reader_named(const std::string &name);
 
 std::vector<std::string> reader_names();
-/// The same with what they read, as a section of the manual.
+/// The same names with summaries, as a section of the help.
 std::string readers_text();
 
 }  // namespace olt::cli

@@ -79,7 +79,10 @@ class BashCompletion : public testing::Test {
 };
 
 TEST_F(BashCompletion, IsValidBash) {
-  EXPECT_EQ(run({"bash", "-n", "-c", olt::cli::bash_completion(olt::cli::commands())}, {}).status,
+  EXPECT_EQ(run({"bash", "-n", "-c",
+                 olt::cli::bash_completion(olt::cli::commands(), olt::cli::option_names())},
+                {})
+                .status,
             0);
 }
 
@@ -123,8 +126,8 @@ std::set<std::string> options_in(const std::string &text) {
 }
 
 TEST(Completion, OffersTheOptionsThatThereAre) {
-  std::string offered = olt::cli::bash_completion(olt::cli::commands());
-  offered.erase(0, offered.find("words='--") + 7);
+  std::string offered = olt::cli::bash_completion(olt::cli::commands(), olt::cli::option_names());
+  offered.erase(0, offered.find("options='--") + 9);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);
   EXPECT_EQ(options.size(), 10U);

@@ -178,13 +178,13 @@ TEST(Manual, SaysWhatComesBack) {
             "  oltctl show_memory_info module=1\n");
   EXPECT_EQ(help_text("do_handle_epon_updatestream"),
             "do_handle_epon_updatestream request\n"
-            "  Hands over a piece of an OLT firmware update.\n"
+            "  Sends a piece of an OLT firmware update.\n"
             "\n"
             "Arguments:\n"
             "  request         bytes as HEX or @FILE\n"
             "\n"
             "Results:\n"
-            "  answer          the answer's bytes\n"
+            "  answer          the reply's bytes\n"
             "\n"
             "Sends message type 11 to module 2.\n"
             "\n"

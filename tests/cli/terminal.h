@@ -19,7 +19,7 @@ class Terminal {
   void type(const std::string &keys) const;
 
   /// Waits until the text appears in what was shown since the last call.
-  /// @return whether it did; the transcript then goes on behind it.
+  /// @return whether it did; the next call searches after it
   bool shows(const std::string &text);
 
   /// Waits for the program to end, and ends it when it does not. @return its exit status, or 128 +

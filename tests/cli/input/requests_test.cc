@@ -46,7 +46,7 @@ class Requests : public testing::Test {
     olt_watch_exchanges(nullptr, nullptr);
   }
 
-  /// Calls an operation; what it sent is then in requests_, in hex behind the message type.
+  /// Calls an operation. Its requests are then in requests_: message type and bytes in hex.
   static std::string output_of(const Words &words) {
     const auto &operation = *olt::catalog::find(words[0]);
     Call call(operation);
