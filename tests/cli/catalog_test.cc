@@ -12,6 +12,8 @@
 #include "catalog/row.h"
 #include "tests/cli/program.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::catalog::Argument;
@@ -35,7 +37,7 @@ void each_operation(Function fn) {
 }
 
 Names exported_names() {
-  olt::tests::Finished nm = olt::tests::run({"nm", "-D", "--defined-only", LIBOLTMGMT}, {});
+  Finished nm = run({"nm", "-D", "--defined-only", LIBOLTMGMT}, {});
   EXPECT_EQ(nm.status, 0) << nm.errors;
   Names names;
   std::istringstream lines(nm.output);
@@ -283,3 +285,5 @@ TEST(CatalogRow, KnowsTheBoxsRecordsByteForByte) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -12,13 +12,10 @@
 #include "tests/cli/program.h"
 #include "tests/cli/terminal.h"
 
+namespace olt::test {
+
 namespace {
 
-using olt::tests::Folder;
-using olt::tests::private_environment;
-using olt::tests::read_file;
-using olt::tests::run;
-using olt::tests::Terminal;
 using Words = std::vector<std::string>;
 
 Words candidates(const Words &before, std::string_view prefix) {
@@ -142,3 +139,5 @@ TEST_F(BashCompletion, IsLoadedByThePackagedFile) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

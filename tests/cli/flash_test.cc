@@ -7,13 +7,9 @@
 
 #include "tests/cli/program.h"
 
-namespace {
+namespace olt::test {
 
-using olt::tests::Finished;
-using olt::tests::Oltctl;
-using olt::tests::private_environment;
-using olt::tests::read_file;
-using olt::tests::run;
+namespace {
 
 std::string image_of(const Oltctl &oltctl) {
   return oltctl.folder().path() + "/oltmgmt/embedded/flash.img";
@@ -168,3 +164,5 @@ TEST(Flash, WrongUsageIsOneLineAndStatusTwo) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

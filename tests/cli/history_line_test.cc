@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace olt::test {
+
 namespace {
 
 using olt::cli::history_line;
@@ -52,3 +54,5 @@ TEST(HistoryLine, ForgetsCommandsWithASecret) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

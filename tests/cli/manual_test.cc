@@ -7,6 +7,8 @@
 #include "cli/commands.h"
 #include "cli/text/error.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::cli::help_text;
@@ -252,3 +254,5 @@ TEST(Manual, SummarizesTheCommandsForTheOptionHelp) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

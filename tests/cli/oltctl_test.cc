@@ -7,17 +7,11 @@
 #include <vector>
 
 #include "tests/cli/program.h"
+#include "tests/support/bytes.h"
+
+namespace olt::test {
 
 namespace {
-
-using olt::tests::Finished;
-using olt::tests::Oltctl;
-using olt::tests::private_environment;
-using olt::tests::run;
-
-bool holds(const std::string &text, const std::string &part) {
-  return text.find(part) != std::string::npos;
-}
 
 TEST(OltctlRun, OneInvocationSetsAndTheNextReads) {
   Oltctl oltctl;
@@ -78,8 +72,7 @@ TEST(OltctlRun, ListingsAreShownBehindTheirName) {
   EXPECT_EQ(shown.status, 0) << shown.errors;
   EXPECT_EQ(shown.output.substr(0, 7), "name = ");
   std::string name = shown.output.substr(7, shown.output.find('\n') - 7);
-  std::string listing =
-      olt::tests::read_file(oltctl.folder().path() + "/oltmgmt/embedded/listings/" + name);
+  std::string listing = read_file(oltctl.folder().path() + "/oltmgmt/embedded/listings/" + name);
   EXPECT_FALSE(listing.empty());
   EXPECT_EQ(shown.output, "name = " + name + "\n" + listing);
   Finished json = oltctl({"--json", "show_memory_info", "18"});
@@ -342,3 +335,5 @@ TEST(OltctlRun, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace olt::tests {
+namespace olt::test {
 
 std::vector<std::string> private_environment(const Folder &folder) {
   unsetenv("OLT_RUN_DIR");
@@ -16,4 +16,4 @@ Finished Oltctl::operator()(const std::vector<std::string> &arguments,
   return run(command, private_environment(folder_), input);
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

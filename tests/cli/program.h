@@ -8,7 +8,7 @@
 #include "tests/support/folder.h"
 #include "tests/support/program.h"
 
-namespace olt::tests {
+namespace olt::test {
 
 /// What a child's environment has on top of this process's, from which OLT_RUN_DIR is removed.
 std::vector<std::string> private_environment(const Folder &folder);
@@ -24,6 +24,6 @@ class Oltctl {
   Folder folder_;
 };
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
 #endif

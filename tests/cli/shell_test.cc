@@ -9,18 +9,11 @@
 
 #include "tests/cli/program.h"
 #include "tests/cli/terminal.h"
+#include "tests/support/bytes.h"
+
+namespace olt::test {
 
 namespace {
-
-using olt::tests::Folder;
-using olt::tests::private_environment;
-using olt::tests::read_file;
-using olt::tests::run;
-using olt::tests::Terminal;
-
-bool holds(const std::string &text, const std::string &part) {
-  return text.find(part) != std::string::npos;
-}
 
 /// What is typed before the prompt would still be treated by the terminal, not by the editor.
 void at_prompt(Terminal &shell, const std::string &keys) {
@@ -36,7 +29,7 @@ class Shell : public testing::Test {
     return {command, private_environment(folder_)};
   }
 
-  olt::tests::Finished oltctl(const std::vector<std::string> &arguments) const {
+  Finished oltctl(const std::vector<std::string> &arguments) const {
     std::vector<std::string> command = {OLTCTL};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return run(command, private_environment(folder_));
@@ -149,7 +142,7 @@ TEST_F(Shell, InterruptedDropsTheLineAndTerminatedKeepsTheState) {
 }
 
 TEST_F(Shell, NeedsATerminal) {
-  olt::tests::Finished wrong = oltctl({"shell"});
+  Finished wrong = oltctl({"shell"});
   EXPECT_EQ(wrong.status, 2);
   EXPECT_EQ(wrong.errors,
             "shell: standard input is not a terminal; expected one, or -f - to run commands from "
@@ -157,3 +150,5 @@ TEST_F(Shell, NeedsATerminal) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -10,7 +10,7 @@
 
 #include "tests/cli/program.h"
 
-namespace olt::tests {
+namespace olt::test {
 
 namespace {
 
@@ -69,4 +69,4 @@ bool Terminal::read_more() {
   return true;
 }
 
-}  // namespace olt::tests
+}  // namespace olt::test

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace olt::tests {
+namespace olt::test {
 
 class Terminal {
  public:
@@ -40,6 +40,6 @@ class Terminal {
   bool hung_up_ = false;
 };
 
-}  // namespace olt::tests
+}  // namespace olt::test
 
 #endif

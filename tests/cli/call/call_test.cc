@@ -11,6 +11,8 @@
 #include "oltmgmt.h"
 #include "oltplatform.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::Bytes;
@@ -102,3 +104,5 @@ TEST(Result, IsTakenApart) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+namespace olt::test {
+
 namespace {
 
 using olt::cli::trace_text;
@@ -86,3 +88,5 @@ TEST(Trace, CutsWhatIsLong) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -11,6 +11,8 @@
 #include "cli/text/error.h"
 #include "tests/cli/program.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::Bytes;
@@ -121,7 +123,7 @@ TEST(Records, AreTakenAsHexOfTheirSize) {
 }
 
 TEST(Records, AreTakenFromAFile) {
-  olt::tests::Folder folder;
+  Folder folder;
   std::string right = folder.write("right", "abcdefghijkl");
   std::string wrong = folder.write("wrong", "abcdefghijklm");
   EXPECT_EQ(record_of({"@" + right}), "6162636465666768696a6b6c");
@@ -235,3 +237,5 @@ TEST(Streams, AreTakenAsHexOrFromAFile) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

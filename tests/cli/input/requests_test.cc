@@ -17,6 +17,8 @@
 #include "platform/olthost.h"
 #include "tests/cli/program.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::ByteView;
@@ -115,7 +117,7 @@ TEST_F(Requests, CarryVlanLists) {
             "75706c696e6b" +
                 zeros(26));
 
-  olt::tests::Folder folder;
+  Folder folder;
   std::string file = folder.write("vlans", "# first floor\n10\n\n20-25\n");
   EXPECT_EQ(request_of({"add_muticastvlan_list", "vlans=@" + file}),
             "149 0a000000"
@@ -171,7 +173,7 @@ TEST_F(Requests, CarryEntries) {
             "02000000" +
                 zeros(72) + one + other);
 
-  olt::tests::Folder folder;
+  Folder folder;
   std::string file =
       folder.write("entries", "mac=02:00:00:00:00:01\n# the lab\nloid=site password=pw\n");
   EXPECT_EQ(request_of({"add_authallowed_mac_loid", "1", "2", "entries=@" + file}),
@@ -204,7 +206,7 @@ TEST_F(Requests, CarryAddressesWordsAndNames) {
 }
 
 TEST_F(Requests, AreNotSentWhenAnItemIsWrong) {
-  olt::tests::Folder folder;
+  Folder folder;
   std::string vlans = folder.write("vlans", "10\n\n4095\n");
   EXPECT_EQ(
       error_of({"add_vlan_list", "vlans=@" + vlans}),
@@ -284,3 +286,5 @@ TEST_F(Requests, BringRowsAndTargetsBack) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

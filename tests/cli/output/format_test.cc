@@ -10,6 +10,8 @@
 #include "catalog/row.h"
 #include "oltplatform.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::catalog::Field;
@@ -226,3 +228,5 @@ TEST(Format, RepliesOfTheBoxCannotCommandATerminal) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

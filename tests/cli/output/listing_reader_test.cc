@@ -7,9 +7,9 @@
 #include "cli/text/error.h"
 #include "tests/support/folder.h"
 
-namespace {
+namespace olt::test {
 
-using olt::tests::Folder;
+namespace {
 
 std::string error_for(const Folder &folder, const std::string &name) {
   try {
@@ -41,3 +41,5 @@ TEST(Listing, NameWithControlCharactersIsSpelledOut) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace olt::test {
+
 namespace {
 
 using olt::Bytes;
@@ -82,3 +84,5 @@ TEST(FieldForms, TakeTheirOwnExamples) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

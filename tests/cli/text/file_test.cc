@@ -9,12 +9,12 @@
 #include "base/text.h"
 #include "tests/support/folder.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::as_bytes;
 using olt::cli::write_file;
-using olt::tests::Folder;
-using olt::tests::read_file;
 
 mode_t mode_of(const std::string &path) {
   struct stat status {};
@@ -80,3 +80,5 @@ TEST(File, ThatCannotBeWrittenLeavesNothing) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -10,6 +10,8 @@
 #include "catalog/catalog.h"
 #include "cli/text/field_forms.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::to_hex;
@@ -131,3 +133,5 @@ TEST(ListText, NamesTheEntryThatIsWrong) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

@@ -7,6 +7,8 @@
 
 #include "cli/text/error.h"
 
+namespace olt::test {
+
 namespace {
 
 using olt::cli::join_words;
@@ -54,3 +56,5 @@ TEST(Words, JoinedSplitIntoTheSameWords) {
 }
 
 }  // namespace
+
+}  // namespace olt::test

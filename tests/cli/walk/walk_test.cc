@@ -9,15 +9,11 @@
 
 #include "platform/olthost.h"
 #include "tests/cli/program.h"
+#include "tests/support/bytes.h"
+
+namespace olt::test {
 
 namespace {
-
-using olt::tests::Finished;
-using olt::tests::Oltctl;
-
-bool holds(const std::string &text, const std::string &part) {
-  return text.find(part) != std::string::npos;
-}
 
 /// Two PON interfaces with two ONUs each, which have two UNI ports and one voice line.
 class Walk : public testing::Test {
@@ -235,3 +231,5 @@ TEST_F(Walk, RunsInScripts) {
 }
 
 }  // namespace
+
+}  // namespace olt::test
