@@ -65,7 +65,7 @@ void patch(Call &call, size_t place, std::string_view text) {
     uint32_t offset = parse_number(one.substr(0, colon), UINT32_MAX);
     Bytes bytes = parse_hex(one.substr(colon + 1));
     if (offset > size || bytes.size() > size - offset) {
-      throw BadValue("{} at offset {} do not fit into the record", counted(bytes.size(), "byte"),
+      throw BadValue("{} at offset {}: beyond the end of the record", counted(bytes.size(), "byte"),
                      offset);
     }
     call.set_bytes(place, offset, bytes);

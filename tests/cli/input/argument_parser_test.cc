@@ -145,11 +145,11 @@ TEST(Records, ArePatchedOntoZeros) {
   EXPECT_EQ(record_of({"record=0:ff"}), "ff0000000000000000000000");
   EXPECT_EQ(
       error_for(kRecord, {"11:0102"}),
-      "takes_record: record: 2 bytes at offset 11 do not fit into the record; expected 12 bytes "
+      "takes_record: record: 2 bytes at offset 11: beyond the end of the record; expected 12 bytes "
       "as HEX, @FILE or OFFSET:HEX[,OFFSET:HEX...]");
   EXPECT_EQ(
       error_for(kRecord, {"4294967295:01"}),
-      "takes_record: record: 1 byte at offset 4294967295 do not fit into the record; expected "
+      "takes_record: record: 1 byte at offset 4294967295: beyond the end of the record; expected "
       "12 bytes as HEX, @FILE or OFFSET:HEX[,OFFSET:HEX...]");
   EXPECT_EQ(error_for(kRecord, {"0:01,02"}),
             "takes_record: record: '02' has no offset; expected 12 bytes as HEX, @FILE or "
