@@ -18,7 +18,6 @@
 
 namespace olt::cli {
 
-using catalog::Family;
 using catalog::Operation;
 
 namespace {

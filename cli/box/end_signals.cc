@@ -33,7 +33,7 @@ EndSignals::EndSignals(std::function<void()> before_end) {
 EndSignals::~EndSignals() {
   is_over_ = true;
   // Wakes the thread.
-  pthread_kill(thread_.native_handle(), SIGTERM);
+  pthread_kill(thread_.native_handle(), SIGHUP);
   thread_.join();
   pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
 }
