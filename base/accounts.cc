@@ -11,14 +11,14 @@ namespace olt {
 
 namespace {
 
-constexpr size_t kMostNameBytes = size_t{1024} * 1024;
+constexpr size_t kMaxEntryBytes = size_t{1024} * 1024;
 
 /// Asks the user database, with a buffer that grows until the entry fits.
 template <typename Entry, typename Lookup>
 std::optional<Entry> look_up(std::vector<char> &buffer, Lookup lookup) {
   Entry entry{};
   Entry *found = nullptr;
-  for (buffer.resize(1024); buffer.size() <= kMostNameBytes; buffer.resize(buffer.size() * 2)) {
+  for (buffer.resize(1024); buffer.size() <= kMaxEntryBytes; buffer.resize(buffer.size() * 2)) {
     if (lookup(&entry, buffer.data(), buffer.size(), &found) != ERANGE) break;
   }
   return found != nullptr ? std::optional(entry) : std::nullopt;

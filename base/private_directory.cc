@@ -25,10 +25,10 @@ constexpr mode_t kPermissions = 0777;
 constexpr mode_t kWritableByOthers = 0022;
 constexpr int kMaxLinks = 40;
 
-/// Walks a path from the root of the file system, one component at a time.
-class Walk {
+/// Resolves a path from the root of the file system, one component at a time.
+class PathResolver {
  public:
-  explicit Walk(const PrivateDirectory &wanted)
+  explicit PathResolver(const PrivateDirectory &wanted)
       : name_(fmt::format("{} \"{}\"", wanted.what, wanted.path)),
         create_parents_(wanted.create_parents) {
     if (wanted.path.empty()) throw system_failure(name_ + " cannot be reached", ENOENT);
@@ -60,7 +60,7 @@ class Walk {
   }
 
   void start_at_root() {
-    parent_path_ = "/";
+    parent_path_.assign(1, '/');
     move_to(Descriptor(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC)));
   }
 
@@ -152,7 +152,7 @@ void require_untouched(int directory, const struct stat &found, const PrivateDir
       wanted.group && found.st_gid == *wanted.group ? wanted.mode : wanted.mode & S_IRWXU;
   if ((found.st_mode & kPermissions & ~allowed) != 0 && !is_empty(directory, name)) {
     std::string expected = fmt::format("mode {:04o}", wanted.mode);
-    if (wanted.group) expected += " and group " + group_name(*wanted.group);
+    if (wanted.group) expected += fmt::format(" and group {}", group_name(*wanted.group));
     throw Failure(fmt::format("{} is not empty and has mode {:04o} and group {}; expected {}", name,
                               found.st_mode & kPermissions, group_name(found.st_gid), expected));
   }
@@ -172,20 +172,20 @@ void set_access(int directory, const struct stat &found, const PrivateDirectory 
 }  // namespace
 
 Descriptor open_private_directory(const PrivateDirectory &wanted) {
-  Walk walk(wanted);
-  walk.enter_parents();
-  std::string last = walk.last_component();
-  if (mkdirat(walk.parent(), last.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-    throw system_failure(walk.name() + " cannot be created", errno);
+  PathResolver path(wanted);
+  path.enter_parents();
+  std::string last = path.last_component();
+  if (mkdirat(path.parent(), last.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+    throw system_failure(path.name() + " cannot be created", errno);
   }
   Descriptor directory(
-      openat(walk.parent(), last.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+      openat(path.parent(), last.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat found {};
   if (!directory.is_open() || fstat(directory.get(), &found) != 0) {
-    throw system_failure(walk.name() + " cannot be used", errno);
+    throw system_failure(path.name() + " cannot be used", errno);
   }
-  require_untouched(directory.get(), found, wanted, walk.name());
-  set_access(directory.get(), found, wanted, walk.name());
+  require_untouched(directory.get(), found, wanted, path.name());
+  set_access(directory.get(), found, wanted, path.name());
   return directory;
 }
 

@@ -36,7 +36,7 @@ bool fails(const Fault *fault) {
   return fault != nullptr && fault->error != 0;
 }
 
-/// The position lives in the descriptor, so that whoever shares the descriptor shares it.
+/// The position is that of the file description, as it is for any file.
 uint32_t position(int descriptor) {
   return static_cast<uint32_t>(next::lseek(descriptor, 0, SEEK_CUR));
 }
@@ -45,11 +45,11 @@ void advance(int descriptor, ssize_t length) {
   next::lseek(descriptor, static_cast<off_t>(length), SEEK_CUR);
 }
 
-/// How much of the length a call moves, from the position to the end of the flash.
+/// How many bytes a call transfers: at most up to the end of the flash.
 uint32_t movable(uint32_t offset, size_t length, const Fault *fault) {
-  uint32_t most = offset < kFlashSize ? kFlashSize - offset : 0;
-  if (fault != nullptr && fault->most < most) most = fault->most;
-  return length < most ? static_cast<uint32_t>(length) : most;
+  uint32_t available = offset < kFlashSize ? kFlashSize - offset : 0;
+  if (fault != nullptr && fault->max_bytes < available) available = fault->max_bytes;
+  return length < available ? static_cast<uint32_t>(length) : available;
 }
 
 int64_t seek_base(int descriptor, int whence) {
@@ -135,7 +135,7 @@ bool Device::owns(int descriptor) {
   if (descriptor < 0 || opened_count_.get() == 0) return false;
   Opened *opened = find(descriptor);
   if (opened == nullptr) return false;
-  // The number may have been closed in a way that is not seen here, and be another file's now.
+  // The number may have been closed by a call that is not interposed, and be another file's now.
   struct stat file {};
   if (fstat(descriptor, &file) == 0 && file.st_dev == opened->filesystem &&
       file.st_ino == opened->file) {

@@ -1,4 +1,4 @@
-/// The simulated device itself: what the kernel's character device for a flash does, on an image.
+/// The simulated device: does on an image what the kernel's character device does on a flash.
 #ifndef OLT_FLASH_DEVICE_DEVICE_H
 #define OLT_FLASH_DEVICE_DEVICE_H
 
@@ -12,23 +12,23 @@
 
 namespace olt::flash_device {
 
-/// What an erase request carries.
+/// The argument of an erase request.
 struct EraseRequest {
   uint32_t start;
   uint32_t length;
 };
 
-/// Its calls work like the system calls: -1 and errno on failure. They may come from any thread;
-/// each is done as a whole.
+/// Its calls work like the system calls: -1 and errno on failure. Any thread may call them; each
+/// call is atomic.
 class Device {
  public:
-  /// Opening works on this image from now on. The path is absolute.
+  /// From now on, open opens this image. The path is absolute.
   void attach(const char *image, bool nor, const Faults &faults);
   void detach();
   bool is_attached() const { return attached_.get(); }
 
   int open(int flags);
-  /// Whether the descriptor was opened here. Costs next to nothing when none is open.
+  /// Whether the descriptor was opened here. Takes no system call when none is open.
   bool owns(int descriptor);
   int64_t seek(int descriptor, int64_t offset, int whence);
   ssize_t read(int descriptor, void *buffer, size_t length);
@@ -43,7 +43,7 @@ class Device {
     dev_t filesystem = 0;
     ino_t file = 0;
   };
-  static constexpr int kMostOpened = 64;
+  static constexpr int kMaxOpened = 64;
 
   Opened *find(int descriptor);
   Opened *remember(int descriptor, int flags);
@@ -54,13 +54,13 @@ class Device {
   pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
   Shared<bool> attached_{false};
   Shared<int> opened_count_{0};
-  Opened opened_[kMostOpened];
+  Opened opened_[kMaxOpened];
   char image_[PATH_MAX] = "";
   bool nor_ = false;
   Faults faults_;
 };
 
-/// The one that is interposed.
+/// The instance that the interposed calls use.
 inline constinit Device device;
 
 }  // namespace olt::flash_device

@@ -1,4 +1,4 @@
-// What makes a library for preloading of it: the environment says what to redirect to.
+// The library for preloading: redirects as the environment says, before the program starts.
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -32,7 +32,7 @@ bool redirect_as_told(char (&error)[kErrorLength]) {
          olt::flash_device::redirect(image, error, options);
 }
 
-// A program that was to work on a simulated flash must not go on with another one.
+// The program was to work on a simulated flash and must not go on with the real one.
 [[gnu::constructor]] void start() {
   char error[kErrorLength];
   if (redirect_as_told(error)) return;

@@ -25,7 +25,7 @@ constexpr ErrorName kErrorNames[] = {
     {"ENOENT", ENOENT}, {"ENOMEM", ENOMEM}, {"ENOSPC", ENOSPC}, {"ENOTTY", ENOTTY},
     {"ENXIO", ENXIO},   {"EPERM", EPERM},   {"EROFS", EROFS},   {"ETIMEDOUT", ETIMEDOUT}};
 
-/// Takes everything up to the separator off the text.
+/// Removes everything up to the separator from the text and returns it.
 std::string_view take(std::string_view &text, std::string_view separators) {
   size_t length = 0;
   while (length < text.size() && separators.find(text[length]) == std::string_view::npos) ++length;
@@ -73,7 +73,7 @@ bool read_error(std::string_view text, int &error) {
 bool read_effect(std::string_view text, Fault &fault) {
   if (take_prefix(text, "short=")) {
     return (fault.call == Call::kRead || fault.call == Call::kWrite) &&
-           read_number(text, fault.most);
+           read_number(text, fault.max_bytes);
   }
   return read_error(text, fault.error);
 }
@@ -103,7 +103,7 @@ bool Faults::plan_word(std::string_view word) {
 
 bool Faults::plan_call(std::string_view word) {
   Fault fault{};
-  if (count_ == kMost || !read_call(take(word, ":"), fault.call) ||
+  if (count_ == kMax || !read_call(take(word, ":"), fault.call) ||
       !read_number(take(word, ":"), fault.number) || fault.number == 0 ||
       !read_effect(word, fault)) {
     return false;
@@ -113,7 +113,7 @@ bool Faults::plan_call(std::string_view word) {
 }
 
 const Fault *Faults::next(Call call) {
-  static constexpr Fault kNoPower{.call = Call::kOpen, .number = 0, .error = EIO, .most = 0};
+  static constexpr Fault kNoPower{.call = Call::kOpen, .number = 0, .error = EIO, .max_bytes = 0};
   if (write_cut.happened() || erase_cut.happened()) return &kNoPower;
   uint32_t number = ++calls_[static_cast<size_t>(call)];
   for (size_t i = 0; i < count_; ++i) {

@@ -1,4 +1,4 @@
-/// What is to go wrong, and when.
+/// Planned failures of the device.
 #ifndef OLT_FLASH_DEVICE_FAULTS_H
 #define OLT_FLASH_DEVICE_FAULTS_H
 
@@ -14,12 +14,12 @@ constexpr size_t kCalls = 6;
 
 struct Fault {
   Call call;
-  uint32_t number;  ///< of the call among its kind, from 1
-  int error;        ///< errno; 0: the call succeeds, cut short
-  uint32_t most;    ///< bytes that a short call moves
+  uint32_t number;     ///< of the call among its kind, from 1
+  int error;           ///< errno; 0: the call succeeds, cut short
+  uint32_t max_bytes;  ///< that a short call transfers
 };
 
-/// How many bytes the device still changes before its power goes.
+/// A power failure after a number of changed bytes.
 class PowerCut {
  public:
   void plan(uint32_t bytes) {
@@ -27,7 +27,8 @@ class PowerCut {
     left_ = bytes;
   }
 
-  /// How many of the next bytes are still changed. The byte that uses up the rest is the last one.
+  /// @return how many of the next bytes are still changed; the power fails with the last one
+  /// planned
   uint32_t admit(uint32_t bytes) {
     if (!planned_) return bytes;
     uint32_t admitted = bytes < left_ ? bytes : left_;
@@ -46,8 +47,8 @@ class PowerCut {
 
 class Faults {
  public:
-  /// Adds what the text asks for: words between blanks or commas.
-  /// @return the first word that means nothing; empty when all is well
+  /// Adds the faults of the text: words separated by blanks or commas.
+  /// @return the first unknown word; empty when there is none
   std::string_view plan(std::string_view text);
 
   /// Counts a call. @return what is planned for it, or null
@@ -60,9 +61,9 @@ class Faults {
   bool plan_word(std::string_view word);
   bool plan_call(std::string_view word);
 
-  static constexpr size_t kMost = 32;
+  static constexpr size_t kMax = 32;
 
-  Fault planned_[kMost] = {};
+  Fault planned_[kMax] = {};
   size_t count_ = 0;
   uint32_t calls_[kCalls] = {};
 };

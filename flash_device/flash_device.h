@@ -13,14 +13,14 @@ namespace olt::flash_device {
 
 struct Options {
   bool nor = false;         ///< writing only clears bits, as in NOR flash
-  const char *faults = "";  ///< what goes wrong, in the words of docs/flash.md
+  const char *faults = "";  ///< planned failures, as docs/flash.md describes them
 };
 
 constexpr size_t kErrorLength = 512;
 
 /// From now on "/dev/mtd0" is this image, with power on and all counts at zero. The image is
-/// created, full of 0xFF, when it does not exist. Descriptors that are open already stay what they
-/// are. Not while another thread uses the device.
+/// created, full of 0xFF, when it does not exist. Descriptors that are already open keep
+/// their file. Must not run while another thread uses the device.
 /// @return false and a line in error, with nothing changed, when the image or the options are
 ///         unusable
 bool redirect(const char *image, char (&error)[kErrorLength], const Options &options = {});

@@ -1,4 +1,4 @@
-/// The file that holds the flash's bytes.
+/// The image file.
 #ifndef OLT_FLASH_DEVICE_IMAGE_H
 #define OLT_FLASH_DEVICE_IMAGE_H
 
@@ -10,8 +10,8 @@ namespace olt::flash_device {
 
 constexpr uint32_t kFlashSize = 0x400000;
 
-/// Makes sure that the image is there and has the right size; creates it when it is missing. An
-/// image is there as a whole or not at all, whoever else creates it.
+/// Checks that the image exists and has the right size; creates it when it is missing. Creation is
+/// atomic, also when several processes create the same image.
 bool prepare_image(const char *path, char (&error)[kErrorLength]);
 
 }  // namespace olt::flash_device

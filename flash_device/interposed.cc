@@ -1,6 +1,6 @@
-// The system calls as programs and their libraries find them. Defined under names of their own,
-// because the C libraries declare them in different ways. Arguments that a caller may leave out are
-// handed on all the same: what is in their place then, nobody looks at.
+// The interposed system calls. They have names of their own here, because the C libraries declare
+// them in different ways. Optional arguments are passed on even when the caller left them out: the
+// call does not use them then.
 #include <stdint.h>
 #include <string.h>
 #include <sys/types.h>

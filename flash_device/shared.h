@@ -1,5 +1,4 @@
-/// A value that threads share. The C++ library's own <atomic> asks for more of the C library than
-/// the small ones have.
+/// An atomic value. The C++ library's <atomic> needs more of the C library than small ones have.
 #ifndef OLT_FLASH_DEVICE_SHARED_H
 #define OLT_FLASH_DEVICE_SHARED_H
 

@@ -4,7 +4,7 @@ namespace olt::flash_device {
 
 namespace {
 
-// A signal handler may call these, but must not look them up.
+// Look-ups are not allowed in signal handlers, which may be the first to call one.
 [[gnu::constructor]] void find_all() {
   next::open.find();
   next::open_large.find();

@@ -1,4 +1,4 @@
-/// The functions that are interposed, as the libraries behind this one have them.
+/// The interposed functions as the next library defines them.
 #ifndef OLT_FLASH_DEVICE_SYSTEM_CALLS_H
 #define OLT_FLASH_DEVICE_SYSTEM_CALLS_H
 
@@ -48,7 +48,7 @@ inline constinit NextFunction<ssize_t(int, const void *, size_t)> write{"write"}
 inline constinit NextFunction<int(int, unsigned long, ...)> ioctl{"ioctl"};
 inline constinit NextFunction<int(int)> close{"close"};
 
-// What programs call instead that are compiled with buffer checks.
+// Variants that programs compiled with buffer checks call.
 inline constinit NextFunction<int(const char *, int)> open_2{"__open_2"};
 inline constinit NextFunction<int(const char *, int)> open_large_2{"__open64_2"};
 inline constinit NextFunction<int(int, const char *, int)> openat_2{"__openat_2"};

@@ -1,5 +1,5 @@
-// The tagged allocator. Plain calloc, unless OLT_ALLOC_DEBUG asks for every block to be watched.
-// Blocks begin as zeros: operations send texts without their ends and leave the rest of the field.
+// The tagged allocator. Plain calloc, unless OLT_ALLOC_DEBUG asks for checks of every block.
+// Blocks are zeroed: operations leave the rest of a text field, and its terminating zero, unset.
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>

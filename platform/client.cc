@@ -66,19 +66,12 @@ ThreadConnections &connections() {
   return *thread_connections;
 }
 
-bool is_usable(uint32_t module, Connection *connection) {
+bool is_usable(uint32_t module, const Connection *connection) {
   if (connection == nullptr || !connection->is_open()) return false;
-  switch (connection->check_idle()) {
-    case Idle::kYes:
-      return true;
-    case Idle::kClosed:
-      return false;
-    case Idle::kUnsolicitedBytes:
-      log_exchange_error("module " + std::to_string(module) +
-                         " sent bytes after its answer; expected none before the next request; "
-                         "connecting anew");
-      return false;
-  }
+  if (!connection->has_unsolicited_bytes()) return true;
+  log_exchange_error("module " + std::to_string(module) +
+                     " sent bytes after its answer; expected none before the next request; "
+                     "connecting anew");
   return false;
 }
 

@@ -1,6 +1,8 @@
 #include "platform/connection.h"
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/random.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -53,11 +55,10 @@ int32_t Connection::connect(uint32_t module, const Deadline &deadline) {
   return OLT_TRANSPORT_OK;
 }
 
-Idle Connection::check_idle() const {
-  std::byte next{};
-  ssize_t count = recv(socket_.get(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
-  if (count > 0) return Idle::kUnsolicitedBytes;
-  return count < 0 && is_transient(errno) ? Idle::kYes : Idle::kClosed;
+// Cheaper than a recv that peeks. It does not notice that the module closed the stream; send does.
+bool Connection::has_unsolicited_bytes() const {
+  int count = 0;
+  return ioctl(socket_.get(), SIOCINQ, &count) == 0 && count > 0;
 }
 
 Sent Connection::send(const Request &request, const Deadline &deadline) {

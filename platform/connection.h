@@ -34,13 +34,6 @@ enum class Sent {
   kNoResources,
 };
 
-/// What a connection brought between two exchanges.
-enum class Idle {
-  kYes,               ///< nothing
-  kUnsolicitedBytes,  ///< bytes that answer no request
-  kClosed,            ///< the end of the stream
-};
-
 /// One stream, used by one thread at a time. Closed in the child of a fork.
 class Connection {
  public:
@@ -50,8 +43,8 @@ class Connection {
   /// False in the child of a fork, for a connection of its parent.
   bool is_open() const { return socket_.is_open(); }
 
-  /// Whether the next exchange can use the connection.
-  Idle check_idle() const;
+  /// Whether the module has sent bytes that answer no request.
+  bool has_unsolicited_bytes() const;
 
   /// Sends a request; never sends a byte twice.
   Sent send(const Request &request, const Deadline &deadline);

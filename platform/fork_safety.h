@@ -1,4 +1,4 @@
-/// Locks that stay usable in a child process, whatever other threads did while it was forked.
+/// Locks that a child process can use, whatever other threads did during the fork.
 #ifndef OLT_PLATFORM_FORK_SAFETY_H
 #define OLT_PLATFORM_FORK_SAFETY_H
 

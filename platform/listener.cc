@@ -47,7 +47,7 @@ bool is_same_file(int file, const std::string &path) {
   return open_one.st_dev == named_one.st_dev && open_one.st_ino == named_one.st_ino;
 }
 
-// The file may be removed by its last owner between being opened and being locked: look again.
+// The file may be removed by its last owner between open and flock: try again.
 Descriptor lock_module(const std::string &path, uint32_t module, const std::string &run_dir) {
   for (;;) {
     Descriptor file = above_standard_streams(
@@ -65,7 +65,7 @@ Descriptor lock_module(const std::string &path, uint32_t module, const std::stri
   }
 }
 
-// The lock is held, so that whoever left a socket there is gone.
+// The lock is held: the server that left a socket there has ended.
 const std::string &without_stale_socket(const std::string &path) {
   struct stat found {};
   if (lstat(path.c_str(), &found) != 0) return path;
@@ -86,7 +86,7 @@ void open_to(const std::string &path, std::optional<gid_t> allowed_group) {
   }
 }
 
-// Not listening before its permissions are right.
+// Starts listening once the permissions are set.
 Descriptor listen_on(const std::string &path, std::optional<gid_t> allowed_group) {
   auto address = socket_address(path);
   if (!address) throw Failure(too_long_for_socket(path));

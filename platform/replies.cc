@@ -16,8 +16,7 @@ namespace {
 
 constexpr size_t kSmallestBlock = 256;
 
-/// Handles are given out in turn, so that one which was released stays unknown for four billion
-/// replies.
+/// Handles are consecutive, so that a released one stays unknown for four billion replies.
 struct Replies {
   std::unordered_map<uint32_t, ReplyBlock> held;
   uint32_t last_handle = 0;

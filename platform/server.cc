@@ -93,8 +93,9 @@ void Server::run() {
   do {
     try {
       ensure_waiting();
-      loop_.run_one();
-      if (stop_) take_wake_up();
+      do loop_.run_one();
+      while (!stop_);
+      take_wake_up();
     } catch (const std::bad_alloc &) {
       recover("out of memory: a connection was dropped");
     } catch (const std::system_error &error) {

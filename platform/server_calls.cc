@@ -1,4 +1,4 @@
-// The serving side as C sees it: no exception leaves these calls.
+// The serving side's C interface: no exception leaves these calls.
 #include <cerrno>
 #include <cstdio>
 #include <exception>

@@ -1,5 +1,5 @@
-// The calls that a injector can fail: each looks for one and else goes on to the C library, whose
-// headers have names of their own for the parameters.
+// The interposed calls: each asks the injector whether to fail, and else calls the C library, whose
+// headers have other names for the parameters.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 
 #include <dirent.h>
@@ -36,7 +36,7 @@ Function *next(Function * /*of the same type*/, const char *name) {
   return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
 }
 
-/// A closed peer shows in all calls on the socket, not in one alone.
+/// A peer that closed its end makes all later calls on the socket fail, too.
 int fail(const FaultInjector &injector, int socket = -1) {
   int error = injector.error();
   if (socket >= 0 && (error == EPIPE || error == ECONNRESET)) shutdown(socket, SHUT_RDWR);
@@ -50,7 +50,7 @@ int fail(const FaultInjector &injector, int socket = -1) {
   static const auto following = next(&(name), #name); \
   FaultInjector *const injector = injector_for(#name)
 
-// A call without more to it than its arguments.
+// A call with plain arguments.
 #define CALL(name, parameters, arguments)            \
   extern "C" int name parameters {                   \
     NEXT(name);                                      \
@@ -58,7 +58,7 @@ int fail(const FaultInjector &injector, int socket = -1) {
     return following arguments;                      \
   }
 
-// One that moves bytes through a descriptor.
+// One that transfers bytes through a descriptor.
 #define TRANSFER(name, parameters, arguments)                                           \
   extern "C" ssize_t name parameters {                                                  \
     NEXT(name);                                                                         \
@@ -74,8 +74,8 @@ CALL(chown, (const char *path, uid_t user, gid_t group) noexcept, (path, user, g
 CALL(connect, (int fd, const sockaddr *address, socklen_t size), (fd, address, size))
 CALL(epoll_create1, (int flags) noexcept, (flags))
 CALL(epoll_ctl, (int loop, int what, int fd, epoll_event *event) noexcept, (loop, what, fd, event))
-CALL(epoll_wait, (int loop, epoll_event *events, int most, int timeout),
-     (loop, events, most, timeout))
+CALL(epoll_wait, (int loop, epoll_event *events, int max, int timeout),
+     (loop, events, max, timeout))
 CALL(eventfd, (unsigned count, int flags) noexcept, (count, flags))
 CALL(fchmod, (int fd, mode_t mode) noexcept, (fd, mode))
 CALL(fchown, (int fd, uid_t user, gid_t group) noexcept, (fd, user, group))
@@ -134,7 +134,7 @@ extern "C" ssize_t sendmsg(int fd, const msghdr *message, int flags) {
   return following(fd, &part, flags);
 }
 
-// The descriptor is gone whatever close says.
+// close closes the descriptor even when it fails.
 extern "C" int close(int fd) {
   NEXT(close);
   int result = following(fd);

@@ -13,7 +13,7 @@ namespace olt::faults {
 
 namespace {
 
-/// A mode in which a call fails.
+/// One way for a call to fail.
 struct FailureMode {
   const char *call;
   int error;

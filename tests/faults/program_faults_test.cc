@@ -125,7 +125,7 @@ TEST(Faults, OfTheDaemon) {
       EXPECT_TRUE(saved == 0 || !is_harmless(plan) || plan.error == EAGAIN) << saved;
       char name[32];
       get_system_basicinfofile(name);
-      // A single fault fault_injector once.
+      // A single fault happens once.
       int32_t again = save_system_config();
       EXPECT_TRUE(again == 0 || (saved == 0 && save_system_config() == 0)) << again;
       EXPECT_EQ(box.end(), 0);

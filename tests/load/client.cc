@@ -17,11 +17,11 @@ using namespace std::chrono_literals;
 
 constexpr auto kPause = 40ms;
 constexpr size_t kLongestList = 4094;
-/// Places among the kinds.
+/// Indices of kinds.
 constexpr size_t kDebugValues = 0;
 constexpr size_t kUsers = 1;
-/// As many as the box has room for beside its own.
-constexpr uint32_t kMostUsers = 24;
+/// As many as the box has room for beside its predefined ones.
+constexpr uint32_t kMaxUsers = 24;
 
 std::string read_listing(const char (&name)[32]) {
   return read_file(std::string(std::getenv("OLT_RUN_DIR")) + "/" +
@@ -47,14 +47,13 @@ Client::Client(Scene &scene, uint32_t id)
 void Client::run() {
   while (!scene_.over) {
     size_t kind = round_ % kKinds.size();
-    go_round(kind == kUsers && id_ >= kMostUsers ? kDebugValues : kind);
+    go_round(kind == kUsers && id_ >= kMaxUsers ? kDebugValues : kind);
     ++round_;
     std::this_thread::sleep_for(kPause);
   }
 }
 
-// What happens while the box is away, or between two boxes, proves nothing but that an exchange
-// fails as it is documented to.
+// While the box is restarted, only the documented failures of an exchange are checked.
 void Client::go_round(size_t kind) {
   bool (Client::*const kRounds[])() = {&Client::debug_values,    &Client::users,
                                        &Client::described_vlans, &Client::long_vlan_lists,
@@ -81,7 +80,7 @@ bool Client::succeeded(const char *what, int32_t result) {
   tally_.exchanges += transport == 0 ? 1 : 0;
   if (result == 0) return true;
   problem_ = "client " + std::to_string(id_) + ": " + what + " gave " + std::to_string(result);
-  // Another transport result is wrong at any time.
+  // Any other transport result is always wrong.
   if (transport != 0 && !met_no_box_) {
     met_no_box_ = true;
     if (tally_.wrong++ == 0) {

@@ -20,9 +20,9 @@ inline constexpr std::array<std::string_view, 6> kKinds = {
 
 /// Written by one client, read by all.
 struct Tally {
-  std::atomic<uint64_t> rounds{0};     ///< in which all was as it should be
+  std::atomic<uint64_t> rounds{0};     ///< without an error
   std::atomic<uint64_t> exchanges{0};  ///< that brought an answer
-  std::atomic<uint64_t> absences{0};   ///< exchanges that met no box while there was none
+  std::atomic<uint64_t> absences{0};   ///< exchanges that failed while there was no box
   std::atomic<uint64_t> wrong{0};
   std::array<std::atomic<uint64_t>, kKinds.size()> of_kind{};  ///< rounds of each kind
   char complaint[200] = "";                                    ///< the first one
@@ -30,7 +30,7 @@ struct Tally {
 
 /// In memory that all processes share.
 struct Scene {
-  /// Odd while the box is away.
+  /// Odd while the box is being restarted.
   std::atomic<uint32_t> epoch{0};
   std::atomic<bool> over{false};
   std::array<Tally, kClients> tallies{};

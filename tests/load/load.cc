@@ -38,11 +38,11 @@ using std::chrono::steady_clock;
 
 constexpr uint32_t kProcesses = 64;
 constexpr int kRestarts = 4;
-constexpr int kLeastSeconds = 12;
-/// Files that are being read or written at the moment of a look.
+constexpr int kMinSeconds = 12;
+/// Files that may be open for a moment when a sample is taken.
 constexpr long kPassingDescriptors = 4;
 
-/// What one or more processes hold at a quiet moment.
+/// What one or more processes hold while idle.
 struct Holding {
   long kib = 0;
   long descriptors = 0;
@@ -62,9 +62,9 @@ Holding look_at(pid_t process) {
   return holding;
 }
 
-/// The least of some moments: files that are being read come and go.
+/// The minimum of several samples: files that are being read come and go.
 Holding holding_of(const std::vector<pid_t> &processes) {
-  Holding least;
+  Holding lowest;
   for (int moment = 0; moment < 20; ++moment) {
     Holding sum;
     for (pid_t process : processes) {
@@ -72,21 +72,21 @@ Holding holding_of(const std::vector<pid_t> &processes) {
       sum.kib += one.kib;
       sum.descriptors += one.descriptors;
     }
-    if (moment == 0 || sum.kib < least.kib) least.kib = sum.kib;
-    if (moment == 0 || sum.descriptors < least.descriptors) least.descriptors = sum.descriptors;
+    if (moment == 0 || sum.kib < lowest.kib) lowest.kib = sum.kib;
+    if (moment == 0 || sum.descriptors < lowest.descriptors) lowest.descriptors = sum.descriptors;
     std::this_thread::sleep_for(20ms);
   }
-  return least;
+  return lowest;
 }
 
 int complaints = 0;
 
-/// The first ones are told.
+/// Prints the first ones.
 void complain(const std::string &line) {
   if (complaints++ < 10) fmt::print(stderr, "load: {}\n", line);
 }
 
-/// A tenth, and what an allocator keeps at hand for each process.
+/// A tenth, and what an allocator keeps for each process.
 void expect_no_growth(const char *who, size_t processes, const Holding &before,
                       const Holding &after) {
   fmt::print("{:<18} {:>7} KiB, then {:>7} KiB; {:>5} descriptors, then {:>5}\n", who, before.kib,
@@ -118,7 +118,7 @@ std::vector<pid_t> start_clients(Scene &scene) {
   return processes;
 }
 
-/// Takes the box away and brings it back. Clients may notice while the epoch is odd.
+/// Ends the box and starts it again. Exchanges may fail while the epoch is odd.
 void restart(RunningBox &box, Scene &scene, int signal) {
   ++scene.epoch;
   int status = box.end(signal);
@@ -135,7 +135,7 @@ uint64_t exchanges(const Scene &scene) {
   return sum;
 }
 
-/// Each client has to do something right from now on.
+/// Each client must complete a round from now on.
 void expect_all_at_work(const Scene &scene) {
   std::array<uint64_t, kClients> before{};
   for (uint32_t id = 0; id < kClients; ++id) before[id] = scene.tallies[id].rounds;
@@ -222,9 +222,9 @@ int main(int argc, char **argv) {
     auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
     if (error != std::errc() || end != text.data() + text.size()) seconds = 0;
   }
-  if (argc > 2 || seconds < kLeastSeconds || seconds > 86'400) {
-    fmt::print(stderr, "load: expected at most one argument, seconds from {} to 86400\n",
-               kLeastSeconds);
+  if (argc > 2 || seconds < kMinSeconds || seconds > 86'400) {
+    fmt::print(stderr, "load: wrong arguments; expected at most one, seconds from {} to 86400\n",
+               kMinSeconds);
     return 2;
   }
   try {

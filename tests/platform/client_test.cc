@@ -101,7 +101,7 @@ TEST_P(RequestLength, ArrivesWhole) {
   EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
 }
 
-// 147,384 bytes are a description list of 4,094 entries; 16 MiB is the most that is sent.
+// 147,384 bytes are a description list of 4,094 entries; 16 MiB is the limit.
 INSTANTIATE_TEST_SUITE_P(Requests, RequestLength,
                          testing::Values(0, 1, 80, 4075, 4076, 4077, 65536, 147384, 1048576,
                                          16777216));
