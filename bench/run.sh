@@ -40,7 +40,7 @@ mkdir -p "$results"
 echo "bench: instructions" >&2
 bench/instructions/run.sh "$build" "$target_build" "$results/instructions.tsv"
 tables=("$results/instructions.tsv")
-for part in growth exchange box command_line; do
+for part in growth exchange box state command_line; do
   echo "bench: $part" >&2
   "$build/bench/bench_$part" "$results/$part.tsv"
   tables+=("$results/$part.tsv")

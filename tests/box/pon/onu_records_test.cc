@@ -23,7 +23,7 @@ struct Families {
         state(topology, TimePoint()),
         hardware(topology, directory, box::Listings(folder / "run", std::nullopt),
                  [] { return TimePoint(); }) {
-    hardware.start(make_families(hardware, state));
+    hardware.start(make_families(hardware, state), box::Misfits::kRefuse);
   }
 
   box::Topology topology;

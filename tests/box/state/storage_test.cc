@@ -206,7 +206,7 @@ std::string complaint_about(const std::string &from, const std::string &to) {
   TestBox box;
   box.status(kUserAccount, record(kUserSize, {{0, word(1)},
                                               {kUserNameAt, text("operator")},
-                                              {kUserPasswordAt, text("planted-secret")}}));
+                                              {kPasswordAt, text("planted-secret")}}));
   box.status(kSaveConfig);
   box.end();
   box.damage_state("saved", from, to);
