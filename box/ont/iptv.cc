@@ -38,7 +38,7 @@ Status delete_channel(IptvState::Channels &channels, const Request &request) {
 class OntIptv final : public OnuFamily {
  public:
   OntIptv(Hardware &hardware, OnuState &shared, IptvState &iptv)
-      : OnuFamily("ont-iptv", shared, {&shared.records.iptv_profile}),
+      : OnuFamily("ont-iptv", shared, {shared.records.iptv_profile}),
         hardware_(hardware),
         iptv_(iptv) {}
 

@@ -20,8 +20,8 @@ class OntVoice final : public OnuFamily {
  public:
   OntVoice(Hardware &hardware, OnuState &shared)
       : OnuFamily("ont-voice", shared,
-                  {&shared.records.sip, &shared.records.voice_interface,
-                   &shared.records.line_status, &shared.records.user_account, &shared.records.fax}),
+                  {shared.records.sip, shared.records.voice_interface, shared.records.line_status,
+                   shared.records.user_account, shared.records.fax}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {

@@ -15,7 +15,7 @@ class OntWan final : public OnuFamily {
  public:
   OntWan(Hardware &hardware, OnuState &shared)
       : OnuFamily("ont-wan", shared,
-                  {&shared.records.wan_connection, &shared.records.configuration_action}),
+                  {shared.records.wan_connection, shared.records.configuration_action}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {

@@ -126,12 +126,12 @@ class PonInventory final : public Family {
 
   Status show_configuration(const Onu &onu, Report &report) {
     bool any = false;
-    for (const RecordTable *table : state_.records.all()) {
-      auto kept = table->kept_of(onu.place());
+    for (const auto &[group, table] : state_.records.entries()) {
+      auto kept = table.kept_of(onu.place());
       if (kept.empty()) continue;
       any = true;
-      report.section(std::string(table->title()));
-      for (const auto &[place, record] : kept) report.row({to_text(place), table->show(record)});
+      report.section(std::string(table.title()));
+      for (const auto &[place, record] : kept) report.row({to_text(place), table.show(record)});
     }
     if (!any) report.section("All is as from the factory.");
     return Status::kOk;

@@ -17,8 +17,8 @@ class PonLink final : public OnuFamily {
  public:
   PonLink(Hardware &hardware, OnuState &state, PonAdmission &admission)
       : OnuFamily("pon-link", state,
-                  {&state.records.feature, &state.records.description, &state.records.link_dba,
-                   &state.records.user_traffic}),
+                  {state.records.feature, state.records.description, state.records.link_dba,
+                   state.records.user_traffic}),
         hardware_(hardware),
         admission_(admission) {}
 

@@ -28,8 +28,8 @@ class PonMulticast final : public OnuFamily {
  public:
   PonMulticast(Hardware &hardware, OnuState &state)
       : OnuFamily("pon-multicast", state,
-                  {&state.records.multicast_group_limit, &state.records.multicast_vlans,
-                   &state.records.multicast_strip, &state.records.fast_leave}),
+                  {state.records.multicast_group_limit, state.records.multicast_vlans,
+                   state.records.multicast_strip, state.records.fast_leave}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {

@@ -2,6 +2,7 @@
 #ifndef OLT_BOX_PON_ONU_FAMILY_H
 #define OLT_BOX_PON_ONU_FAMILY_H
 
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -13,7 +14,9 @@ namespace olt::box {
 /// Saves, restores and describes the tables that it is given; they belong to the state.
 class OnuFamily : public Family {
  public:
-  OnuFamily(std::string_view name, OnuState &state, std::vector<RecordTable *> tables);
+  using Tables = std::vector<std::reference_wrapper<RecordTable>>;
+
+  OnuFamily(std::string_view name, OnuState &state, Tables tables);
 
   std::string_view name() const override { return name_; }
   Json configuration() const override;
@@ -31,7 +34,7 @@ class OnuFamily : public Family {
  private:
   std::string_view name_;
   OnuState &state_;
-  std::vector<RecordTable *> tables_;
+  Tables tables_;
 };
 
 }  // namespace olt::box

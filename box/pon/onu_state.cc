@@ -57,35 +57,6 @@ const char *presence_name(Presence presence) {
   return "blocked";
 }
 
-std::vector<RecordTable *> OnuRecords::all() {
-  std::vector<RecordTable *> tables = {&feature, &description, &link_dba, &user_traffic};
-  auto services = of_services();
-  tables.insert(tables.end(), services.begin(), services.end());
-  return tables;
-}
-
-std::vector<RecordTable *> OnuRecords::of_services() {
-  return {&port_alarm,
-          &port_loopback,
-          &port_vlan_mode,
-          &port_down_rate,
-          &port_policing,
-          &port_info,
-          &port_description,
-          &multicast_group_limit,
-          &multicast_strip,
-          &multicast_vlans,
-          &fast_leave,
-          &line_status,
-          &user_account,
-          &fax,
-          &sip,
-          &voice_interface,
-          &wan_connection,
-          &configuration_action,
-          &iptv_profile};
-}
-
 OnuState::OnuState(const Topology &topology_of_box, TimePoint now) : topology(topology_of_box) {
   onus.reserve(size_t{topology.pon_interfaces} * topology.onus_per_interface);
   for (uint32_t interface = 1; interface <= topology.pon_interfaces; ++interface) {
@@ -169,11 +140,13 @@ std::optional<OnuPart> OnuState::behind(const Request &request, Scope scope) con
 }
 
 void OnuState::forget(const OnuPart &onu) {
-  for (RecordTable *table : records.all()) table->forget(onu);
+  for (auto &[group, table] : records.entries()) table.forget(onu);
 }
 
 void OnuState::forget_services(const OnuPart &onu) {
-  for (RecordTable *table : records.of_services()) table->forget(onu);
+  for (auto &[group, table] : records.entries()) {
+    if (group == RecordGroup::kService) table.forget(onu);
+  }
 }
 
 Message part_message(OnuState &state, uint32_t type, std::string_view name, Scope scope,

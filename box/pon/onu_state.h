@@ -3,10 +3,12 @@
 #define OLT_BOX_PON_ONU_STATE_H
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/clock.h"
@@ -61,46 +63,78 @@ class Onu {
   TimePoint from_;
 };
 
-/// The records of the ONUs, by the setters that write them.
-struct OnuRecords {
-  RecordTable feature{"feature", "Basic features", Scope::kOnu, 48};
-  RecordTable description{"description", "Descriptions", Scope::kOnu, 48, Shown::kText};
-  RecordTable link_dba{"link_dba", "Link bandwidth", Scope::kOnu, sizeof(LinkDba)};
-  RecordTable user_traffic{"user_traffic", "User traffic", Scope::kOnu, 48};
+/// What a table belongs to: the ONU itself, or its ports and services. An ONU that is set back to
+/// its defaults keeps the former.
+enum class RecordGroup { kOnu, kService };
 
-  RecordTable port_alarm{"port_alarm", "UNI port alarms", Scope::kUniPort, 4};
-  RecordTable port_loopback{"port_loopback", "UNI port loopbacks", Scope::kUniPort, 4};
-  RecordTable port_vlan_mode{"port_vlan_mode", "UNI port VLAN modes", Scope::kUniPort,
-                             sizeof(UniVlanMode), Shown::kBytes};
-  RecordTable port_down_rate{"port_down_rate", "UNI port downstream rates", Scope::kUniPort, 12};
-  RecordTable port_policing{"port_policing", "UNI port policing", Scope::kUniPort, 16};
-  RecordTable port_info{"port_info", "UNI port basic information", Scope::kUniPort, 44};
-  RecordTable port_description{"port_description", "UNI port descriptions", Scope::kUniPort, 44,
-                               Shown::kText};
+/// The tables of records of all ONUs.
+class OnuRecords {
+ public:
+  struct Entry {
+    RecordGroup group;
+    RecordTable table;
+  };
 
-  RecordTable multicast_group_limit{"multicast_group_limit", "Multicast group limits",
-                                    Scope::kUniPort, 4};
-  RecordTable multicast_strip{"multicast_strip", "Multicast tag stripping", Scope::kUniPort,
-                              sizeof(UniStripRow::strip), Shown::kBytes};
-  RecordTable multicast_vlans{"multicast_vlans", "Multicast VLANs", Scope::kUniPort,
-                              sizeof(MulticastVlans), Shown::kCountedIds};
-  RecordTable fast_leave{"fast_leave", "IGMP fast leave", Scope::kUniPort, 4};
+  OnuRecords() = default;
+  OnuRecords(const OnuRecords &) = delete;
+  OnuRecords &operator=(const OnuRecords &) = delete;
 
-  RecordTable line_status{"line_status", "Voice line switches", Scope::kVoiceLine, 4};
-  RecordTable user_account{"user_account", "Voice user accounts", Scope::kVoiceLine, 80,
-                           Shown::kBytes};
-  RecordTable fax{"fax", "Fax modes", Scope::kVoiceLine, 2, Shown::kBytes};
-  RecordTable sip{"sip", "SIP settings", Scope::kOnu, 45, Shown::kBytes};
-  RecordTable voice_interface{"voice_interface", "Interfaces of the voice service", Scope::kOnu, 32,
-                              Shown::kText};
-  RecordTable wan_connection{"wan_connection", "WAN connections", Scope::kWanConnection,
-                             sizeof(WanConnection), Shown::kBytes};
-  RecordTable configuration_action{"configuration_action", "Configuration actions", Scope::kOnu, 4};
-  RecordTable iptv_profile{"iptv_profile", "IPTV profiles of ONUs", Scope::kOnu, 32, Shown::kText};
+  std::deque<Entry> &entries() { return entries_; }
 
-  std::vector<RecordTable *> all();
-  /// Those of its ports and services: an ONU that is set back to its defaults loses them.
-  std::vector<RecordTable *> of_services();
+ private:
+  RecordTable &of_onu(RecordTable table) {
+    return entries_.emplace_back(Entry{RecordGroup::kOnu, std::move(table)}).table;
+  }
+  RecordTable &of_service(RecordTable table) {
+    return entries_.emplace_back(Entry{RecordGroup::kService, std::move(table)}).table;
+  }
+
+  std::deque<Entry> entries_;  ///< never moves an entry
+
+ public:
+  RecordTable &feature = of_onu({"feature", "Basic features", Scope::kOnu, 48});
+  RecordTable &description = of_onu({"description", "Descriptions", Scope::kOnu, 48, Shown::kText});
+  RecordTable &link_dba = of_onu({"link_dba", "Link bandwidth", Scope::kOnu, sizeof(LinkDba)});
+  RecordTable &user_traffic = of_onu({"user_traffic", "User traffic", Scope::kOnu, 48});
+
+  RecordTable &port_alarm = of_service({"port_alarm", "UNI port alarms", Scope::kUniPort, 4});
+  RecordTable &port_loopback =
+      of_service({"port_loopback", "UNI port loopbacks", Scope::kUniPort, 4});
+  RecordTable &port_vlan_mode = of_service({"port_vlan_mode", "UNI port VLAN modes",
+                                            Scope::kUniPort, sizeof(UniVlanMode), Shown::kBytes});
+  RecordTable &port_down_rate =
+      of_service({"port_down_rate", "UNI port downstream rates", Scope::kUniPort, 12});
+  RecordTable &port_policing =
+      of_service({"port_policing", "UNI port policing", Scope::kUniPort, 16});
+  RecordTable &port_info =
+      of_service({"port_info", "UNI port basic information", Scope::kUniPort, 44});
+  RecordTable &port_description =
+      of_service({"port_description", "UNI port descriptions", Scope::kUniPort, 44, Shown::kText});
+
+  RecordTable &multicast_group_limit =
+      of_service({"multicast_group_limit", "Multicast group limits", Scope::kUniPort, 4});
+  RecordTable &multicast_strip =
+      of_service({"multicast_strip", "Multicast tag stripping", Scope::kUniPort,
+                  sizeof(UniStripRow::strip), Shown::kBytes});
+  RecordTable &multicast_vlans = of_service({"multicast_vlans", "Multicast VLANs", Scope::kUniPort,
+                                             sizeof(MulticastVlans), Shown::kCountedIds});
+  RecordTable &fast_leave = of_service({"fast_leave", "IGMP fast leave", Scope::kUniPort, 4});
+
+  RecordTable &line_status =
+      of_service({"line_status", "Voice line switches", Scope::kVoiceLine, 4});
+  RecordTable &user_account =
+      of_service({"user_account", "Voice user accounts", Scope::kVoiceLine, 80, Shown::kBytes});
+  RecordTable &fax = of_service({"fax", "Fax modes", Scope::kVoiceLine, 2, Shown::kBytes});
+  RecordTable &sip = of_service({"sip", "SIP settings", Scope::kOnu, 45, Shown::kBytes});
+  RecordTable &voice_interface = of_service(
+      {"voice_interface", "Interfaces of the voice service", Scope::kOnu, 32, Shown::kText});
+  RecordTable &wan_connection =
+      of_service({"wan_connection", "WAN connections", Scope::kWanConnection, sizeof(WanConnection),
+                  Shown::kBytes});
+  RecordTable &configuration_action =
+      of_service({"configuration_action", "Configuration actions", Scope::kOnu, 4});
+  RecordTable &iptv_profile =
+      of_service({"iptv_profile", "IPTV profiles of ONUs", Scope::kOnu, 32, Shown::kText});
 };
 
 struct OnuState {

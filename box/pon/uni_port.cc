@@ -14,9 +14,9 @@ class PonUniPort final : public OnuFamily {
   PonUniPort(Hardware &hardware, OnuState &state)
       : OnuFamily(
             "pon-uni-port", state,
-            {&state.records.port_alarm, &state.records.port_loopback, &state.records.port_vlan_mode,
-             &state.records.port_down_rate, &state.records.port_policing, &state.records.port_info,
-             &state.records.port_description}),
+            {state.records.port_alarm, state.records.port_loopback, state.records.port_vlan_mode,
+             state.records.port_down_rate, state.records.port_policing, state.records.port_info,
+             state.records.port_description}),
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
