@@ -39,7 +39,7 @@ std::string default_run_dir() {
 
 gid_t group_id(const std::string &name_or_number) {
   if (auto group = olt::find_group(name_or_number)) return *group;
-  throw BadInput("--group " + name_or_number + ": is no group, expected the name or number of one");
+  throw BadInput("--group " + name_or_number + ": is no group; expected the name or number of one");
 }
 
 /// Whether anybody still reads the line is not the box's affair.

@@ -55,7 +55,7 @@ class DuplicateCheck {
     if (object.keys.insert(key).second) return;
     std::string place;
     for (const Object &outer : objects_) place += '/' + escaped(outer.current);
-    throw BadInput(place + ": is given twice, expected once");
+    throw BadInput(place + ": is given twice; expected once");
   }
 
   std::vector<Object> objects_;
@@ -93,7 +93,7 @@ Json parse_json(std::string_view text) {
   } catch (const Json::out_of_range &error) {
     std::string_view number = quoted_in(error.what());
     throw BadInput(
-        fmt::format("{}: number {} is beyond what any member can hold, expected a smaller one",
+        fmt::format("{}: number {} is beyond what any member can hold; expected a smaller one",
                     place_in(text, text.find(number) + number.size()), printable_ascii(number)));
   }
 }
@@ -105,7 +105,7 @@ void refuse(const std::string &place, const Json &value, std::string_view expect
   shown = printable_ascii(shown);
   if (shown.size() > kShownValue) shown = shown.substr(0, kShownValue) + "...";
   throw BadInput(
-      fmt::format("{}: is {}, expected {}", place.empty() ? "/" : place, shown, expected));
+      fmt::format("{}: is {}; expected {}", place.empty() ? "/" : place, shown, expected));
 }
 
 ObjectReader::ObjectReader(const Json &value, std::string place)
@@ -179,7 +179,7 @@ void ObjectReader::finish() const {
   for (const auto &member : value_.items()) {
     if (std::find(known_.begin(), known_.end(), member.key()) != known_.end()) continue;
     std::set<std::string> names(known_.begin(), known_.end());
-    throw BadInput(fmt::format("{}: is unknown, expected one of {}", place_of(member.key()),
+    throw BadInput(fmt::format("{}: is unknown; expected one of {}", place_of(member.key()),
                                fmt::join(names, ", ")));
   }
 }

@@ -19,7 +19,7 @@ using Json = nlohmann::ordered_json;
 /// Throws BadInput: "LINE:COLUMN: reason", or the place of a key that is given twice.
 Json parse_json(std::string_view text);
 
-/// Throws BadInput: "PLACE: is VALUE, expected EXPECTED".
+/// Throws BadInput: "PLACE: is VALUE; expected EXPECTED".
 [[noreturn]] void refuse(const std::string &place, const Json &value, std::string_view expected);
 
 struct NumberRange {

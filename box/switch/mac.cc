@@ -131,10 +131,8 @@ class SwitchMac final : public Family {
     ObjectReader reader(element, place);
     uint32_t port = state_.read_port(reader);
     Address address = {static_cast<uint16_t>(reader.number("vlan", {1, kLastVlan})), {}};
-    auto bytes = from_hex(reader.text("mac"));
-    bool whole = bytes && bytes->size() == address.mac.size();
-    if (whole) std::copy(bytes->begin(), bytes->end(), address.mac.begin());
-    if (!whole || !is_unicast(address.mac)) {
+    reader.hex("mac", address.mac);
+    if (!is_unicast(address.mac)) {
       refuse(reader.place_of("mac"), reader.get("mac"), "the MAC address of one device in hex");
     }
     reader.finish();
@@ -154,8 +152,7 @@ class SwitchMac final : public Family {
     Report report(vlan == 0
                       ? fmt::format("MAC addresses of port {}", port->name())
                       : fmt::format("MAC addresses of port {} in VLAN {}", port->name(), vlan));
-    report.section(fmt::format("{} {}", rows.size(), rows.size() == 1 ? "address" : "addresses"),
-                   {"VLAN", "MAC address", "Type", "Age in s"});
+    report.section(counted(rows.size(), "address"), {"VLAN", "MAC address", "Type", "Age in s"});
     for (const auto &[address, age] : rows) {
       report.row({fmt::to_string(address.vlan), mac_text(address.mac),
                   age == "-" ? "static" : "dynamic", age});
@@ -203,7 +200,7 @@ class SwitchMac final : public Family {
     return static_cast<uint16_t>(range->first + n);
   }
 
-  Status clear(const Request &request, Reply & /*reply*/) {
+  Status clear(const Request &request) {
     auto record = request.record<PortRecord>();
     const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
@@ -211,7 +208,7 @@ class SwitchMac final : public Family {
     return Status::kOk;
   }
 
-  Status act(const Request &request, Reply & /*reply*/) {
+  Status act(const Request &request) {
     auto record = request.record<PortMac>();
     const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;

@@ -46,12 +46,7 @@ class SystemSettings final : public Family {
   void configure(const Json &value, const std::string &place) override {
     ObjectReader reader(value, place);
     for (Record *record : {&network_, &sntp_, &snmp_param_, &snmp_info_}) {
-      auto bytes = from_hex(reader.text(record->key));
-      if (!bytes || bytes->size() != record->bytes.size()) {
-        refuse(reader.place_of(record->key), reader.get(record->key),
-               std::to_string(record->bytes.size()) + " bytes in hex");
-      }
-      record->bytes = std::move(*bytes);
+      reader.hex(record->key, record->bytes);
     }
     reader.finish();
   }

@@ -44,11 +44,11 @@ Json fault_from_words(std::string_view text) {
     size_t equals = word.find('=');
     bool is_action = equals == std::string::npos && action_of(word);
     if (equals == std::string::npos && !is_action) {
-      throw BadInput(fmt::format(R"("{}" is not understood, expected KEY=VALUE, silence or drop)",
+      throw BadInput(fmt::format(R"("{}" is not understood; expected KEY=VALUE, silence or drop)",
                                  printable_ascii(word)));
     }
     std::string key = is_action ? "action" : printable_ascii(word.substr(0, equals));
-    if (fault.contains(key)) throw BadInput(key + " is given twice, expected once");
+    if (fault.contains(key)) throw BadInput(key + " is given twice; expected once");
     fault[key] = is_action ? Json(word) : value_of(std::string_view(word).substr(equals + 1));
   }
   return fault;
@@ -89,13 +89,13 @@ void check_effect(const Fault &fault, const std::string &place) {
   };
   bool sends = fault.action == Action::kSend;
   if (sends && fault.status == 0 && fault.delay_ms == 0) {
-    complain("has no effect, expected a status, a delay_ms, or the action silence or drop");
+    complain("has no effect; expected a status, a delay_ms, or the action silence or drop");
   }
   if (!sends && fault.status != 0) {
-    complain("has a status that is never sent, expected it without silence and drop");
+    complain("has a status that is never sent; expected it without silence and drop");
   }
   if (fault.action == Action::kWithhold && fault.delay_ms != 0) {
-    complain("delays an answer that is never sent, expected delay_ms without silence");
+    complain("delays an answer that is never sent; expected delay_ms without silence");
   }
 }
 
@@ -143,7 +143,7 @@ uint32_t FaultTable::add(const Json &fault, const std::string &place) {
   check_effect(read, place);
   if (faults_.size() >= kMostFaults) {
     throw BadInput(
-        fmt::format("{} faults are armed already, expected one to be cleared first", kMostFaults));
+        fmt::format("{} faults are armed already; expected one to be cleared first", kMostFaults));
   }
   read.id = ++last_id_;
   faults_.push_back(read);

@@ -296,12 +296,12 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
       {{"--frehs"}, "The following argument was not expected: --frehs"},
       {{"--run-dir"}, "--run-dir: 1 required TEXT missing"},
       {{"--fault", "type=12"},
-       "fault \"type=12\": /: has no effect, expected a status, a delay_ms, or the action silence "
+       "fault \"type=12\": /: has no effect; expected a status, a delay_ms, or the action silence "
        "or drop"},
       {{"--group", "no such group"},
-       "--group no such group: is no group, expected the name or number of one"},
+       "--group no such group: is no group; expected the name or number of one"},
       {{"--topology", daemon.folder / "box.json"},
-       (daemon.folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16"},
+       (daemon.folder / "box.json") + ": /pon/interfaces: is 99; expected an integer from 1 to 16"},
   };
   for (auto [options, line] : kMistakes) {
     options.insert(options.begin(), {"--state-dir", daemon.folder / "state"});

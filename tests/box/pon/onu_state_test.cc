@@ -118,13 +118,13 @@ TEST(OnuPartName, IsReadAsItIsWritten) {
 }
 
 TEST(RecordTable, KeepsOnlyWhatDiffersFromTheFactory) {
-  RecordTable table("key", "Title", Scope::kUniPort, 4, Shown::kWords, {7});
+  RecordTable table("key", "Title", Scope::kUniPort, 4);
   const OnuPart place = {1, 2, 3};
-  EXPECT_EQ(table.show(table.at(place)), "7");
+  EXPECT_EQ(table.show(table.at(place)), "0");
   table.set(place, word(9));
   EXPECT_EQ(table.show(table.at(place)), "9");
   EXPECT_EQ(table.kept().size(), 1U);
-  table.set(place, word(7));
+  table.set(place, word(0));
   EXPECT_TRUE(table.kept().empty());
 }
 
@@ -144,8 +144,8 @@ TEST(OnuStateFile, MistakesAreReportedWithTheirPlace) {
       {R"("1/9/9:1":"09000000")", "expected no member of this name: the box has no such part"},
       {R"("1/1/2:3":"09000000")", "expected no member of this name: the box has no such part"},
       {R"("1/1/2":"09000000")", "expected no member of this name: the box has no such part"},
-      {R"("1/1/2:1":"0900")", "is \"0900\", expected 4 bytes in hex"},
-      {R"("1/1/2:1":9)", "is 9, expected a text"},
+      {R"("1/1/2:1":"0900")", "is \"0900\"; expected 4 bytes in hex"},
+      {R"("1/1/2:1":9)", "is 9; expected a text"},
   };
   SmallPon box;
   EXPECT_EQ(box.status(kSetGroupLimit, target_with(target(1, 2, 1), word(9))), kOk);
@@ -196,7 +196,7 @@ TEST(OnuStateFile, UnknownOnusAreRefused) {
     ADD_FAILURE() << "accepted";
   } catch (const std::runtime_error &error) {
     EXPECT_TRUE(
-        holds(std::string(error.what()), "/onus: is \"1-5\", expected ONUs that the box has"))
+        holds(std::string(error.what()), "/onus: is \"1-5\"; expected ONUs that the box has"))
         << error.what();
   }
 }

@@ -158,27 +158,27 @@ TEST(Storage, DamagedFilesAreReportedAndKept) {
       {"",
        "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
        "literal"},
-      {"[]", "/: is an array, expected an object"},
+      {"[]", "/: is an array; expected an object"},
       {changed("oltbox saved.json", "oltbox running.json"),
-       "/format: is \"oltbox running.json\", expected \"oltbox saved.json\""},
+       "/format: is \"oltbox running.json\"; expected \"oltbox saved.json\""},
       {changed("\"version\": 1", "\"version\": 2"),
-       "/version: is 2, expected an integer from 1 to 1"},
+       "/version: is 2; expected an integer from 1 to 1"},
       {changed("\"configuration\"", "\"konfiguration\""), "/configuration: is missing"},
       {changed("\"level_a\": 1", "\"level_a\": \"1\""),
-       "/configuration/system-users/users/0/level_a: is \"1\", expected an integer from 0 to "
+       "/configuration/system-users/users/0/level_a: is \"1\"; expected an integer from 0 to "
        "4294967295"},
       {changed("\"sntp\": \"00", "\"sntp\": \"0x"),
-       "/configuration/system-settings/sntp: is \"0x0000000000000000000000000000000000000..., "
+       "/configuration/system-settings/sntp: is \"0x0000000000000000000000000000000000000...; "
        "expected 88 bytes in hex"},
       {changed("\"sntp\": \"00", "\"sntp\": \""),
-       "/configuration/system-settings/sntp: is \"000000000000000000000000000000000000000..., "
+       "/configuration/system-settings/sntp: is \"000000000000000000000000000000000000000...; "
        "expected 88 bytes in hex"},
       {changed("\"level\": 6", "\"level\": 8"),
-       "/configuration/system-log/logs/0/level: is 8, expected an integer from 0 to 7"},
+       "/configuration/system-log/logs/0/level: is 8; expected an integer from 0 to 7"},
       {changed("\"module\": 22", "\"module\": 3"),
-       "/configuration/system-log/logs/0/module: is 3, expected 2 or 22"},
+       "/configuration/system-log/logs/0/module: is 3; expected 2 or 22"},
       {changed("\"system-log\"", "\"system-lug\""),
-       "/configuration/system-lug: is unknown, expected one of ont-iptv, ont-voice, "
+       "/configuration/system-lug: is unknown; expected one of ont-iptv, ont-voice, "
        "ont-wan, pon-authentication, pon-inventory, pon-link, pon-multicast, pon-uni-port, "
        "snmp-olt-rows, snmp-onu-rows, switch-mac, switch-multicast, switch-port, switch-rstp, "
        "switch-statistics, switch-vlan, system-control, system-debug, "
@@ -325,7 +325,7 @@ TEST(RunningState, DamageIsReported) {
   ASSERT_NE(at, std::string::npos);
   write_file(file, std::string(good).replace(at, 12, "\"total\": 0"));
   EXPECT_EQ(complaint(box), file.string() +
-                                ": /box/families/system-update/olt/total: is 0, expected an "
+                                ": /box/families/system-update/olt/total: is 0; expected an "
                                 "integer from 1 to 268435456; remove the file or start afresh "
                                 "(--fresh)");
 }

@@ -401,16 +401,16 @@ TEST(Vlans, DamageInTheFileIsReported) {
   const std::string place = "/configuration/switch-vlan/";
   for (const char *bad : {"1,", "0", "1-", "9-8", "4095", "1;10", "a", "70000"}) {
     EXPECT_EQ(complaint_about(box, "\"vlans\": \"1,10\"", "\"vlans\": \"" + std::string(bad) + '"'),
-              place + "vlans: is \"" + bad + "\", expected numbers up to 4094 as in \"1,20-25\"");
+              place + "vlans: is \"" + bad + "\"; expected numbers up to 4094 as in \"1,20-25\"");
   }
   EXPECT_EQ(complaint_about(box, "\"tagged\": \"10\"", "\"tagged\": \"11\""),
-            place + "trunks/0/tagged: is \"11\", expected VLANs of the table, each on one side");
+            place + "trunks/0/tagged: is \"11\"; expected VLANs of the table, each on one side");
   EXPECT_EQ(complaint_about(box, "\"tagged\": \"10\"", "\"tagged\": \"1\""),
-            place + "trunks/0/untagged: is \"1\", expected VLANs of the table, each on one side");
+            place + "trunks/0/untagged: is \"1\"; expected VLANs of the table, each on one side");
   EXPECT_EQ(complaint_about(box, "\"vlan\": 1", "\"vlan\": 7"),
-            place + "descriptions/0/vlan: is 7, expected a VLAN of the table");
+            place + "descriptions/0/vlan: is 7; expected a VLAN of the table");
   EXPECT_EQ(complaint_about(box, "\"trunk_value\": 0", "\"trunk_value\": -1"),
-            place + "trunks/0/trunk_value: is -1, expected an integer from 0 to 4294967295");
+            place + "trunks/0/trunk_value: is -1; expected an integer from 0 to 4294967295");
 }
 
 }  // namespace
