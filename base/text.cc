@@ -191,7 +191,8 @@ std::optional<std::string> utf8_to_bytes(std::string_view text) {
 }
 
 std::string counted(size_t count, std::string_view noun) {
-  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+  std::string_view ending = noun.ends_with('s') ? "es" : "s";
+  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : ending);
 }
 
 }  // namespace olt

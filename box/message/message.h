@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -124,20 +125,22 @@ class Reply {
 
 using Handler = std::function<Status(const Request &, Reply &)>;
 
-/// A handler that is a member function of its family, and takes what it needs.
-template <typename F>
-Handler on(F *family, Status (F::*method)(const Request &, Reply &)) {
-  return [=](const Request &request, Reply &reply) { return (family->*method)(request, reply); };
+/// A handler that is a member function of its family. The function takes those of the handler's
+/// arguments that it needs, in any order.
+template <typename F, typename Result, typename... Needed>
+auto on(F *family, Result (F::*method)(Needed...)) {
+  return [=](auto &&...arguments) {
+    std::tuple<decltype(arguments)...> all(arguments...);
+    return (family->*method)(std::get<Needed>(all)...);
+  };
 }
 
-template <typename F>
-Handler on(F *family, Status (F::*method)(Reply &)) {
-  return [=](const Request &, Reply &reply) { return (family->*method)(reply); };
-}
-
-template <typename F>
-Handler on(F *family, Status (F::*method)()) {
-  return [=](const Request &, Reply &) { return (family->*method)(); };
+template <typename F, typename Result, typename... Needed>
+auto on(const F *family, Result (F::*method)(Needed...) const) {
+  return [=](auto &&...arguments) {
+    std::tuple<decltype(arguments)...> all(arguments...);
+    return (family->*method)(std::get<Needed>(all)...);
+  };
 }
 
 struct Lengths {

@@ -18,10 +18,6 @@ constexpr size_t kMostUserChannels = 16'384;
 
 using Profiles = std::map<std::string, IptvState::Channels>;
 
-std::string channels_text(const IptvState::Channels &channels) {
-  return fmt::format("{} {}", channels.size(), channels.size() == 1 ? "channel" : "channels");
-}
-
 Status add_channel(IptvState::Channels &channels, const Request &request) {
   auto channel = request.record<IptvChannelRow>();
   if (channels.contains(channel.number)) return Status::kExists;
@@ -45,22 +41,15 @@ class OntIptv final : public OnuFamily {
   std::vector<Message> messages() override {
     return {
         part_message(state(), 155, "set-iptv-profile", Scope::kOnu, exactly(sizeof(ProfileName)),
-                     [this](const OnuPart &onu, const Request &request, Reply &) {
-                       return attach(onu, request);
-                     }),
+                     on(this, &OntIptv::attach)),
         part_message(state(), 156, "unset-iptv-profile", Scope::kOnu, exactly(0),
-                     [this](const OnuPart &onu, const Request &, Reply &) { return detach(onu); }),
+                     on(this, &OntIptv::detach)),
         {kMainModule, 157, "create-iptv-profile", exactly(sizeof(ProfileName)),
          on(this, &OntIptv::create)},
-        profile_message(
-            158, "clear-iptv-profile", 0,
-            [this](Profile profile, const Request &, Reply &) { return remove(profile); }),
+        profile_message(158, "clear-iptv-profile", 0, on(this, &OntIptv::remove)),
         channel_message(159, "delete-iptv-channel", delete_channel),
         channel_message(160, "add-iptv-channel", add_channel),
-        profile_message(161, "iptv-profile", 0,
-                        [this](Profile profile, const Request &, Reply &reply) {
-                          return list(profile, reply);
-                        }),
+        profile_message(161, "iptv-profile", 0, on(this, &OntIptv::list)),
         {kMainModule, 162, "add-user-channel", exactly(sizeof(UserChannelRecord)),
          on(this, &OntIptv::add_user_channel)},
         {kMainModule, 163, "delete-user-channel", exactly(sizeof(UserChannelRecord)),
@@ -97,7 +86,7 @@ class OntIptv final : public OnuFamily {
   void describe_configuration(Report &report) const override {
     if (!iptv_.profiles.empty()) report.section("IPTV profiles");
     for (const auto &[name, channels] : iptv_.profiles) {
-      report.row({printable_ascii(name), channels_text(channels)});
+      report.row({printable_ascii(name), counted(channels.size(), "channel")});
       for (const auto &[number, settings] : channels) {
         report.row({"", fmt::to_string(number), to_hex(settings)});
       }
@@ -122,8 +111,8 @@ class OntIptv final : public OnuFamily {
   }
 
  private:
-  using Profile = Profiles::iterator;
-  using ProfileAction = std::function<Status(Profile, const Request &, Reply &)>;
+  using Profile = Profiles::value_type;
+  using ProfileAction = std::function<Status(Profile &, const Request &, Reply &)>;
 
   /// A message about a profile that must exist; its name stands behind so many bytes.
   Message profile_message(uint32_t type, std::string_view message, size_t name_at,
@@ -133,7 +122,7 @@ class OntIptv final : public OnuFamily {
       if (name.empty()) return Status::kBadValue;
       auto profile = iptv_.profiles.find(name);
       if (profile == iptv_.profiles.end()) return Status::kNotFound;
-      return act(profile, request, reply);
+      return act(*profile, request, reply);
     };
     return {kMainModule, type, message, exactly(name_at + sizeof(ProfileName)), handler};
   }
@@ -142,12 +131,12 @@ class OntIptv final : public OnuFamily {
   Message channel_message(uint32_t type, std::string_view message,
                           Status (*change)(IptvState::Channels &, const Request &)) {
     return profile_message(type, message, sizeof(IptvChannelRow),
-                           [change](Profile profile, const Request &request, Reply &) {
-                             return change(profile->second, request);
+                           [change](Profile &profile, const Request &request, Reply &) {
+                             return change(profile.second, request);
                            });
   }
 
-  Status create(const Request &request, Reply & /*reply*/) {
+  Status create(const Request &request) {
     std::string name = text_of(request.record<ProfileName>().name);
     if (name.empty()) return Status::kBadValue;
     if (iptv_.profiles.contains(name)) return Status::kExists;
@@ -157,22 +146,22 @@ class OntIptv final : public OnuFamily {
     return Status::kOk;
   }
 
-  Status remove(Profile profile) {
-    for (const OnuPart &onu : users_of(profile->first)) attachments().erase(onu);
-    record(profile->first, "cleared");
-    iptv_.profiles.erase(profile);
+  Status remove(Profile &profile) {
+    for (const OnuPart &onu : users_of(profile.first)) attachments().erase(onu);
+    record(profile.first, "cleared");
+    iptv_.profiles.erase(iptv_.profiles.find(profile.first));
     return Status::kOk;
   }
 
-  Status list(Profile profile, Reply &reply) {
-    const auto &[name, channels] = *profile;
+  Status list(Profile &profile, Reply &reply) {
+    const auto &[name, channels] = profile;
     Report report(fmt::format("IPTV profile {}", printable_ascii(name)));
-    report.section(channels_text(channels), {"Channel", "Settings"});
+    report.section(counted(channels.size(), "channel"), {"Channel", "Settings"});
     for (const auto &[number, settings] : channels) {
       report.row({fmt::to_string(number), to_hex(settings)});
     }
     auto users = users_of(name);
-    report.section(fmt::format("{} {}", users.size(), users.size() == 1 ? "ONU" : "ONUs"));
+    report.section(counted(users.size(), "ONU"));
     for (const OnuPart &onu : users) report.row({to_text(onu)});
     return hardware_.list_at_start("iptv", report.text(), reply);
   }
@@ -193,7 +182,7 @@ class OntIptv final : public OnuFamily {
     return Status::kOk;
   }
 
-  Status add_user_channel(const Request &request, Reply & /*reply*/) {
+  Status add_user_channel(const Request &request) {
     UserChannel channel = read_user_channel(request);
     if (!is_unicast(channel.user)) return Status::kBadValue;
     if (iptv_.user_channels.contains(channel)) return Status::kExists;
@@ -202,7 +191,7 @@ class OntIptv final : public OnuFamily {
     return Status::kOk;
   }
 
-  Status delete_user_channel(const Request &request, Reply & /*reply*/) {
+  Status delete_user_channel(const Request &request) {
     bool known = iptv_.user_channels.erase(read_user_channel(request)) != 0;
     return known ? Status::kOk : Status::kNotFound;
   }

@@ -6,10 +6,13 @@
 #include <algorithm>
 
 #include "box/ont/families.h"
+#include "box/pon/onu_listing.h"
 
 namespace olt::box {
 
 namespace {
+
+constexpr std::string_view kTitle = "Voice service of ONU";
 
 /// A user account that differs from the factory's.
 bool has_account(const OnuRecords &records, const OnuPart &line) {
@@ -28,25 +31,17 @@ class OntVoice final : public OnuFamily {
     OnuRecords &records = state().records;
     return {
         listing(134, "voice-info", "voice", &OntVoice::describe_voice),
-        part_message(state(), 135, "voice-account", Scope::kVoiceLine, exactly(0),
-                     [&records](const OnuPart &line, const Request &, Reply &reply) {
-                       reply.bytes(0, records.user_account.at(line));
-                       return Status::kOk;
-                     }),
+        read_message(state(), 135, "voice-account", records.user_account),
         set_message(state(), 136, "set-voice-account", records.user_account),
-        part_message(state(), 137, "voice-lines", Scope::kOnu, exactly(0),
-                     [this](const OnuPart &onu, const Request &, Reply &reply) {
-                       return list_lines(onu, reply);
-                     }),
+        listing_message(hardware_, state(), 137, "voice-lines", Scope::kOnu, "voiceline", kTitle,
+                        on(this, &OntVoice::list_lines)),
         set_message(state(), 138, "set-voice-line", records.line_status),
         listing(139, "fax-modes", "fax", &OntVoice::describe_fax),
         listing(140, "sip-config", "sip", &OntVoice::describe_sip),
         set_message(state(), 141, "set-fax-mode", records.fax),
         set_message(state(), 142, "set-sip-config", records.sip),
         part_message(state(), 143, "bind-voice", Scope::kOnu, exactly(sizeof(InterfaceName)),
-                     [this](const OnuPart &onu, const Request &request, Reply &) {
-                       return bind(onu, request);
-                     }),
+                     on(this, &OntVoice::bind)),
         listing(144, "voice-binding", "binding", &OntVoice::describe_interface),
     };
   }
@@ -57,15 +52,12 @@ class OntVoice final : public OnuFamily {
   /// A message that lists what is kept for an ONU.
   Message listing(uint32_t type, std::string_view message, std::string_view kind,
                   Describe describe) {
-    auto list = [this, kind, describe](const OnuPart &onu, const Request &, Reply &reply) {
-      Report report(title(onu));
-      (this->*describe)(onu, report);
-      return hardware_.list_at_start(kind, report.text(), reply);
-    };
-    return part_message(state(), type, message, Scope::kOnu, exactly(0), list);
+    return listing_message(hardware_, state(), type, message, Scope::kOnu, kind, kTitle,
+                           [this, describe](const OnuPart &onu, Report &report) {
+                             (this->*describe)(onu, report);
+                             return Status::kOk;
+                           });
   }
-
-  static std::string title(const OnuPart &onu) { return "Voice service of ONU " + to_text(onu); }
 
   /// What stands behind the end of the text is whatever the sender's memory held.
   Status bind(const OnuPart &onu, const Request &request) {
@@ -77,11 +69,10 @@ class OntVoice final : public OnuFamily {
     return Status::kOk;
   }
 
-  Status list_lines(const OnuPart &onu, Reply &reply) {
+  Status list_lines(const OnuPart &onu, Report &report) const {
     if (!state().find(onu)->up(hardware_.now())) return Status::kOffline;
-    Report report(title(onu));
     describe_lines(onu, report);
-    return hardware_.list_at_start("voiceline", report.text(), reply);
+    return Status::kOk;
   }
 
   void describe_voice(const OnuPart &onu, Report &report) const {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "box/ont/families.h"
+#include "box/pon/onu_listing.h"
 
 namespace olt::box {
 
@@ -20,22 +21,17 @@ class OntWan final : public OnuFamily {
 
   std::vector<Message> messages() override {
     return {
-        message(145, "wan-connection", sizeof(WanConnection), &OntWan::deal),
-        message(146, "wan-connections", 0, &OntWan::list),
-        message(147, "ont-configuration", 4, &OntWan::act),
+        part_message(state(), 145, "wan-connection", Scope::kOnu, exactly(sizeof(WanConnection)),
+                     on(this, &OntWan::change)),
+        listing_message(hardware_, state(), 146, "wan-connections", Scope::kOnu, "wan",
+                        "WAN connections of ONU", on(this, &OntWan::list)),
+        part_message(state(), 147, "ont-configuration", Scope::kOnu, exactly(sizeof(uint32_t)),
+                     on(this, &OntWan::start_action)),
     };
   }
 
  private:
-  Message message(uint32_t type, std::string_view name, size_t tail,
-                  Status (OntWan::*handle)(const OnuPart &, const Request &, Reply &)) {
-    auto handler = [this, handle](const OnuPart &onu, const Request &request, Reply &reply) {
-      return (this->*handle)(onu, request, reply);
-    };
-    return part_message(state(), type, name, Scope::kOnu, exactly(tail), handler);
-  }
-
-  Status deal(const OnuPart &onu, const Request &request, Reply & /*reply*/) {
+  Status change(const OnuPart &onu, const Request &request) {
     RecordTable &connections = state().records.wan_connection;
     auto connection = request.record<WanConnection>(sizeof(OntTarget));
     OnuPart place = {onu.interface, onu.onu, connection.number};
@@ -60,16 +56,15 @@ class OntWan final : public OnuFamily {
     return Status::kOk;
   }
 
-  Status list(const OnuPart &onu, const Request & /*request*/, Reply &reply) {
-    Report report("WAN connections of ONU " + to_text(onu));
+  Status list(const OnuPart &onu, Report &report) const {
     for (const auto &[place, record] : state().records.wan_connection.kept_of(onu)) {
       report.section(fmt::format("Connection {}", place.part));
       report.dump(record);
     }
-    return hardware_.list_at_start("wan", report.text(), reply);
+    return Status::kOk;
   }
 
-  Status act(const OnuPart &place, const Request &request, Reply & /*reply*/) {
+  Status start_action(const OnuPart &place, const Request &request) {
     Onu &onu = *state().find(place);
     uint32_t action = request.word(sizeof(OntTarget));
     bool needs_onu = action >= kSave && action <= kRestart;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "base/clock.h"
 #include "base/mac.h"
@@ -40,11 +41,8 @@ class PonAuthentication final : public Family {
   std::vector<Message> messages() override {
     return {
         interface_listing(hardware_, state_, 37, "blocked-onus", "blocklist",
-                          [this](uint32_t interface) { return list_blocked(interface); }),
-        entries_message(41, "unblock-onus",
-                        [this](uint32_t interface, const Entries &entries) {
-                          return unblock(interface, entries);
-                        }),
+                          std::bind_front(&PonAuthentication::list_blocked, this)),
+        entries_message(41, "unblock-onus", std::bind_front(&PonAuthentication::unblock, this)),
         list_message(108, "allow-mac-loids", AuthMode::kMacAndLoid, &AllowList::add),
         list_message(109, "disallow-mac-loids", AuthMode::kMacAndLoid, &AllowList::remove),
         list_message(110, "allow-loids", AuthMode::kLoid, &AllowList::add),
@@ -54,7 +52,7 @@ class PonAuthentication final : public Family {
         {kMainModule, 114, "set-auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::set_mode)},
         interface_listing(hardware_, state_, 115, "auth-lists", "authmode",
-                          [this](uint32_t interface) { return list_access(interface); }),
+                          std::bind_front(&PonAuthentication::list_access, this)),
         {kMainModule, 116, "auth-mode", exactly(sizeof(PonInterface)),
          on(this, &PonAuthentication::mode)},
     };
@@ -177,7 +175,7 @@ class PonAuthentication final : public Family {
   Message entries_message(uint32_t type, std::string_view name, EntriesAction act) {
     constexpr size_t kHead = sizeof(PonInterface);
     Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMostAllowed};
-    auto handler = [this, act = std::move(act)](const Request &request, Reply & /*reply*/) {
+    auto handler = [this, act = std::move(act)](const Request &request, Reply &) {
       Entries entries = request.records<AuthEntry>(kHead);
       auto head = request.record<PonInterface>();
       if (!state_.has_interface(head.slot, head.interface)) return Status::kNotFound;
@@ -209,7 +207,7 @@ class PonAuthentication final : public Family {
     return Status::kOk;
   }
 
-  Status set_mode(const Request &request, Reply & /*reply*/) {
+  Status set_mode(const Request &request) {
     auto asked = request.record<PonInterface>();
     if (!state_.has_interface(asked.slot, asked.interface)) return Status::kNotFound;
     if (asked.auth_mode > kLastAuthMode) return Status::kBadValue;
@@ -234,7 +232,7 @@ class PonAuthentication final : public Family {
   Report list_blocked(uint32_t interface) const {
     Report report("Block list of PON interface " + pon_name(interface));
     size_t blocked = count(interface, Presence::kBlocked);
-    report.section(fmt::format("{} {}", blocked, blocked == 1 ? "ONU" : "ONUs"),
+    report.section(counted(blocked, "ONU"),
                    {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
     for (const Onu &onu : state_.of_interface(interface)) {
       if (onu.admitted()) continue;

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "base/clock.h"
 #include "base/mac.h"
+#include "base/text.h"
 #include "box/pon/families.h"
 #include "box/pon/onu_listing.h"
 #include "box/pon/onu_optics.h"
@@ -31,17 +33,15 @@ class PonInventory final : public Family {
   std::vector<Message> messages() override {
     return {
         interface_listing(hardware_, state_, 35, "onus", "onulist",
-                          [this](uint32_t interface) { return list_onus(interface); }),
+                          std::bind_front(&PonInventory::list_onus, this)),
         interface_listing(hardware_, state_, 36, "links", "linklist",
-                          [this](uint32_t interface) { return list_links(interface); }),
+                          std::bind_front(&PonInventory::list_links, this)),
         onu_listing(47, "onu-info", "onuinfo", "Basic information of ONU",
                     &PonInventory::show_basics),
         onu_listing(48, "onu-config", "onuconfig", "Running configuration of ONU",
                     &PonInventory::show_configuration),
         part_message(state_, 65, "onu-mac", Scope::kOnu, exactly(0),
-                     [this](const OnuPart &place, const Request &request, Reply &reply) {
-                       return tell_mac(*state_.find(place), request, reply);
-                     }),
+                     on(this, &PonInventory::read_mac)),
         onu_listing(106, "onu-optics", "optical", "Optical readings of ONU",
                     &PonInventory::show_optics),
     };
@@ -76,9 +76,8 @@ class PonInventory final : public Family {
     auto count =
         std::count_if(onus.begin(), onus.end(), [now](const Onu &onu) { return onu.up(now); });
     Report report("ONUs of PON interface " + pon_name(interface));
-    report.section(
-        fmt::format("{} {}, {} up", onus.size(), onus.size() == 1 ? "ONU" : "ONUs", count),
-        {"ONU", "MAC address", "LOID", "State", "Since", "Description"});
+    report.section(fmt::format("{}, {} up", counted(onus.size(), "ONU"), count),
+                   {"ONU", "MAC address", "LOID", "State", "Since", "Description"});
     for (const Onu &onu : onus) {
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(),
                   presence_name(onu.presence(now)), since(onu), description(onu)});
@@ -102,7 +101,7 @@ class PonInventory final : public Family {
       uint32_t length = fibre_length(onu.place());
       report.row({to_text(onu.place()), fmt::to_string(length),
                   fmt::to_string(length * kRoundTripPerMetre), fmt::to_string(bandwidth(onu)),
-                  since_start(onu.up_from(), now)});
+                  since_start(onu.from(), now)});
     }
     return report;
   }
@@ -137,7 +136,8 @@ class PonInventory final : public Family {
     return Status::kOk;
   }
 
-  Status tell_mac(const Onu &onu, const Request &request, Reply &reply) {
+  Status read_mac(const OnuPart &place, const Request &request, Reply &reply) {
+    const Onu &onu = *state_.find(place);
     auto target = request.record<OntTarget>();
     set_bytes(target.mac, onu.mac());
     target.mac_word = onu.up(hardware_.now()) ? 1 : 0;

@@ -30,16 +30,10 @@ class PonLink final : public OnuFamily {
         set_message(state(), 44, "describe-onu", records.description),
         onu_message(45, "undescribe-onu", &PonLink::undescribe),
         part_message(state(), 46, "set-user-traffic", Scope::kOnu, exactly(0),
-                     [&records](const OnuPart &onu, const Request &request, Reply & /*reply*/) {
-                       records.user_traffic.set(onu,
-                                                bytes_of(request.record<OntTarget>().user_traffic));
-                       return Status::kOk;
-                     }),
+                     on(this, &PonLink::set_traffic)),
         set_message(state(), 49, "force-onu-feature", records.feature),
         part_message(state(), 54, "set-link-dba", Scope::kOnu, exactly(records.link_dba.size()),
-                     [this](const OnuPart &onu, const Request &request, Reply &reply) {
-                       return grant(onu, request, reply);
-                     }),
+                     on(this, &PonLink::grant)),
         global_message(76, "set-peer-to-peer", {&GlobalParameters::p2p_function}),
         global_message(77, "set-pon-port", {&GlobalParameters::ponport_function}),
         global_message(78, "set-encryption",
@@ -84,7 +78,7 @@ class PonLink final : public OnuFamily {
 
   /// A message that sets these words of the global parameters and reads no others.
   Message global_message(uint32_t type, std::string_view name, std::vector<GlobalWord> words) {
-    auto handler = [this, words = std::move(words)](const Request &request, Reply & /*reply*/) {
+    auto handler = [this, words = std::move(words)](const Request &request, Reply &) {
       auto record = request.record<GlobalParameters>();
       for (GlobalWord word : words) global_.*word = record.*word;
       return Status::kOk;
@@ -95,6 +89,12 @@ class PonLink final : public OnuFamily {
   Status exchange_global(const Request &request, Reply &reply) {
     global_ = request.record<GlobalParameters>();
     reply.record(global_);
+    return Status::kOk;
+  }
+
+  Status set_traffic(const OnuPart &onu, const Request &request) {
+    auto target = request.record<OntTarget>();
+    state().records.user_traffic.set(onu, bytes_of(target.user_traffic));
     return Status::kOk;
   }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "base/clock.h"
+#include "base/text.h"
 #include "box/message/id_set.h"
 #include "box/pon/families.h"
 #include "box/pon/onu_listing.h"
@@ -37,26 +38,19 @@ class PonMulticast final : public OnuFamily {
     return {
         read_message(state(), 120, "multicast-group-limit", records.multicast_group_limit),
         set_message(state(), 121, "set-multicast-group-limit", records.multicast_group_limit),
-        listing_message(
-            hardware_, state(), 122, "uni-port-multicast-vlans", Scope::kUniPort, "multicastvlan",
-            "Multicast VLANs of UNI port",
-            [this](const OnuPart &port, Report &report) { return show_vlans(port, report); }),
+        listing_message(hardware_, state(), 122, "uni-port-multicast-vlans", Scope::kUniPort,
+                        "multicastvlan", "Multicast VLANs of UNI port",
+                        on(this, &PonMulticast::show_vlans)),
         part_message(state(), 123, "clear-uni-port-multicast-vlans", Scope::kUniPort, exactly(0),
-                     [&records](const OnuPart &port, const Request &, Reply &) {
-                       records.multicast_vlans.erase(port);
-                       return Status::kOk;
-                     }),
+                     on(this, &PonMulticast::clear_vlans)),
         vlans_message(124, "add-uni-port-multicast-vlans", &PonMulticast::add),
         vlans_message(125, "delete-uni-port-multicast-vlans", &PonMulticast::remove),
-        listing_message(
-            hardware_, state(), 126, "uni-port-multicast-strip", Scope::kUniPort, "multicaststrip",
-            "Stripping of multicast tags at UNI port",
-            [this](const OnuPart &port, Report &report) { return show_strip(port, report); }),
+        listing_message(hardware_, state(), 126, "uni-port-multicast-strip", Scope::kUniPort,
+                        "multicaststrip", "Stripping of multicast tags at UNI port",
+                        on(this, &PonMulticast::show_strip)),
         set_message(state(), 127, "set-uni-port-multicast-strip", records.multicast_strip),
-        listing_message(
-            hardware_, state(), 148, "multicast-groups", Scope::kOnu, "multicastgroup",
-            "Multicast groups of ONU",
-            [this](const OnuPart &onu, Report &report) { return show_groups(onu, report); }),
+        listing_message(hardware_, state(), 148, "multicast-groups", Scope::kOnu, "multicastgroup",
+                        "Multicast groups of ONU", on(this, &PonMulticast::show_groups)),
         set_message(state(), 154, "set-fast-leave", records.fast_leave),
     };
   }
@@ -67,7 +61,7 @@ class PonMulticast final : public OnuFamily {
   /// A message with VLAN ids behind the target.
   Message vlans_message(uint32_t type, std::string_view name,
                         Status (PonMulticast::*act)(const OnuPart &, const Vlans &)) {
-    auto handler = [this, act](const OnuPart &port, const Request &request, Reply & /*reply*/) {
+    auto handler = [this, act](const OnuPart &port, const Request &request, Reply &) {
       Vlans vlans = request.records<uint16_t>(sizeof(OntTarget));
       bool valid = std::all_of(vlans.begin(), vlans.end(),
                                [](uint16_t vlan) { return vlan >= 1 && vlan <= kLastVlan; });
@@ -85,6 +79,11 @@ class PonMulticast final : public OnuFamily {
     MulticastVlans record = {.count = static_cast<uint8_t>(vlans.size())};
     for (size_t i = 0; i < vlans.size(); ++i) record.vlans[i] = vlans[i];
     state().records.multicast_vlans.set(port, bytes_of(record));
+  }
+
+  Status clear_vlans(const OnuPart &port) {
+    state().records.multicast_vlans.erase(port);
+    return Status::kOk;
   }
 
   Status add(const OnuPart &port, const Vlans &added) {
@@ -120,7 +119,7 @@ class PonMulticast final : public OnuFamily {
 
   Status show_vlans(const OnuPart &port, Report &report) const {
     Vlans vlans = vlans_of(port);
-    report.section(fmt::format("{} {}", vlans.size(), vlans.size() == 1 ? "VLAN" : "VLANs"));
+    report.section(counted(vlans.size(), "VLAN"));
     for (uint16_t vlan : vlans) report.row({fmt::to_string(vlan)});
     return Status::kOk;
   }
@@ -144,7 +143,7 @@ class PonMulticast final : public OnuFamily {
       uint32_t groups = wanted_groups(port);
       if (limit != 0) groups = std::min(groups, limit);
       for (uint32_t group = 1; group <= groups; ++group) {
-        TimePoint joined = onu.up_from() + group * kBetweenGroups;
+        TimePoint joined = onu.from() + group * kBetweenGroups;
         if (joined > now) break;
         report.row({to_text(port), fmt::format("239.{}.{}.{}", port.interface, part, group),
                     vlans.empty() ? "-" : fmt::to_string(vlans[(group - 1) % vlans.size()]),

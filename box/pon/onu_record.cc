@@ -74,18 +74,16 @@ std::optional<OnuPart> to_onu_part(std::string_view text) {
 }
 
 RecordTable::RecordTable(std::string_view key, std::string_view title, Scope scope, size_t size,
-                         Shown shown, Bytes factory)
-    : key_(key), title_(title), scope_(scope), shown_(shown), factory_(std::move(factory)) {
-  factory_.resize(size);
-}
+                         Shown shown)
+    : key_(key), title_(title), scope_(scope), shown_(shown), zeros_(size) {}
 
 std::span<const uint8_t> RecordTable::at(const OnuPart &place) const {
   auto found = records_.find(place);
-  return found == records_.end() ? factory_ : found->second;
+  return found == records_.end() ? zeros_ : found->second;
 }
 
 void RecordTable::set(const OnuPart &place, std::span<const uint8_t> record) {
-  if (std::equal(record.begin(), record.end(), factory_.begin(), factory_.end())) {
+  if (std::equal(record.begin(), record.end(), zeros_.begin(), zeros_.end())) {
     records_.erase(place);
   } else {
     records_[place].assign(record.begin(), record.end());

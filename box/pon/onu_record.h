@@ -45,8 +45,8 @@ enum class Shown { kWords, kBytes, kText, kCountedIds };
 /// The ids in a record of half-words behind a byte that says how many they are.
 std::vector<uint16_t> counted_ids(std::span<const uint8_t> record);
 
-/// One record for each ONU or part, all of one size. Those that are as the factory made them take
-/// no memory.
+/// One record for each ONU or part, all of one size. A record is zero from the factory; zero
+/// records take no memory.
 class RecordTable {
  public:
   using Bytes = std::vector<uint8_t>;
@@ -62,14 +62,13 @@ class RecordTable {
     Kept::const_iterator last;
   };
 
-  /// The record is zero from the factory, but for the bytes given.
   RecordTable(std::string_view key, std::string_view title, Scope scope, size_t size,
-              Shown shown = Shown::kWords, Bytes factory = {});
+              Shown shown = Shown::kWords);
 
   std::string_view key() const { return key_; }
   std::string_view title() const { return title_; }
   Scope scope() const { return scope_; }
-  size_t size() const { return factory_.size(); }
+  size_t size() const { return zeros_.size(); }
 
   /// The factory's record when none was set.
   std::span<const uint8_t> at(const OnuPart &place) const;
@@ -95,7 +94,7 @@ class RecordTable {
   std::string_view title_;
   Scope scope_;
   Shown shown_;
-  Bytes factory_;
+  Bytes zeros_;
   Kept records_;
 };
 

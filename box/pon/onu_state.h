@@ -54,8 +54,6 @@ class Onu {
   Presence presence(TimePoint now) const;
   /// Since when it is up or blocked, or when it is to come up again.
   TimePoint from() const { return from_; }
-  /// The same of one that is not blocked.
-  TimePoint up_from() const { return from_; }
 
  private:
   OnuPart place_;

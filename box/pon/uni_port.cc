@@ -23,34 +23,25 @@ class PonUniPort final : public OnuFamily {
     OnuRecords &records = state().records;
     return {
         set_message(state(), 84, "describe-uni-port", records.port_description),
-        port_listing(104, "uni-port-alarm", "portalarm", "Alarm setting of UNI port",
-                     &PonUniPort::show_alarm),
+        listing_message(hardware_, state(), 104, "uni-port-alarm", Scope::kUniPort, "portalarm",
+                        "Alarm setting of UNI port", on(this, &PonUniPort::show_alarm)),
         set_message(state(), 105, "set-uni-port-alarm", records.port_alarm),
         set_message(state(), 117, "set-uni-port-loopback", records.port_loopback),
         set_message(state(), 118, "set-uni-port-down-rate", records.port_down_rate),
         read_message(state(), 119, "uni-port-down-rate", records.port_down_rate),
-        port_listing(128, "uni-port-vlan-mode", "portvlanmode", "VLAN mode of UNI port",
-                     &PonUniPort::show_vlan_mode),
+        listing_message(hardware_, state(), 128, "uni-port-vlan-mode", Scope::kUniPort,
+                        "portvlanmode", "VLAN mode of UNI port",
+                        on(this, &PonUniPort::show_vlan_mode)),
         set_message(state(), 129, "set-uni-port-vlan-mode", records.port_vlan_mode),
         set_message(state(), 130, "set-uni-port-policing", records.port_policing),
         read_message(state(), 131, "uni-port-policing", records.port_policing),
         set_message(state(), 132, "set-uni-port-info", records.port_info),
-        port_listing(133, "uni-port-info", "portbasic", "Basic information of UNI port",
-                     &PonUniPort::show_info),
+        listing_message(hardware_, state(), 133, "uni-port-info", Scope::kUniPort, "portbasic",
+                        "Basic information of UNI port", on(this, &PonUniPort::show_info)),
     };
   }
 
  private:
-  Message port_listing(uint32_t type, std::string_view name, std::string_view kind,
-                       std::string_view title,
-                       void (PonUniPort::*show)(const OnuPart &, Report &) const) {
-    auto fill = [this, show](const OnuPart &port, Report &report) {
-      (this->*show)(port, report);
-      return Status::kOk;
-    };
-    return listing_message(hardware_, state(), type, name, Scope::kUniPort, kind, title, fill);
-  }
-
   /// A row of one of the port's records.
   static void add(Report &report, std::string_view name, const RecordTable &table,
                   const OnuPart &port) {
@@ -58,17 +49,19 @@ class PonUniPort final : public OnuFamily {
     report.row({std::string(name), shown.empty() ? "-" : shown});
   }
 
-  void show_alarm(const OnuPart &port, Report &report) const {
+  Status show_alarm(const OnuPart &port, Report &report) const {
     report.section("Alarm");
     add(report, "Setting", state().records.port_alarm, port);
+    return Status::kOk;
   }
 
-  void show_vlan_mode(const OnuPart &port, Report &report) const {
+  Status show_vlan_mode(const OnuPart &port, Report &report) const {
     auto record = state().records.port_vlan_mode.at(port);
     report.section("VLAN mode");
     report.row({"Mode", vlan_mode_name(Request(record).record<UniVlanMode>().mode)});
     report.section("Record");
     report.dump(record);
+    return Status::kOk;
   }
 
   /// The words of EPON's own settings.
@@ -78,7 +71,7 @@ class PonUniPort final : public OnuFamily {
     return mode < std::size(kNames) ? std::string(kNames[mode]) : fmt::to_string(mode);
   }
 
-  void show_info(const OnuPart &port, Report &report) const {
+  Status show_info(const OnuPart &port, Report &report) const {
     const OnuRecords &records = state().records;
     report.section("State");
     report.row({"ONU", presence_name(state().find(port)->presence(hardware_.now()))});
@@ -90,6 +83,7 @@ class PonUniPort final : public OnuFamily {
     add(report, "Policing", records.port_policing, port);
     report.section("Basic information as set");
     report.dump(records.port_info.at(port));
+    return Status::kOk;
   }
 
   Hardware &hardware_;

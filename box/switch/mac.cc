@@ -119,8 +119,7 @@ class SwitchMac final : public Family {
     Report report(vlan == 0
                       ? fmt::format("MAC addresses of port {}", port->name())
                       : fmt::format("MAC addresses of port {} in VLAN {}", port->name(), vlan));
-    report.section(fmt::format("{} {}", rows.size(), rows.size() == 1 ? "address" : "addresses"),
-                   {"VLAN", "MAC address", "Type", "Age in s"});
+    report.section(counted(rows.size(), "address"), {"VLAN", "MAC address", "Type", "Age in s"});
     for (const auto &[address, age] : rows) {
       report.row({fmt::to_string(address.vlan), mac_text(address.mac),
                   age == "-" ? "static" : "dynamic", age});
@@ -168,7 +167,7 @@ class SwitchMac final : public Family {
     return static_cast<uint16_t>(range->first + n);
   }
 
-  Status clear(const Request &request, Reply & /*reply*/) {
+  Status clear(const Request &request) {
     auto record = request.record<PortRecord>();
     const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;
@@ -176,7 +175,7 @@ class SwitchMac final : public Family {
     return Status::kOk;
   }
 
-  Status act(const Request &request, Reply & /*reply*/) {
+  Status act(const Request &request) {
     auto record = request.record<PortMac>();
     const EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;

@@ -19,14 +19,8 @@ class SwitchMulticast final : public Family {
 
   std::vector<Message> messages() override {
     return {
-        vlan_message(149, "add-multicast-vlans", 0,
-                     [this](const Request &, const std::vector<IdRange> &ranges) {
-                       vlans_ |= ids_in(ranges);
-                       return Status::kOk;
-                     }),
-        vlan_message(
-            150, "delete-multicast-vlans", 0,
-            [this](const Request &, const std::vector<IdRange> &ranges) { return remove(ranges); }),
+        vlan_message(149, "add-multicast-vlans", 0, on(this, &SwitchMulticast::add)),
+        vlan_message(150, "delete-multicast-vlans", 0, on(this, &SwitchMulticast::remove)),
         {kMainModule, 151, "igmp-proxy", exactly(0), on(this, &SwitchMulticast::proxy)},
         {kMainModule, 152, "set-igmp-proxy", exactly(sizeof(IgmpProxy)),
          on(this, &SwitchMulticast::set_proxy)},
@@ -60,6 +54,11 @@ class SwitchMulticast final : public Family {
   size_t footprint() const override { return sizeof *this; }
 
  private:
+  Status add(const std::vector<IdRange> &ranges) {
+    vlans_ |= ids_in(ranges);
+    return Status::kOk;
+  }
+
   Status remove(const std::vector<IdRange> &ranges) {
     auto vlans = known_ids(ranges, vlans_);
     if (!vlans) return Status::kNotFound;
@@ -72,7 +71,7 @@ class SwitchMulticast final : public Family {
     return Status::kOk;
   }
 
-  Status set_proxy(const Request &request, Reply & /*reply*/) {
+  Status set_proxy(const Request &request) {
     proxy_ = request.record<IgmpProxy>();
     hardware_.events().record(Level::kNotice, kMainModule, "IGMP proxy set");
     return Status::kOk;

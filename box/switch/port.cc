@@ -129,7 +129,7 @@ class SwitchPort final : public Family {
     return {kMainModule, type, message, exactly(sizeof(PortRecord)), get};
   }
 
-  Status set_aggregation(const Request &request, Reply & /*reply*/) {
+  Status set_aggregation(const Request &request) {
     aggregation_ = request.record<UplinkAggregation>().upport_agg;
     return Status::kOk;
   }

@@ -128,7 +128,7 @@ class SwitchRstp final : public Family {
     return Status::kOk;
   }
 
-  Status set_bridge(const Request &request, Reply & /*reply*/) {
+  Status set_bridge(const Request &request) {
     take_bridge(request.record<RstpBridge>());
     hardware_.events().record(Level::kNotice, kMainModule, "RSTP settings of the bridge set");
     return Status::kOk;
@@ -152,7 +152,7 @@ class SwitchRstp final : public Family {
     return Status::kOk;
   }
 
-  Status set_port(const Request &request, Reply & /*reply*/) {
+  Status set_port(const Request &request) {
     auto record = request.record<RstpPort>();
     EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;

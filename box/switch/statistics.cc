@@ -78,7 +78,7 @@ class SwitchStatistics final : public Family {
     return hardware_.list_behind_header("statistics", report.text(), reply);
   }
 
-  Status clear(const Request &request, Reply & /*reply*/) {
+  Status clear(const Request &request) {
     auto record = request.record<PortRecord>();
     EthernetPort *port = state_.find(record.slot, record.port);
     if (port == nullptr) return Status::kNotFound;

@@ -35,14 +35,14 @@ class SwitchVlan final : public Family {
     constexpr Side kTagged = &Membership::tagged;
     constexpr Side kUntagged = &Membership::untagged;
     return {
-        list_message(19, "add-vlans", &SwitchVlan::add),
-        list_message(20, "delete-vlans", &SwitchVlan::remove),
+        vlan_message(19, "add-vlans", 0, on(this, &SwitchVlan::add)),
+        vlan_message(20, "delete-vlans", 0, on(this, &SwitchVlan::remove)),
         {kMainModule,
          21,
          "describe-vlans",
          {0, sizeof(DescribedVlan) * kLastVlan},
          on(this, &SwitchVlan::describe)},
-        list_message(22, "undescribe-vlans", &SwitchVlan::undescribe),
+        vlan_message(22, "undescribe-vlans", 0, on(this, &SwitchVlan::undescribe)),
         {kMainModule,
          23,
          "vlan-query",
@@ -130,13 +130,6 @@ class SwitchVlan final : public Family {
     }
   }
 
-  Message list_message(uint32_t type, std::string_view message,
-                       Status (SwitchVlan::*act)(const Ranges &)) {
-    return vlan_message(type, message, 0, [this, act](const Request &, const Ranges &ranges) {
-      return (this->*act)(ranges);
-    });
-  }
-
   Status add(const Ranges &ranges) {
     IdSet vlans = ids_in(ranges);
     state_.vlans |= vlans;
@@ -157,7 +150,7 @@ class SwitchVlan final : public Family {
     return Status::kOk;
   }
 
-  Status describe(const Request &request, Reply & /*reply*/) {
+  Status describe(const Request &request) {
     auto elements = request.records<DescribedVlan>(0);
     auto ranges = read_ranges(elements);
     if (!ranges) return Status::kBadValue;
@@ -244,7 +237,7 @@ class SwitchVlan final : public Family {
                                          port->setting(&PortRecord::vlanmode_second))});
     report.row({"Trunk value", fmt::to_string(membership.trunk_value)});
     IdSet vlans = membership.tagged | membership.untagged;
-    report.section(number_of(vlans), {"VLAN", "Membership", "Description"});
+    report.section(counted(vlans.count(), "VLAN"), {"VLAN", "Membership", "Description"});
     for_each(vlans, [&](uint16_t vlan) {
       report.row({fmt::to_string(vlan), membership.tagged[vlan] ? "tagged" : "untagged",
                   description_of(vlan)});
@@ -270,7 +263,8 @@ class SwitchVlan final : public Family {
 
   Status list(std::string title, const IdSet &vlans, Reply &reply) {
     Report report(std::move(title));
-    report.section(number_of(vlans), {"VLAN", "Tagged ports", "Untagged ports", "Description"});
+    report.section(counted(vlans.count(), "VLAN"),
+                   {"VLAN", "Tagged ports", "Untagged ports", "Description"});
     for_each(vlans, [this, &report](uint16_t vlan) {
       report.row({fmt::to_string(vlan), ports_in(vlan, &Membership::tagged),
                   ports_in(vlan, &Membership::untagged), description_of(vlan)});
@@ -283,10 +277,6 @@ class SwitchVlan final : public Family {
     for (uint16_t vlan = 1; vlan <= kLastVlan; ++vlan) {
       if (vlans[vlan]) function(vlan);
     }
-  }
-
-  static std::string number_of(const IdSet &vlans) {
-    return fmt::format("{} {}", vlans.count(), vlans.count() == 1 ? "VLAN" : "VLANs");
   }
 
   std::string description_of(uint16_t vlan) const {

@@ -7,6 +7,7 @@
 namespace {
 
 using olt::Bytes;
+using olt::counted;
 using olt::from_hex;
 using olt::hex_dump;
 using olt::printable;
@@ -71,6 +72,13 @@ TEST(BytesText, BytesThatAreNotUtf8AreSpelledOut) {
   EXPECT_EQ(printable("\xC1\xBF"), "\\xc1\\xbf");
   EXPECT_EQ(printable("\xED\xA0\x80"), "\\xed\\xa0\\x80");
   EXPECT_EQ(printable("\xF4\x90\x80\x80"), "\\xf4\\x90\\x80\\x80");
+}
+
+TEST(Text, CountsNouns) {
+  EXPECT_EQ(counted(0, "VLAN"), "0 VLANs");
+  EXPECT_EQ(counted(1, "VLAN"), "1 VLAN");
+  EXPECT_EQ(counted(1, "address"), "1 address");
+  EXPECT_EQ(counted(2, "address"), "2 addresses");
 }
 
 }  // namespace

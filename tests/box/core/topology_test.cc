@@ -77,77 +77,77 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
        "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
        "literal"},
       {"{\n  \"pon\": {\"interfaces\": 1e999}}",
-       "2:29: number 1e999 is beyond what any member can hold, expected a smaller one"},
+       "2:29: number 1e999 is beyond what any member can hold; expected a smaller one"},
       {"{\n  \"pon\": {\n    \"interfaces\": 2,\n  }\n}",
        "4:3: syntax error while parsing object key - unexpected '}'; expected string literal"},
       {"{\"olt\": {\"name\": \"a\nb\"}}",
        "1:20: syntax error while parsing value - invalid string: control character U+000A (LF) "
        "must be escaped to \\u000A or \\n; last read: '\"a<U+000A>'"},
       {"{} {}", "1:4: syntax error while parsing value - unexpected '{'; expected end of input"},
-      {"[]", "/: is an array, expected an object"},
-      {"7", "/: is 7, expected an object"},
-      {R"({"version":2})", "/version: is 2, expected an integer from 1 to 1"},
-      {R"({"ports":4})", "/ports: is unknown, expected one of olt, pon, version"},
-      {R"({"olt":[]})", "/olt: is an array, expected an object"},
-      {R"({"olt":null})", "/olt: is null, expected an object"},
+      {"[]", "/: is an array; expected an object"},
+      {"7", "/: is 7; expected an object"},
+      {R"({"version":2})", "/version: is 2; expected an integer from 1 to 1"},
+      {R"({"ports":4})", "/ports: is unknown; expected one of olt, pon, version"},
+      {R"({"olt":[]})", "/olt: is an array; expected an object"},
+      {R"({"olt":null})", "/olt: is null; expected an object"},
       {R"({"pon":{"onus":4}})",
-       "/pon/onus: is unknown, expected one of interfaces, onu_restart_seconds, "
+       "/pon/onus: is unknown; expected one of interfaces, onu_restart_seconds, "
        "onus_per_interface, uni_ports_per_onu, voice_lines_per_onu"},
       {R"({"pon":{"voice_lines_per_onu":9}})",
-       "/pon/voice_lines_per_onu: is 9, expected an integer from 0 to 8"},
+       "/pon/voice_lines_per_onu: is 9; expected an integer from 0 to 8"},
       {R"({"pon":{"onu_restart_seconds":3601}})",
-       "/pon/onu_restart_seconds: is 3601, expected an integer from 0 to 3600"},
-      {R"({"pon":{"interfaces":0}})", "/pon/interfaces: is 0, expected an integer from 1 to 16"},
-      {R"({"pon":{"interfaces":17}})", "/pon/interfaces: is 17, expected an integer from 1 to 16"},
+       "/pon/onu_restart_seconds: is 3601; expected an integer from 0 to 3600"},
+      {R"({"pon":{"interfaces":0}})", "/pon/interfaces: is 0; expected an integer from 1 to 16"},
+      {R"({"pon":{"interfaces":17}})", "/pon/interfaces: is 17; expected an integer from 1 to 16"},
       {R"({"pon":{"onus_per_interface":1025}})",
-       "/pon/onus_per_interface: is 1025, expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is 1025; expected an integer from 1 to 1024"},
       {R"({"pon":{"onus_per_interface":"many"}})",
-       "/pon/onus_per_interface: is \"many\", expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is \"many\"; expected an integer from 1 to 1024"},
       {R"({"pon":{"onus_per_interface":1e2}})",
-       "/pon/onus_per_interface: is 100.0, expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is 100.0; expected an integer from 1 to 1024"},
       {R"({"pon":{"onus_per_interface":-1}})",
-       "/pon/onus_per_interface: is -1, expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is -1; expected an integer from 1 to 1024"},
       {R"({"pon":{"uni_ports_per_onu":99999999999999999999}})",
-       "/pon/uni_ports_per_onu: is 1e+20, expected an integer from 1 to 32"},
+       "/pon/uni_ports_per_onu: is 1e+20; expected an integer from 1 to 32"},
       {R"({"olt":{"ethernet_ports":true}})",
-       "/olt/ethernet_ports: is true, expected an integer from 1 to 64"},
-      {R"({"olt":{"ports":{}}})", "/olt/ports: is an object, expected an array"},
+       "/olt/ethernet_ports: is true; expected an integer from 1 to 64"},
+      {R"({"olt":{"ports":{}}})", "/olt/ports: is an object; expected an array"},
       {R"({"olt":{"ports":[{"speed":10}]}})", "/olt/ports/0/port: is missing"},
       {R"({"olt":{"ports":[{"port":5}]}})",
-       "/olt/ports/0/port: is 5, expected an integer from 1 to 4"},
+       "/olt/ports/0/port: is 5; expected an integer from 1 to 4"},
       {R"({"olt":{"ports":[{"port":1},{"port":1}]}})",
-       "/olt/ports/1/port: is 1, expected each port once"},
+       "/olt/ports/1/port: is 1; expected each port once"},
       {R"({"olt":{"ports":[{"port":1,"speed":11}]}})",
-       "/olt/ports/0/speed: is 11, expected 10, 100, 1000 or 10000"},
+       "/olt/ports/0/speed: is 11; expected 10, 100, 1000 or 10000"},
       {R"({"olt":{"ports":[{"port":1,"duplex":"Full"}]}})",
-       "/olt/ports/0/duplex: is \"Full\", expected \"full\" or \"half\""},
+       "/olt/ports/0/duplex: is \"Full\"; expected \"full\" or \"half\""},
       {R"({"olt":{"ports":[{"port":1,"plugged":1}]}})",
-       "/olt/ports/0/plugged: is 1, expected true or false"},
+       "/olt/ports/0/plugged: is 1; expected true or false"},
       {R"({"olt":{"ports":[{"port":1,"stations":65}]}})",
-       "/olt/ports/0/stations: is 65, expected an integer from 0 to 64"},
+       "/olt/ports/0/stations: is 65; expected an integer from 0 to 64"},
       {R"({"olt":{"oam_support":4294967296}})",
-       "/olt/oam_support: is 4294967296, expected an integer from 0 to 4294967295"},
-      {R"({"olt":{"name":7}})", "/olt/name: is 7, expected a text"},
-      {R"({"olt":{"name":""}})", "/olt/name: is \"\", expected 1 to 31 printable ASCII characters"},
+       "/olt/oam_support: is 4294967296; expected an integer from 0 to 4294967295"},
+      {R"({"olt":{"name":7}})", "/olt/name: is 7; expected a text"},
+      {R"({"olt":{"name":""}})", "/olt/name: is \"\"; expected 1 to 31 printable ASCII characters"},
       {R"({"olt":{"name":"12345678901234567890123456789012"}})",
-       "/olt/name: is \"12345678901234567890123456789012\", expected 1 to 31 printable ASCII "
+       "/olt/name: is \"12345678901234567890123456789012\"; expected 1 to 31 printable ASCII "
        "characters"},
       {R"({"olt":{"serial":"a\nb"}})",
-       "/olt/serial: is \"a\\nb\", expected 1 to 31 printable ASCII characters"},
+       "/olt/serial: is \"a\\nb\"; expected 1 to 31 printable ASCII characters"},
       {R"({"olt":{"mac":"02:00:00:00:00"}})",
-       "/olt/mac: is \"02:00:00:00:00\", expected the MAC address of one device, such as "
+       "/olt/mac: is \"02:00:00:00:00\"; expected the MAC address of one device, such as "
        "\"02:00:00:00:00:01\""},
       {R"({"olt":{"mac":"02-00-00-00-00-01"}})",
-       "/olt/mac: is \"02-00-00-00-00-01\", expected the MAC address of one device, such as "
+       "/olt/mac: is \"02-00-00-00-00-01\"; expected the MAC address of one device, such as "
        "\"02:00:00:00:00:01\""},
       {R"({"olt":{"mac":"03:00:00:00:00:01"}})",
-       "/olt/mac: is \"03:00:00:00:00:01\", expected the MAC address of one device, such as "
+       "/olt/mac: is \"03:00:00:00:00:01\"; expected the MAC address of one device, such as "
        "\"02:00:00:00:00:01\""},
       {R"({"olt":{"mac":12}})",
-       "/olt/mac: is 12, expected the MAC address of one device, such as \"02:00:00:00:00:01\""},
+       "/olt/mac: is 12; expected the MAC address of one device, such as \"02:00:00:00:00:01\""},
       {R"({"pon":{"interfaces":2,"interfaces":4}})",
-       "/pon/interfaces: is given twice, expected once"},
-      {R"({"o~l/t":1})", "/o~0l~1t: is unknown, expected one of olt, pon, version"},
+       "/pon/interfaces: is given twice; expected once"},
+      {R"({"o~l/t":1})", "/o~0l~1t: is unknown; expected one of olt, pon, version"},
   };
   for (const auto &[text, line] : kMistakes) EXPECT_EQ(complaint(text), line) << text;
 }
@@ -160,7 +160,7 @@ TEST(TopologyFile, IsNamedInTheErrorLine) {
     ADD_FAILURE() << "accepted";
   } catch (const BadInput &error) {
     EXPECT_EQ(error.what(),
-              (folder / "box.json") + ": /pon/interfaces: is 99, expected an integer from 1 to 16");
+              (folder / "box.json") + ": /pon/interfaces: is 99; expected an integer from 1 to 16");
   }
   try {
     box::load_topology(folder / "none.json");

@@ -118,13 +118,13 @@ TEST(OnuPartName, IsReadAsItIsWritten) {
 }
 
 TEST(RecordTable, KeepsOnlyWhatDiffersFromTheFactory) {
-  RecordTable table("key", "Title", Scope::kUniPort, 4, Shown::kWords, {7});
+  RecordTable table("key", "Title", Scope::kUniPort, 4);
   const OnuPart place = {1, 2, 3};
-  EXPECT_EQ(table.show(table.at(place)), "7");
+  EXPECT_EQ(table.show(table.at(place)), "0");
   table.set(place, word(9));
   EXPECT_EQ(table.show(table.at(place)), "9");
   EXPECT_EQ(table.kept().size(), 1U);
-  table.set(place, word(7));
+  table.set(place, word(0));
   EXPECT_TRUE(table.kept().empty());
 }
 

@@ -138,7 +138,7 @@ TEST(Faults, AreNoMoreThan256) {
   }
   EXPECT_EQ(
       box.command(R"({"command":"fault_add","fault":{"type":12,"status":5}})"),
-      R"({"ok":false,"error":"256 faults are armed already, expected one to be cleared first"})");
+      R"({"ok":false,"error":"256 faults are armed already; expected one to be cleared first"})");
   std::string list = box.command(R"({"command":"fault_list"})");
   EXPECT_EQ(list.substr(0, 12), R"({"ok":true,")");
 }
@@ -160,44 +160,44 @@ TEST(Faults, MistakesInTextsGetOneLine) {
       {"", "fault \"\": /type: is missing"},
       {"status=5", "fault \"status=5\": /type: is missing"},
       {"type=twelve status=5",
-       "fault \"type=twelve status=5\": /type: is \"twelve\", expected an integer from 0 to "
+       "fault \"type=twelve status=5\": /type: is \"twelve\"; expected an integer from 0 to "
        "4294967295"},
       {"type=12",
-       "fault \"type=12\": /: has no effect, expected a status, a delay_ms, or the "
+       "fault \"type=12\": /: has no effect; expected a status, a delay_ms, or the "
        "action silence or drop"},
       {"type=12 loud",
-       "fault \"type=12 loud\": \"loud\" is not understood, expected KEY=VALUE, "
+       "fault \"type=12 loud\": \"loud\" is not understood; expected KEY=VALUE, "
        "silence or drop"},
       {"type=12 action=loud",
-       "fault \"type=12 action=loud\": /action: is \"loud\", expected "
+       "fault \"type=12 action=loud\": /action: is \"loud\"; expected "
        "status, silence or drop"},
       {"type=12 status=65536",
-       "fault \"type=12 status=65536\": /status: is 65536, expected an "
+       "fault \"type=12 status=65536\": /status: is 65536; expected an "
        "integer from 0 to 65535"},
       {"type=12 status=-1",
-       "fault \"type=12 status=-1\": /status: is \"-1\", expected an integer from 0 to 65535"},
+       "fault \"type=12 status=-1\": /status: is \"-1\"; expected an integer from 0 to 65535"},
       {"type=12 status=5 status=6",
-       "fault \"type=12 status=5 status=6\": status is given twice, expected once"},
+       "fault \"type=12 status=5 status=6\": status is given twice; expected once"},
       {"type=12 statsu=5",
-       "fault \"type=12 statsu=5\": /statsu: is unknown, expected one of action, count, delay_ms, "
+       "fault \"type=12 statsu=5\": /statsu: is unknown; expected one of action, count, delay_ms, "
        "from, module, status, type"},
       {"type=12 status=5 from=0",
-       "fault \"type=12 status=5 from=0\": /from: is 0, expected an "
+       "fault \"type=12 status=5 from=0\": /from: is 0; expected an "
        "integer from 1 to 4294967295"},
       {"type=12 silence status=5",
-       "fault \"type=12 silence status=5\": /: has a status that is never sent, expected it "
+       "fault \"type=12 silence status=5\": /: has a status that is never sent; expected it "
        "without silence and drop"},
       {"type=12 silence delay_ms=5",
-       "fault \"type=12 silence delay_ms=5\": /: delays an answer that is never sent, expected "
+       "fault \"type=12 silence delay_ms=5\": /: delays an answer that is never sent; expected "
        "delay_ms without silence"},
       {"type=12 delay_ms=600001",
-       "fault \"type=12 delay_ms=600001\": /delay_ms: is 600001, expected an integer from 0 to "
+       "fault \"type=12 delay_ms=600001\": /delay_ms: is 600001; expected an integer from 0 to "
        "600000"},
       {"type=12 status=5 module=1000",
-       "fault \"type=12 status=5 module=1000\": /module: is 1000, expected a module from 1 to 255, "
+       "fault \"type=12 status=5 module=1000\": /module: is 1000; expected a module from 1 to 255, "
        "or 0 or \"any\""},
       {"type=12 \x01\xFF=5",
-       "fault \"type=12 \\x01\\xff=5\": /\\x01\\xff: is unknown, expected one of action, count, "
+       "fault \"type=12 \\x01\\xff=5\": /\\x01\\xff: is unknown; expected one of action, count, "
        "delay_ms, from, module, status, type"},
   };
   for (const auto &[mistake, line] : kMistakes) {
@@ -217,23 +217,23 @@ TEST(Control, AnswersEveryMistakeWithOneLineOfJson) {
        "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', "
        "or a literal"},
       {"rubbish", "1:1: syntax error while parsing value - invalid literal; last read: 'r'"},
-      {"[]", "/: is an array, expected an object"},
+      {"[]", "/: is an array; expected an object"},
       {"{}", "/command: is missing"},
-      {R"({"command":7})", "/command: is 7, expected a text"},
+      {R"({"command":7})", "/command: is 7; expected a text"},
       {R"({"command":"explode"})",
-       "/command: is \\\"explode\\\", expected fault_add, fault_list, fault_clear or counters"},
+       "/command: is \\\"explode\\\"; expected fault_add, fault_list, fault_clear or counters"},
       {R"({"command":"fault_add"})", "/fault: is missing"},
       {R"({"command":"fault_add","fault":{"type":"12"}})",
-       "/fault/type: is \\\"12\\\", expected an integer from 0 to 4294967295"},
+       "/fault/type: is \\\"12\\\"; expected an integer from 0 to 4294967295"},
       {R"({"command":"fault_add","fault":{"type":12}})",
-       "/fault: has no effect, expected a status, a delay_ms, or the action silence or drop"},
+       "/fault: has no effect; expected a status, a delay_ms, or the action silence or drop"},
       {R"({"command":"fault_add","fault":{"type":12,"status":1.5}})",
-       "/fault/status: is 1.5, expected an integer from 0 to 65535"},
-      {R"({"command":"counters","what":1})", "/what: is unknown, expected one of command"},
+       "/fault/status: is 1.5; expected an integer from 0 to 65535"},
+      {R"({"command":"counters","what":1})", "/what: is unknown; expected one of command"},
       {R"({"command":"fault_clear","id":-1})",
-       "/id: is -1, expected an integer from 0 to 4294967295"},
+       "/id: is -1; expected an integer from 0 to 4294967295"},
       {R"({"command":"counters","command":"fault_clear"})",
-       "/command: is given twice, expected once"},
+       "/command: is given twice; expected once"},
   };
   for (const auto &[mistake, line] : kMistakes) {
     EXPECT_EQ(box.command(mistake), std::string(R"({"ok":false,"error":")") + line + "\"}");
