@@ -118,8 +118,9 @@ std::string fault_from_text(std::string_view text) {
   try {
     std::string fault = fault_from_words(text);
     Archive archive(fault);
-    read_fault(archive);
+    Fault read = read_fault(archive);
     archive.finish();
+    check_effect(read);
     return fault;
   } catch (const BadInput &error) {
     throw BadInput(fmt::format(R"(fault "{}": {})", printable_ascii(text), error.what()));
@@ -129,11 +130,11 @@ std::string fault_from_text(std::string_view text) {
 Fault read_fault(Archive &order) {
   Fault fault;
   describe_order(order, fault);
-  check_effect(fault);
   return fault;
 }
 
 uint32_t FaultTable::arm(Fault fault) {
+  check_effect(fault);
   if (faults_.size() >= kMostFaults) {
     throw BadInput(
         fmt::format("{} faults are armed already; expected one to be cleared first", kMostFaults));

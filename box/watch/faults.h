@@ -40,7 +40,8 @@ Fault read_fault(Archive &order);
 
 class FaultTable {
  public:
-  /// @return the fault's id, never used before. Throws BadInput when there are too many.
+  /// @return the fault's id, never used before. Throws BadInput when it has no effect, or there are
+  /// too many.
   uint32_t arm(Fault fault);
   bool clear(uint32_t id);
   /// @return how many there were.

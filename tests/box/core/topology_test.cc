@@ -73,26 +73,23 @@ TEST(TopologyFile, EveryMemberIsTaken) {
 
 TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
   const std::pair<const char *, const char *> kMistakes[] = {
-      {"",
-       "1:1: syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-       "literal"},
+      {"", "1:1: is not JSON; expected '[', '{', or a literal"},
       {"{\n  \"pon\": {\"interfaces\": 1e999}}",
-       "2:29: number 1e999 is beyond what any member can hold; expected a smaller one"},
+       "/pon/interfaces: is too large a number; expected a smaller one"},
       {"{\n  \"pon\": {\n    \"interfaces\": 2,\n  }\n}",
-       "4:3: syntax error while parsing object key - unexpected '}'; expected string literal"},
-      {"{\"olt\": {\"name\": \"a\nb\"}}",
-       "1:20: syntax error while parsing value - invalid string: control character U+000A (LF) "
-       "must be escaped to \\u000A or \\n; last read: '\"a<U+000A>'"},
-      {"{} {}", "1:4: syntax error while parsing value - unexpected '{'; expected end of input"},
+       "4:3: is not JSON; expected string literal"},
+      {"{\"olt\": {\"name\": \"a\nb\"}}", "1:20: is not JSON; expected a value that JSON allows"},
+      {"{} {}", "1:4: is not JSON; expected end of input"},
       {"[]", "/: is an array; expected an object"},
       {"7", "/: is 7; expected an object"},
       {R"({"version":2})", "/version: is 2; expected an integer from 1 to 1"},
-      {R"({"ports":4})", "/ports: is unknown; expected one of olt, pon, version"},
+      {R"({"ports":4})", "/ports: is unknown; expected one of version, olt, pon"},
       {R"({"olt":[]})", "/olt: is an array; expected an object"},
-      {R"({"olt":null})", "/olt: is null; expected an object"},
+      {R"({"olt":null})",
+       "/olt: is null; expected a number, a text, true, false, or what holds them"},
       {R"({"pon":{"onus":4}})",
-       "/pon/onus: is unknown; expected one of interfaces, onu_restart_seconds, "
-       "onus_per_interface, uni_ports_per_onu, voice_lines_per_onu"},
+       "/pon/onus: is unknown; expected one of interfaces, onus_per_interface, "
+       "uni_ports_per_onu, voice_lines_per_onu, onu_restart_seconds"},
       {R"({"pon":{"voice_lines_per_onu":9}})",
        "/pon/voice_lines_per_onu: is 9; expected an integer from 0 to 8"},
       {R"({"pon":{"onu_restart_seconds":3601}})",
@@ -104,11 +101,11 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
       {R"({"pon":{"onus_per_interface":"many"}})",
        "/pon/onus_per_interface: is \"many\"; expected an integer from 1 to 1024"},
       {R"({"pon":{"onus_per_interface":1e2}})",
-       "/pon/onus_per_interface: is 100.0; expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is 1e2; expected an integer"},
       {R"({"pon":{"onus_per_interface":-1}})",
-       "/pon/onus_per_interface: is -1; expected an integer from 1 to 1024"},
+       "/pon/onus_per_interface: is -1; expected a number from 0"},
       {R"({"pon":{"uni_ports_per_onu":99999999999999999999}})",
-       "/pon/uni_ports_per_onu: is 1e+20; expected an integer from 1 to 32"},
+       "/pon/uni_ports_per_onu: is 99999999999999999999; expected an integer"},
       {R"({"olt":{"ethernet_ports":true}})",
        "/olt/ethernet_ports: is true; expected an integer from 1 to 64"},
       {R"({"olt":{"ports":{}}})", "/olt/ports: is an object; expected an array"},
@@ -127,11 +124,10 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
        "/olt/ports/0/stations: is 65; expected an integer from 0 to 64"},
       {R"({"olt":{"oam_support":4294967296}})",
        "/olt/oam_support: is 4294967296; expected an integer from 0 to 4294967295"},
-      {R"({"olt":{"name":7}})", "/olt/name: is 7; expected a text"},
+      {R"({"olt":{"name":7}})", "/olt/name: is 7; expected a text of at most 31 bytes"},
       {R"({"olt":{"name":""}})", "/olt/name: is \"\"; expected 1 to 31 printable ASCII characters"},
       {R"({"olt":{"name":"12345678901234567890123456789012"}})",
-       "/olt/name: is \"12345678901234567890123456789012\"; expected 1 to 31 printable ASCII "
-       "characters"},
+       "/olt/name: is \"12345678901234567890123456789012\"; expected a text of at most 31 bytes"},
       {R"({"olt":{"serial":"a\nb"}})",
        "/olt/serial: is \"a\\nb\"; expected 1 to 31 printable ASCII characters"},
       {R"({"olt":{"mac":"02:00:00:00:00"}})",
@@ -143,11 +139,10 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
       {R"({"olt":{"mac":"03:00:00:00:00:01"}})",
        "/olt/mac: is \"03:00:00:00:00:01\"; expected the MAC address of one device, such as "
        "\"02:00:00:00:00:01\""},
-      {R"({"olt":{"mac":12}})",
-       "/olt/mac: is 12; expected the MAC address of one device, such as \"02:00:00:00:00:01\""},
+      {R"({"olt":{"mac":12}})", "/olt/mac: is 12; expected a text of at most 17 bytes"},
       {R"({"pon":{"interfaces":2,"interfaces":4}})",
        "/pon/interfaces: is given twice; expected once"},
-      {R"({"o~l/t":1})", "/o~0l~1t: is unknown; expected one of olt, pon, version"},
+      {R"({"o~l/t":1})", "/o~0l~1t: is unknown; expected one of version, olt, pon"},
   };
   for (const auto &[text, line] : kMistakes) EXPECT_EQ(complaint(text), line) << text;
 }
