@@ -24,6 +24,12 @@ alone() {
   env -i OLT_RUN_DIR="$work/run" HOME="$work/home" "$@"
 }
 
+expect() { # TEXT PROGRAM [ARGUMENT...]
+  local output
+  output=$(alone "${@:2}") || fail "$2 failed"
+  [ "$output" = "$1" ] || fail "$2 prints '$output'; expected '$1'"
+}
+
 cmake --install "$1" --prefix "$work/first" >/dev/null
 mkdir "$work/home" "$work/elsewhere"
 prefix=$work/elsewhere/prefix
@@ -60,7 +66,7 @@ VLAN  Tagged ports  Untagged ports  Description
 4094  -             -               -
 END
 for folder in "$work/with_make" "$work/with_cmake"; do
-  [ "$(alone "$folder/mac_address")" = 02:00:00:00:00:01 ]
+  expect 02:00:00:00:00:01 "$folder/mac_address"
   alone "$folder/vlan_report" "$work/run" 7 4094 | diff -u "$work/expected" -
 done
-[ "$(alone "$prefix/bin/oltctl" get_olt_mac)" = 'mac = 02 00 00 00 00 01' ]
+expect 'mac = 02:00:00:00:00:01' "$prefix/bin/oltctl" get_olt_mac
