@@ -22,7 +22,7 @@ void log_log(int /*level*/, const char *tag, int /*line*/, const char *message) 
 }
 
 // Sequence numbers then start at the same value each time.
-extern "C" ssize_t getrandom(void *buffer, size_t length, unsigned /*flags*/) noexcept {
+extern "C" ssize_t getrandom(void *buffer, size_t length, unsigned /*flags*/) {
   std::memset(buffer, 0, length);
   return static_cast<ssize_t>(length);
 }

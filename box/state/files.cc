@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/folders.h"
+#include "base/private_directory.h"
 
 namespace olt::box {
 
@@ -138,7 +139,9 @@ void replace_file(const Descriptor &directory, const std::string &name, std::str
 }
 
 StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience)
-    : path_(std::move(path)), directory_(open_directory(path_)) {
+    : path_(std::move(path)),
+      directory_(open_private_directory(
+          {.what = "state directory", .path = path_.string(), .create_parents = true})) {
   auto deadline = std::chrono::steady_clock::now() + patience;
   while (flock(directory_.get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) fail(path_.string());
