@@ -14,8 +14,10 @@ namespace {
 constexpr uint32_t kCommand = 1;
 constexpr size_t kLongestCommand = 65'536;
 
-/// The options, when their faults are understood: a mistake shows before anything is touched.
+/// The options, when faults and topology are understood: a mistake shows before anything is
+/// touched.
 Options checked(Options options) {
+  load_topology(options.topology_file);
   for (const std::string &fault : options.faults) fault_from_text(fault);
   return options;
 }

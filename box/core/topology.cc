@@ -56,6 +56,7 @@ void describe_hardware(Archive &archive, PortHardware &hardware) {
 
 void describe_ports(Archive &archive, Topology &topology) {
   if (!archive.has("ports")) return;
+  if (archive.is_reading()) topology.special_ports.clear();
   NumberRange ports = {1, topology.ethernet_ports};
   archive.list(
       "ports", topology.ethernet_ports,

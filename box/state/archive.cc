@@ -188,11 +188,14 @@ void Archive::list(std::string_view key, size_t max, const std::function<void()>
   for (size_t i = 0;; ++i) {
     CborReader next = reader;
     if (next.next().kind == Kind::kEnd) return;
-    if (i == max) refuse(place, head, fmt::format("at most {} elements", max));
     next = reader;
     reader.skip();
     size_t depth = in().scopes.size();
     attempt([&] {
+      if (i >= max) {
+        throw BadInput(
+            fmt::format("{}/{}: is one too many; expected at most {} elements", place, i, max));
+      }
       enter(fmt::format("{}/{}", place, i), next);
       read();
       leave();
@@ -247,6 +250,12 @@ void Archive::attempt(const std::function<void()> &read) {
 
 bool Archive::has(std::string_view key) {
   return !is_reading() || find(key) != nullptr;
+}
+
+bool Archive::is(std::string_view key, std::string_view text) {
+  if (!is_reading() || find(key) == nullptr) return false;
+  CborReader::Value value = value_of(key).next();
+  return value.kind == Kind::kText && value.data == text;
 }
 
 std::string Archive::take() {

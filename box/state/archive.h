@@ -93,6 +93,9 @@ class Archive {
   /// Reading: whether the member is there; the values of one that is not stay as they are.
   bool has(std::string_view key);
 
+  /// Reading: whether the member is that text, for members that are otherwise no text.
+  bool is(std::string_view key, std::string_view text);
+
   /// Reading: what is wrong with the member, which was read.
   [[noreturn]] void refuse(std::string_view key, std::string_view expected);
 

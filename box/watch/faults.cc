@@ -57,8 +57,6 @@ std::string fault_from_words(std::string_view text) {
     fault.text(key);
     if (auto number = number_in(value)) {
       fault.number(*number);
-    } else if (key == "module" && value == "any") {
-      fault.number(0);
     } else {
       fault.text(printable_ascii(value));
     }
@@ -70,7 +68,9 @@ std::string fault_from_words(std::string_view text) {
 /// What arms a fault; all but the type may be left out.
 void describe_order(Archive &archive, Fault &fault) {
   uint32_t module = fault.module.value_or(0);
-  if (archive.has("module")) archive.number("module", module, {0, 255});
+  if (archive.has("module") && !archive.is("module", "any")) {
+    archive.number("module", module, {0, 255});
+  }
   if (module != 0) fault.module = module;
   archive.number("type", fault.type);
   if (archive.has("status")) archive.number("status", fault.status);

@@ -113,13 +113,13 @@ TEST(BoxLimits, AFileSizeLimitFailsTheSaveAndKeepsTheOldState) {
   EXPECT_EQ(status_of(kSetPonRate, std::vector<uint8_t>(136, 0x11)), 0);
   EXPECT_EQ(status_of(kSave), 0);
   EXPECT_EQ(box.end(SIGTERM), 0);
-  std::string saved = read_file(box.folder / "state/saved.json");
+  std::string saved = read_file(box.folder / "state/saved.state");
   ASSERT_GT(saved.size(), 1000U);
 
   box.start({}, [] { limit_files_to(1000); });
   EXPECT_EQ(status_of(kSetPonRate, std::vector<uint8_t>(136, 0x22)), 0);
   EXPECT_EQ(status_of(kSave), kStorage);
-  EXPECT_EQ(read_file(box.folder / "state/saved.json"), saved);
+  EXPECT_EQ(read_file(box.folder / "state/saved.state"), saved);
   EXPECT_EQ(status_of(kRestore), 0);
   EXPECT_EQ(box.end(SIGTERM), 0);
 }

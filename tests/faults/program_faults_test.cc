@@ -139,17 +139,16 @@ TEST(Faults, OfTheDaemon) {
     EXPECT_TRUE(plan.call == "unlink" || !has_sockets(box.run_dir()));
     return box.reached();
   };
-  faults::run({.scenario = scenario,
-               .allocations = false,
-               .calls = {"accept4",   "bind",       "chmod",          "close",   "epoll_create1",
-                         "fcntl",     "epoll_ctl",  "epoll_wait",     "eventfd", "fchmod",
-                         "fdopendir", "readdir",    "flock",          "fstat",   "fsync",
-                         "getrlimit", "getsockopt", "ioctl",          "linkat",  "listen",
-                         "lstat",     "mkdir",      "mkdirat",        "open",    "openat",
-                         "read",      "recv",       "renameat",       "sendmsg", "setrlimit",
-                         "socket",    "stat",       "timerfd_create", "unlink",  "unlinkat",
-                         "write"},
-               .lasting = false});
+  faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"accept4",   "bind",           "chmod",    "close",     "epoll_create1", "fcntl",
+                 "epoll_ctl", "epoll_wait",     "eventfd",  "fchmod",    "fdopendir",     "readdir",
+                 "flock",     "fstat",          "fsync",    "getrlimit", "getsockopt",    "ioctl",
+                 "linkat",    "listen",         "lstat",    "mkdirat",   "open",          "openat",
+                 "read",      "recv",           "renameat", "sendmsg",   "setrlimit",     "socket",
+                 "stat",      "timerfd_create", "unlink",   "unlinkat",  "write"},
+       .lasting = false});
 }
 
 }  // namespace

@@ -129,7 +129,7 @@ TEST(TopologyFile, MistakesGetOneLineWithThePlace) {
       {R"({"olt":{"name":"12345678901234567890123456789012"}})",
        "/olt/name: is \"12345678901234567890123456789012\"; expected a text of at most 31 bytes"},
       {R"({"olt":{"serial":"a\nb"}})",
-       "/olt/serial: is \"a\\nb\"; expected 1 to 31 printable ASCII characters"},
+       "/olt/serial: is \"a\\x0ab\"; expected 1 to 31 printable ASCII characters"},
       {R"({"olt":{"mac":"02:00:00:00:00"}})",
        "/olt/mac: is \"02:00:00:00:00\"; expected the MAC address of one device, such as "
        "\"02:00:00:00:00:01\""},

@@ -207,7 +207,7 @@ TEST(Archive, LimitsTheLengthOfLists) {
   std::string rest = R"(],"record":"010203","more":{"on":true,"since":0},"rows":{}})";
   EXPECT_EQ(refusal(R"({"accounts":[)" + list + rest), "");
   EXPECT_EQ(refusal(R"({"accounts":[)" + list + ',' + account + rest),
-            "/accounts: is an array; expected at most 3 elements");
+            "/accounts/3: is one too many; expected at most 3 elements");
 }
 
 TEST(Archive, LeavesOutWhatDoesNotFitWhenItAdopts) {

@@ -239,7 +239,7 @@ TEST(Storage, ValuesAreCheckedAsOnTheWire) {
     users.replace(users.rfind("\"x\""), 3, '"' + std::to_string(i) + '"');
   }
   EXPECT_EQ(complaint_about("\"users\": [", "\"users\": [" + users),
-            kUsers + ": is an array; expected at most 32 elements");
+            kUsers + "/32: is one too many; expected at most 32 elements");
   EXPECT_EQ(complaint_about("\"level\": 6", "\"level\": 8"),
             "/configuration/system-log/log/level: is 8; expected an integer from 0 to 7");
   EXPECT_TRUE(complaint_about("\"system-log\"", "\"system-lug\"")
@@ -299,8 +299,8 @@ TEST(Storage, AnotherTopologyIsRefusedUnlessWhatFitsIsAdopted) {
   EXPECT_EQ(box.status(kGetPortEnable, port_record(5)), kNotFound);
   ASSERT_FALSE(notices.empty());
   EXPECT_TRUE(holds(notices.front(),
-                    "left out: /configuration/switch-port/ports/4/port: is 5; "
-                    "expected an integer from 1 to 4"))
+                    "left out: /configuration/switch-port/ports/4: is one too many; "
+                    "expected at most 4 elements"))
       << notices.front();
   // From then on the state is the new topology's.
   box.options.adopt = false;
@@ -336,9 +336,32 @@ TEST(Storage, BadDirectoriesAreReported) {
   TestBox box;
   write_file(box.folder / "file", "");
   box.options.state_dir = box.folder / "file/state";
-  EXPECT_EQ(complaint(box), (box.folder / "file/state") + ": Not a directory");
+  EXPECT_EQ(complaint(box), "state directory \"" + (box.folder / "file/state") +
+                                "\" cannot be created: Not a directory");
   box.options.state_dir = box.folder / "file";
-  EXPECT_EQ(complaint(box), (box.folder / "file") + ": Not a directory");
+  EXPECT_EQ(complaint(box),
+            "state directory \"" + (box.folder / "file") + "\" cannot be used: Not a directory");
+}
+
+TEST(Storage, DirectoriesThatOthersReachAreRefused) {
+  TestBox box;
+  box.status(kSaveConfig);
+  box.end();
+  const std::string path = box.options.state_dir.string();
+  const std::string place = "state directory \"" + path + "\" ";
+  for (mode_t mode : {0770, 0707, 0750}) {
+    ASSERT_EQ(chmod(path.c_str(), mode), 0);
+    EXPECT_TRUE(complaint(box).starts_with(place + "is not empty and has mode ")) << mode;
+    struct stat status = {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, mode);
+  }
+  ASSERT_EQ(chmod(path.c_str(), 0700), 0);
+  std::filesystem::create_directory_symlink(path, box.folder / "link");
+  for (const char *link : {"link", "link/"}) {
+    box.options.state_dir = box.folder / link;
+    EXPECT_NE(complaint(box), "accepted") << link;
+  }
 }
 
 TEST(RunningState, ContinuesInTheNextBox) {
