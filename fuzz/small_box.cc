@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "box/families.h"
 #include "box/state/state_file.h"
 #include "fuzz/target.h"
 
@@ -76,7 +77,8 @@ const std::vector<MessageRow> &message_rows() {
     box::Hardware hardware(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
                            std::chrono::system_clock::now);
     std::vector<MessageRow> rows;
-    for (const auto &family : hardware.families()) {
+    box::SharedState shared(small_topology(), std::chrono::system_clock::now());
+    for (const auto &family : box::make_families(hardware, shared)) {
       for (const box::Message &message : family->messages()) {
         rows.push_back({message.module, message.type, std::string(message.name), message.request});
       }
