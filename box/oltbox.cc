@@ -42,7 +42,7 @@ gid_t group_id(const std::string &name_or_number) {
   throw BadInput("--group " + name_or_number + ": is no group; expected the name or number of one");
 }
 
-/// Whether anybody still reads the line is not the box's affair.
+/// The box goes on even if nobody reads the line.
 void print_line(std::FILE *stream, const std::string &line) {
   static_cast<void>(std::fputs((line + '\n').c_str(), stream));
   static_cast<void>(std::fflush(stream));
@@ -94,7 +94,7 @@ class StopOnSignals {
     stopped = server;
     on_signal(SIGTERM, stop);
     on_signal(SIGINT, stop);
-    // Whoever reads the trace may go away; the box goes on.
+    // The reader of the trace may exit; the box goes on.
     on_signal(SIGPIPE, SIG_IGN);
   }
   StopOnSignals(const StopOnSignals &) = delete;

@@ -48,7 +48,7 @@ void Hardware::configure(const Json &value, const std::string &place) {
   restore_factory();
   ObjectReader reader(value, place);
   for (const auto &family : families_) {
-    // A file of an earlier version knows fewer families: theirs stay as the factory has them.
+    // A file of an earlier version may lack a family, which then keeps its factory state.
     const Json *member = reader.find(family->name());
     if (member != nullptr) family->configure(*member, reader.place_of(family->name()));
   }

@@ -1,4 +1,4 @@
-/// What all families share, and what is done to all of them.
+/// Services for all families (clock, events, listings), and operations on all of them.
 #ifndef OLT_BOX_CORE_HARDWARE_H
 #define OLT_BOX_CORE_HARDWARE_H
 
@@ -19,8 +19,8 @@ class Hardware {
  public:
   Hardware(const Topology &topology, StateDirectory &state, Listings listings, Clock clock);
 
-  /// Starts these families from the saved configuration; from the factory state when there is none.
-  /// Throws std::runtime_error when the saved configuration is damaged.
+  /// Starts the families from the saved configuration, or in their factory state if none was saved.
+  /// Throws std::runtime_error if the saved configuration is damaged.
   void start(std::vector<std::unique_ptr<Family>> families);
 
   const Topology &topology() const { return topology_; }
@@ -29,14 +29,15 @@ class Hardware {
   TimePoint now() const { return clock_(); }
   std::chrono::seconds uptime() const;
 
-  /// Writes a listing and has the reply name it: behind a header of 48 bytes, or at its start.
+  /// Writes a listing and puts its name into the reply: after a header of 48 bytes, or at the
+  /// start.
   Status list_behind_header(std::string_view kind, const std::string &text, Reply &reply);
   Status list_at_start(std::string_view kind, const std::string &text, Reply &reply);
 
-  /// Throws StorageFailure; the configuration saved before then stands.
+  /// Throws StorageFailure; the previously saved configuration is then intact.
   void save();
   void restore_factory();
-  /// Falls back to the saved configuration.
+  /// Returns to the saved configuration.
   void reboot();
 
   Json running() const;

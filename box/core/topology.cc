@@ -11,11 +11,11 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kTextLimit = 31;
+constexpr size_t kMaxText = 31;
 
 std::string read_text(ObjectReader &object, std::string_view key, const std::string &fallback) {
   std::string text = object.text(key, fallback);
-  if (text.empty() || text.size() > kTextLimit || text != printable_ascii(text)) {
+  if (text.empty() || text.size() > kMaxText || text != printable_ascii(text)) {
     refuse(object.place_of(key), text, "1 to 31 printable ASCII characters");
   }
   return text;
@@ -90,7 +90,7 @@ void read_pon(const Json &value, Topology &topology) {
   read_number(pon, "uni_ports_per_onu", {1, 32}, topology.uni_ports_per_onu);
   read_number(pon, "voice_lines_per_onu", {0, 8}, topology.voice_lines_per_onu);
   auto restart = static_cast<uint64_t>(topology.onu_restart.count());
-  auto longest = static_cast<uint64_t>(kLongestRestart.count());
+  auto longest = static_cast<uint64_t>(kMaxRestart.count());
   topology.onu_restart =
       std::chrono::seconds(pon.number("onu_restart_seconds", {0, longest}, restart));
   pon.finish();

@@ -13,7 +13,7 @@ std::string range_text(IdRange range) {
                                    : fmt::format("{}-{}", range.first, range.last);
 }
 
-/// Takes a number off the text's front.
+/// Removes a number from the front of the text.
 std::optional<uint16_t> take_number(std::string_view &text) {
   uint16_t number = 0;
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);

@@ -1,4 +1,4 @@
-// Authentication: the modes and allow lists of the PON interfaces, and the ONUs that they block.
+// Authentication of ONUs: modes and allow lists of the PON interfaces, and their block lists.
 
 #include <fmt/format.h>
 
@@ -20,16 +20,16 @@ namespace {
 /// The keys of the lists in state files.
 constexpr std::string_view kListKeys[] = {"mac", "loid", "mac_loid"};
 
-const char *verdict_text(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::kAllowed:
-      return "let in";
-    case Verdict::kNotListed:
-      return "refused, not on the list";
-    case Verdict::kWrongPassword:
+const char *access_text(Access access) {
+  switch (access) {
+    case Access::kAllowed:
+      return "accepted";
+    case Access::kNotListed:
+      return "refused: not listed";
+    case Access::kWrongPassword:
       break;
   }
-  return "refused, wrong password";
+  return "refused: wrong password";
 }
 
 class PonAuthentication final : public Family {
@@ -63,7 +63,7 @@ class PonAuthentication final : public Family {
     Json interfaces = Json::array();
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
       const PonAccess &access = admission_.of(interface);
-      if (access.as_from_factory()) continue;
+      if (access.is_factory()) continue;
       Json value = {{"interface", interface}, {"mode", static_cast<uint32_t>(access.mode)}};
       for (size_t i = 0; i < access.lists.size(); ++i) {
         Json entries = Json::array();
@@ -83,12 +83,12 @@ class PonAuthentication final : public Family {
     for_each_element(reader.get("interfaces"), reader.place_of("interfaces"),
                      [this](const Json &element, const std::string &at) { take(element, at); });
     reader.finish();
-    try_all();
+    join_all();
   }
 
   void restore_factory() override {
     admission_.clear();
-    try_all();
+    join_all();
   }
 
   Json running() const override {
@@ -158,10 +158,10 @@ class PonAuthentication final : public Family {
         onus.begin(), onus.end(), [&](const Onu &onu) { return onu.presence(now) == presence; }));
   }
 
-  void try_all() {
+  void join_all() {
     TimePoint now = hardware_.now();
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      admission_.try_all(interface, now);
+      admission_.join_all(interface, now);
     }
   }
 
@@ -172,10 +172,10 @@ class PonAuthentication final : public Family {
                     count(interface, Presence::kUp), count(interface, Presence::kBlocked)));
   }
 
-  /// A message with entries behind the interface.
+  /// A message with entries after the interface.
   Message entries_message(uint32_t type, std::string_view name, EntriesAction act) {
     constexpr size_t kHead = sizeof(PonInterface);
-    Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMostAllowed};
+    Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMaxAllowed};
     auto handler = [this, act = std::move(act)](const Request &request, Reply &) {
       Entries entries = request.records<AuthEntry>(kHead);
       auto head = request.record<PonInterface>();
@@ -190,8 +190,8 @@ class PonAuthentication final : public Family {
     return entries_message(type, name, [=, this](uint32_t interface, const Entries &entries) {
       Status status = (admission_.of(interface).list(mode).*change)(entries);
       if (status != Status::kOk) return status;
-      size_t thrown_out = admission_.throw_out(interface, hardware_.now());
-      if (thrown_out > 0) record(interface, fmt::format("ONUs thrown out: {}", thrown_out));
+      size_t blocked = admission_.block_unlisted(interface, hardware_.now());
+      if (blocked > 0) record(interface, fmt::format("ONUs blocked: {}", blocked));
       return status;
     });
   }
@@ -203,8 +203,8 @@ class PonAuthentication final : public Family {
       if (onu == nullptr || onu->admitted()) return Status::kNotFound;
       unblocked.push_back(onu);
     }
-    for (Onu *onu : unblocked) admission_.try_anew(*onu, hardware_.now());
-    record(interface, fmt::format("deleted from the block list: {}", unblocked.size()));
+    for (Onu *onu : unblocked) admission_.rejoin(*onu, hardware_.now());
+    record(interface, fmt::format("ONUs deleted from the block list: {}", unblocked.size()));
     return Status::kOk;
   }
 
@@ -214,7 +214,7 @@ class PonAuthentication final : public Family {
     if (asked.auth_mode > kLastAuthMode) return Status::kBadValue;
     auto mode = static_cast<AuthMode>(asked.auth_mode);
     admission_.of(asked.interface).mode = mode;
-    admission_.try_all(asked.interface, hardware_.now());
+    admission_.join_all(asked.interface, hardware_.now());
     record(asked.interface, fmt::format("authentication {}", auth_mode_name(mode)));
     return Status::kOk;
   }
@@ -234,11 +234,11 @@ class PonAuthentication final : public Family {
     Report report("Block list of PON interface " + pon_name(interface));
     size_t blocked = count(interface, Presence::kBlocked);
     report.section(counted(blocked, "ONU"),
-                   {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
+                   {"ONU", "MAC address", "LOID", "Blocked since", "If it tried now"});
     for (const Onu &onu : state_.of_interface(interface)) {
       if (onu.admitted()) continue;
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(), utc_seconds(onu.from()),
-                  verdict_text(admission_.judge(onu))});
+                  access_text(admission_.check(onu))});
     }
     return report;
   }
@@ -292,7 +292,7 @@ class PonAuthentication final : public Family {
     return static_cast<uint32_t>(reader.number("interface", {1, interfaces_count()}));
   }
 
-  /// ONUs that stand alike are written together: as a rule that is all of an interface.
+  /// Writes ONUs in the same state as one group: usually all of an interface.
   void add_groups(uint32_t interface, Json &groups) const {
     std::map<std::pair<bool, uint64_t>, IdSet> alike;
     for (const Onu &onu : state_.of_interface(interface)) {

@@ -1,4 +1,4 @@
-/// A family whose configuration is a handful of records for each ONU.
+/// A family whose configuration consists of records of ONUs.
 #ifndef OLT_BOX_PON_ONU_FAMILY_H
 #define OLT_BOX_PON_ONU_FAMILY_H
 
@@ -11,7 +11,7 @@
 
 namespace olt::box {
 
-/// Saves, restores and describes the tables that it is given; they belong to the state.
+/// Saves, restores and lists the tables given to it; the state owns them.
 class OnuFamily : public Family {
  public:
   using Tables = std::vector<std::reference_wrapper<RecordTable>>;
@@ -28,7 +28,7 @@ class OnuFamily : public Family {
  protected:
   OnuState &state() const { return state_; }
 
-  /// Reads what a family has beside its tables. Throws BadInput.
+  /// Reads the members that the family adds to its tables. Throws BadInput.
   virtual void configure_rest(ObjectReader & /*reader*/) {}
 
  private:

@@ -61,8 +61,8 @@ void rename_within(int directory, const std::string &from, const std::string &to
   if (renameat(directory, from.c_str(), directory, to.c_str()) != 0) fail(to);
 }
 
-/// Renames, and has the directory on disk. The old file stays at hand until that is done, so that
-/// it can be put back.
+/// Renames the file and syncs the directory. Keeps a link to the old file until the sync is done,
+/// to restore it on failure.
 void put_durably(int directory, const std::string &from, const std::string &to) {
   const std::string old = ".old";
   unlinkat(directory, old.c_str(), 0);
@@ -106,7 +106,7 @@ std::string read_file(const std::filesystem::path &path) {
 
 void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
                   const Placement &placement) {
-  // One writer a directory: a left-over of a process that was killed is nobody's.
+  // A directory has one writer, so a file found here was left over by a killed process.
   const std::string temporary = ".new";
   unlinkat(directory.get(), temporary.c_str(), 0);
   try {

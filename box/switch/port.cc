@@ -1,4 +1,4 @@
-// The Ethernet ports: their settings, their links, and the aggregation of uplinks.
+// The Ethernet ports: settings, links, and uplink aggregation.
 
 #include <fmt/format.h>
 
@@ -126,7 +126,7 @@ class SwitchPort final : public Family {
     ObjectReader reader(element, place);
     EthernetPort &port = state_.ports[state_.read_port(reader) - 1];
     for (const PortSetting &setting : kPortSettings) {
-      auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.most}));
+      auto value = static_cast<uint32_t>(reader.number(setting.key, {0, setting.max}));
       port.set(setting.word, value, hardware_.now());
     }
     reader.finish();
@@ -139,7 +139,7 @@ class SwitchPort final : public Family {
       EthernetPort *port = state_.find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
       bool valid = std::all_of(words.begin(), words.end(), [&record](PortWord word) {
-        return record.*word <= setting_of(word).most;
+        return record.*word <= setting_of(word).max;
       });
       if (!valid) return Status::kBadValue;
       for (PortWord word : words) port->set(word, record.*word, hardware_.now());

@@ -1,4 +1,4 @@
-// Debug switches and values, and what memory the modules use.
+// Debug switches and values, and the memory use of the modules.
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostValues = 256;
+constexpr size_t kMaxValues = 256;
 
 class SystemDebug final : public Family {
  public:
@@ -106,7 +106,7 @@ class SystemDebug final : public Family {
       reply.record(record);
       return Status::kOk;
     }
-    if (found == values_.end() && values_.size() >= kMostValues) return Status::kFull;
+    if (found == values_.end() && values_.size() >= kMaxValues) return Status::kFull;
     values_[record.selector] = record.debug_value;
     return Status::kOk;
   }

@@ -10,11 +10,11 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kLongestPiece = size_t{16} * 1024 * 1024;
-constexpr uint32_t kLargestImage = 268'435'456;
+constexpr size_t kMaxPiece = size_t{16} * 1024 * 1024;
+constexpr uint32_t kMaxImage = 268'435'456;
 constexpr uint32_t kUpdateFailed = 0x80000001;
 
-/// An image that arrives in pieces: total length, offset of the piece, then the piece.
+/// A firmware image that arrives in pieces.
 class UpdateStream {
  public:
   UpdateStream(std::string_view key, std::string_view title) : key_(key), title_(title) {}
@@ -24,7 +24,7 @@ class UpdateStream {
   Status take(const Request &request, Reply &reply, EventLog &events) {
     auto [total, offset] = request.record<UpdatePiece>();
     auto length = static_cast<uint32_t>(request.size() - sizeof(UpdatePiece));
-    bool sound = total <= kLargestImage && offset < total && length <= total - offset;
+    bool sound = total <= kMaxImage && offset < total && length <= total - offset;
     if (!sound) return Status::kBadValue;
     if (offset == 0) begin(total, events);
     if (!continues(total, offset)) return fail(events);
@@ -37,7 +37,7 @@ class UpdateStream {
     return Status::kOk;
   }
 
-  /// 0 idle, 1 to 99 per cent received, 100 complete, kUpdateFailed.
+  /// 0 when idle, 1 to 99 per cent while receiving, 100 when complete, or kUpdateFailed.
   uint32_t progress() const {
     if (state_ == State::kIdle) return 0;
     if (state_ == State::kFailed) return kUpdateFailed;
@@ -58,9 +58,9 @@ class UpdateStream {
   void from_json(const Json &value, const std::string &place) {
     ObjectReader reader(value, place);
     state_ = static_cast<State>(reader.number("state", {0, 3}));
-    // An update that has begun has a length to divide by.
+    // progress() divides by the length of an update that has begun.
     total_ = static_cast<uint32_t>(
-        reader.number("total", {state_ == State::kIdle ? 0U : 1U, kLargestImage}));
+        reader.number("total", {state_ == State::kIdle ? 0U : 1U, kMaxImage}));
     received_ = static_cast<uint32_t>(reader.number("received", {0, total_}));
     reader.finish();
   }
@@ -82,7 +82,7 @@ class UpdateStream {
     record(events, Level::kNotice, "begun");
   }
 
-  /// A piece that has come already is as welcome as the next one: its answer may have been lost.
+  /// Accepts the next piece, or a repeated one: the answer to it may have been lost.
   bool continues(uint32_t total, uint32_t offset) const {
     bool under_way = state_ == State::kReceiving || state_ == State::kComplete;
     return under_way && total == total_ && offset <= received_;
@@ -151,7 +151,7 @@ class SystemUpdate final : public Family {
     return {kMainModule,
             type,
             message,
-            {sizeof(UpdatePiece), kLongestPiece},
+            {sizeof(UpdatePiece), kMaxPiece},
             [this, &stream](const Request &request, Reply &reply) {
               return stream.take(request, reply, hardware_.events());
             }};

@@ -1,4 +1,4 @@
-// User accounts: looked up, added, deleted, modified, and walked in the order of the table.
+// User accounts: look-up, adding, deletion, modification, and walks in the order of the table.
 
 #include <fmt/format.h>
 
@@ -11,8 +11,8 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostUsers = 32;
-constexpr size_t kMostText = sizeof(UserRecord::user_name) - 1;
+constexpr size_t kMaxUsers = 32;
+constexpr size_t kMaxText = sizeof(UserRecord::user_name) - 1;
 constexpr ByteRange kPassword = {offsetof(UserRecord, user_password),
                                  offsetof(UserRecord, level_a)};
 
@@ -64,7 +64,7 @@ class SystemUsers final : public Family {
         reader.get("users"), reader.place_of("users"),
         [&users](const Json &element, const std::string &at) {
           ObjectReader user(element, at);
-          users.push_back({user.bytes("name", kMostText), user.bytes("password", kMostText),
+          users.push_back({user.bytes("name", kMaxText), user.bytes("password", kMaxText),
                            static_cast<uint32_t>(user.number("level_a", kAnyU32)),
                            static_cast<uint32_t>(user.number("level_b", kAnyU32))});
           user.finish();
@@ -123,7 +123,7 @@ class SystemUsers final : public Family {
 
   Status add(const User &user) {
     if (find(user.name) != users_.end()) return Status::kExists;
-    if (users_.size() >= kMostUsers) return Status::kFull;
+    if (users_.size() >= kMaxUsers) return Status::kFull;
     users_.push_back(user);
     record(Level::kNotice, user.name, "added");
     return Status::kOk;

@@ -8,7 +8,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kReplyLimit = 65'535;
+constexpr size_t kMaxReply = 65'535;
 
 std::string failure(std::string_view reason) {
   return Json({{"ok", false}, {"error", reason}}).dump();
@@ -23,7 +23,7 @@ std::string fault_add_command(std::string_view text) {
 std::string Control::answer(std::string_view command) {
   try {
     std::string reply = carry_out(parse_json(command)).dump();
-    return reply.size() <= kReplyLimit ? reply : failure("the reply would be too long");
+    return reply.size() <= kMaxReply ? reply : failure("the reply would be too long");
   } catch (const BadInput &error) {
     return failure(error.what());
   }

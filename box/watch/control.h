@@ -1,4 +1,4 @@
-/// The box's own controls: JSON commands about faults and counters.
+/// The commands of the control module: JSON about faults and counters.
 #ifndef OLT_BOX_WATCH_CONTROL_H
 #define OLT_BOX_WATCH_CONTROL_H
 
@@ -15,7 +15,7 @@ class Control {
  public:
   Control(FaultTable &faults, const Counters &counters) : faults_(faults), counters_(counters) {}
 
-  /// Has the reply to the command counters carry what the function gives, as "server".
+  /// Adds the result of the function to the reply to the counters command, as "server".
   void count_server(std::function<Json()> server) { server_ = std::move(server); }
 
   /// Answers any text with {"ok":true,...} or {"ok":false,"error":"one line"}.

@@ -15,8 +15,8 @@ namespace {
 
 using Action = Answer::Action;
 
-constexpr size_t kMostFaults = 256;
-constexpr uint64_t kLongestDelayMs = 600'000;
+constexpr size_t kMaxFaults = 256;
+constexpr uint64_t kMaxDelayMs = 600'000;
 constexpr Action kActions[] = {Action::kSend, Action::kWithhold, Action::kDisconnect};
 
 std::optional<Action> action_of(std::string_view name) {
@@ -26,7 +26,7 @@ std::optional<Action> action_of(std::string_view name) {
   return std::nullopt;
 }
 
-/// A number in decimal or 0x-hex as a number, anything else as a text.
+/// A decimal or 0x-hex number as a number, anything else as text.
 Json value_of(std::string_view word) {
   bool hex = word.starts_with("0x");
   std::string_view digits = hex ? word.substr(2) : word;
@@ -76,7 +76,7 @@ Fault read_fault(ObjectReader &reader) {
   fault.module = read_module(reader);
   fault.type = static_cast<uint32_t>(reader.number("type", kAnyU32));
   fault.status = static_cast<uint16_t>(reader.number("status", kAnyU16, 0));
-  fault.delay_ms = static_cast<uint32_t>(reader.number("delay_ms", {0, kLongestDelayMs}, 0));
+  fault.delay_ms = static_cast<uint32_t>(reader.number("delay_ms", {0, kMaxDelayMs}, 0));
   fault.action = read_action(reader);
   fault.from = reader.number("from", {1, UINT32_MAX}, 1);
   fault.count = reader.number("count", kAnyU32, 0);
@@ -141,9 +141,9 @@ uint32_t FaultTable::add(const Json &fault, const std::string &place) {
   Fault read = read_fault(reader);
   reader.finish();
   check_effect(read, place);
-  if (faults_.size() >= kMostFaults) {
+  if (faults_.size() >= kMaxFaults) {
     throw BadInput(
-        fmt::format("{} faults are armed already; expected one to be cleared first", kMostFaults));
+        fmt::format("{} faults are armed already; expected one to be cleared first", kMaxFaults));
   }
   read.id = ++last_id_;
   faults_.push_back(read);
@@ -160,17 +160,17 @@ size_t FaultTable::clear_all() {
   return count;
 }
 
-const Fault *FaultTable::strike(uint32_t module, uint32_t type) {
-  Fault *striking = nullptr;
+const Fault *FaultTable::apply(uint32_t module, uint32_t type) {
+  Fault *due_fault = nullptr;
   for (Fault &fault : faults_) {
     if (fault.type != type || fault.module.value_or(module) != module) continue;
     ++fault.seen;
     bool due =
         fault.seen >= fault.from && (fault.count == 0 || fault.seen - fault.from < fault.count);
-    if (due && striking == nullptr) striking = &fault;
+    if (due && due_fault == nullptr) due_fault = &fault;
   }
-  if (striking != nullptr) ++striking->applied;
-  return striking;
+  if (due_fault != nullptr) ++due_fault->applied;
+  return due_fault;
 }
 
 Json FaultTable::list() const {
