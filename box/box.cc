@@ -38,7 +38,7 @@ struct Box::Parts {
   static void handle(void *context, const olt_request *request, olt_answer *answer) noexcept;
 
   Simulator simulator;
-  Answer last;  ///< the server copies the reply out of it after the handler has returned
+  Answer last;  ///< the server reads the reply after the handler has returned
 };
 
 void Box::Parts::handle(void *context, const olt_request *request, olt_answer *answer) noexcept {

@@ -1,4 +1,4 @@
-/// The simulated box: modules 2, 18, 22 and 23 with state behind them, as a library.
+/// The simulated box as a library: serves modules 2, 18, 22 and 23 and keeps their state.
 #ifndef OLT_BOX_BOX_H
 #define OLT_BOX_BOX_H
 
@@ -17,53 +17,53 @@
 
 namespace olt::box {
 
-/// Module number of the box's own controls (faults, counters), beside the modules that it
-/// simulates. Beyond the 8 bits that an operation can name.
+/// Module that takes control commands (faults, counters). No operation can reach it: operations
+/// name modules in 8 bits.
 inline constexpr uint32_t kControlModule = 1000;
 
-/// The command for the control module that arms the fault described by the text, for example
+/// The control command that arms the fault described by the text, such as
 /// "type=12 status=5 from=2 count=3". Throws BadInput.
 std::string fault_add_command(std::string_view text);
 
 struct Options {
-  /// Where configurations live; created when missing. Locked while the box exists.
+  /// Directory of the saved state; created if missing. Locked while the box exists.
   std::filesystem::path state_dir;
-  /// Where listings are written; created when missing, with the first one.
+  /// Directory of the listings; created with the first listing if missing.
   std::filesystem::path listing_dir;
-  /// JSON topology; empty for that of the kept state, or the default one.
+  /// JSON topology file; empty for that of the kept state, or the default one.
   std::filesystem::path topology_file;
   /// When the state was made with another topology: keep what fits.
   bool adopt = false;
-  /// Also keep the running state in state_dir, so that the next box goes on from it.
+  /// Also keep the running state in state_dir, so that the next box continues from it.
   bool keep_running_state = false;
-  /// Forget saved and kept state first.
+  /// Discard all saved state first.
   bool fresh = false;
-  /// Faults armed from the start, as fault_add_command takes them.
+  /// Faults to arm at the start, in the form that fault_add_command takes.
   std::vector<std::string> faults;
-  /// Group whose members may read the listings too.
+  /// Group whose members may also read the listings.
   std::optional<gid_t> listing_group;
-  /// Takes a line for each part of the state that was left out; may be empty.
+  /// Called with one line for each part of the state that was left out; may be empty.
   std::function<void(std::string_view)> notice;
-  /// Takes a line per exchange; empty for none.
+  /// Called with one line per exchange; may be empty.
   std::function<void(std::string_view)> trace;
 };
 
-/// A simulated box. Its modules answer through a server; all its calls come from the thread that
-/// runs the server.
+/// A simulated box. Its modules are served by an olt_server; use it only from the thread that runs
+/// the server.
 class Box {
  public:
-  /// Throws std::runtime_error with one line that says what is wrong and what is expected; BadInput
-  /// when that is the topology file or a fault.
+  /// Throws std::runtime_error, whose one line says what is wrong and what is expected; BadInput
+  /// if the topology file or a fault is wrong.
   explicit Box(Options options);
   Box(const Box &) = delete;
   Box &operator=(const Box &) = delete;
   ~Box();
 
-  /// Adds the box's modules and its control module to the server, which must not run any more when
-  /// the box is gone. Throws as the constructor does.
+  /// Adds the box's modules and its control module to the server. The box must outlive the server's
+  /// last run. Throws like the constructor.
   void serve(olt_server *server);
 
-  /// Writes the running state, when the options ask for it. Throws as the constructor does.
+  /// Saves the running state if the options ask for it. Throws like the constructor.
   void keep();
 
  private:

@@ -15,7 +15,7 @@
 
 namespace olt::box {
 
-/// What more than one family works on.
+/// State that more than one family uses.
 struct SharedState {
   SharedState(const Topology &topology, TimePoint now)
       : ethernet(topology, now), onus(topology, now), admission(onus) {}
@@ -26,7 +26,7 @@ struct SharedState {
   IptvState iptv;
 };
 
-/// All families, in the order in which listings show them. Hardware and state must outlive them.
+/// All families, in the order of the listings. Hardware and state must outlive them.
 std::vector<std::unique_ptr<Family>> make_families(Hardware &hardware, SharedState &state);
 
 }  // namespace olt::box

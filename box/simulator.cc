@@ -12,7 +12,7 @@ namespace olt::box {
 namespace {
 
 constexpr uint32_t kCommand = 1;
-constexpr size_t kLongestCommand = 65'536;
+constexpr size_t kMaxCommand = 65'536;
 
 /// The options, when faults and topology are understood: a mistake shows before anything is
 /// touched.
@@ -150,7 +150,7 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
     exchange.name = "control";
     answer = answer_control(type, request);
   } else {
-    exchange.fault = faults_.strike(module, type);
+    exchange.fault = faults_.apply(module, type);
     if (exchange.fault == nullptr || !exchange.fault->replaces_handling()) {
       answer = answer_module(module, type, request);
     } else {
@@ -166,7 +166,7 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
 
 Answer Simulator::answer_control(uint32_t type, std::span<const uint8_t> request) {
   if (type != kCommand) return status_only(Status::kUnserved);
-  if (request.size() > kLongestCommand) return status_only(Status::kBadLength);
+  if (request.size() > kMaxCommand) return status_only(Status::kBadLength);
   std::string reply = control_.answer(std::string(request.begin(), request.end()));
   Answer answer;
   answer.reply.assign(reply.begin(), reply.end());
@@ -183,7 +183,7 @@ Answer Simulator::answer_module(uint32_t module, uint32_t type, std::span<const 
 }
 
 Status Simulator::serve(const Message &message, std::span<const uint8_t> request, Reply &reply) {
-  if (request.size() < message.request.least || request.size() > message.request.most) {
+  if (request.size() < message.request.min || request.size() > message.request.max) {
     return Status::kBadLength;
   }
   try {
@@ -200,17 +200,17 @@ Status Simulator::serve(const Message &message, std::span<const uint8_t> request
 }
 
 void Simulator::count(uint32_t module, uint32_t type, const Answer &answer, const Fault *fault) {
-  Tally tally;
-  tally.exchanges = 1;
-  tally.faults = fault == nullptr ? 0 : 1;
+  MessageCounts counts;
+  counts.exchanges = 1;
+  counts.faults = fault == nullptr ? 0 : 1;
   if (fault == nullptr || !fault->replaces_handling()) {
     auto status = static_cast<Status>(answer.status);
-    tally.refused = status == Status::kOk ? 0 : 1;
-    tally.unserved = status == Status::kUnserved ? 1 : 0;
-    tally.bad_lengths = status == Status::kBadLength ? 1 : 0;
+    counts.refused = status == Status::kOk ? 0 : 1;
+    counts.unserved = status == Status::kUnserved ? 1 : 0;
+    counts.bad_lengths = status == Status::kBadLength ? 1 : 0;
   }
-  counters_.add(module, type, tally);
-  if (tally.unserved != 0 || tally.bad_lengths != 0) {
+  counters_.add(module, type, counts);
+  if (counts.unserved != 0 || counts.bad_lengths != 0) {
     hardware_.events().record(Level::kWarning, module,
                               fmt::format("message type {}: {}", type, status_text(answer.status)));
   }

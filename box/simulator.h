@@ -22,7 +22,7 @@ namespace olt::box {
 
 class Simulator {
  public:
-  /// Throws as Box does. Waits so long for another box to release the state directory.
+  /// Waits up to patience for another box to release the state directory. Throws like Box.
   explicit Simulator(Options options, Clock clock = std::chrono::system_clock::now,
                      std::chrono::milliseconds patience = std::chrono::seconds(5));
 
@@ -35,7 +35,7 @@ class Simulator {
 
   void add_messages();
   void start();
-  /// @return false when there is nothing to go on from.
+  /// @return false when no running state was kept.
   bool resume();
   void describe_running(Archive &archive);
   Misfits misfits() const;
@@ -57,7 +57,8 @@ class Simulator {
   Counters counters_;
   Control control_;
   std::map<Key, Message> messages_;
-  std::map<uint32_t, ByteRange> secrets_;  ///< by type, whatever the module: a slip must not tell
+  std::map<uint32_t, ByteRange>
+      secrets_;  ///< by type, for any module: a misdirected request is secret, too
 };
 
 }  // namespace olt::box

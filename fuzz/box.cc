@@ -72,11 +72,11 @@ class Sequence {
   size_t length(const MessageRow &row, uint8_t how) {
     switch (how & kAnyLength) {
       case kLeastLength:
-        return row.request.least;
+        return row.request.min;
       case kMoreThanLeast:
-        return row.request.least + input_.u8();
+        return row.request.min + input_.u8();
       case kMostLength:
-        return std::min(row.request.most, kLongestRequest);
+        return std::min(row.request.max, kLongestRequest);
       default:
         return std::min<size_t>(input_.u16(), kLongestRequest);
     }

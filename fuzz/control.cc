@@ -21,10 +21,10 @@ Json faults_of(SmallBox &box) {
 
 /// Words KEY=VALUE, as testers write them.
 void arm(SmallBox &box, std::string_view words) {
-  constexpr size_t kMostFaults = 256;
+  constexpr size_t kMaxFaults = 256;
   try {
     Json reply = box.command(olt::box::fault_add_command(words));
-    require(reply["ok"] == true || faults_of(box).size() == kMostFaults,
+    require(reply["ok"] == true || faults_of(box).size() == kMaxFaults,
             "a fault that is understood can be armed", reply.dump());
   } catch (const olt::BadInput &error) {
     olt::fuzz::require_line(error.what());

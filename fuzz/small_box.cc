@@ -80,6 +80,7 @@ const std::vector<MessageRow> &message_rows() {
     box::StateDirectory state(folder() / "table", std::chrono::seconds(1));
     box::Hardware hardware(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
                            std::chrono::system_clock::now);
+    box::SharedState shared(small_topology(), hardware.now());
     std::vector<MessageRow> rows;
     box::SharedState shared(small_topology(), std::chrono::system_clock::now());
     for (const auto &family : box::make_families(hardware, shared)) {
@@ -150,7 +151,7 @@ void SmallBox::require_answer(uint32_t module, uint32_t type, size_t length, con
   if (module == box::kControlModule) return;
   const MessageRow *row = find_row(module, type);
   rule((row == nullptr) == (status == Status::kUnserved), "the table says what is served");
-  bool fits = row != nullptr && length >= row->request.least && length <= row->request.most;
+  bool fits = row != nullptr && length >= row->request.min && length <= row->request.max;
   rule(row == nullptr || fits || status == Status::kBadLength, "the table says what length fits");
 }
 
@@ -170,7 +171,7 @@ Json SmallBox::command(std::string_view text) {
 
 void SmallBox::require_counters() {
   Json counters = command(R"({"command": "counters"})")["counters"];
-  box::Tally sum;
+  box::MessageCounts sum;
   for (const Json &message : counters["messages"]) {
     sum.exchanges += message["exchanges"].get<uint64_t>();
     sum.refused += message["refused"].get<uint64_t>();

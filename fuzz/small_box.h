@@ -72,7 +72,7 @@ class SmallBox {
   std::unique_ptr<box::Simulator> simulator_;
   TimePoint now_ = TimePoint(std::chrono::seconds(1'769'860'800));
   std::string trace_;
-  box::Tally asked_;
+  box::MessageCounts asked_;
 };
 
 }  // namespace olt::fuzz

@@ -47,7 +47,7 @@ void set_things(SmallBox &box) {
     // These two would undo what the others set.
     if (row.type == kReboot || row.type == kRestoreDefaults) continue;
     for (uint8_t word : std::initializer_list<uint8_t>{1, 2, 65}) {
-      std::vector<uint8_t> request(std::clamp(row.request.least, size_t{0}, kLongest));
+      std::vector<uint8_t> request(std::clamp(row.request.min, size_t{0}, kLongest));
       for (size_t at = 0; at < request.size(); at += word == 65 ? 1 : 4) request[at] = word;
       box.ask(row.module, row.type, request);
     }

@@ -32,7 +32,7 @@ void require_limits(const Topology &topology) {
               is_within(topology.onus_per_interface, 1, 1024) &&
               is_within(topology.uni_ports_per_onu, 1, 32) &&
               is_within(topology.voice_lines_per_onu, 0, 8) &&
-              topology.onu_restart <= olt::box::kLongestRestart,
+              topology.onu_restart <= olt::box::kMaxRestart,
           "the numbers of a topology are within their limits");
   for (const auto &[number, port] : topology.special_ports) {
     require(is_within(number, 1, topology.ethernet_ports), "a described port exists");

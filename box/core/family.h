@@ -1,4 +1,4 @@
-/// What every family of messages brings: its messages and the state behind them.
+/// A family of messages, with the state that they act on.
 #ifndef OLT_BOX_CORE_FAMILY_H
 #define OLT_BOX_CORE_FAMILY_H
 
@@ -12,8 +12,8 @@
 
 namespace olt::box {
 
-/// State comes in two sorts. Configuration is what save_system_config saves; it has a factory
-/// state, in which a family is constructed. Running state lasts until the next reboot.
+/// A family has configuration and running state. Configuration is saved by save_system_config and
+/// begins in its factory state. Running state lasts until the next reboot.
 class Family {
  public:
   virtual ~Family() = default;
@@ -35,7 +35,7 @@ class Family {
   /// Adds the family's sections to the basic-information listing.
   virtual void describe_running(Report & /*report*/) const {}
 
-  /// Bytes that the family's state takes, about.
+  /// Approximate memory use of the family's state, in bytes.
   virtual size_t footprint() const = 0;
 };
 

@@ -1,4 +1,4 @@
-/// What all families share, and what is done to all of them.
+/// Services for all families (clock, events, listings), and operations on all of them.
 #ifndef OLT_BOX_CORE_HARDWARE_H
 #define OLT_BOX_CORE_HARDWARE_H
 
@@ -31,14 +31,15 @@ class Hardware {
   TimePoint now() const { return clock_(); }
   std::chrono::seconds uptime() const;
 
-  /// Writes a listing and has the reply name it: behind a header of 48 bytes, or at its start.
+  /// Writes a listing and puts its name into the reply: after a header of 48 bytes, or at the
+  /// start.
   Status list_behind_header(std::string_view kind, const std::string &text, Reply &reply);
   Status list_at_start(std::string_view kind, const std::string &text, Reply &reply);
 
-  /// Throws StorageFailure; the configuration saved before then stands.
+  /// Throws StorageFailure; the previously saved configuration is then intact.
   void save();
   void restore_factory();
-  /// Falls back to the saved configuration.
+  /// Returns to the saved configuration.
   void reboot();
 
   /// Describes configuration and running state.

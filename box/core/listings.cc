@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kKept = 1024;
 constexpr std::string_view kSuffix = ".txt";
 
-/// The number in KIND-NUMBER.txt, or nothing when the name is not of this form.
+/// The number in KIND-NUMBER.txt; nothing if the name has another form.
 std::optional<uint32_t> number_in(std::string_view name) {
   size_t dash = name.find('-');
   if (dash == 0 || dash == std::string_view::npos || !name.ends_with(kSuffix)) return std::nullopt;
@@ -37,7 +37,7 @@ Listings::Listings(std::filesystem::path directory, std::optional<gid_t> group)
   if (group) placement_.mode = 0640;
 }
 
-void Listings::look_around() {
+void Listings::find_numbers() {
   std::error_code error;
   std::filesystem::directory_iterator entries(directory_, error);
   std::multimap<uint32_t, std::string> names;
@@ -53,7 +53,7 @@ void Listings::look_around() {
 
 std::string Listings::write(std::string_view kind, std::string_view text) {
   Descriptor directory = open_directory(directory_);
-  if (!last_number_) look_around();
+  if (!last_number_) find_numbers();
   if (*last_number_ == UINT32_MAX) {
     throw StorageFailure(directory_.string() + ": no number is left for another listing");
   }

@@ -1,4 +1,4 @@
-/// The files of listings, written whole under names that are never used again.
+/// Files of listings, written atomically under unique names.
 #ifndef OLT_BOX_CORE_LISTINGS_H
 #define OLT_BOX_CORE_LISTINGS_H
 
@@ -18,12 +18,12 @@ class Listings {
  public:
   Listings(std::filesystem::path directory, std::optional<gid_t> group);
 
-  /// Writes the text into a new file KIND-NUMBER.txt; the oldest file goes when there are too
+  /// Writes the text to a new file KIND-NUMBER.txt and removes the oldest file if there are too
   /// many. @return the file's name, at most 31 characters. Throws StorageFailure.
   std::string write(std::string_view kind, std::string_view text);
 
  private:
-  void look_around();
+  void find_numbers();
 
   std::filesystem::path directory_;
   Placement placement_;

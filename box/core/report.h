@@ -11,12 +11,12 @@
 
 namespace olt::box {
 
-/// A titled text of sections, each a table with aligned columns.
+/// A text with a title and sections; each section is a table with aligned columns.
 class Report {
  public:
   explicit Report(std::string title) : title_(std::move(title)) {}
 
-  /// Begins a section; rows that follow belong to it. The columns may go without headings.
+  /// Begins a section, to which the following rows belong. Columns need no headings.
   void section(std::string heading, std::vector<std::string> columns = {});
   void row(std::vector<std::string> cells);
   /// Rows of 16 bytes: offset, hex, characters.

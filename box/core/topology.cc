@@ -11,7 +11,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kTextLimit = 31;
+constexpr size_t kMaxText = 31;
 
 /// Describes a member that may be missing.
 void optional_number(Archive &archive, std::string_view key, uint32_t &value, NumberRange range) {
@@ -20,7 +20,7 @@ void optional_number(Archive &archive, std::string_view key, uint32_t &value, Nu
 
 void describe_text(Archive &archive, std::string_view key, std::string &value) {
   if (!archive.has(key)) return;
-  archive.text(key, value, kTextLimit);
+  archive.text(key, value, kMaxText);
   if (value.empty() || value != printable_ascii(value)) {
     archive.refuse(key, "1 to 31 printable ASCII characters");
   }
@@ -46,7 +46,7 @@ void describe_hardware(Archive &archive, PortHardware &hardware) {
   }
   if (archive.has("duplex")) {
     std::string duplex = hardware.full_duplex ? "full" : "half";
-    archive.text("duplex", duplex, kTextLimit);
+    archive.text("duplex", duplex, kMaxText);
     if (duplex != "full" && duplex != "half") archive.refuse("duplex", R"("full" or "half")");
     hardware.full_duplex = duplex == "full";
   }
@@ -95,7 +95,7 @@ void describe_pon(Archive &archive, Topology &topology) {
   optional_number(archive, "uni_ports_per_onu", topology.uni_ports_per_onu, {1, 32});
   optional_number(archive, "voice_lines_per_onu", topology.voice_lines_per_onu, {0, 8});
   auto restart = static_cast<uint32_t>(topology.onu_restart.count());
-  auto longest = static_cast<uint64_t>(kLongestRestart.count());
+  auto longest = static_cast<uint64_t>(kMaxRestart.count());
   optional_number(archive, "onu_restart_seconds", restart, {0, longest});
   topology.onu_restart = std::chrono::seconds(restart);
 }

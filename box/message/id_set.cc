@@ -9,14 +9,14 @@ namespace olt::box {
 namespace {
 
 /// More than every second id takes as text.
-constexpr size_t kMostText = 16'384;
+constexpr size_t kMaxText = 16'384;
 
 std::string range_text(IdRange range) {
   return range.first == range.last ? fmt::to_string(range.first)
                                    : fmt::format("{}-{}", range.first, range.last);
 }
 
-/// Takes a number off the text's front.
+/// Removes a number from the front of the text.
 std::optional<uint16_t> take_number(std::string_view &text) {
   uint16_t number = 0;
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -119,7 +119,7 @@ std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width) {
 
 void describe_ids(Archive &archive, std::string_view key, IdSet &ids) {
   std::string text = ids_to_text(ids);
-  archive.text(key, text, kMostText);
+  archive.text(key, text, kMaxText);
   if (!archive.is_reading()) return;
   auto read = ids_from_text(text);
   if (!read) archive.refuse(key, "numbers up to 4094 as in \"1,20-25\"");

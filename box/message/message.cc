@@ -7,7 +7,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kReplyLimit = 65'535;
+constexpr size_t kMaxReply = 65'535;
 
 }  // namespace
 
@@ -18,7 +18,7 @@ std::span<const uint8_t> Request::bytes(size_t offset, size_t count) const {
 
 void Reply::bytes(size_t offset, std::span<const uint8_t> data) {
   size_t end = offset + data.size();
-  if (end > kReplyLimit) throw std::length_error("reply longer than 65,535 bytes");
+  if (end > kMaxReply) throw std::length_error("reply longer than 65,535 bytes");
   if (end > data_.size()) data_.resize(end);
   std::copy(data.begin(), data.end(), data_.begin() + static_cast<std::ptrdiff_t>(offset));
 }

@@ -1,4 +1,4 @@
-/// Requests, replies, and the rows of the table that says who handles which message.
+/// Requests, replies, and the messages that a family handles.
 #ifndef OLT_BOX_MESSAGE_MESSAGE_H
 #define OLT_BOX_MESSAGE_MESSAGE_H
 
@@ -8,11 +8,13 @@
 #include <cstring>
 #include <exception>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -27,20 +29,20 @@ inline constexpr uint32_t kLogModule = 22;
 inline constexpr uint32_t kRstpModule = 23;
 inline constexpr uint32_t kModules[] = {kMainModule, kOamModule, kLogModule, kRstpModule};
 
-/// The bytes of a record, as they travel.
+/// The bytes of a record, as they are sent.
 template <typename Record>
 std::span<const uint8_t> bytes_of(const Record &record) {
-  static_assert(std::has_unique_object_representations_v<Record>, "padding would travel, too");
+  static_assert(std::has_unique_object_representations_v<Record>, "has padding");
   return {reinterpret_cast<const uint8_t *>(&record), sizeof record};
 }
 
 template <typename Record>
 std::span<uint8_t> bytes_of(Record &record) {
-  static_assert(std::has_unique_object_representations_v<Record>, "padding would travel, too");
+  static_assert(std::has_unique_object_representations_v<Record>, "has padding");
   return {reinterpret_cast<uint8_t *>(&record), sizeof record};
 }
 
-/// Copies a text into a field, filled with zeros; what is longer than the field is cut off.
+/// Copies a text into a field and fills it with zeros; a text too long is cut off.
 template <size_t size>
 void set_text(char (&field)[size], std::string_view text) {
   std::fill(std::copy_n(text.begin(), std::min(size, text.size()), field), std::end(field), '\0');
@@ -52,14 +54,14 @@ std::string text_of(const char (&field)[size]) {
   return {field, std::find(field, std::end(field), '\0')};
 }
 
-/// The text in a field; nothing when no zero ends it.
+/// The text in a field; nothing if it does not end with a zero.
 template <size_t size>
 std::optional<std::string> terminated_text_of(const char (&field)[size]) {
   std::string text = text_of(field);
   return text.size() < size ? std::optional(text) : std::nullopt;
 }
 
-/// Copies bytes into a field, as many as it has room for.
+/// Copies as many bytes into a field as fit.
 template <typename Field>
 void set_bytes(Field &field, std::span<const uint8_t> bytes) {
   std::copy_n(bytes.begin(), std::min(sizeof field, bytes.size()), bytes_of(field).begin());
@@ -71,14 +73,14 @@ class BadLength : public std::exception {
   const char *what() const noexcept override { return "request too short"; }
 };
 
-/// Reads a request. Every access is checked: BadLength.
+/// Reads a request. Access beyond its end throws BadLength.
 class Request {
  public:
   explicit Request(std::span<const uint8_t> data) : data_(data) {}
 
   std::span<const uint8_t> bytes(size_t offset, size_t count) const;
 
-  /// A copy of the record, or of the word, at the offset.
+  /// A copy of the record at the offset.
   template <typename Record>
   Record record(size_t offset = 0) const {
     Record record;
@@ -88,7 +90,8 @@ class Request {
   }
   uint32_t word(size_t offset = 0) const { return record<uint32_t>(offset); }
 
-  /// All records from the offset on, which must fill the request.
+  /// All records from the offset to the end of the request. Throws BadLength if the last one is
+  /// incomplete.
   template <typename Record>
   std::vector<Record> records(size_t offset) const {
     auto from = bytes(offset, data_.size() - std::min(offset, data_.size()));
@@ -104,14 +107,14 @@ class Request {
   std::span<const uint8_t> data_;
 };
 
-/// Builds a reply; it grows, filled with zeros, to hold what is written.
+/// Builds a reply, which grows as needed; gaps are zero.
 class Reply {
  public:
   void bytes(size_t offset, std::span<const uint8_t> data);
   /// Adds bytes at the end.
   void append(std::span<const uint8_t> data) { bytes(data_.size(), data); }
 
-  /// A record, or a word, at the start.
+  /// Writes a record at the start.
   template <typename Record>
   void record(const Record &record) {
     bytes(0, bytes_of(record));
@@ -125,8 +128,8 @@ class Reply {
 
 using Handler = std::function<Status(const Request &, Reply &)>;
 
-/// A handler that is a member function of its family. The function takes those of the handler's
-/// arguments that it needs, in any order.
+/// A handler that calls a member function of its family, with those of the handler's arguments that
+/// the function takes, found by their types.
 template <typename F, typename Result, typename... Needed>
 auto on(F *family, Result (F::*method)(Needed...)) {
   return [=](auto &&...arguments) {
@@ -144,8 +147,8 @@ auto on(const F *family, Result (F::*method)(Needed...) const) {
 }
 
 struct Lengths {
-  size_t least;
-  size_t most;
+  size_t min;
+  size_t max;
 };
 
 constexpr Lengths exactly(size_t length) {
@@ -164,10 +167,10 @@ struct Message {
   std::string_view name;  ///< in traces
   Lengths request;
   Handler handler;
-  ByteRange secret = {};  ///< bytes of request and reply that no trace shows
+  ByteRange secret = {};  ///< bytes of request and reply that traces hide
 };
 
-/// What becomes of a request.
+/// The answer to a request.
 struct Answer {
   enum class Action { kSend, kWithhold, kDisconnect };
 

@@ -1,4 +1,4 @@
-/// The families of the services of ONTs, one source file each, and what others see of them.
+/// The families of the ONT services, one source file each, and the state of voice lines.
 #ifndef OLT_BOX_ONT_FAMILIES_H
 #define OLT_BOX_ONT_FAMILIES_H
 
@@ -10,11 +10,11 @@
 
 namespace olt::box {
 
-/// How a voice line stands.
+/// State of a voice line.
 enum class LineState : uint32_t {
   kUnknown = 0,  ///< the ONU is not up
   kOff = 1,
-  kUnregistered = 2,  ///< it is on, but has no user account
+  kUnregistered = 2,  ///< on, but without a user account
   kRegistered = 3,
 };
 

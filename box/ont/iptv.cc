@@ -12,16 +12,16 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostProfiles = 256;
-constexpr size_t kMostChannels = 1024;  ///< of one profile
-constexpr size_t kMostUserChannels = 16'384;
+constexpr size_t kMaxProfiles = 256;
+constexpr size_t kMaxChannels = 1024;  ///< of one profile
+constexpr size_t kMaxUserChannels = 16'384;
 
 using Profiles = std::map<std::string, IptvState::Channels>;
 
 Status add_channel(IptvState::Channels &channels, const Request &request) {
   auto channel = request.record<IptvChannelRow>();
   if (channels.contains(channel.number)) return Status::kExists;
-  if (channels.size() == kMostChannels) return Status::kFull;
+  if (channels.size() == kMaxChannels) return Status::kFull;
   channels[channel.number] = std::to_array(channel.settings);
   return Status::kOk;
 }
@@ -59,7 +59,7 @@ class OntIptv final : public OnuFamily {
 
   void configuration(Archive &archive) override {
     describe_profiles(archive);
-    archive.list("user_channels", iptv_.user_channels, kMostUserChannels,
+    archive.list("user_channels", iptv_.user_channels, kMaxUserChannels,
                  [&](UserChannel &channel) {
                    archive.bytes("user", channel.user);
                    archive.number("a", channel.a);
@@ -114,7 +114,7 @@ class OntIptv final : public OnuFamily {
   using Profile = Profiles::value_type;
   using ProfileAction = std::function<Status(Profile &, const Request &, Reply &)>;
 
-  /// A message about a profile that must exist; its name stands behind so many bytes.
+  /// A message about an existing profile, whose name is at the given offset, at the request's end.
   Message profile_message(uint32_t type, std::string_view message, size_t name_at,
                           ProfileAction act) {
     auto handler = [this, name_at, act = std::move(act)](const Request &request, Reply &reply) {
@@ -127,7 +127,7 @@ class OntIptv final : public OnuFamily {
     return {kMainModule, type, message, exactly(name_at + sizeof(ProfileName)), handler};
   }
 
-  /// One that changes its channels, by a channel record before the name.
+  /// A message that changes the channels of a profile: a channel record, then the name.
   Message channel_message(uint32_t type, std::string_view message,
                           Status (*change)(IptvState::Channels &, const Request &)) {
     return profile_message(type, message, sizeof(IptvChannelRow),
@@ -140,7 +140,7 @@ class OntIptv final : public OnuFamily {
     std::string name = text_of(request.record<ProfileName>().name);
     if (name.empty()) return Status::kBadValue;
     if (iptv_.profiles.contains(name)) return Status::kExists;
-    if (iptv_.profiles.size() == kMostProfiles) return Status::kFull;
+    if (iptv_.profiles.size() == kMaxProfiles) return Status::kFull;
     iptv_.profiles[name];
     record(name, "created");
     return Status::kOk;
@@ -186,7 +186,7 @@ class OntIptv final : public OnuFamily {
     UserChannel channel = read_user_channel(request);
     if (!is_unicast(channel.user)) return Status::kBadValue;
     if (iptv_.user_channels.contains(channel)) return Status::kExists;
-    if (iptv_.user_channels.size() == kMostUserChannels) return Status::kFull;
+    if (iptv_.user_channels.size() == kMaxUserChannels) return Status::kFull;
     iptv_.user_channels.insert(channel);
     return Status::kOk;
   }
@@ -212,7 +212,7 @@ class OntIptv final : public OnuFamily {
   void describe_profiles(Archive &archive) {
     if (archive.is_reading()) iptv_.profiles.clear();
     archive.list(
-        "profiles", kMostProfiles,
+        "profiles", kMaxProfiles,
         [&] {
           for (auto &[name, channels] : iptv_.profiles) {
             archive.element([&, name = name, &channels = channels]() mutable {
@@ -232,7 +232,7 @@ class OntIptv final : public OnuFamily {
 
   static void describe_channels(Archive &archive, IptvState::Channels &channels) {
     archive.list(
-        "channels", kMostChannels,
+        "channels", kMaxChannels,
         [&] {
           for (auto &[number, settings] : channels) {
             archive.element([&, number = number, &settings = settings]() mutable {

@@ -1,4 +1,4 @@
-/// The IPTV profiles of the box, their channels, and the channels of single users.
+/// IPTV profiles with their channels, and channels of single users.
 #ifndef OLT_BOX_ONT_IPTV_STATE_H
 #define OLT_BOX_ONT_IPTV_STATE_H
 
@@ -17,7 +17,7 @@ namespace olt::box {
 
 using ChannelSettings = std::array<uint8_t, sizeof(IptvChannelRow::settings)>;
 
-/// A channel of a single user, by the values of its request, which mean nothing to the box.
+/// A channel of a single user. The box does not interpret the values a to d.
 struct UserChannel {
   Mac user;
   uint32_t a;

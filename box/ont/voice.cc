@@ -1,5 +1,5 @@
-// The voice service of ONTs: SIP settings and the interface of an ONU, and switch, user account and
-// fax mode of each of its lines.
+// The voice service of ONTs: SIP settings and WAN interface of each ONU; switch, user account and
+// fax mode of each line.
 
 #include <fmt/format.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kTitle = "Voice service of ONU";
 
-/// A user account that differs from the factory's.
+/// Whether a user account was set.
 bool has_account(const OnuRecords &records, const OnuPart &line) {
   return records.user_account.kept().contains(line);
 }
@@ -49,7 +49,7 @@ class OntVoice final : public OnuFamily {
  private:
   using Describe = void (OntVoice::*)(const OnuPart &, Report &) const;
 
-  /// A message that lists what is kept for an ONU.
+  /// A message that lists records of an ONU.
   Message listing(uint32_t type, std::string_view message, std::string_view kind,
                   Describe describe) {
     return listing_message(hardware_, state(), type, message, Scope::kOnu, kind, kTitle,
@@ -59,7 +59,7 @@ class OntVoice final : public OnuFamily {
                            });
   }
 
-  /// What stands behind the end of the text is whatever the sender's memory held.
+  /// Bytes after the zero are undefined, so they are not kept.
   Status bind(const OnuPart &onu, const Request &request) {
     auto field = request.record<InterfaceName>(sizeof(OntTarget));
     auto name = terminated_text_of(field.name);

@@ -21,23 +21,23 @@ const char *auth_mode_name(AuthMode mode) {
 
 std::optional<AllowList::Key> AllowList::key_of(const AuthEntry &entry) const {
   Key key;
-  if (goes_by_mac()) {
+  if (uses_mac()) {
     key.first = std::to_array(entry.mac);
     if (!is_unicast(key.first)) return std::nullopt;
   }
-  if (goes_by_loid()) {
+  if (uses_loid()) {
     key.second = text_of(entry.loid);
     if (key.second.empty()) return std::nullopt;
   }
   return key;
 }
 
-Verdict AllowList::judge(const Onu &onu) const {
-  auto entry = entries_.find({goes_by_mac() ? onu.mac() : Mac(), goes_by_loid() ? onu.loid() : ""});
-  if (entry == entries_.end()) return Verdict::kNotListed;
+Access AllowList::check(const Onu &onu) const {
+  auto entry = entries_.find({uses_mac() ? onu.mac() : Mac(), uses_loid() ? onu.loid() : ""});
+  if (entry == entries_.end()) return Access::kNotListed;
   bool any_password = entry->second.empty();
-  return any_password || entry->second == onu.password() ? Verdict::kAllowed
-                                                         : Verdict::kWrongPassword;
+  return any_password || entry->second == onu.password() ? Access::kAllowed
+                                                         : Access::kWrongPassword;
 }
 
 Status AllowList::add(const std::vector<AuthEntry> &entries) {
@@ -45,12 +45,12 @@ Status AllowList::add(const std::vector<AuthEntry> &entries) {
   for (const AuthEntry &entry : entries) {
     auto key = key_of(entry);
     if (!key) return Status::kBadValue;
-    added[*key] = goes_by_loid() ? text_of(entry.password) : "";
+    added[*key] = uses_loid() ? text_of(entry.password) : "";
   }
   auto fresh = std::count_if(added.begin(), added.end(), [this](const Entries::value_type &entry) {
     return !entries_.contains(entry.first);
   });
-  if (entries_.size() + static_cast<size_t>(fresh) > kMostAllowed) return Status::kFull;
+  if (entries_.size() + static_cast<size_t>(fresh) > kMaxAllowed) return Status::kFull;
   for (const auto &[key, password] : added) entries_[key] = password;
   return Status::kOk;
 }
@@ -83,25 +83,25 @@ size_t AllowList::footprint() const {
   return sizeof *this + entries_.size() * sizeof(Entries::value_type);
 }
 
-bool PonAccess::as_from_factory() const {
+bool PonAccess::is_factory() const {
   return mode == AuthMode::kAny && std::all_of(lists.begin(), lists.end(),
                                                [](const AllowList &list) { return list.empty(); });
 }
 
 PonAdmission::PonAdmission(OnuState &onus) : onus_(onus), access_(onus_.topology.pon_interfaces) {}
 
-Verdict PonAdmission::judge(const Onu &onu) const {
+Access PonAdmission::check(const Onu &onu) const {
   const PonAccess &access = of(onu.place().interface);
-  return access.mode == AuthMode::kAny ? Verdict::kAllowed : access.list(access.mode).judge(onu);
+  return access.mode == AuthMode::kAny ? Access::kAllowed : access.list(access.mode).check(onu);
 }
 
 void PonAdmission::clear() {
   access_.assign(access_.size(), PonAccess());
 }
 
-void PonAdmission::try_all(uint32_t interface, TimePoint now) {
+void PonAdmission::join_all(uint32_t interface, TimePoint now) {
   for (Onu &onu : onus_.of_interface(interface)) {
-    if (judge(onu) == Verdict::kAllowed) {
+    if (check(onu) == Access::kAllowed) {
       onu.admit(now);
     } else {
       onu.block(now);
@@ -109,15 +109,15 @@ void PonAdmission::try_all(uint32_t interface, TimePoint now) {
   }
 }
 
-void PonAdmission::try_anew(Onu &onu, TimePoint now) const {
+void PonAdmission::rejoin(Onu &onu, TimePoint now) const {
   onu.block(now);
-  if (judge(onu) == Verdict::kAllowed) onu.admit(now);
+  if (check(onu) == Access::kAllowed) onu.admit(now);
 }
 
-size_t PonAdmission::throw_out(uint32_t interface, TimePoint now) {
+size_t PonAdmission::block_unlisted(uint32_t interface, TimePoint now) {
   size_t count = 0;
   for (Onu &onu : onus_.of_interface(interface)) {
-    if (!onu.admitted() || judge(onu) == Verdict::kAllowed) continue;
+    if (!onu.admitted() || check(onu) == Access::kAllowed) continue;
     onu.block(now);
     ++count;
   }

@@ -1,4 +1,4 @@
-/// Which ONUs may join: the authentication of the PON interfaces, and what comes of it.
+/// Which ONUs may join a PON interface, by its authentication mode and allow lists.
 #ifndef OLT_BOX_PON_ADMISSION_H
 #define OLT_BOX_PON_ADMISSION_H
 
@@ -19,7 +19,7 @@
 
 namespace olt::box {
 
-/// Each but the first goes by an allow list of its own.
+/// Each mode but kAny has an allow list of its own.
 enum class AuthMode : uint32_t { kAny, kMac, kLoid, kMacAndLoid };
 
 inline constexpr uint64_t kLastAuthMode = static_cast<uint64_t>(AuthMode::kMacAndLoid);
@@ -27,12 +27,12 @@ inline constexpr uint64_t kLastAuthMode = static_cast<uint64_t>(AuthMode::kMacAn
 /// "by MAC address".
 const char *auth_mode_name(AuthMode mode);
 
-inline constexpr size_t kMostAllowed = 16'384;
+inline constexpr size_t kMaxAllowed = 16'384;
 
-/// Whether an ONU would be let in, and why not.
-enum class Verdict : uint8_t { kAllowed, kNotListed, kWrongPassword };
+/// Whether an ONU may join, and if not, why.
+enum class Access : uint8_t { kAllowed, kNotListed, kWrongPassword };
 
-/// Which ONUs one mode lets in: their passwords, by what the mode goes by.
+/// The ONUs that may join in one mode, by MAC address, LOID or both, with their passwords.
 class AllowList {
  public:
   explicit AllowList(AuthMode mode) : mode_(mode) {}
@@ -40,9 +40,9 @@ class AllowList {
   AuthMode mode() const { return mode_; }
   bool empty() const { return entries_.empty(); }
   size_t size() const { return entries_.size(); }
-  Verdict judge(const Onu &onu) const;
+  Access check(const Onu &onu) const;
 
-  /// All entries are taken, or none.
+  /// Change all entries, or none.
   Status add(const std::vector<AuthEntry> &entries);
   Status remove(const std::vector<AuthEntry> &entries);
 
@@ -51,47 +51,47 @@ class AllowList {
   size_t footprint() const;
 
  private:
-  using Key = std::pair<Mac, std::string>;  ///< with LOID
-  using Password = std::string;             ///< empty: any
+  using Key = std::pair<Mac, std::string>;  ///< MAC address, LOID; zero or empty if not used
+  using Password = std::string;             ///< empty accepts any
   using Entries = std::map<Key, Password>;
 
-  bool goes_by_mac() const { return mode_ != AuthMode::kLoid; }
-  bool goes_by_loid() const { return mode_ != AuthMode::kMac; }
-  /// Nothing when the entry lacks what the mode goes by.
+  bool uses_mac() const { return mode_ != AuthMode::kLoid; }
+  bool uses_loid() const { return mode_ != AuthMode::kMac; }
+  /// Nothing if the entry lacks an address or LOID that the mode uses.
   std::optional<Key> key_of(const AuthEntry &entry) const;
 
   AuthMode mode_;
   Entries entries_;
 };
 
-/// Of one PON interface.
+/// Authentication on one PON interface.
 struct PonAccess {
   AllowList &list(AuthMode of) { return lists[static_cast<size_t>(of) - 1]; }
   const AllowList &list(AuthMode of) const { return lists[static_cast<size_t>(of) - 1]; }
-  bool as_from_factory() const;
+  bool is_factory() const;
 
   AuthMode mode = AuthMode::kAny;
   std::array<AllowList, 3> lists = {AllowList(AuthMode::kMac), AllowList(AuthMode::kLoid),
                                     AllowList(AuthMode::kMacAndLoid)};
 };
 
-/// Lets the ONUs in and keeps them out, as the interfaces' authentication says.
+/// Admits and blocks ONUs as the authentication of their interfaces requires.
 class PonAdmission {
  public:
   explicit PonAdmission(OnuState &onus);
 
   PonAccess &of(uint32_t interface) { return access_[interface - 1]; }
   const PonAccess &of(uint32_t interface) const { return access_[interface - 1]; }
-  Verdict judge(const Onu &onu) const;
-  /// Makes modes and lists as from the factory. The ONUs do not notice until they try to join.
+  Access check(const Onu &onu) const;
+  /// Restores the factory's modes and lists. ONUs are checked when they next join.
   void clear();
 
-  /// Has all ONUs of the interface try to join; those that are up and may be so stay up.
-  void try_all(uint32_t interface, TimePoint now);
-  /// Has a single one try to join from the start.
-  void try_anew(Onu &onu, TimePoint now) const;
-  /// Blocks the ONUs that joined, but may no longer. @return how many.
-  size_t throw_out(uint32_t interface, TimePoint now);
+  /// Admits or blocks every ONU of the interface. Those that are up and stay admitted go on.
+  void join_all(uint32_t interface, TimePoint now);
+  /// Makes one ONU join again.
+  void rejoin(Onu &onu, TimePoint now) const;
+  /// Blocks the admitted ONUs that may no longer join. @return how many.
+  size_t block_unlisted(uint32_t interface, TimePoint now);
 
   size_t footprint() const;
 

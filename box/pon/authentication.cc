@@ -1,4 +1,4 @@
-// Authentication: the modes and allow lists of the PON interfaces, and the ONUs that they block.
+// Authentication of ONUs: modes and allow lists of the PON interfaces, and their block lists.
 
 #include <fmt/format.h>
 
@@ -19,16 +19,16 @@ namespace {
 /// The keys of the lists in state files.
 constexpr std::string_view kListKeys[] = {"mac", "loid", "mac_loid"};
 
-const char *verdict_text(Verdict verdict) {
-  switch (verdict) {
-    case Verdict::kAllowed:
-      return "let in";
-    case Verdict::kNotListed:
-      return "refused, not on the list";
-    case Verdict::kWrongPassword:
+const char *access_text(Access access) {
+  switch (access) {
+    case Access::kAllowed:
+      return "accepted";
+    case Access::kNotListed:
+      return "refused: not listed";
+    case Access::kWrongPassword:
       break;
   }
-  return "refused, wrong password";
+  return "refused: wrong password";
 }
 
 class PonAuthentication final : public Family {
@@ -64,7 +64,7 @@ class PonAuthentication final : public Family {
         "interfaces", interfaces_count(),
         [&] {
           for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-            if (admission_.of(interface).as_from_factory()) continue;
+            if (admission_.of(interface).is_factory()) continue;
             archive.element([&] {
               describe_interface(archive, interface);
               describe_access(archive, admission_.of(interface));
@@ -76,12 +76,12 @@ class PonAuthentication final : public Family {
           describe_interface(archive, interface);
           describe_access(archive, admission_.of(interface));
         });
-    if (archive.is_reading()) try_all();
+    if (archive.is_reading()) join_all();
   }
 
   void restore_factory() override {
     admission_.clear();
-    try_all();
+    join_all();
   }
 
   /// ONUs that stand alike are written together: as a rule that is all of an interface.
@@ -157,10 +157,10 @@ class PonAuthentication final : public Family {
         onus.begin(), onus.end(), [&](const Onu &onu) { return onu.presence(now) == presence; }));
   }
 
-  void try_all() {
+  void join_all() {
     TimePoint now = hardware_.now();
     for (uint32_t interface = 1; interface <= interfaces_count(); ++interface) {
-      admission_.try_all(interface, now);
+      admission_.join_all(interface, now);
     }
   }
 
@@ -171,10 +171,10 @@ class PonAuthentication final : public Family {
                     count(interface, Presence::kUp), count(interface, Presence::kBlocked)));
   }
 
-  /// A message with entries behind the interface.
+  /// A message with entries after the interface.
   Message entries_message(uint32_t type, std::string_view name, EntriesAction act) {
     constexpr size_t kHead = sizeof(PonInterface);
-    Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMostAllowed};
+    Lengths lengths = {kHead, kHead + sizeof(AuthEntry) * kMaxAllowed};
     auto handler = [this, act = std::move(act)](const Request &request, Reply &) {
       Entries entries = request.records<AuthEntry>(kHead);
       auto head = request.record<PonInterface>();
@@ -189,8 +189,8 @@ class PonAuthentication final : public Family {
     return entries_message(type, name, [=, this](uint32_t interface, const Entries &entries) {
       Status status = (admission_.of(interface).list(mode).*change)(entries);
       if (status != Status::kOk) return status;
-      size_t thrown_out = admission_.throw_out(interface, hardware_.now());
-      if (thrown_out > 0) record(interface, fmt::format("ONUs thrown out: {}", thrown_out));
+      size_t blocked = admission_.block_unlisted(interface, hardware_.now());
+      if (blocked > 0) record(interface, fmt::format("ONUs blocked: {}", blocked));
       return status;
     });
   }
@@ -202,8 +202,8 @@ class PonAuthentication final : public Family {
       if (onu == nullptr || onu->admitted()) return Status::kNotFound;
       unblocked.push_back(onu);
     }
-    for (Onu *onu : unblocked) admission_.try_anew(*onu, hardware_.now());
-    record(interface, fmt::format("deleted from the block list: {}", unblocked.size()));
+    for (Onu *onu : unblocked) admission_.rejoin(*onu, hardware_.now());
+    record(interface, fmt::format("ONUs deleted from the block list: {}", unblocked.size()));
     return Status::kOk;
   }
 
@@ -213,7 +213,7 @@ class PonAuthentication final : public Family {
     if (asked.auth_mode > kLastAuthMode) return Status::kBadValue;
     auto mode = static_cast<AuthMode>(asked.auth_mode);
     admission_.of(asked.interface).mode = mode;
-    admission_.try_all(asked.interface, hardware_.now());
+    admission_.join_all(asked.interface, hardware_.now());
     record(asked.interface, fmt::format("authentication {}", auth_mode_name(mode)));
     return Status::kOk;
   }
@@ -233,11 +233,11 @@ class PonAuthentication final : public Family {
     Report report("Block list of PON interface " + pon_name(interface));
     size_t blocked = count(interface, Presence::kBlocked);
     report.section(counted(blocked, "ONU"),
-                   {"ONU", "MAC address", "LOID", "Blocked since", "If tried now"});
+                   {"ONU", "MAC address", "LOID", "Blocked since", "If it tried now"});
     for (const Onu &onu : state_.of_interface(interface)) {
       if (onu.admitted()) continue;
       report.row({to_text(onu.place()), mac_text(onu.mac()), onu.loid(), utc_seconds(onu.from()),
-                  verdict_text(admission_.judge(onu))});
+                  access_text(admission_.check(onu))});
     }
     return report;
   }
@@ -280,7 +280,7 @@ class PonAuthentication final : public Family {
     for (size_t i = 0; i < access.lists.size(); ++i) {
       AllowList &list = access.lists[i];
       archive.list(
-          kListKeys[i], kMostAllowed,
+          kListKeys[i], kMaxAllowed,
           [&] {
             for (AuthEntry entry : list.entries()) {
               archive.element([&] { describe_entry(archive, entry); });

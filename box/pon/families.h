@@ -1,4 +1,4 @@
-/// The families of the PON interfaces and of the ONUs behind them, one source file each.
+/// The families of the PON interfaces and their ONUs, one source file each.
 #ifndef OLT_BOX_PON_FAMILIES_H
 #define OLT_BOX_PON_FAMILIES_H
 

@@ -1,4 +1,4 @@
-// What the OLT knows of its ONUs.
+// What the OLT knows about its ONUs and their logical links. Each ONU has one logical link (LLID).
 
 #include <fmt/format.h>
 
@@ -16,7 +16,7 @@ namespace olt::box {
 
 namespace {
 
-/// There and back, at 5 ns for a metre of fibre.
+/// In nanoseconds, at 5 ns per metre in each direction.
 constexpr uint32_t kRoundTripPerMetre = 10;
 
 std::string since_start(TimePoint start, TimePoint now) {
@@ -58,7 +58,7 @@ class PonInventory final : public Family {
                            });
   }
 
-  /// When the ONU began to be as it is.
+  /// When the ONU entered its state.
   std::string since(const Onu &onu) const {
     bool away = onu.presence(hardware_.now()) == Presence::kAway;
     return utc_seconds(away ? onu.from() - state_.topology.onu_restart : onu.from());
@@ -85,17 +85,18 @@ class PonInventory final : public Family {
     return report;
   }
 
-  /// What the link may carry at most, as granted; all of the PON while nothing was asked for.
+  /// The granted maximum of the logical link; the capacity of the PON if none was requested.
   uint32_t bandwidth(const Onu &onu) const {
     auto record = Request(state_.records.link_dba.at(onu.place())).record<LinkDba>();
-    return record.granted[1] == 0 ? kMostBandwidth : record.granted[1];
+    return record.granted[1] == 0 ? kMaxBandwidth : record.granted[1];
   }
 
   Report list_links(uint32_t interface) const {
     TimePoint now = hardware_.now();
-    Report report("Links of PON interface " + pon_name(interface));
-    report.section("Links of the ONUs that are up", {"Link", "Distance in m", "Round trip in ns",
-                                                     "Bandwidth in kbit/s", "Up for in s"});
+    Report report("Logical links of PON interface " + pon_name(interface));
+    report.section(
+        "Logical links (LLIDs) of the ONUs that are up",
+        {"ONU", "Distance in m", "Round trip in ns", "Bandwidth in kbit/s", "Up for in s"});
     for (const Onu &onu : state_.of_interface(interface)) {
       if (!onu.up(now)) continue;
       uint32_t length = fibre_length(onu.place());
@@ -132,7 +133,7 @@ class PonInventory final : public Family {
       report.section(std::string(table.title()));
       for (const auto &[place, record] : kept) report.row({to_text(place), table.show(record)});
     }
-    if (!any) report.section("All is as from the factory.");
+    if (!any) report.section("No setting differs from the factory's.");
     return Status::kOk;
   }
 

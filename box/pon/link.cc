@@ -1,4 +1,5 @@
-// Links of the PON: the OLT's global parameters, and what is set for single ONUs or done to them.
+// Global parameters of the PON, settings of single ONUs and of their logical links, and actions on
+// ONUs.
 
 #include <fmt/format.h>
 
@@ -100,7 +101,7 @@ class PonLink final : public OnuFamily {
 
   Status grant(const OnuPart &onu, const Request &request, Reply &reply) {
     auto record = request.record<LinkDba>(sizeof(OntTarget));
-    for (uint32_t &bandwidth : record.granted) bandwidth = std::min(bandwidth, kMostBandwidth);
+    for (uint32_t &bandwidth : record.granted) bandwidth = std::min(bandwidth, kMaxBandwidth);
     state().records.link_dba.set(onu, bytes_of(record));
     reply.record(record);
     return Status::kOk;
@@ -113,7 +114,7 @@ class PonLink final : public OnuFamily {
 
   Status clear(Onu &onu) {
     state().forget(onu.place());
-    admission_.try_anew(onu, hardware_.now());
+    admission_.rejoin(onu, hardware_.now());
     record(onu, "cleared");
     return Status::kOk;
   }

@@ -1,4 +1,4 @@
-// Multicast at the user ports of ONUs, and the groups that they have joined.
+// Multicast at the UNI ports of ONUs, and the groups that these have joined.
 
 #include <fmt/format.h>
 
@@ -16,13 +16,13 @@ namespace {
 
 using std::chrono::seconds;
 
-constexpr size_t kMostVlans = std::size(MulticastVlans().vlans);
-constexpr uint32_t kMostGroups = 4;  ///< that a port joins of its own
+constexpr size_t kMaxVlans = std::size(MulticastVlans().vlans);
+constexpr uint32_t kMaxGroups = 4;  ///< that a port joins
 constexpr seconds kBetweenGroups{5};
 
-/// Which ports watch how much does not change from one run to the next.
+/// How many groups a port joins; the same in every run.
 uint32_t wanted_groups(const OnuPart &port) {
-  return (port.interface + 3 * port.onu + 5 * port.part) % (kMostGroups + 1);
+  return (port.interface + 3 * port.onu + 5 * port.part) % (kMaxGroups + 1);
 }
 
 class PonMulticast final : public OnuFamily {
@@ -58,7 +58,7 @@ class PonMulticast final : public OnuFamily {
  private:
   using Vlans = std::vector<uint16_t>;
 
-  /// A message with VLAN ids behind the target.
+  /// A message with VLAN ids after the target.
   Message vlans_message(uint32_t type, std::string_view name,
                         Status (PonMulticast::*act)(const OnuPart &, const Vlans &)) {
     auto handler = [this, act](const OnuPart &port, const Request &request, Reply &) {
@@ -90,7 +90,7 @@ class PonMulticast final : public OnuFamily {
     IdSet ids;
     for (uint16_t vlan : vlans_of(port)) ids.set(vlan);
     for (uint16_t vlan : added) ids.set(vlan);
-    if (ids.count() > kMostVlans) return Status::kFull;
+    if (ids.count() > kMaxVlans) return Status::kFull;
     keep(port, in_order(ids));
     return Status::kOk;
   }
@@ -130,7 +130,7 @@ class PonMulticast final : public OnuFamily {
     return Status::kOk;
   }
 
-  /// The ports of an ONU join their groups one after the other once it has come up.
+  /// Once the ONU is up, each port joins its groups one by one.
   Status show_groups(const OnuPart &place, Report &report) const {
     const Onu &onu = *state().find(place);
     TimePoint now = hardware_.now();

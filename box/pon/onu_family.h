@@ -1,4 +1,4 @@
-/// A family whose configuration is a handful of records for each ONU.
+/// A family whose configuration consists of records of ONUs.
 #ifndef OLT_BOX_PON_ONU_FAMILY_H
 #define OLT_BOX_PON_ONU_FAMILY_H
 
@@ -11,7 +11,7 @@
 
 namespace olt::box {
 
-/// Saves, restores and describes the tables that it is given; they belong to the state.
+/// Saves, restores and lists the tables given to it; the state owns them.
 class OnuFamily : public Family {
  public:
   using Tables = std::vector<std::reference_wrapper<RecordTable>>;

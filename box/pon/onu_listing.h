@@ -11,16 +11,16 @@
 
 namespace olt::box {
 
-/// Adds its sections to the report, or says why it cannot.
+/// Adds sections to the report; a status other than kOk refuses the request.
 using PartReporter = std::function<Status(const OnuPart &, Report &)>;
 
-/// A message that lists something of what its target names; the name of the listing is at the start
-/// of the reply. Title and name of the part head the listing.
+/// A message that writes a listing about the ONU or part named by its target. The reply begins with
+/// the listing's name; the listing begins with the title and the name of the part.
 Message listing_message(Hardware &hardware, OnuState &state, uint32_t type, std::string_view name,
                         Scope scope, std::string_view kind, std::string_view title,
                         PartReporter fill);
 
-/// A message that lists something of a PON interface.
+/// A message that writes a listing about a PON interface.
 Message interface_listing(Hardware &hardware, OnuState &state, uint32_t type, std::string_view name,
                           std::string_view kind, std::function<Report(uint32_t interface)> report);
 

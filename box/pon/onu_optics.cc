@@ -13,7 +13,7 @@ constexpr double kDownLossPerMetre = 0.000'22;
 constexpr double kUpLossPerMetre = 0.000'35;
 constexpr double kSentByOlt = 4.0;
 
-/// From 0 up to 1, spread over the ONUs; every use has its own number.
+/// A value from 0 to 1 that differs between ONUs; each use of it has its own number.
 double spread(const OnuPart &onu, uint32_t use) {
   uint32_t mixed = (onu.interface * 1024 + onu.onu + use * 65'537) * 2'654'435'761U;
   mixed ^= mixed >> 15;

@@ -1,4 +1,4 @@
-/// Where the simulated ONUs are, and what their optics read.
+/// Distances and optical readings of the simulated ONUs.
 #ifndef OLT_BOX_PON_ONU_OPTICS_H
 #define OLT_BOX_PON_ONU_OPTICS_H
 
@@ -9,7 +9,7 @@
 
 namespace olt::box {
 
-/// Length of the fibre to the ONU in metres; it never changes.
+/// Length of the fibre to the ONU in metres, fixed for each ONU.
 uint32_t fibre_length(const OnuPart &onu);
 
 /// Powers in dBm.
@@ -22,7 +22,7 @@ struct OpticalReadings {
   double bias;  ///< of the laser, in mA
 };
 
-/// They depend on the ONU and, slowly, on the time of day.
+/// Readings differ between ONUs and change slowly over the day.
 OpticalReadings read_optics(const OnuPart &onu, TimePoint now);
 
 }  // namespace olt::box

@@ -14,7 +14,7 @@ namespace olt::box {
 
 namespace {
 
-/// Takes a number from 1 and the separator before it off the text; nothing when there is none.
+/// Removes a separator and a number (1 or more) from the front of the text; nothing if absent.
 std::optional<uint32_t> take_number(std::string_view &text, std::string_view separator) {
   if (!text.starts_with(separator)) return std::nullopt;
   text.remove_prefix(separator.size());

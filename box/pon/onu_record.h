@@ -1,4 +1,4 @@
-/// What is kept for ONUs and their parts: records that setters write and readers give back.
+/// Records of ONUs and their parts, which setters write and readers return.
 #ifndef OLT_BOX_PON_ONU_RECORD_H
 #define OLT_BOX_PON_ONU_RECORD_H
 
@@ -16,8 +16,8 @@
 
 namespace olt::box {
 
-/// An ONU, or one of its parts: a UNI port, a voice line, a WAN connection. All count from 1; part
-/// 0 is the ONU itself.
+/// An ONU, or one of its parts: a UNI port, a voice line or a WAN connection. All are numbered from
+/// 1; part 0 is the ONU itself.
 struct OnuPart {
   uint32_t interface = 0;
   uint32_t onu = 0;
@@ -29,7 +29,7 @@ struct OnuPart {
   }
 };
 
-/// The one slot that holds the PON interfaces.
+/// The slot of all PON interfaces.
 inline constexpr uint32_t kPonSlot = 1;
 
 /// "1/2/3" for an ONU, "1/2/3:4" for a part of it.
@@ -42,17 +42,16 @@ enum class Scope { kOnu, kUniPort, kVoiceLine, kWanConnection };
 /// How listings show a record.
 enum class Shown { kWords, kBytes, kText, kCountedIds };
 
-/// The ids in a record of half-words behind a byte that says how many they are.
+/// The ids in a record that begins with their count, a byte; each id is a half-word.
 std::vector<uint16_t> counted_ids(std::span<const uint8_t> record);
 
-/// One record for each ONU or part, all of one size. A record is zero from the factory; zero
-/// records take no memory.
+/// One record for each ONU or part, all of one size. Records are zero by default; those that are
+/// zero take no memory.
 class RecordTable {
  public:
   using Bytes = std::vector<uint8_t>;
   using Kept = std::map<OnuPart, Bytes>;
 
-  /// For loops.
   struct KeptOfOnu {
     Kept::const_iterator begin() const { return first; }
     Kept::const_iterator end() const { return last; }
@@ -70,17 +69,17 @@ class RecordTable {
   Scope scope() const { return scope_; }
   size_t size() const { return zeros_.size(); }
 
-  /// The factory's record when none was set.
+  /// All zeros if no record was set.
   std::span<const uint8_t> at(const OnuPart &place) const;
   void set(const OnuPart &place, std::span<const uint8_t> record);
   void erase(const OnuPart &place) { records_.erase(place); }
-  /// Makes the record of an ONU and those of its parts as from the factory.
+  /// Deletes the records of an ONU and its parts.
   void forget(const OnuPart &onu);
   void clear() { records_.clear(); }
 
-  /// Those that differ from the factory's, in order.
+  /// The records other than zero, in order.
   const Kept &kept() const { return records_; }
-  /// The same of one ONU and its parts.
+  /// Those of one ONU and its parts.
   KeptOfOnu kept_of(const OnuPart &onu) const;
   std::string show(std::span<const uint8_t> record) const;
 

@@ -36,8 +36,8 @@ void Onu::block(TimePoint now) {
 
 Presence Onu::presence(TimePoint now) const {
   if (!admitted_) return Presence::kBlocked;
-  // A clock that was set back must not keep the ONU away until it has caught up.
-  bool away = from_ > now && from_ - now <= kLongestRestart;
+  // When the clock is set back, the ONU must not stay away until the clock has caught up.
+  bool away = from_ > now && from_ - now <= kMaxRestart;
   return away ? Presence::kAway : Presence::kUp;
 }
 
@@ -108,7 +108,7 @@ bool OnuState::has(Scope scope, const OnuPart &place) const {
   return onu && (whole ? place.part == 0 : place.part >= 1 && place.part <= parts(scope));
 }
 
-std::optional<OnuPart> OnuState::named(const Request &request, Scope scope) const {
+std::optional<OnuPart> OnuState::exact_row(const Request &request, Scope scope) const {
   auto target = request.record<OntTarget>();
   OnuPart place{target.interface, target.onu, 0};
   if (scope != Scope::kOnu) place.part = target.part;
@@ -117,7 +117,7 @@ std::optional<OnuPart> OnuState::named(const Request &request, Scope scope) cons
   return place;
 }
 
-std::optional<OnuPart> OnuState::behind(const Request &request, Scope scope) const {
+std::optional<OnuPart> OnuState::next_row(const Request &request, Scope scope) const {
   auto target = request.record<OntTarget>();
   if (target.slot > kPonSlot || (scope != Scope::kOnu && parts(scope) == 0)) return std::nullopt;
   bool whole = scope == Scope::kOnu;
@@ -153,13 +153,13 @@ Message part_message(OnuState &state, uint32_t type, std::string_view name, Scop
                      Lengths tail, PartHandler act) {
   auto handler = [&state, scope, act = std::move(act)](const Request &request, Reply &reply) {
     if (request.record<OntTarget>().target_kind != kThisRow) return Status::kBadValue;
-    auto place = state.named(request, scope);
+    auto place = state.exact_row(request, scope);
     return place ? act(*place, request, reply) : Status::kNotFound;
   };
   return {kMainModule,
           type,
           name,
-          {sizeof(OntTarget) + tail.least, sizeof(OntTarget) + tail.most},
+          {sizeof(OntTarget) + tail.min, sizeof(OntTarget) + tail.max},
           handler};
 }
 

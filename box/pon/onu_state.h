@@ -1,4 +1,4 @@
-/// What the families of the PON side share: the simulated ONUs, and what is kept for each.
+/// State shared by the PON families: the simulated ONUs and the records kept for them.
 #ifndef OLT_BOX_PON_ONU_STATE_H
 #define OLT_BOX_PON_ONU_STATE_H
 
@@ -19,11 +19,11 @@
 
 namespace olt::box {
 
-inline constexpr uint32_t kMostBandwidth = 1'000'000;  ///< in kbit/s
+inline constexpr uint32_t kMaxBandwidth = 1'000'000;  ///< in kbit/s
 
 inline constexpr uint32_t kWanConnectionsPerOnu = 8;
 
-/// How an ONU stands with the OLT.
+/// Whether the OLT can reach an ONU: up, restarting (away), or not admitted (blocked).
 enum class Presence : uint8_t { kUp, kAway, kBlocked };
 
 /// "1/2".
@@ -31,28 +31,28 @@ std::string pon_name(uint32_t interface);
 
 const char *presence_name(Presence presence);
 
-/// A simulated ONU: what it is, and whether it is up.
+/// A simulated ONU: its identity and its state.
 class Onu {
  public:
   Onu(OnuPart place, TimePoint now) : place_(place), from_(now) {}
 
   const OnuPart &place() const { return place_; }
   Mac mac() const;
-  /// What it identifies itself with, "onu-1-2-3" and "pw-1-2-3".
+  /// Its identification: "onu-1-2-3" and "pw-1-2-3".
   std::string loid() const;
   std::string password() const;
 
   bool admitted() const { return admitted_; }
-  /// Lets it come up at that time, if it is not up or coming up already.
+  /// Admits the ONU, which is up from the given time on. No effect on one already admitted.
   void admit(TimePoint from);
-  /// Takes it down until it is admitted again.
+  /// Blocks the ONU until it is admitted again.
   void block(TimePoint now);
-  /// Takes an admitted one away until then.
+  /// Makes an admitted ONU away until the given time.
   void restart(TimePoint until) { from_ = until; }
 
   bool up(TimePoint now) const { return presence(now) == Presence::kUp; }
   Presence presence(TimePoint now) const;
-  /// Since when it is up or blocked, or when it is to come up again.
+  /// When the ONU came up or was blocked; for one that is away, when it comes up.
   TimePoint from() const { return from_; }
 
  private:
@@ -92,7 +92,8 @@ class OnuRecords {
  public:
   RecordTable &feature = of_onu({"feature", "Basic features", Scope::kOnu, 48});
   RecordTable &description = of_onu({"description", "Descriptions", Scope::kOnu, 48, Shown::kText});
-  RecordTable &link_dba = of_onu({"link_dba", "Link bandwidth", Scope::kOnu, sizeof(LinkDba)});
+  RecordTable &link_dba =
+      of_onu({"link_dba", "Logical link bandwidth", Scope::kOnu, sizeof(LinkDba)});
   RecordTable &user_traffic = of_onu({"user_traffic", "User traffic", Scope::kOnu, 48});
 
   RecordTable &port_alarm = of_service({"port_alarm", "UNI port alarms", Scope::kUniPort, 4});
@@ -143,22 +144,22 @@ struct OnuState {
   Onu *find(const OnuPart &place) { return find(place.interface, place.onu); }
   Onu *find(uint32_t interface, std::span<const uint8_t, sizeof(Mac)> mac);
   bool has_interface(uint32_t slot, uint32_t interface) const;
-  /// The ONUs of one PON interface, which must exist, in order.
+  /// The ONUs of an existing PON interface, in order.
   std::span<Onu> of_interface(uint32_t interface);
 
-  /// How many parts of the kind an ONU has; 0 for Scope::kOnu.
+  /// Number of parts of this kind in each ONU; 0 for Scope::kOnu.
   uint32_t parts(Scope scope) const;
   bool has(Scope scope, const OnuPart &place) const;
-  /// What a target names by its words; nothing when there is no such thing. The part does not
-  /// matter to Scope::kOnu; a voice line that is not named is the first.
-  std::optional<OnuPart> named(const Request &request, Scope scope) const;
-  /// The row behind what a target names, in the order of interface, ONU and part; the first one for
-  /// words that are all 0. Nothing behind the last row.
-  std::optional<OnuPart> behind(const Request &request, Scope scope) const;
+  /// The row that a target names; nothing if it does not exist. Scope::kOnu ignores the part; part
+  /// 0 of a voice line means line 1.
+  std::optional<OnuPart> exact_row(const Request &request, Scope scope) const;
+  /// The first row after the one that a target names, in the order of interface, ONU and part;
+  /// nothing after the last row. Words that are all 0 come before the first row.
+  std::optional<OnuPart> next_row(const Request &request, Scope scope) const;
 
-  /// Makes all that is kept for the ONU as from the factory.
+  /// Deletes all records of the ONU and its parts.
   void forget(const OnuPart &onu);
-  /// Does so with what is kept for its ports and services.
+  /// Deletes the records of its ports and services.
   void forget_services(const OnuPart &onu);
 
   const Topology &topology;
@@ -168,16 +169,16 @@ struct OnuState {
 
 using PartHandler = std::function<Status(const OnuPart &, const Request &, Reply &)>;
 
-/// A message to the main module whose request names an ONU or a part of it by its target record,
-/// with so many bytes behind it. Answers with kNotFound when there is no such thing and with
-/// kBadValue when the target is of a kind other than kThisRow.
+/// A message to the main module whose request is a target, which names an ONU or a part of it, and
+/// a tail of the given lengths. Answers kNotFound if the ONU or part does not exist, and kBadValue
+/// if the target's kind is not kThisRow.
 Message part_message(OnuState &state, uint32_t type, std::string_view name, Scope scope,
                      Lengths tail, PartHandler act);
 
-/// One that keeps what stands behind the target in the table.
+/// A part message that keeps the request's tail in the table.
 Message set_message(OnuState &state, uint32_t type, std::string_view name, RecordTable &table);
 
-/// One that answers with what the table keeps.
+/// A part message that answers with the record from the table.
 Message read_message(OnuState &state, uint32_t type, std::string_view name,
                      const RecordTable &table);
 

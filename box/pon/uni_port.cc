@@ -1,4 +1,4 @@
-// What is set for the user ports of ONUs.
+// Settings of the UNI ports of ONUs.
 
 #include <fmt/format.h>
 
@@ -42,7 +42,7 @@ class PonUniPort final : public OnuFamily {
   }
 
  private:
-  /// A row of one of the port's records.
+  /// Adds a row that shows one of the port's records.
   static void add(Report &report, std::string_view name, const RecordTable &table,
                   const OnuPart &port) {
     std::string shown = table.show(table.at(port));
@@ -64,7 +64,7 @@ class PonUniPort final : public OnuFamily {
     return Status::kOk;
   }
 
-  /// The words of EPON's own settings.
+  /// The usual modes of EPON.
   static std::string vlan_mode_name(uint32_t mode) {
     constexpr std::string_view kNames[] = {"transparent", "tag", "translation", "aggregation",
                                            "trunk"};

@@ -1,4 +1,4 @@
-/// The readers of SNMP tables, one source file for each side.
+/// The row readers of the SNMP tables.
 #ifndef OLT_BOX_SNMP_FAMILIES_H
 #define OLT_BOX_SNMP_FAMILIES_H
 
@@ -12,7 +12,7 @@
 
 namespace olt::box {
 
-/// Whether a request may select rows so.
+/// Whether the word is a RowSelector.
 inline bool is_selector(uint32_t word) {
   return word == kThisRow || word == kNextRow;
 }

@@ -1,5 +1,5 @@
-// The readers of tables about the OLT itself: VLANs, Ethernet ports, authentication of ONUs. Each
-// row is a record that is sent and given back: a selector, the row's index, the row's data.
+// Row readers for the tables of the OLT itself: VLANs, Ethernet ports, authentication of ONUs.
+// Request and reply have the same layout: a selector, the index of the row, its data.
 
 #include <algorithm>
 #include <optional>
@@ -37,7 +37,7 @@ class SnmpOltRows final : public Family {
     auto index = request.record<VlanRow>();
     if (!is_selector(index.selector)) return Status::kBadValue;
     VlanRow row = {.selector = index.selector, .vlan = index.vlan};
-    if (row.selector == kNextRow) row.vlan = behind(row.vlan);
+    if (row.selector == kNextRow) row.vlan = next_vlan(row.vlan);
     if (row.vlan > kLastVlan || !ethernet_.vlans[row.vlan]) return Status::kNotFound;
     auto description = ethernet_.descriptions.find(static_cast<uint16_t>(row.vlan));
     if (description != ethernet_.descriptions.end()) {
@@ -48,8 +48,8 @@ class SnmpOltRows final : public Family {
     return Status::kOk;
   }
 
-  /// The first VLAN behind a number; a number behind the last one when there is none.
-  uint32_t behind(uint32_t vlan) const {
+  /// The first VLAN after the given id; beyond kLastVlan if there is none.
+  uint32_t next_vlan(uint32_t vlan) const {
     if (vlan > kLastVlan) return vlan;
     do ++vlan;
     while (vlan <= kLastVlan && !ethernet_.vlans[vlan]);
@@ -124,8 +124,8 @@ class SnmpOltRows final : public Family {
                       [now, presence](const Onu &onu) { return onu.presence(now) == presence; }));
   }
 
-  /// The number in the slot, from 1 to the last, that the index names or, for the next row, the
-  /// one after it.
+  /// The number, from 1 to last, that the index (slot and number) names; the next one for the next
+  /// row. Nothing if there is no such row.
   static std::optional<uint32_t> in_slot(uint32_t slot, size_t last, uint32_t index_slot,
                                          uint32_t number, bool next) {
     if (next && index_slot < slot) return 1;

@@ -1,5 +1,5 @@
-// The readers of tables about ONUs, their parts and services, and about IPTV profiles. Nothing is
-// kept here: the rows show what the other families keep.
+// Row readers for the tables of ONUs, their parts and services, and IPTV profiles. The rows show
+// the state of the other families.
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::seconds;
 
-/// What stands behind the head of the global information, for each part of the ONU.
+/// Kinds of parts that follow the head of the global information.
 enum class PartKind : uint32_t { kUniPort = 1, kVoiceLine = 2, kWanConnection = 3 };
 
 uint32_t state_word(Presence presence) {
@@ -34,7 +34,7 @@ Row row_of(const OnuPart &place) {
   return {.slot = kPonSlot, .interface = place.interface, .onu = place.onu};
 }
 
-/// What the key names, or the next one behind it.
+/// The entry with the key, or the next one after it.
 template <typename Map>
 auto select(const Map &map, const typename Map::key_type &key, uint32_t selector) {
   return selector == kNextRow ? map.upper_bound(key) : map.find(key);
@@ -76,14 +76,14 @@ class SnmpOnuRows final : public OnuFamily {
  private:
   using Fill = std::function<void(const OnuPart &, const Request &, Reply &)>;
 
-  /// A reader whose row the target selects.
+  /// A reader of the row that the target selects.
   Message selected(uint32_t type, std::string_view message, Scope scope, size_t tail,
                    const Fill &fill) {
     auto read = [this, scope, fill](const Request &request, Reply &reply) {
       uint32_t kind = request.record<OntTarget>().target_kind;
       if (!is_selector(kind)) return Status::kBadValue;
       auto place =
-          kind == kThisRow ? state().named(request, scope) : state().behind(request, scope);
+          kind == kThisRow ? state().exact_row(request, scope) : state().next_row(request, scope);
       if (!place) return Status::kNotFound;
       fill(*place, request, reply);
       return Status::kOk;
@@ -91,7 +91,7 @@ class SnmpOnuRows final : public OnuFamily {
     return {kMainModule, type, message, exactly(sizeof(OntTarget) + tail), read};
   }
 
-  /// One whose reply is a row alone.
+  /// A reader that replies with the row alone.
   Message row(uint32_t type, std::string_view message, Scope scope,
               void (SnmpOnuRows::*fill)(const OnuPart &, Reply &) const, size_t tail = 0) {
     return selected(type, message, scope, tail,
@@ -100,7 +100,7 @@ class SnmpOnuRows final : public OnuFamily {
                     });
   }
 
-  /// One whose reply is the target, which then names the row, the row's record and some zeros.
+  /// A reader that replies with the target, which names the row found, the record and some zeros.
   Message target_row(uint32_t type, std::string_view message, const RecordTable &table,
                      size_t tail = 0, size_t zeros = 0) {
     return selected(
@@ -121,7 +121,7 @@ class SnmpOnuRows final : public OnuFamily {
                     });
   }
 
-  /// The request's target, with the row that was found.
+  /// The request's target, naming the row found.
   OntTarget target_of(const OnuPart &place, const Request &request) const {
     auto target = request.record<OntTarget>();
     target.slot = kPonSlot;

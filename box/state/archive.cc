@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kShownValue = 40;
 /// More than any object has whose members are described one by one.
-constexpr size_t kMostMembers = 256;
+constexpr size_t kMaxMembers = 256;
 /// In milliseconds since 1970.
 constexpr NumberRange kMoments = {0, uint64_t{UINT32_MAX} * 1000};
 constexpr std::string_view kMask = "********";
@@ -294,7 +294,7 @@ void Archive::enter(std::string place, CborReader &reader) {
     CborReader::Value key = reader.next();
     if (key.kind == Kind::kEnd) break;
     if (key.kind != Kind::kText) refuse(scope.place, key, "the name of a member");
-    if (scope.members.size() == kMostMembers) {
+    if (scope.members.size() == kMaxMembers) {
       throw BadInput(fmt::format("{}: has more members than any object of the box", scope.place));
     }
     for (const Member &member : scope.members) {

@@ -36,7 +36,7 @@ void write_all(int fd, std::string_view content, const std::string &name) {
 }
 
 /// Far more than any state takes.
-constexpr size_t kLargestFile = size_t{1} << 30;
+constexpr size_t kMaxFile = size_t{1} << 30;
 
 /// Opens for reading, without waiting for a writer as a FIFO does.
 constexpr int kReading = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -47,14 +47,14 @@ std::string read_all(int fd, const std::string &name) {
   if (fstat(fd, &found) != 0) fail(name);
   if (!S_ISREG(found.st_mode)) throw StorageFailure(name + ": is no regular file; expected one");
   std::string content;
-  content.reserve(std::min(static_cast<size_t>(found.st_size), kLargestFile));
+  content.reserve(std::min(static_cast<size_t>(found.st_size), kMaxFile));
   char part[64 * 1024];
   for (;;) {
     ssize_t count = read(fd, part, sizeof part);
     if (count == 0) return content;
     if (count < 0 && errno != EINTR) fail(name);
     if (count > 0) content.append(part, static_cast<size_t>(count));
-    if (content.size() > kLargestFile) {
+    if (content.size() > kMaxFile) {
       throw StorageFailure(name + ": is too large; expected at most 1 GiB");
     }
   }
@@ -77,8 +77,8 @@ void rename_within(int directory, const std::string &from, const std::string &to
   if (renameat(directory, from.c_str(), directory, to.c_str()) != 0) fail(to);
 }
 
-/// Renames, and has the directory on disk. The old file stays at hand until that is done, so that
-/// it can be put back.
+/// Renames the file and syncs the directory. Keeps a link to the old file until the sync is done,
+/// to restore it on failure.
 void put_durably(int directory, const std::string &from, const std::string &to) {
   const std::string old = ".old";
   unlinkat(directory, old.c_str(), 0);
@@ -122,7 +122,7 @@ std::string read_file(const std::filesystem::path &path) {
 
 void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
                   const Placement &placement) {
-  // One writer a directory: a left-over of a process that was killed is nobody's.
+  // A directory has one writer, so a file found here was left over by a killed process.
   const std::string temporary = ".new";
   unlinkat(directory.get(), temporary.c_str(), 0);
   try {

@@ -1,4 +1,4 @@
-/// Files that are always whole, and the directory that one box at a time may use.
+/// Files that are replaced atomically, and the directory that one box at a time may use.
 #ifndef OLT_BOX_STATE_FILES_H
 #define OLT_BOX_STATE_FILES_H
 
@@ -15,14 +15,13 @@
 
 namespace olt::box {
 
-/// A file could not be read or written; what() is one line with the reason.
+/// A file could not be read or written. what() is one line with the reason.
 class StorageFailure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// Creates the directory, and what is missing above it, for the own user alone, and opens it.
-/// Throws StorageFailure.
+/// Opens the directory; creates it and missing parents, for this user alone. Throws StorageFailure.
 Descriptor open_directory(const std::filesystem::path &path);
 
 /// The whole content. Throws StorageFailure.
@@ -37,18 +36,19 @@ struct Placement {
   Durable durable = Durable::kYes;
 };
 
-/// Replaces or creates the file in one step: whoever looks, whenever the process ends, finds the
-/// old content or the new one, whole. Throws StorageFailure; the old content then stands.
+/// Replaces or creates the file atomically: at any time, also after the process was killed, the
+/// file has either the old or the new content. Throws StorageFailure; the old content is then
+/// intact.
 void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
                   const Placement &placement);
 
 /// A directory of state files, locked while the object exists. Throws StorageFailure.
 class StateDirectory {
  public:
-  /// Waits so long for another box to go away.
+  /// Waits up to patience for another box to end.
   StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience);
 
-  /// The content, or nothing when there is no such file.
+  /// The content; nothing if the file does not exist.
   std::optional<std::string> read(const std::string &name) const;
   void write(const std::string &name, std::string_view content, Durable durable);
   void remove(const std::string &name);

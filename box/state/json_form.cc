@@ -19,7 +19,7 @@ using Kind = CborReader::Kind;
 namespace {
 
 constexpr std::string_view kMask = "\"********\"";
-constexpr size_t kDeepest = 32;
+constexpr size_t kMaxDepth = 32;
 
 class JsonWriter {
  public:
@@ -69,7 +69,7 @@ class JsonWriter {
   template <typename Element>
   void elements(char open, char close, Element element) {
     text_ += open;
-    if (++depth_ > kDeepest) throw BadInput("nests deeper than state does");
+    if (++depth_ > kMaxDepth) throw BadInput("nests deeper than state does");
     bool first = true;
     for (;; first = false) {
       CborReader::Value next = reader_.next();

@@ -1,4 +1,4 @@
-// The MAC addresses of the ports: fixed ones, and those learned from the stations that send.
+// The MAC addresses of the ports: static ones, and those learned from simulated stations.
 
 #include "base/mac.h"
 
@@ -19,7 +19,7 @@ namespace {
 using std::chrono::seconds;
 
 enum PortMacOp : uint16_t { kAdd = 1, kDelete = 2 };
-constexpr size_t kMostStatic = 256;
+constexpr size_t kMaxStatic = 256;
 
 constexpr seconds kAgeing{300};
 
@@ -39,9 +39,9 @@ Mac station_mac(uint32_t port, uint32_t station) {
   return {0x02, 0x10, static_cast<uint8_t>(port), 0, 0, static_cast<uint8_t>(station + 1)};
 }
 
-/// A station first sends some seconds after the link came up, and then again and again; every
-/// fourth one so rarely that its address is forgotten in between.
-/// @return when it sent last; nothing when it has not yet.
+/// A station first sends some seconds after the link has come up, and then periodically; every
+/// fourth one so rarely that its address ages out in between.
+/// @return when it last sent; nothing if it has not sent yet.
 std::optional<TimePoint> last_frame(uint32_t station, TimePoint link_from, TimePoint now) {
   TimePoint first = link_from + seconds(2 + 3 * station);
   if (first > now) return std::nullopt;
@@ -67,7 +67,7 @@ class SwitchMac final : public Family {
   }
 
   void configuration(Archive &archive) override {
-    archive.list("static", statics_, kMostStatic, [&](StaticAddress &fixed) {
+    archive.list("static", statics_, kMaxStatic, [&](StaticAddress &fixed) {
       state_.describe_port(archive, fixed.port);
       archive.number("vlan", fixed.address.vlan, {1, kLastVlan});
       archive.bytes("mac", fixed.address.mac);
@@ -127,7 +127,7 @@ class SwitchMac final : public Family {
     return hardware_.list_behind_header("mac", report.text(), reply);
   }
 
-  /// Fixed and learned addresses, by VLAN and address.
+  /// Static and learned addresses, sorted by VLAN and address.
   std::vector<Row> rows_of(const EthernetPort &port) const {
     std::vector<Row> rows;
     for (const auto &[number, address] : statics_) {
@@ -155,7 +155,7 @@ class SwitchMac final : public Family {
     return ranges_of(membership.tagged | membership.untagged);
   }
 
-  /// Stations spread over the VLANs of their port, from the lowest one on.
+  /// Spreads the stations over the VLANs of their port, beginning with the lowest.
   static uint16_t nth_vlan(const std::vector<IdRange> &vlans, uint32_t n) {
     uint32_t count = 0;
     for (IdRange range : vlans) count += range.last - range.first + 1U;
@@ -194,7 +194,7 @@ class SwitchMac final : public Family {
 
   Status add(uint32_t port, const Address &address) {
     if (find_static(address) != statics_.end()) return Status::kExists;
-    if (statics_.size() >= kMostStatic) return Status::kFull;
+    if (statics_.size() >= kMaxStatic) return Status::kFull;
     statics_.push_back({port, address});
     return Status::kOk;
   }

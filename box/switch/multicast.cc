@@ -1,4 +1,4 @@
-// The IGMP proxy's settings, kept byte for byte, and the multicast VLANs.
+// The settings of the IGMP proxy, and the multicast VLANs.
 
 #include <fmt/format.h>
 

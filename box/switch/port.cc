@@ -1,4 +1,4 @@
-// The Ethernet ports: their settings, their links, and the aggregation of uplinks.
+// The Ethernet ports: settings, links, and uplink aggregation.
 
 #include <fmt/format.h>
 
@@ -49,7 +49,7 @@ class SwitchPort final : public Family {
     state_.describe_ports(archive, [&](EthernetPort &port) {
       for (const PortSetting &setting : kPortSettings) {
         uint32_t value = port.setting(setting.word);
-        archive.number(setting.key, value, {0, setting.most});
+        archive.number(setting.key, value, {0, setting.max});
         port.set(setting.word, value, hardware_.now());
       }
     });
@@ -107,7 +107,7 @@ class SwitchPort final : public Family {
       EthernetPort *port = state_.find(record.slot, record.port);
       if (port == nullptr) return Status::kNotFound;
       bool valid = std::all_of(words.begin(), words.end(), [&record](PortWord word) {
-        return record.*word <= setting_of(word).most;
+        return record.*word <= setting_of(word).max;
       });
       if (!valid) return Status::kBadValue;
       for (PortWord word : words) port->set(word, record.*word, hardware_.now());

@@ -1,5 +1,5 @@
-// RSTP: the settings of the bridge and of its ports, kept byte for byte, and what comes of them.
-// The box has no neighbour that speaks RSTP: it is the root, and its ports go by the timers.
+// RSTP: settings and state of the bridge and its ports. No neighbour speaks RSTP, so the box is the
+// root bridge, and timers alone move its ports from state to state.
 
 #include <fmt/format.h>
 
@@ -39,7 +39,7 @@ constexpr RstpBridge kFactoryBridge = {.version = 2,
                                        .hold_count = 6};
 constexpr RstpPort kFactoryPort = {.priority = 128, .point_to_point = 1};
 
-/// What this family keeps of a port's record: all from its priority on.
+/// The part of a port's record that this family keeps: from the priority on.
 std::span<uint8_t> settings_in(RstpPort &record) {
   return bytes_of(record).subspan(offsetof(RstpPort, priority));
 }
@@ -211,7 +211,7 @@ class SwitchRstp final : public Family {
   SwitchState &state_;
   RstpBridge bridge_ = kFactoryBridge;
   std::vector<RstpPort> ports_;  ///< from the priority on
-  TimePoint bridge_from_;        ///< when RSTP was last switched on or off as a whole
+  TimePoint bridge_from_;        ///< when RSTP was last enabled or disabled on the bridge
 };
 
 }  // namespace

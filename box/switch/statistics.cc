@@ -1,5 +1,5 @@
-// Traffic counters of the ports. Nobody counts: a link that is up carries a steady load, so that
-// the time it was up tells what has gone over it.
+// Traffic counters of the ports. A link that is up carries a constant load, so the counters follow
+// from the time for which it has been up.
 
 #include <fmt/format.h>
 
@@ -27,7 +27,7 @@ Traffic traffic_of(uint64_t octets) {
   return {octets, frames, frames * 8 / 100, frames * 2 / 100};
 }
 
-/// About one per cent of what the link can carry, and a little more with each port.
+/// About one per cent of the link's capacity, slightly more for higher port numbers.
 uint64_t octets_received(const EthernetPort &port, TimePoint now) {
   auto milliseconds = static_cast<uint64_t>(port.counted(now).count());
   uint64_t full_load = milliseconds * port.hardware().speed * 125;

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// From enabling a port to its link.
+/// From enabling a port until its link is up.
 constexpr std::chrono::seconds kNegotiation{2};
 
 /// More milliseconds than any box was up.
@@ -56,7 +56,7 @@ void EthernetPort::restore_factory(TimePoint now) {
   for (const PortSetting &setting : kPortSettings) set(setting.word, setting.factory, now);
 }
 
-/// Links are up as soon as the box is: negotiating takes less than starting.
+/// After a start links are up at once: negotiation takes less time than starting.
 void EthernetPort::reboot(TimePoint now) {
   for (const PortSetting &setting : kPortSettings) settings_.*setting.word = setting.factory;
   link_from_ = rstp_from_ = counted_from_ = now;
@@ -75,7 +75,7 @@ PortRecord EthernetPort::record(TimePoint now) const {
 
 bool EthernetPort::link_up(TimePoint now) const {
   if (setting(&PortRecord::port_enable) == 0 || !hardware_.plugged) return false;
-  // A clock that was set back must not keep the link down until it has caught up.
+  // When the clock is set back, the link must not stay down until the clock has caught up.
   return link_from_ <= now || link_from_ - now > kNegotiation;
 }
 

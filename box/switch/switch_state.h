@@ -1,4 +1,4 @@
-/// What the families of the Ethernet switch share: its ports, its VLANs and who is in them.
+/// State shared by the families of the Ethernet switch: its ports, its VLANs and their members.
 #ifndef OLT_BOX_SWITCH_SWITCH_STATE_H
 #define OLT_BOX_SWITCH_SWITCH_STATE_H
 
@@ -19,7 +19,7 @@
 
 namespace olt::box {
 
-/// The one slot that holds the Ethernet ports.
+/// The slot of all Ethernet ports.
 inline constexpr uint32_t kEthernetSlot = 1;
 
 using PortWord = uint32_t PortRecord::*;
@@ -29,7 +29,7 @@ struct PortSetting {
   PortWord word;
   std::string_view key;
   std::string_view heading;
-  uint32_t most;
+  uint32_t max;
   uint32_t factory;
 };
 
@@ -47,7 +47,7 @@ inline constexpr PortSetting kPortSettings[] = {
     {&PortRecord::max_link, "max_link", "Max links", UINT32_MAX, 0},
 };
 
-/// The setting of a word that can be set.
+/// The setting for a word that can be set.
 const PortSetting &setting_of(PortWord word);
 
 /// A port, its settings and its link.
@@ -69,12 +69,12 @@ class EthernetPort {
 
   bool link_up(TimePoint now) const;
   uint32_t link_speed(TimePoint now) const { return link_up(now) ? hardware_.speed : 0; }
-  /// When the link came up, or is to come up.
+  /// When the link came up, or will come up.
   TimePoint link_from() const { return link_from_; }
-  /// When RSTP was last switched on or off on the port.
+  /// When RSTP was last enabled or disabled on the port.
   TimePoint rstp_from() const { return rstp_from_; }
 
-  /// How long the link was up since the counters were cleared.
+  /// How long the link has been up since the counters were cleared.
   std::chrono::milliseconds counted(TimePoint now) const;
   void clear_counters(TimePoint now);
 
@@ -90,7 +90,7 @@ class EthernetPort {
   std::chrono::milliseconds counted_before_{0};
 };
 
-/// The VLANs that a port is in. None is in both sets.
+/// The VLANs that a port is in. No VLAN is in both sets.
 struct Membership {
   uint32_t trunk_value = 0;
   IdSet tagged;

@@ -15,12 +15,12 @@ namespace {
 enum QueryKind : uint32_t { kByInterface, kByList, kByDescription, kAll };
 
 constexpr size_t kListColumn = 40;
-constexpr size_t kMostInEvent = 80;
+constexpr size_t kMaxShownInEvent = 80;
 
 constexpr uint16_t kFactoryVlan = 1;
 constexpr std::string_view kFactoryDescription = "default";
 
-/// One half of a membership.
+/// The tagged or the untagged VLANs of a membership.
 using Side = IdSet Membership::*;
 
 class SwitchVlan final : public Family {
@@ -156,7 +156,7 @@ class SwitchVlan final : public Family {
     if (!ranges) return Status::kBadValue;
     auto vlans = known_ids(*ranges, state_.vlans);
     if (!vlans) return Status::kNotFound;
-    // Of elements that name the same VLAN the last one counts; only that one is copied.
+    // If several elements name a VLAN, the last one counts; only that one is copied.
     std::array<uint16_t, kLastVlan + 1> element_of = {};
     for (size_t i = 0; i < ranges->size(); ++i) {
       auto [first, last] = (*ranges)[i];
@@ -292,7 +292,7 @@ class SwitchVlan final : public Family {
     return ids_to_cell(ports, fmt::format("{}/", kEthernetSlot));
   }
 
-  /// Ranges of VLANs that have one description, and that.
+  /// Ranges of VLANs with the same description, and the description.
   std::vector<std::pair<IdRange, std::string>> described_ranges() const {
     std::vector<std::pair<IdRange, std::string>> ranges;
     for_each(state_.vlans, [this, &ranges](uint16_t vlan) {
@@ -313,7 +313,7 @@ class SwitchVlan final : public Family {
 
   void record(std::string_view what, const IdSet &vlans) {
     std::string text = ids_to_cell(vlans);
-    if (text.size() > kMostInEvent) text.replace(kMostInEvent, std::string::npos, "...");
+    if (text.size() > kMaxShownInEvent) text = text.substr(0, kMaxShownInEvent) + "...";
     hardware_.events().record(Level::kNotice, kMainModule, fmt::format("VLANs {} {}", text, what));
   }
 

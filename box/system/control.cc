@@ -1,4 +1,4 @@
-// Commands to the box as a whole.
+// Commands for the whole box.
 
 #include "box/system/families.h"
 

@@ -1,4 +1,4 @@
-// Debug switches and values, and what memory the modules use.
+// Debug switches and values, and the memory use of the modules.
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostValues = 256;
+constexpr size_t kMaxValues = 256;
 
 class SystemDebug final : public Family {
  public:
@@ -78,7 +78,7 @@ class SystemDebug final : public Family {
   static void describe(Archive &archive, std::string_view key, Values &values) {
     if (archive.is_reading()) values.clear();
     archive.list(
-        key, kMostValues,
+        key, kMaxValues,
         [&] {
           for (auto &[key_of, value] : values) {
             archive.element([&, number = key_of, &value = value]() mutable {
@@ -102,7 +102,7 @@ class SystemDebug final : public Family {
       reply.record(record);
       return Status::kOk;
     }
-    if (found == values_.end() && values_.size() >= kMostValues) return Status::kFull;
+    if (found == values_.end() && values_.size() >= kMaxValues) return Status::kFull;
     values_[record.selector] = record.debug_value;
     return Status::kOk;
   }

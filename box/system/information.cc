@@ -1,4 +1,4 @@
-// Who the box is, and its two overview listings.
+// The identity of the box, and its two overview listings.
 
 #include <fmt/format.h>
 

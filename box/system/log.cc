@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kAllModules = 0;
 constexpr auto kLastLevel = static_cast<uint32_t>(Level::kDebug);
-/// What a row takes beside the event's text, at most: time, level, module, gaps, line end.
+/// Upper bound for the bytes of a row without the event's text.
 constexpr size_t kRowBytes = 64;
 
 struct LogSettings {
@@ -97,7 +97,7 @@ class SystemLog final : public Family {
     return hardware_.list_at_start("log", report.text(), reply);
   }
 
-  /// What the listing shows of a module, oldest first: as much as the size allows.
+  /// The newest events of a module that fit the size of the log, oldest first.
   std::vector<const Event *> newest(uint32_t module) {
     const auto &events = hardware_.events().events();
     std::vector<const Event *> shown;

@@ -1,4 +1,4 @@
-// Settings that the box keeps as whole records and gives back byte for byte.
+// Settings kept as opaque records and returned unchanged.
 
 #include <algorithm>
 

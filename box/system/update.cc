@@ -10,11 +10,11 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kLongestPiece = size_t{16} * 1024 * 1024;
-constexpr uint32_t kLargestImage = 268'435'456;
+constexpr size_t kMaxPiece = size_t{16} * 1024 * 1024;
+constexpr uint32_t kMaxImage = 268'435'456;
 constexpr uint32_t kUpdateFailed = 0x80000001;
 
-/// An image that arrives in pieces: total length, offset of the piece, then the piece.
+/// A firmware image that arrives in pieces.
 class UpdateStream {
  public:
   UpdateStream(std::string_view key, std::string_view title) : key_(key), title_(title) {}
@@ -22,7 +22,7 @@ class UpdateStream {
   Status take(const Request &request, Reply &reply, EventLog &events) {
     auto [total, offset] = request.record<UpdatePiece>();
     auto length = static_cast<uint32_t>(request.size() - sizeof(UpdatePiece));
-    bool sound = total <= kLargestImage && offset < total && length <= total - offset;
+    bool sound = total <= kMaxImage && offset < total && length <= total - offset;
     if (!sound) return Status::kBadValue;
     if (offset == 0) begin(total, events);
     if (!continues(total, offset)) return fail(events);
@@ -35,7 +35,7 @@ class UpdateStream {
     return Status::kOk;
   }
 
-  /// 0 idle, 1 to 99 per cent received, 100 complete, kUpdateFailed.
+  /// 0 when idle, 1 to 99 per cent while receiving, 100 when complete, or kUpdateFailed.
   uint32_t progress() const {
     if (state_ == State::kIdle) return 0;
     if (state_ == State::kFailed) return kUpdateFailed;
@@ -55,7 +55,7 @@ class UpdateStream {
       archive.number("state", state, {0, static_cast<uint64_t>(State::kFailed)});
       state_ = static_cast<State>(state);
       // An update that has begun has a length to divide by.
-      archive.number("total", total_, {state_ == State::kIdle ? 0U : 1U, kLargestImage});
+      archive.number("total", total_, {state_ == State::kIdle ? 0U : 1U, kMaxImage});
       archive.number("received", received_, {0, total_});
     });
   }
@@ -77,7 +77,7 @@ class UpdateStream {
     record(events, Level::kNotice, "begun");
   }
 
-  /// A piece that has come already is as welcome as the next one: its answer may have been lost.
+  /// Accepts the next piece, or a repeated one: the answer to it may have been lost.
   bool continues(uint32_t total, uint32_t offset) const {
     bool under_way = state_ == State::kReceiving || state_ == State::kComplete;
     return under_way && total == total_ && offset <= received_;
@@ -139,7 +139,7 @@ class SystemUpdate final : public Family {
     return {kMainModule,
             type,
             message,
-            {sizeof(UpdatePiece), kLongestPiece},
+            {sizeof(UpdatePiece), kMaxPiece},
             [this, &stream](const Request &request, Reply &reply) {
               return stream.take(request, reply, hardware_.events());
             }};

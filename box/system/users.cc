@@ -1,4 +1,4 @@
-// User accounts: looked up, added, deleted, modified, and walked in the order of the table.
+// User accounts: look-up, adding, deletion, modification, and walks in the order of the table.
 
 #include <fmt/format.h>
 
@@ -11,8 +11,8 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostUsers = 32;
-constexpr size_t kMostText = sizeof(UserRecord::user_name) - 1;
+constexpr size_t kMaxUsers = 32;
+constexpr size_t kMaxText = sizeof(UserRecord::user_name) - 1;
 constexpr ByteRange kPassword = {offsetof(UserRecord, user_password),
                                  offsetof(UserRecord, level_a)};
 
@@ -45,12 +45,12 @@ class SystemUsers final : public Family {
   }
 
   void configuration(Archive &archive) override {
-    archive.list("users", users_, kMostUsers, [&](User &user) {
-      archive.text("name", user.name, kMostText);
+    archive.list("users", users_, kMaxUsers, [&](User &user) {
+      archive.text("name", user.name, kMaxText);
       if (archive.is_reading() && !is_new_name(user.name)) {
         archive.refuse("name", "a name, each once");
       }
-      archive.secret("password", user.password, kMostText);
+      archive.secret("password", user.password, kMaxText);
       archive.number("level_a", user.level_a);
       archive.number("level_b", user.level_b);
     });
@@ -110,7 +110,7 @@ class SystemUsers final : public Family {
 
   Status add(const User &user) {
     if (find(user.name) != users_.end()) return Status::kExists;
-    if (users_.size() >= kMostUsers) return Status::kFull;
+    if (users_.size() >= kMaxUsers) return Status::kFull;
     users_.push_back(user);
     record(Level::kNotice, user.name, "added");
     return Status::kOk;

@@ -9,8 +9,8 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kReplyLimit = 65'535;
-constexpr size_t kLongestName = 32;
+constexpr size_t kMaxReply = 65'535;
+constexpr size_t kMaxName = 32;
 
 std::string failure(std::string reason) {
   Archive reply;
@@ -36,7 +36,7 @@ std::string Control::answer(std::string_view command) {
     written.flag("ok", ok);
     carry_out(read, written);
     std::string reply = to_json_line(written.take());
-    return reply.size() <= kReplyLimit ? reply : failure("the reply would be too long");
+    return reply.size() <= kMaxReply ? reply : failure("the reply would be too long");
   } catch (const BadInput &error) {
     return failure(error.what());
   }
@@ -44,7 +44,7 @@ std::string Control::answer(std::string_view command) {
 
 void Control::carry_out(Archive &command, Archive &reply) {
   std::string name;
-  command.text("command", name, kLongestName);
+  command.text("command", name, kMaxName);
   if (name == "fault_add") {
     Fault fault;
     command.object("fault", [&] { fault = read_fault(command); });

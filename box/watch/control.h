@@ -1,4 +1,4 @@
-/// The box's own controls: JSON commands about faults and counters.
+/// The commands of the control module: JSON about faults and counters.
 #ifndef OLT_BOX_WATCH_CONTROL_H
 #define OLT_BOX_WATCH_CONTROL_H
 

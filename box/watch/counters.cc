@@ -4,22 +4,22 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMostMessages = 400;
+constexpr size_t kMaxMessages = 400;
 
-void add_to(Tally &sum, const Tally &tally) {
-  sum.exchanges += tally.exchanges;
-  sum.refused += tally.refused;
-  sum.unserved += tally.unserved;
-  sum.bad_lengths += tally.bad_lengths;
-  sum.faults += tally.faults;
+void add_to(MessageCounts &sum, const MessageCounts &counts) {
+  sum.exchanges += counts.exchanges;
+  sum.refused += counts.refused;
+  sum.unserved += counts.unserved;
+  sum.bad_lengths += counts.bad_lengths;
+  sum.faults += counts.faults;
 }
 
-void describe_tally(Archive &archive, Tally &tally) {
-  archive.number("exchanges", tally.exchanges);
-  archive.number("refused", tally.refused);
-  archive.number("unserved", tally.unserved);
-  archive.number("bad_lengths", tally.bad_lengths);
-  archive.number("faults", tally.faults);
+void describe_counts(Archive &archive, MessageCounts &counts) {
+  archive.number("exchanges", counts.exchanges);
+  archive.number("refused", counts.refused);
+  archive.number("unserved", counts.unserved);
+  archive.number("bad_lengths", counts.bad_lengths);
+  archive.number("faults", counts.faults);
 }
 
 void describe_key(Archive &archive, uint32_t &module, uint32_t &type) {
@@ -29,30 +29,30 @@ void describe_key(Archive &archive, uint32_t &module, uint32_t &type) {
 
 }  // namespace
 
-void Counters::add(uint32_t module, uint32_t type, const Tally &tally) {
-  add_to(total_, tally);
+void Counters::add(uint32_t module, uint32_t type, const MessageCounts &counts) {
+  add_to(total_, counts);
   Key key = {module, type};
-  bool room = messages_.size() < kMostMessages || messages_.contains(key);
-  if (tally.unserved == 0 || room) add_to(messages_[key], tally);
+  bool room = messages_.size() < kMaxMessages || messages_.contains(key);
+  if (counts.unserved == 0 || room) add_to(messages_[key], counts);
 }
 
 void Counters::describe(Archive &archive) {
-  describe_tally(archive, total_);
+  describe_counts(archive, total_);
   if (archive.is_reading()) messages_.clear();
   archive.list(
       "messages", SIZE_MAX,
       [&] {
-        for (auto &[key, tally] : messages_) {
-          archive.element([&, key = key, &tally = tally]() mutable {
+        for (auto &[key, counts] : messages_) {
+          archive.element([&, key = key, &counts = counts]() mutable {
             describe_key(archive, key.first, key.second);
-            describe_tally(archive, tally);
+            describe_counts(archive, counts);
           });
         }
       },
       [&] {
         Key key;
         describe_key(archive, key.first, key.second);
-        describe_tally(archive, messages_[key]);
+        describe_counts(archive, messages_[key]);
       });
 }
 

@@ -1,4 +1,4 @@
-/// What the box counts, in all and by message.
+/// Counts exchanges, in all and for each message.
 #ifndef OLT_BOX_WATCH_COUNTERS_H
 #define OLT_BOX_WATCH_COUNTERS_H
 
@@ -10,7 +10,7 @@
 
 namespace olt::box {
 
-struct Tally {
+struct MessageCounts {
   uint64_t exchanges = 0;
   uint64_t refused = 0;  ///< answered with a status other than 0 by the module
   uint64_t unserved = 0;
@@ -20,17 +20,17 @@ struct Tally {
 
 class Counters {
  public:
-  /// Adds to the totals and to the message's own tally. Of unserved messages, those beyond a
-  /// generous number of different ones are counted in the totals only.
-  void add(uint32_t module, uint32_t type, const Tally &tally);
+  /// Adds to the totals and to the counts of the message. A flood of different unserved messages
+  /// is counted in the totals alone.
+  void add(uint32_t module, uint32_t type, const MessageCounts &counts);
 
   void describe(Archive &archive);
 
  private:
   using Key = std::pair<uint32_t, uint32_t>;  ///< module, type
 
-  Tally total_;
-  std::map<Key, Tally> messages_;
+  MessageCounts total_;
+  std::map<Key, MessageCounts> messages_;
 };
 
 }  // namespace olt::box

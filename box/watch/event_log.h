@@ -1,4 +1,4 @@
-/// The newest events of the box, for its log listing.
+/// The latest events of the box, for the log listing.
 #ifndef OLT_BOX_WATCH_EVENT_LOG_H
 #define OLT_BOX_WATCH_EVENT_LOG_H
 
@@ -12,7 +12,7 @@
 
 namespace olt::box {
 
-/// Severities as syslog numbers them: the lower, the more severe.
+/// Severity levels of syslog; 0 is the most severe.
 enum class Level : uint8_t {
   kEmergency,
   kAlert,
@@ -37,7 +37,7 @@ class EventLog {
  public:
   explicit EventLog(const Clock &clock) : clock_(clock) {}
 
-  /// Forgets the oldest event when there are too many.
+  /// Drops the oldest event when the log is full.
   void record(Level level, uint32_t module, std::string_view text);
   /// Oldest first.
   const std::deque<Event> &events() const { return events_; }

@@ -16,9 +16,9 @@ namespace {
 
 using Action = Answer::Action;
 
-constexpr size_t kMostFaults = 256;
-constexpr size_t kLongestAction = 16;
-constexpr uint64_t kLongestDelayMs = 600'000;
+constexpr size_t kMaxFaults = 256;
+constexpr size_t kMaxAction = 16;
+constexpr uint64_t kMaxDelayMs = 600'000;
 constexpr Action kActions[] = {Action::kSend, Action::kWithhold, Action::kDisconnect};
 
 std::optional<Action> action_of(std::string_view name) {
@@ -74,10 +74,10 @@ void describe_order(Archive &archive, Fault &fault) {
   if (module != 0) fault.module = module;
   archive.number("type", fault.type);
   if (archive.has("status")) archive.number("status", fault.status);
-  if (archive.has("delay_ms")) archive.number("delay_ms", fault.delay_ms, {0, kLongestDelayMs});
+  if (archive.has("delay_ms")) archive.number("delay_ms", fault.delay_ms, {0, kMaxDelayMs});
   if (archive.has("action")) {
     std::string action(action_name(fault.action));
-    archive.text("action", action, kLongestAction);
+    archive.text("action", action, kMaxAction);
     auto known = action_of(action);
     if (!known) archive.refuse("action", "status, silence or drop");
     fault.action = *known;
@@ -135,9 +135,9 @@ Fault read_fault(Archive &order) {
 
 uint32_t FaultTable::arm(Fault fault) {
   check_effect(fault);
-  if (faults_.size() >= kMostFaults) {
+  if (faults_.size() >= kMaxFaults) {
     throw BadInput(
-        fmt::format("{} faults are armed already; expected one to be cleared first", kMostFaults));
+        fmt::format("{} faults are armed already; expected one to be cleared first", kMaxFaults));
   }
   fault.id = ++last_id_;
   faults_.push_back(fault);
@@ -154,21 +154,21 @@ size_t FaultTable::clear_all() {
   return count;
 }
 
-const Fault *FaultTable::strike(uint32_t module, uint32_t type) {
-  Fault *striking = nullptr;
+const Fault *FaultTable::apply(uint32_t module, uint32_t type) {
+  Fault *due_fault = nullptr;
   for (Fault &fault : faults_) {
     if (fault.type != type || fault.module.value_or(module) != module) continue;
     ++fault.seen;
     bool due =
         fault.seen >= fault.from && (fault.count == 0 || fault.seen - fault.from < fault.count);
-    if (due && striking == nullptr) striking = &fault;
+    if (due && due_fault == nullptr) due_fault = &fault;
   }
-  if (striking != nullptr) ++striking->applied;
-  return striking;
+  if (due_fault != nullptr) ++due_fault->applied;
+  return due_fault;
 }
 
 void FaultTable::describe_faults(Archive &archive) {
-  archive.list("faults", faults_, kMostFaults, [&](Fault &fault) {
+  archive.list("faults", faults_, kMaxFaults, [&](Fault &fault) {
     archive.number("id", fault.id, {1, last_id_});
     describe_order(archive, fault);
     archive.number("seen", fault.seen);

@@ -1,4 +1,4 @@
-/// Faults that a tester arms: what becomes of some requests instead of an answer.
+/// Faults that a tester arms: requests that are delayed, refused, dropped or left unanswered.
 #ifndef OLT_BOX_WATCH_FAULTS_H
 #define OLT_BOX_WATCH_FAULTS_H
 
@@ -20,8 +20,8 @@ struct Fault {
   uint16_t status = 0;
   uint32_t delay_ms = 0;
   Answer::Action action = Answer::Action::kSend;
-  uint64_t from = 1;   ///< the first matching request that it strikes
-  uint64_t count = 0;  ///< how many it strikes; 0 is all that follow
+  uint64_t from = 1;   ///< number of the first matching request it applies to
+  uint64_t count = 0;  ///< how many requests it applies to; 0 means all that follow
   uint64_t seen = 0;
   uint64_t applied = 0;
 
@@ -44,12 +44,12 @@ class FaultTable {
   /// too many.
   uint32_t arm(Fault fault);
   bool clear(uint32_t id);
-  /// @return how many there were.
+  /// @return the number of faults cleared.
   size_t clear_all();
 
-  /// Counts the request with every fault that matches; the oldest one that is due strikes.
-  /// @return null when none does.
-  const Fault *strike(uint32_t module, uint32_t type);
+  /// Counts the request for every fault that matches it.
+  /// @return the oldest fault that applies to the request; null when none does.
+  const Fault *apply(uint32_t module, uint32_t type);
 
   const std::vector<Fault> &faults() const { return faults_; }
   /// The armed faults, as the member "faults".

@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kShownBytes = 64;
 
-/// " [hex]", the secret bytes as "**" and "..." for what is cut off; nothing for no bytes.
+/// " [hex]" with "**" for secret bytes and "..." for a cut-off end; empty when there are no bytes.
 std::string shown(std::span<const uint8_t> bytes, ByteRange secret) {
   if (bytes.empty()) return "";
   size_t end = std::min(bytes.size(), kShownBytes);

@@ -20,7 +20,7 @@ struct Exchange {
   std::string_view name;  ///< of the message; empty when it is not served
   ByteRange secret;       ///< shown as "**", in request and reply
   std::span<const uint8_t> request;
-  const Fault *fault;  ///< null when none struck
+  const Fault *fault;  ///< the one applied; null when there is none
 };
 
 std::string trace_line(const Exchange &exchange, const Answer &answer);

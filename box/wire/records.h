@@ -1,7 +1,7 @@
-/// The records of requests and replies, as the simulated box understands them. They are written
-/// here from the box's side; the library has its own in oltmgmt.h. Words are little-endian.
+/// The records of requests and replies, as the simulated box understands them: the box's own
+/// definitions, independent of those in oltmgmt.h. Words are little-endian.
 ///
-/// Texts of fixed size are filled with zeros. Those that may fill their field have no zero then.
+/// Texts are padded with zeros. A text that fills its field has no zero, where that is allowed.
 #ifndef OLT_BOX_WIRE_RECORDS_H
 #define OLT_BOX_WIRE_RECORDS_H
 
@@ -185,7 +185,7 @@ OLT_AT(VlanQuery, slot, 4);
 OLT_AT(VlanQuery, port, 8);
 OLT_AT(VlanQuery, description, 16);
 
-/// The head of a list of VLANs that a port is to be in.
+/// The head of a request that adds a port to VLANs.
 struct TrunkHead {
   uint32_t slot;
   uint32_t port;
@@ -320,7 +320,7 @@ OLT_AT(OntTarget, mac, 28);
 OLT_AT(OntTarget, mac_word, 36);
 OLT_AT(OntTarget, user_traffic, 40);
 
-/// A target in which the limit of a UNI port comes back.
+/// A target that returns the group limit of a UNI port.
 struct GroupLimitTarget {
   uint32_t target[3];  ///< slot, interface, ONU
   uint32_t target_kind;
@@ -599,7 +599,7 @@ struct UniStripRow {
 };
 static_assert(sizeof(UniStripRow) == 36);
 
-/// The channel record of the setters, too.
+/// Also the channel record of the setters.
 struct IptvChannelRow {
   uint32_t selector;
   char profile[32];

@@ -116,7 +116,7 @@ TEST(Pon, LoidsAndPasswordsLetOnusIn) {
   Finished list = box.oltctl({"get_onulist_file_byinteface", "1", "3"});
   EXPECT_TRUE(holds(list.output, "\n64 ONUs, 48 up\n")) << list.output;
   list = box.oltctl({"get_blocklist_file_byinteface", "1", "3"});
-  EXPECT_EQ(count(list.output, "refused, wrong password"), 16U) << list.output;
+  EXPECT_EQ(count(list.output, "refused: wrong password"), 16U) << list.output;
 }
 
 TEST(Pon, ABadLineIsNamedAndNothingIsSent) {

@@ -248,11 +248,11 @@ TEST(BlockList, IsListed) {
             "===============================\n"
             "\n"
             "3 ONUs\n"
-            "ONU    MAC address        LOID       Blocked since         If tried now\n"
-            "-----  -----------------  ---------  --------------------  ------------------------\n"
-            "1/2/1  02:20:02:00:01:01  onu-1-2-1  2026-01-31T12:00:30Z  refused, wrong password\n"
-            "1/2/2  02:20:02:00:02:01  onu-1-2-2  2026-01-31T12:00:30Z  refused, not on the list\n"
-            "1/2/3  02:20:02:00:03:01  onu-1-2-3  2026-01-31T12:00:30Z  let in\n");
+            "ONU    MAC address        LOID       Blocked since         If it tried now\n"
+            "-----  -----------------  ---------  --------------------  -----------------------\n"
+            "1/2/1  02:20:02:00:01:01  onu-1-2-1  2026-01-31T12:00:30Z  refused: wrong password\n"
+            "1/2/2  02:20:02:00:02:01  onu-1-2-2  2026-01-31T12:00:30Z  refused: not listed\n"
+            "1/2/3  02:20:02:00:03:01  onu-1-2-3  2026-01-31T12:00:30Z  accepted\n");
 }
 
 TEST(AllowLists, AreListedWithTheMode) {

@@ -81,9 +81,9 @@ TEST(LinkList, ShowsTheLinksOfOnusThatAreUp) {
   box.advance(90s);
   EXPECT_EQ(box.status(kRebootOnu, target(1, 3)), kOk);
   std::string links = box.list_interface(kListLinks, 1);
-  EXPECT_TRUE(holds(links, "Links of PON interface 1/1\n")) << links;
+  EXPECT_TRUE(holds(links, "Logical links of PON interface 1/1\n")) << links;
   EXPECT_TRUE(
-      holds(links, "Link   Distance in m  Round trip in ns  Bandwidth in kbit/s  Up for in s"))
+      holds(links, "ONU    Distance in m  Round trip in ns  Bandwidth in kbit/s  Up for in s"))
       << links;
   EXPECT_FALSE(holds(links, "1/1/3")) << links;
   double length = number_after(links, "\n1/1/2");
@@ -155,7 +155,7 @@ TEST(OnuConfiguration, ShowsEveryRecordThatIsKept) {
             "Running configuration of ONU 1/1/1\n"
             "==================================\n"
             "\n"
-            "All is as from the factory.\n");
+            "No setting differs from the factory's.\n");
   describe(box, 1, 1, "lab");
   describe(box, 1, 2, "other");
   box.status(kSetUniPortDownRate, target_with(target(1, 1, 2), hex("0a000000 14000000 1e000000")));

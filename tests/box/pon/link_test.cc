@@ -194,7 +194,8 @@ TEST(OnuNode, ClearingForgetsEverythingAndTriesAgain) {
   box.status(kSetGroupLimit, target_with(target(1, 3, 1), word(9)));
   box.advance(60s);
   EXPECT_EQ(box.status(kClearOnu, target(1, 2)), kOk);
-  EXPECT_TRUE(holds(box.list_target(kListOnuConfig, target(1, 2)), "All is as from the factory."));
+  EXPECT_TRUE(holds(box.list_target(kListOnuConfig, target(1, 2)),
+                    "No setting differs from the factory's."));
   EXPECT_EQ(box.reply(kGetGroupLimit, target(1, 3, 1)), word(9));
   EXPECT_TRUE(is_up(box, 1, 2));
   EXPECT_TRUE(

@@ -47,7 +47,7 @@ ptrdiff_t count(const RecordTable::KeptOfOnu &kept) {
 std::string walk(const OnuState &state, Scope scope) {
   std::string names;
   Bytes at = words(0, 0, 0, 0);
-  while (auto row = state.behind(Request(at), scope)) {
+  while (auto row = state.next_row(Request(at), scope)) {
     names += to_text(*row) + ' ';
     at = words(1, row->interface, row->onu, row->part);
   }
@@ -69,7 +69,7 @@ TEST(OnuState, WalksContinueFromRowsThatDoNotExist) {
   Topology topology = small();
   OnuState state(topology, kNow);
   auto after = [&state](const Bytes &at, Scope scope) {
-    auto row = state.behind(Request(at), scope);
+    auto row = state.next_row(Request(at), scope);
     return row ? to_text(*row) : "none";
   };
   EXPECT_EQ(after(words(1, 0, 7, 7), Scope::kOnu), "1/1/1");
@@ -84,12 +84,12 @@ TEST(OnuState, VoiceLineZeroIsTheFirst) {
   Topology topology = small();
   OnuState state(topology, kNow);
   Bytes at = words(1, 2, 3, 0);
-  EXPECT_EQ(state.named(Request(at), Scope::kVoiceLine), (OnuPart{2, 3, 1}));
-  EXPECT_EQ(state.named(Request(at), Scope::kUniPort), std::nullopt);
-  EXPECT_EQ(state.named(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
+  EXPECT_EQ(state.exact_row(Request(at), Scope::kVoiceLine), (OnuPart{2, 3, 1}));
+  EXPECT_EQ(state.exact_row(Request(at), Scope::kUniPort), std::nullopt);
+  EXPECT_EQ(state.exact_row(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
   at = words(1, 2, 3, 3);
-  EXPECT_EQ(state.named(Request(at), Scope::kVoiceLine), std::nullopt);
-  EXPECT_EQ(state.named(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
+  EXPECT_EQ(state.exact_row(Request(at), Scope::kVoiceLine), std::nullopt);
+  EXPECT_EQ(state.exact_row(Request(at), Scope::kOnu), (OnuPart{2, 3, 0}));
 }
 
 TEST(OnuState, SettingTheClockBackKeepsNoOnuAway) {
