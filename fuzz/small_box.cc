@@ -82,7 +82,6 @@ const std::vector<MessageRow> &message_rows() {
                            std::chrono::system_clock::now);
     box::SharedState shared(small_topology(), hardware.now());
     std::vector<MessageRow> rows;
-    box::SharedState shared(small_topology(), std::chrono::system_clock::now());
     for (const auto &family : box::make_families(hardware, shared)) {
       for (const box::Message &message : family->messages()) {
         rows.push_back({message.module, message.type, std::string(message.name), message.request});
