@@ -13,7 +13,6 @@ namespace {
 
 using box::OnuPart;
 using box::OnuRecords;
-using box::RecordGroup;
 using box::Scope;
 
 /// Hardware and families in a state directory, without messages.
