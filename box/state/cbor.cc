@@ -83,8 +83,8 @@ CborReader::Value CborReader::next() {
     value.kind = head >> 5 == kBytes ? Kind::kBytes : Kind::kText;
     uint64_t length = argument(head);
     if (length > data_.size() - position_) refuse();
-    value.data = data_.substr(position_, length);
-    position_ += length;
+    value.data = data_.substr(position_, static_cast<size_t>(length));
+    position_ += value.data.size();
   } else if (head != kBreak) {
     refuse();
   }
