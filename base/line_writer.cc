@@ -74,7 +74,8 @@ bool LineWriter::within_rate() {
 }
 
 void LineWriter::add_line(std::string_view line) {
-  if (left_out_ > 0) pending_ += program_ + ": " + counted(static_cast<size_t>(left_out_), "line") + " left out\n";
+  if (left_out_ > 0)
+    pending_ += program_ + ": " + counted(static_cast<size_t>(left_out_), "line") + " left out\n";
   left_out_ = 0;
   if (!line.empty()) pending_.append(line) += '\n';
 }

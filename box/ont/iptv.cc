@@ -59,14 +59,13 @@ class OntIptv final : public OnuFamily {
 
   void configuration(Archive &archive) override {
     describe_profiles(archive);
-    archive.list("user_channels", iptv_.user_channels, kMaxUserChannels,
-                 [&](UserChannel &channel) {
-                   archive.bytes("user", channel.user);
-                   archive.number("a", channel.a);
-                   archive.number("b", channel.b);
-                   archive.number("c", channel.c);
-                   archive.number("d", channel.d);
-                 });
+    archive.list("user_channels", iptv_.user_channels, kMaxUserChannels, [&](UserChannel &channel) {
+      archive.bytes("user", channel.user);
+      archive.number("a", channel.a);
+      archive.number("b", channel.b);
+      archive.number("c", channel.c);
+      archive.number("d", channel.d);
+    });
     archive.object("onus", [&] {
       OnuFamily::configuration(archive);
       for (const auto &[onu, record] : attachments().kept()) {

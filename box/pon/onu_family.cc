@@ -8,7 +8,7 @@ OnuFamily::OnuFamily(std::string_view name, OnuState &state, Tables tables)
 void OnuFamily::configuration(Archive &archive) {
   for (RecordTable &table : tables_) {
     table.describe(archive,
-                    [this](Scope scope, const OnuPart &part) { return state_.has(scope, part); });
+                   [this](Scope scope, const OnuPart &part) { return state_.has(scope, part); });
   }
 }
 
