@@ -15,7 +15,7 @@ std::optional<gid_t> find_group(const std::string &name_or_number);
 
 /// "alice (1001)", or the number alone when it has no name.
 std::string user_name(uid_t user);
-std::string group_name(gid_t group);
+std::string group_name(gid_t number);
 
 }  // namespace olt
 

@@ -349,7 +349,7 @@ TEST(Storage, DirectoriesThatOthersReachAreRefused) {
   box.end();
   const std::string path = box.options.state_dir.string();
   const std::string place = "state directory \"" + path + "\" ";
-  for (mode_t mode : {0770, 0707, 0750}) {
+  for (mode_t mode : {0770U, 0707U, 0750U}) {
     ASSERT_EQ(chmod(path.c_str(), mode), 0);
     EXPECT_TRUE(complaint(box).starts_with(place + "is not empty and has mode ")) << mode;
     struct stat status = {};
