@@ -96,7 +96,8 @@ Bytes entry_by_field(std::string_view text, const Argument &argument) {
     std::string value = word.substr(equals + 1);
     if (field.secret && value == "-") value = read_secret(field.name);
     Bytes bytes = field_bytes(field, value);
-    std::copy(bytes.begin(), bytes.end(), entry.begin() + field.offset);
+    std::copy(bytes.begin(), bytes.end(),
+              entry.begin() + static_cast<std::ptrdiff_t>(field.offset));
   }
   return entry;
 }
