@@ -111,7 +111,7 @@ END
 }
 
 make_sysroot() (
-  echo "target_sysroots.sh: making the sysroot $1, once"
+  echo "target_sysroots.sh: making the sysroot $1, once (uclibc is compiled, which takes some minutes)"
   work=$(mktemp -d "$cache/fetch.XXXXXX")
   trap 'rm -rf "$work"' EXIT
   cd "$work"
@@ -133,5 +133,8 @@ provide() {
 mkdir -p "$cache" "$links"
 # One at a time: several builds may want them at once.
 exec 9>"$cache/lock"
-flock 9
+flock --nonblock 9 || {
+  echo "target_sysroots.sh: waiting for another build that makes sysroots"
+  flock 9
+}
 for name in gnu musl uclibc; do provide "$name"; done
