@@ -313,7 +313,10 @@ class SwitchVlan final : public Family {
 
   void record(std::string_view what, const IdSet &vlans) {
     std::string text = ids_to_cell(vlans);
-    if (text.size() > kMaxShownInEvent) text = text.substr(0, kMaxShownInEvent) + "...";
+    if (text.size() > kMaxShownInEvent) {
+      text.resize(kMaxShownInEvent);
+      text += "...";
+    }
     hardware_.events().record(Level::kNotice, kMainModule, fmt::format("VLANs {} {}", text, what));
   }
 
