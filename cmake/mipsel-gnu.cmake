@@ -14,5 +14,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# The loader is named rather than given by qemu's -L, under which the path "/" would be another folder.
 set(CMAKE_CROSSCOMPILING_EMULATOR
-  qemu-mipsel -L /usr/mipsel-linux-gnu -E LD_LIBRARY_PATH=${library_path})
+  qemu-mipsel /usr/mipsel-linux-gnu/lib/ld.so.1
+  --library-path ${library_path}:/usr/mipsel-linux-gnu/lib)
