@@ -42,6 +42,8 @@ struct Options {
   std::vector<std::string> faults;
   /// Group whose members may also read the listings.
   std::optional<gid_t> listing_group;
+  /// Most bytes that all listings may take together; the oldest are removed.
+  uint32_t listing_limit = 64 << 20;
   /// Called with one line for each part of the state that was left out; may be empty.
   std::function<void(std::string_view)> notice;
   /// Called with one line per exchange; may be empty.

@@ -4,11 +4,13 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include "base/accounts.h"
 #include "base/bad_input.h"
@@ -53,6 +55,15 @@ gid_t group_id(const std::string &name_or_number) {
   throw BadInput("--group " + name_or_number + ": is no group; expected the name or number of one");
 }
 
+/// @return what is wrong with a number of bytes; empty when nothing is.
+std::string check_limit(const std::string &text) {
+  const char *end = text.data() + text.size();
+  uint32_t number = 0;
+  auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && stop == end && number > 0) return "";
+  return fmt::format("'{}' given; expected a number of bytes from 1 to {}", text, UINT32_MAX);
+}
+
 /// Throws CLI::ParseError and BadInput.
 Arguments parse(int argc, char **argv, Console &console) {
   Arguments arguments;
@@ -74,7 +85,10 @@ Arguments parse(int argc, char **argv, Console &console) {
                "Keep what fits of a configuration that was saved with another topology");
   app.add_option("--pending-limit", arguments.pending_limit,
                  "Most bytes that half-received requests may take together; default 64 MiB")
-      ->check(CLI::Range(1U, UINT32_MAX));
+      ->check(check_limit);
+  app.add_option("--listing-limit", arguments.box.listing_limit,
+                 "Most bytes that listings may take together; default 64 MiB")
+      ->check(check_limit);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {

@@ -80,7 +80,8 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
       directory_(open_state(options_, patience)),
       topology_(choose_topology(options_, directory_)),
       state_(topology_, clock_()),
-      hardware_(topology_, directory_, Listings(options_.listing_dir, options_.listing_group),
+      hardware_(topology_, directory_,
+                Listings(options_.listing_dir, options_.listing_group, options_.listing_limit),
                 clock_),
       control_(faults_, counters_) {
   start();

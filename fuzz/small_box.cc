@@ -78,7 +78,8 @@ const box::Topology &small_topology() {
 const std::vector<MessageRow> &message_rows() {
   static const std::vector<MessageRow> instance = [] {
     box::StateDirectory state(folder() / "table", std::chrono::seconds(1));
-    box::Hardware hardware(small_topology(), state, box::Listings(folder() / "table", std::nullopt),
+    box::Hardware hardware(small_topology(), state,
+                           box::Listings(folder() / "table", std::nullopt, 0),
                            std::chrono::system_clock::now);
     box::SharedState shared(small_topology(), hardware.now());
     std::vector<MessageRow> rows;

@@ -153,6 +153,17 @@ TEST(Daemon, WritesListingsIntoTheRunDirectory) {
             0U);
 }
 
+TEST(Daemon, LimitsTheBytesOfListings) {
+  Daemon daemon;
+  daemon.start({"--listing-limit", "2000"});
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(ask(kListBasicInfo).status, kOk);
+  EXPECT_FALSE(std::filesystem::exists(daemon.run_dir() + "/basicinfo-00000002.txt"));
+  EXPECT_TRUE(std::filesystem::exists(daemon.run_dir() + "/basicinfo-00000003.txt"));
+  EXPECT_EQ(daemon.kill(SIGTERM), 0);
+  daemon.start({"--listing-limit", "1"});
+  EXPECT_EQ(ask(kListBasicInfo).status, kNotWritten);
+}
+
 TEST(Daemon, StopsCleanlyAndQuicklyOnSignals) {
   for (int signal : {SIGTERM, SIGINT}) {
     Daemon daemon;
@@ -295,6 +306,16 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
   const std::pair<std::vector<std::string>, std::string> kMistakes[] = {
       {{"--frehs"}, "The following argument was not expected: --frehs"},
       {{"--run-dir"}, "--run-dir: 1 required TEXT missing"},
+      {{"--listing-limit", "0"},
+       "--listing-limit: '0' given; expected a number of bytes from 1 to 4294967295"},
+      {{"--listing-limit", "4294967296"},
+       "--listing-limit: '4294967296' given; expected a number of bytes from 1 to 4294967295"},
+      {{"--listing-limit", "-1"},
+       "--listing-limit: '-1' given; expected a number of bytes from 1 to 4294967295"},
+      {{"--listing-limit", "64M"},
+       "--listing-limit: '64M' given; expected a number of bytes from 1 to 4294967295"},
+      {{"--pending-limit", ""},
+       "--pending-limit: '' given; expected a number of bytes from 1 to 4294967295"},
       {{"--fault", "type=12"},
        "fault \"type=12\": the fault has no effect; expected a status, a delay_ms, or the action "
        "silence or drop"},
@@ -319,7 +340,7 @@ TEST(Daemon, PrintsHelpAndVersion) {
   EXPECT_EQ(daemon.output().find("oltbox 0."), 0U) << daemon.output();
   EXPECT_EQ(daemon.run({"--help"}), 0);
   for (const char *option : {"--run-dir", "--state-dir", "--topology", "--group", "--fault",
-                             "--trace", "--fresh", "--version", "--help"}) {
+                             "--trace", "--fresh", "--listing-limit", "--version", "--help"}) {
     EXPECT_TRUE(holds(daemon.output(), option)) << option;
   }
 }

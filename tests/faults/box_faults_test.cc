@@ -218,8 +218,43 @@ TEST(Faults, OfAListing) {
   };
   faults::run({.scenario = scenario,
                .allocations = false,
-               .calls = {"close", "fchmod", "open", "fdopendir", "openat", "readdir", "renameat",
-                         "stat", "unlinkat", "write"}});
+               .calls = {"close", "fchmod", "open", "fdopendir", "fstatat", "openat", "readdir",
+                         "renameat", "stat", "unlinkat", "write"}});
+}
+
+// The limit holds, whatever cannot be removed.
+TEST(Faults, OfAListingThatNeedsRoom) {
+  TestBox box;
+  box.traced = false;
+  box.options.listing_limit = 5000;
+  std::filesystem::create_directory(box.options.listing_dir);
+  auto scenario = [&](const Plan &plan) {
+    for (const auto &[name, content] : files_in(box.options.listing_dir)) {
+      std::filesystem::remove(box.options.listing_dir / name);
+    }
+    write_file(box.options.listing_dir / "log-00000001.txt", std::string(2500, 'a'));
+    write_file(box.options.listing_dir / "log-00000002.txt", std::string(2500, 'b'));
+    box.restart();
+    uint32_t status = 0;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      status = box.status(kListBasicInfo);
+      reached = injector.reached();
+    }
+    expect_status(plan, status);
+    auto files = without_left_overs(files_in(box.options.listing_dir), plan);
+    EXPECT_EQ(files.contains("basicinfo-00000003.txt"), status == kOk);
+    size_t total = 0;
+    for (const auto &[name, content] : files) total += content.size();
+    EXPECT_LE(total, 5000U);
+    EXPECT_EQ(box.status(kListBasicInfo), kOk);
+    return reached;
+  };
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "open", "fdopendir", "fstatat", "openat", "readdir",
+                         "renameat", "stat", "unlinkat", "write"}});
 }
 
 TEST(Faults, OfAStart) {

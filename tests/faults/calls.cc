@@ -81,6 +81,8 @@ CALL(fchmod, (int fd, mode_t mode) noexcept, (fd, mode))
 CALL(fchown, (int fd, uid_t user, gid_t group) noexcept, (fd, user, group))
 CALL(flock, (int fd, int operation) noexcept, (fd, operation))
 CALL(fstat, (int fd, struct stat *found) noexcept, (fd, found))
+CALL(fstatat, (int directory, const char *path, struct stat *found, int flags) noexcept,
+     (directory, path, found, flags))
 CALL(fsync, (int fd), (fd))
 CALL(getrlimit, (__rlimit_resource_t resource, rlimit *limit) noexcept, (resource, limit))
 CALL(getsockopt, (int fd, int level, int option, void *value, socklen_t *size) noexcept,

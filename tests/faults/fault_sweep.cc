@@ -47,6 +47,7 @@ constexpr FailureMode kFailureModes[] = {
     {"flock", EINTR, kOnce},
     {"flock", ENOLCK, kOnceAndLasting},
     {"fstat", EIO, kOnceAndLasting},
+    {"fstatat", EIO, kOnceAndLasting},
     {"fsync", EIO, kOnceAndLasting},
     {"getrlimit", EINVAL, kOnceAndLasting},
     {"getsockopt", EINVAL, kOnceAndLasting},

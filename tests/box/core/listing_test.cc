@@ -17,6 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char kNoTail[16] = {};
+constexpr uint64_t kAmple = 1'000'000;
 
 std::vector<std::string> names_in(const std::filesystem::path &directory) {
   std::vector<std::string> names;
@@ -176,7 +177,7 @@ TEST(Listing, NumbersContinueAfterExistingFiles) {
         "log-00000099.old", "-00000098.txt", "log-99999999999.txt", "log-0000004x.txt"}) {
     write_file(folder / name, "kept");
   }
-  box::Listings listings(folder.path(), {});
+  box::Listings listings(folder.path(), {}, kAmple);
   EXPECT_EQ(listings.write("log", "one"), "log-00000042.txt");
   EXPECT_EQ(listings.write("basicinfo", "two"), "basicinfo-00000043.txt");
   EXPECT_EQ(read_file(folder / "log-00000042.txt"), "one");
@@ -188,18 +189,93 @@ TEST(Listing, TheNewest1024AreKept) {
   write_file(folder / "log-00000005.txt", "old");
   write_file(folder / "unrelated.txt", "kept");
   {
-    box::Listings listings(folder.path(), {});
+    box::Listings listings(folder.path(), {}, kAmple);
     for (int i = 0; i < 1023; ++i) listings.write("log", "text");
     EXPECT_TRUE(std::filesystem::exists(folder / "log-00000005.txt"));
     listings.write("basicinfo", "text");
     EXPECT_FALSE(std::filesystem::exists(folder / "log-00000005.txt"));
     EXPECT_TRUE(std::filesystem::exists(folder / "log-00000006.txt"));
   }
-  box::Listings listings(folder.path(), {});
+  box::Listings listings(folder.path(), {}, kAmple);
   EXPECT_EQ(listings.write("log", "text"), "log-00001030.txt");
   EXPECT_FALSE(std::filesystem::exists(folder / "log-00000006.txt"));
   EXPECT_EQ(names_in(folder.path()).size(), 1025U);
   EXPECT_EQ(read_file(folder / "unrelated.txt"), "kept");
+}
+
+TEST(Listing, TheOldestMakeRoomForTheBytesOfTheNext) {
+  Folder folder;
+  box::Listings listings(folder.path(), {}, 100);
+  for (size_t length : {40U, 30U, 30U}) listings.write("log", std::string(length, 'x'));
+  EXPECT_EQ(names_in(folder.path()).size(), 3U);
+  listings.write("basicinfo", "y");
+  EXPECT_EQ(
+      names_in(folder.path()),
+      (std::vector<std::string>{"basicinfo-00000004.txt", "log-00000002.txt", "log-00000003.txt"}));
+  listings.write("log", std::string(70, 'z'));
+  EXPECT_EQ(names_in(folder.path()),
+            (std::vector<std::string>{"basicinfo-00000004.txt", "log-00000005.txt"}));
+  EXPECT_EQ(listings.write("log", std::string(100, 'w')), "log-00000006.txt");
+  EXPECT_EQ(names_in(folder.path()), std::vector<std::string>{"log-00000006.txt"});
+}
+
+TEST(Listing, ManyStayWithinTheLimit) {
+  Folder folder;
+  box::Listings listings(folder.path(), {}, 10'000);
+  uintmax_t most = 0;
+  for (size_t i = 0; i < 500; ++i) {
+    listings.write("log", std::string(i * 37 % 1500, 'x'));
+    uintmax_t total = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(folder.path())) {
+      total += entry.file_size();
+    }
+    ASSERT_LE(total, 10'000U) << i;
+    most = std::max(most, total);
+  }
+  EXPECT_GT(most, 9'000U);
+}
+
+TEST(Listing, ThoseOfEarlierBoxesCountAndOtherFilesDoNot) {
+  Folder folder;
+  write_file(folder / "log-00000005.txt", std::string(60, 'a'));
+  write_file(folder / "mac-00000009.txt", std::string(40, 'b'));
+  write_file(folder / "log-3.txt", std::string(500, 'c'));
+  write_file(folder / "notes.txt", std::string(500, 'd'));
+  std::filesystem::create_directory(folder / "log-00000001.txt");
+  std::filesystem::create_symlink(folder / "notes.txt", folder / "log-00000002.txt");
+  box::Listings listings(folder.path(), {}, 100);
+  EXPECT_EQ(listings.write("vlan", "12345678901"), "vlan-00000010.txt");
+  EXPECT_EQ(names_in(folder.path()),
+            (std::vector<std::string>{"log-00000001.txt", "log-00000002.txt", "log-3.txt",
+                                      "mac-00000009.txt", "notes.txt", "vlan-00000010.txt"}));
+  EXPECT_EQ(read_file(folder / "log-3.txt"), std::string(500, 'c'));
+  EXPECT_EQ(read_file(folder / "notes.txt"), std::string(500, 'd'));
+}
+
+TEST(Listing, OneThatIsTooLongIsRefusedAndRemovesNone) {
+  TestBox box;
+  box.options.listing_limit = 700;
+  std::filesystem::create_directory(box.options.listing_dir);
+  write_file(box.options.listing_dir / "log-00000001.txt", std::string(700, 'a'));
+  EXPECT_EQ(box.status(kListBasicInfo), 8U);
+  EXPECT_EQ(names_in(box.options.listing_dir), std::vector<std::string>{"log-00000001.txt"});
+  std::string log = box.listing(box.reply(kLogModule, kListLog, word(0)), 0);
+  EXPECT_TRUE(holds(log, box.options.listing_dir.string() + ": the listing basicinfo has ")) << log;
+  EXPECT_TRUE(holds(log, " bytes; expected at most 700\n")) << log;
+  EXPECT_EQ(names_in(box.options.listing_dir), std::vector<std::string>{"log-00000002.txt"});
+}
+
+TEST(Listing, TheDefaultLimitIs64MiB) {
+  TestBox box;
+  EXPECT_EQ(box.options.listing_limit, 67'108'864U);
+  std::filesystem::create_directory(box.options.listing_dir);
+  for (const char *name : {"log-00000001.txt", "log-00000002.txt"}) {
+    write_file(box.options.listing_dir / name, "");
+    std::filesystem::resize_file(box.options.listing_dir / name, 33'554'432);
+  }
+  box.reply(kListBasicInfo);
+  EXPECT_EQ(names_in(box.options.listing_dir),
+            (std::vector<std::string>{"basicinfo-00000003.txt", "log-00000002.txt"}));
 }
 
 TEST(Listing, AFailedWriteIsReportedInTheStatus) {

@@ -20,7 +20,7 @@ struct Families {
   explicit Families(const Folder &folder)
       : directory(folder / "state", std::chrono::milliseconds(0)),
         state(topology, TimePoint()),
-        hardware(topology, directory, box::Listings(folder / "run", std::nullopt),
+        hardware(topology, directory, box::Listings(folder / "run", std::nullopt, 0),
                  [] { return TimePoint(); }) {
     hardware.start(make_families(hardware, state), box::Misfits::kRefuse);
   }
