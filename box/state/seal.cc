@@ -2,7 +2,6 @@
 
 #include <fmt/core.h>
 
-#include <array>
 #include <cstdint>
 
 #include "base/bad_input.h"
@@ -19,7 +18,9 @@ constexpr size_t kHead = 20;
 constexpr size_t kChecksum = 4;
 
 /// Row n: what a byte does to the checksum n bytes later.
-using Table = std::array<std::array<uint32_t, 256>, 8>;
+struct Table {
+  uint32_t rows[8][256];
+};
 
 constexpr Table make_table() {
   constexpr uint32_t kPolynomial = 0x82F63B78;
@@ -27,12 +28,12 @@ constexpr Table make_table() {
   for (uint32_t byte = 0; byte < 256; ++byte) {
     uint32_t sum = byte;
     for (int bit = 0; bit < 8; ++bit) sum = sum >> 1 ^ ((sum & 1) != 0 ? kPolynomial : 0);
-    table[0][byte] = sum;
+    table.rows[0][byte] = sum;
   }
-  for (size_t row = 1; row < table.size(); ++row) {
+  for (size_t row = 1; row < 8; ++row) {
     for (size_t byte = 0; byte < 256; ++byte) {
-      uint32_t sum = table[row - 1][byte];
-      table[row][byte] = sum >> 8 ^ table[0][sum & 0xFF];
+      uint32_t sum = table.rows[row - 1][byte];
+      table.rows[row][byte] = sum >> 8 ^ table.rows[0][sum & 0xFF];
     }
   }
   return table;
@@ -52,14 +53,16 @@ void append_number(std::string &bytes, uint64_t number, size_t width) {
 
 /// CRC-32C, eight bytes a step.
 uint32_t checksum(std::string_view bytes) {
+  const auto *at = reinterpret_cast<const uint8_t *>(bytes.data());
+  const uint8_t *const end = at + bytes.size();
   uint32_t sum = UINT32_MAX;
-  while (bytes.size() >= 8) {
-    uint64_t eight = number_at(bytes, 0, 8) ^ sum;
-    sum = 0;
-    for (size_t i = 0; i < 8; ++i) sum ^= kTable[7 - i][eight >> (8 * i) & 0xFF];
-    bytes.remove_prefix(8);
+  for (; end - at >= 8; at += 8) {
+    sum ^= at[0] | uint32_t{at[1]} << 8 | uint32_t{at[2]} << 16 | uint32_t{at[3]} << 24;
+    sum = kTable.rows[7][sum & 0xFF] ^ kTable.rows[6][sum >> 8 & 0xFF] ^
+          kTable.rows[5][sum >> 16 & 0xFF] ^ kTable.rows[4][sum >> 24] ^ kTable.rows[3][at[4]] ^
+          kTable.rows[2][at[5]] ^ kTable.rows[1][at[6]] ^ kTable.rows[0][at[7]];
   }
-  for (char byte : bytes) sum = sum >> 8 ^ kTable[0][(sum ^ static_cast<uint8_t>(byte)) & 0xFF];
+  for (; at != end; ++at) sum = sum >> 8 ^ kTable.rows[0][(sum ^ *at) & 0xFF];
   return ~sum;
 }
 

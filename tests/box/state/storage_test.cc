@@ -8,10 +8,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <random>
 #include <thread>
 
+#include "base/bad_input.h"
 #include "box/state/files.h"
+#include "box/state/seal.h"
+#include "tests/box/onu_support.h"
 #include "tests/box/support.h"
 
 namespace olt::test {
@@ -170,19 +174,130 @@ TEST(Storage, DamagedFilesAreReportedAndKept) {
   EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-TEST(Storage, AnyFlippedBitIsReported) {
+/// What is wrong with the content of a state file; empty when nothing is.
+std::string refusal(std::string_view file) {
+  try {
+    box::unseal(file);
+    return "";
+  } catch (const BadInput &error) {
+    return error.what();
+  }
+}
+
+bool is_one_line(const std::string &text) {
+  return !text.empty() && text.find('\n') == std::string::npos;
+}
+
+// Starting a box costs more than reading the file: it is started for one bit of each byte.
+TEST(Storage, EachFlippedBitOfASmallFileIsReported) {
   TestBox box;
+  box.options.topology_file = box.folder.write(
+      "small.json", R"({"olt":{"ethernet_ports":1},"pon":{"interfaces":1,"onus_per_interface":1,)"
+                    R"("uni_ports_per_onu":1,"voice_lines_per_onu":0}})");
   box.status(kSaveConfig);
   box.end();
   std::filesystem::path file = box.options.state_dir / "saved.state";
   const std::string good = read_file(file);
-  // Starting a box costs more than the check: each byte once, with another of its bits each time.
-  for (size_t at = 0; at < good.size(); at += 7) {
+  ASSERT_EQ(refusal(good), "");
+  for (size_t bit = 0; bit < 8 * good.size(); ++bit) {
     std::string damaged = good;
-    damaged[at] = static_cast<char>(damaged[at] ^ 1 << at % 8);
+    damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ 1 << bit % 8);
+    ASSERT_TRUE(is_one_line(refusal(damaged))) << bit;
+    if (bit % 8 != bit / 8 % 8) continue;
     write_file(file, damaged);
-    EXPECT_TRUE(holds(complaint(box), kAdvice)) << at;
+    std::string line = complaint(box);
+    ASSERT_TRUE(is_one_line(line) && holds(line, kAdvice)) << line;
+    ASSERT_EQ(read_file(file), damaged);
   }
+}
+
+/// Damages to files that are long enough.
+class Damager {
+ public:
+  enum Kind { kBits, kBytes, kCut, kDuplicate, kTransposition };
+  static constexpr unsigned kKinds = 5;
+
+  std::string damage(std::string file, Kind kind) {
+    size_t length = 1 + below(kMaxLength);
+    size_t from = below(file.size() - 2 * kMaxLength);
+    switch (kind) {
+      case kBits:
+        for (size_t i = 0; i <= length % 4; ++i) flip(file[below(file.size())]);
+        return file;
+      case kBytes:
+        for (size_t i = from; i < from + length; ++i) file[i] = static_cast<char>(random_());
+        return file;
+      case kCut:
+        return file.erase(length % 2 == 0 ? from : file.size() - length, length);
+      case kDuplicate:
+        return file.insert(below(file.size()), file.substr(from, length));
+      case kTransposition:
+        std::swap_ranges(at(file, from), at(file, from + length), other(file, from, length));
+        return file;
+    }
+    return file;
+  }
+
+ private:
+  static constexpr size_t kMaxLength = 4096;
+
+  size_t below(size_t limit) { return random_() % limit; }
+  void flip(char &byte) { byte = static_cast<char>(byte ^ 1 << below(8)); }
+
+  static std::string::iterator at(std::string &file, size_t offset) {
+    return file.begin() + static_cast<std::ptrdiff_t>(offset);
+  }
+
+  /// A block of the length that begins behind the one at the offset.
+  std::string::iterator other(std::string &file, size_t from, size_t length) {
+    size_t behind = from + length;
+    return at(file, behind + below(file.size() - behind - length + 1));
+  }
+
+  std::mt19937 random_{20'260'131};
+};
+
+/// Gives every UNI port of the box information of its own.
+void fill_uni_ports(TestBox &box) {
+  uint32_t number = 0;
+  for (uint32_t interface = 1; interface <= 16; ++interface) {
+    for (uint32_t onu = 1; onu <= 64; ++onu) {
+      for (uint32_t port = 1; port <= 4; ++port) {
+        Bytes information = scattered(kUniPortInfoSize);
+        put(information, 0, word(++number));
+        ASSERT_EQ(
+            box.status(kSetUniPortInfo, target_with(target(interface, onu, port), information)),
+            kOk);
+      }
+    }
+  }
+}
+
+// A box is started for one in a hundred, with all kinds in turn.
+TEST(Storage, TenThousandDamagesOfALargeFileAreReported) {
+  TestBox box;
+  box.traced = false;
+  fill_uni_ports(box);
+  ASSERT_EQ(box.status(kSaveConfig), kOk);
+  box.end();
+  std::filesystem::path file = box.options.state_dir / "saved.state";
+  const std::string good = read_file(file);
+  ASSERT_GT(good.size(), 200'000U);
+  ASSERT_EQ(refusal(good), "");
+  Damager damager;
+  for (unsigned number = 0; number < 10'000;) {
+    auto kind = static_cast<Damager::Kind>(number % Damager::kKinds);
+    std::string damaged = damager.damage(good, kind);
+    if (damaged == good) continue;
+    ASSERT_TRUE(is_one_line(refusal(damaged))) << number;
+    if (number++ % 101 != 0) continue;
+    write_file(file, damaged);
+    std::string line = complaint(box);
+    ASSERT_TRUE(is_one_line(line) && holds(line, kAdvice)) << line;
+    ASSERT_EQ(read_file(file), damaged);
+  }
+  write_file(file, good);
+  EXPECT_EQ(complaint(box), "accepted");
 }
 
 TEST(Storage, OnlyRegularFilesAreRead) {
