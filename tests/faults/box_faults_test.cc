@@ -1,9 +1,11 @@
 // What the box keeps, under every failure of a call: the old file or the new one, and it goes on.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <map>
 
 #include "tests/box/support.h"
@@ -44,6 +46,16 @@ std::map<std::string, std::string> without_left_overs(std::map<std::string, std:
 
 bool is_one_line(const std::string &text) {
   return !text.empty() && text.find('\n') == std::string::npos;
+}
+
+/// What the step throws, if anything.
+std::string failure_of(const std::function<void()> &step) {
+  try {
+    step();
+    return "";
+  } catch (const std::exception &failure) {
+    return failure.what();
+  }
 }
 
 void expect_status(const Plan &plan, uint32_t status) {
@@ -183,6 +195,7 @@ TEST(Faults, OfTheRunningState) {
 TEST(Faults, OfAListing) {
   TestBox box;
   box.traced = false;
+  box.options.listing_group = getegid();
   std::filesystem::create_directory(box.options.listing_dir);
   write_file(box.options.listing_dir / "basicinfo-00000007.txt", "an earlier one");
   auto scenario = [&](const Plan &plan) {
@@ -218,7 +231,33 @@ TEST(Faults, OfAListing) {
   };
   faults::run({.scenario = scenario,
                .allocations = false,
-               .calls = {"close", "fchmod", "open", "fdopendir", "fstatat", "openat", "readdir",
+               .calls = {"close", "fchmod", "fchown", "open", "fdopendir", "fstatat", "openat",
+                         "readdir", "renameat", "stat", "unlinkat", "write"}});
+}
+
+TEST(Faults, OfAListingWithoutADirectory) {
+  TestBox box;
+  box.traced = false;
+  box.options.listing_dir = box.folder / "new/run";
+  auto scenario = [&](const Plan &plan) {
+    std::filesystem::remove_all(box.folder / "new");
+    box.restart();
+    uint32_t status = 0;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      status = box.status(kListBasicInfo);
+      reached = injector.reached();
+    }
+    expect_status(plan, status);
+    EXPECT_EQ(without_left_overs(files_in(box.options.listing_dir), plan).size(),
+              status == kOk ? 1U : 0U);
+    EXPECT_EQ(box.status(kListBasicInfo), kOk);
+    return reached;
+  };
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "open", "fdopendir", "mkdir", "openat", "readdir",
                          "renameat", "stat", "unlinkat", "write"}});
 }
 
@@ -296,6 +335,162 @@ TEST(Faults, OfAStart) {
                .allocations = false,
                .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat", "read"},
                .lasting = false});
+}
+
+TEST(Faults, OfAStartThatCreatesItsDirectories) {
+  TestBox box;
+  box.traced = false;
+  box.options.state_dir = box.folder / "new/state";
+  auto scenario = [&](const Plan &plan) {
+    std::filesystem::remove_all(box.folder / "new");
+    std::string failure;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      failure = failure_of([&] { box.restart(); });
+      box.end();
+      reached = injector.reached();
+    }
+    EXPECT_TRUE(failure.empty() || (is_one_line(failure) && !is_harmless(plan))) << failure;
+    EXPECT_EQ(box.status(kSaveConfig), kOk);
+    box.end();
+    return reached;
+  };
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat"}});
+}
+
+TEST(Faults, OfAFreshStart) {
+  TestBox box;
+  box.traced = false;
+  box.options.keep_running_state = true;
+  Saves::change(box, 0x11);
+  box.status(kSaveConfig);
+  box.keep();
+  box.end();
+  box.options.fresh = true;
+  auto before = files_in(box.options.state_dir);
+  ASSERT_EQ(before.size(), 2U);
+  auto scenario = [&](const Plan &plan) {
+    for (const auto &[name, content] : before) {
+      write_file(box.options.state_dir / name, content);
+    }
+    std::string failure;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      failure = failure_of([&] { box.restart(); });
+      reached = injector.reached();
+    }
+    EXPECT_TRUE(failure.empty() || (is_one_line(failure) && !is_harmless(plan))) << failure;
+    // What could not be removed is as it was.
+    for (const auto &[name, content] : files_in(box.options.state_dir)) {
+      EXPECT_FALSE(failure.empty());
+      EXPECT_EQ(content, before[name]);
+    }
+    box.restart();
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0));
+    EXPECT_TRUE(files_in(box.options.state_dir).empty());
+    box.end();
+    return reached;
+  };
+  faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat", "unlinkat"}});
+}
+
+TEST(Faults, OfAStartThatAdopts) {
+  TestBox box;
+  box.traced = false;
+  box.options.topology_file = box.folder.write("six.json", R"({"olt":{"ethernet_ports":6}})");
+  Saves::change(box, 0x11);
+  box.status(kSaveConfig);
+  box.end();
+  auto before = files_in(box.options.state_dir);
+  box.options.topology_file = box.folder.write("four.json", R"({"olt":{"ethernet_ports":4}})");
+  box.options.adopt = true;
+  box.restart();
+  box.end();
+  auto after = files_in(box.options.state_dir);
+  ASSERT_NE(before, after);
+  auto scenario = [&](const Plan &plan) {
+    write_file(box.options.state_dir / "saved.state", before["saved.state"]);
+    std::string failure;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      failure = failure_of([&] { box.restart(); });
+      box.end();
+      reached = injector.reached();
+    }
+    EXPECT_TRUE(failure.empty() || (is_one_line(failure) && !is_harmless(plan))) << failure;
+    EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan),
+              failure.empty() ? after : before);
+    box.restart();
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, 0x11));
+    box.end();
+    EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan), after);
+    return reached;
+  };
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "flock", "fstat", "fsync", "linkat", "mkdirat", "open",
+                         "openat", "read", "renameat", "unlinkat", "write"}});
+}
+
+// Start, save, reboot, keep and stop, with a link on the way to the state.
+TEST(Faults, OfABoxFromStartToStop) {
+  TestBox box;
+  box.traced = false;
+  box.options.keep_running_state = true;
+  std::filesystem::create_directory_symlink(".", box.folder / "link");
+  box.options.state_dir = box.folder / "link/state";
+  Saves::change(box, 0x11);
+  box.status(kSaveConfig);
+  box.keep();
+  box.end();
+  auto before = files_in(box.options.state_dir);
+  ASSERT_EQ(before.size(), 2U);
+  auto scenario = [&](const Plan &plan) {
+    for (const auto &[name, content] : before) {
+      write_file(box.options.state_dir / name, content);
+    }
+    uint8_t saved = 0x11;
+    uint8_t running = 0x11;
+    std::string failure;
+    bool reached = false;
+    {
+      FaultInjector injector(plan);
+      failure = failure_of([&] {
+        box.restart();
+        Saves::change(box, 0x22);
+        uint32_t status = box.status(kSaveConfig);
+        expect_status(plan, status);
+        if (status == kOk) saved = 0x22;
+        EXPECT_EQ(box.status(kReboot), kOk);
+        EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, saved));
+        Saves::change(box, 0x33);
+        box.keep();
+        running = 0x33;
+      });
+      box.end();
+      reached = injector.reached();
+    }
+    EXPECT_TRUE(failure.empty() || (is_one_line(failure) && !is_harmless(plan))) << failure;
+    EXPECT_EQ(without_left_overs(files_in(box.options.state_dir), plan).size(), 2U);
+    box.restart();
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, running));
+    EXPECT_EQ(box.status(kReboot), kOk);
+    EXPECT_EQ(box.reply(kGetSnmpParam), Bytes(kSnmpParamSize, saved));
+    box.end();
+    return reached;
+  };
+  faults::run({.scenario = scenario,
+               .allocations = false,
+               .calls = {"close", "fchmod", "flock", "fstat", "fsync", "linkat", "mkdirat", "open",
+                         "openat", "read", "readlinkat", "renameat", "unlinkat", "write"}});
 }
 
 }  // namespace
