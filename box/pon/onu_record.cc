@@ -86,7 +86,8 @@ void RecordTable::set(const OnuPart &place, std::span<const uint8_t> record) {
   if (std::equal(record.begin(), record.end(), zeros_.begin(), zeros_.end())) {
     records_.erase(place);
   } else {
-    records_[place].assign(record.begin(), record.end());
+    // State that is read comes in order.
+    records_.try_emplace(records_.end(), place)->second.assign(record.begin(), record.end());
   }
 }
 

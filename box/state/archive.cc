@@ -55,11 +55,14 @@ std::string shown(const CborReader::Value &value) {
   return text.size() <= kShownValue ? text : text.substr(0, kShownValue) + "...";
 }
 
-/// The bytes that a value stands for: as they are, or in hex from JSON.
-std::optional<Bytes> bytes_in(const CborReader::Value &value) {
-  if (value.kind == Kind::kText) return from_hex(value.data);
-  if (value.kind != Kind::kBytes) return std::nullopt;
-  return Bytes(value.data.begin(), value.data.end());
+/// The bytes that a value stands for: as they are, or those that it has in hex, from JSON, which
+/// the storage then holds.
+std::optional<ByteView> bytes_in(const CborReader::Value &value, Bytes &storage) {
+  if (value.kind == Kind::kBytes) return as_bytes(value.data);
+  auto bytes = value.kind == Kind::kText ? from_hex(value.data) : std::nullopt;
+  if (!bytes) return std::nullopt;
+  storage = std::move(*bytes);
+  return storage;
 }
 
 }  // namespace
@@ -139,7 +142,8 @@ void Archive::fixed(std::string_view key, std::span<uint8_t> field, bool is_secr
   }
   CborReader::Value found = value_of(key).next();
   found.is_secret = is_secret;
-  auto bytes = bytes_in(found);
+  Bytes storage;
+  auto bytes = bytes_in(found, storage);
   if (!bytes || bytes->size() != field.size()) {
     refuse(place_of(key), found, fmt::format("{} bytes in hex", field.size()));
   }
@@ -186,12 +190,10 @@ void Archive::list(std::string_view key, size_t max, const std::function<void()>
   if (head.kind != Kind::kList) refuse(place_of(key), head, "an array");
   std::string place = place_of(key);
   for (size_t i = 0;; ++i) {
+    if (CborReader(reader).next().kind == Kind::kEnd) return;
     CborReader next = reader;
-    if (next.next().kind == Kind::kEnd) return;
-    next = reader;
-    reader.skip();
     size_t depth = in().scopes.size();
-    attempt([&] {
+    bool is_read = attempt([&] {
       if (i >= max) {
         throw BadInput(
             fmt::format("{}/{}: is one too many; expected at most {} elements", place, i, max));
@@ -201,6 +203,11 @@ void Archive::list(std::string_view key, size_t max, const std::function<void()>
       leave();
     });
     in().scopes.resize(depth);
+    if (is_read) {
+      reader = next;
+    } else {
+      reader.skip();
+    }
   }
 }
 
@@ -215,19 +222,20 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
   CborReader::Value map = reader.next();
   if (map.kind != Kind::kMap) refuse(place_of(key), map, "an object");
   std::string place = place_of(key);
+  Bytes storage;
   for (;;) {
     CborReader::Value name = reader.next();
     if (name.kind == Kind::kEnd) return;
     CborReader::Value value = CborReader(reader).next();
     reader.skip();
     attempt([&] {
-      std::string entry_place = place + '/' + escaped(name.data);
-      auto bytes = bytes_in(value);
-      if (!bytes) refuse(entry_place, value, "bytes in hex");
+      auto entry_place = [&] { return place + '/' + escaped(name.data); };
+      auto bytes = bytes_in(value, storage);
+      if (!bytes) refuse(entry_place(), value, "bytes in hex");
       try {
         take(name.data, *bytes);
       } catch (const BadInput &error) {
-        throw BadInput(fmt::format("{}: {}", entry_place, error.what()));
+        throw BadInput(fmt::format("{}: {}", entry_place(), error.what()));
       }
     });
   }
@@ -239,12 +247,14 @@ void Archive::entry(std::string_view name, ByteView value, bool is_secret) {
   out().bytes(value);
 }
 
-void Archive::attempt(const std::function<void()> &read) {
+bool Archive::attempt(const std::function<void()> &read) {
   try {
     read();
+    return true;
   } catch (const BadInput &error) {
     if (!adopts_) throw;
     left_out_.emplace_back(error.what());
+    return false;
   }
 }
 

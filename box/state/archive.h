@@ -143,7 +143,8 @@ class Archive {
   std::string place_of(std::string_view key);
   [[noreturn]] void refuse(const std::string &place, const CborReader::Value &value,
                            std::string_view expected) const;
-  void attempt(const std::function<void()> &read);
+  /// @return false when what was read is left out.
+  bool attempt(const std::function<void()> &read);
 
   std::variant<Writing, Reading> mode_;
   bool adopts_ = false;

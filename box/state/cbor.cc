@@ -49,17 +49,21 @@ void CborWriter::secret() {
   head(kTag, kSecretTag);
 }
 
-uint8_t CborReader::byte() {
+inline uint8_t CborReader::byte() {
   if (position_ == data_.size()) refuse();
   return static_cast<uint8_t>(data_[position_++]);
 }
 
-uint64_t CborReader::argument(uint8_t head) {
+inline uint64_t CborReader::argument(uint8_t head) {
   uint8_t low = head & 0x1F;
   if (low < 24) return low;
   if (low > 27) refuse();
+  size_t count = size_t{1} << (low - 24);
+  if (count > data_.size() - position_) refuse();
   uint64_t value = 0;
-  for (int count = 1 << (low - 24); count > 0; --count) value = value << 8 | byte();
+  for (size_t end = position_ + count; position_ != end; ++position_) {
+    value = value << 8 | static_cast<uint8_t>(data_[position_]);
+  }
   return value;
 }
 
