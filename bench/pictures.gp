@@ -41,12 +41,33 @@ set key top right
 plot points('box', 'walk') using 3:5:4:6 with yerrorlines linestyle 1 title 'walk along a table', \
      points('box', 'listing') using 3:5:4:6 with yerrorlines linestyle 2 title 'listing as files'
 
+set output out.'/state.svg'
+set title 'The simulated box: time for all that it keeps'
+set xlabel 'records'
+set ylabel 'ms'
+set xrange [800:420000]
+set xtics ('1,000' 1000, '10,000' 10000, '100,000' 100000, '327,680' 327680)
+set logscale y
+set yrange [*:*]
+set key top left
+plot points('state', 'oltbox save') using 3:5:4:6 with yerrorlines linestyle 1 title 'save', \
+     points('state', 'oltbox reboot to') using 3:5:4:6 with yerrorlines linestyle 2 title 'reboot', \
+     points('state', 'oltbox start from') using 3:5:4:6 with yerrorlines linestyle 3 title 'start'
+
+set output out.'/memory.svg'
+set title 'The simulated box: most memory while it starts, saves and reboots'
+set ylabel 'MiB'
+set yrange [0:*]
+unset logscale
+set key off
+set xrange [0:340000]
+set xtics ('0' 0, '100,000' 100000, '200,000' 200000, '300,000' 300000)
+plot points('state', 'oltbox peak memory with') using 3:5:4:6 with yerrorlines linestyle 1
+
 set output out.'/exchange.svg'
 set title 'One exchange, 80 bytes out and 256 back, on one CPU'
 set xlabel 'median in microseconds'
-set key off
 unset ylabel
-unset logscale
 unset grid
 set grid xtics linecolor '#dddddd'
 set xrange [0:*]
