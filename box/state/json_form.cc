@@ -9,6 +9,7 @@
 
 #include "base/bad_input.h"
 #include "base/text.h"
+#include "box/state/archive.h"
 #include "box/state/cbor.h"
 
 namespace olt::box {
@@ -18,7 +19,6 @@ using Kind = CborReader::Kind;
 
 namespace {
 
-constexpr std::string_view kMask = "\"********\"";
 constexpr size_t kMaxDepth = 32;
 
 class JsonWriter {
@@ -35,7 +35,7 @@ class JsonWriter {
  private:
   void value(const CborReader::Value &value) {
     if (value.is_secret && secrets_ == Secrets::kMasked) {
-      text_ += kMask;
+      quote(kMask);
       return;
     }
     switch (value.kind) {

@@ -46,7 +46,7 @@ struct Kept {
 void describe(Archive &archive, Kept &kept) {
   archive.list("accounts", kept.accounts, 3, [&](Account &account) {
     archive.text("name", account.name, 4);
-    archive.secret("password", account.password, 8);
+    archive.text("password", account.password, 8);
     archive.number("level", account.level, {1, 15});
   });
   archive.bytes("record", kept.record);
