@@ -28,19 +28,6 @@ constexpr std::string_view kSecretMembers[] = {
     "piece",           // of a configuration on its way
 };
 
-/// A key as a part of a JSON pointer.
-std::string escaped(std::string_view key) {
-  std::string text;
-  for (char c : key) {
-    if (c == '~' || c == '/') {
-      text += c == '~' ? "~0" : "~1";
-    } else {
-      text += c;
-    }
-  }
-  return printable_ascii(text);
-}
-
 std::string shown(const CborReader::Value &value) {
   std::string text;
   switch (value.kind) {
@@ -75,6 +62,12 @@ std::optional<Bytes> bytes_in(const CborReader::Value &value) {
 bool is_secret_member(std::string_view key) {
   return std::find(std::begin(kSecretMembers), std::end(kSecretMembers), key) !=
          std::end(kSecretMembers);
+}
+
+std::string pointer_part(std::string_view key) {
+  std::string text;
+  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+  return printable_ascii(text);
 }
 
 Archive::Archive() : mode_(Writing()) {
@@ -218,7 +211,7 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
     CborReader::Value value = CborReader(reader).next();
     reader.skip();
     attempt([&] {
-      std::string entry_place = place + '/' + escaped(name.data);
+      std::string entry_place = place + '/' + pointer_part(name.data);
       auto bytes = bytes_in(value);
       if (!bytes) refuse(entry_place, value, is_secret_member(key), "bytes in hex");
       try {
@@ -299,7 +292,7 @@ void Archive::enter(std::string place, CborReader &reader) {
     for (const Member &member : scope.members) {
       if (member.key != key.data) continue;
       throw BadInput(
-          fmt::format("{}/{}: is given twice; expected once", scope.place, escaped(key.data)));
+          fmt::format("{}/{}: is given twice; expected once", scope.place, pointer_part(key.data)));
     }
     scope.members.push_back({key.data, reader.position()});
     reader.skip();
@@ -318,7 +311,7 @@ void Archive::leave() {
 }
 
 std::string Archive::place_of(std::string_view key) {
-  return in().scopes.back().place + '/' + escaped(key);
+  return in().scopes.back().place + '/' + pointer_part(key);
 }
 
 void Archive::refuse(const std::string &place, const CborReader::Value &value, bool is_secret,

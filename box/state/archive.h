@@ -28,6 +28,9 @@ struct NumberRange {
 /// marked as secret and do not show in any error line.
 bool is_secret_member(std::string_view key);
 
+/// A key as a part of a JSON pointer.
+std::string pointer_part(std::string_view key);
+
 /// What stands for a secret in JSON that does not show it.
 inline constexpr std::string_view kMask = "********";
 

@@ -100,12 +100,6 @@ class JsonWriter {
   size_t depth_ = 0;
 };
 
-std::string escaped(std::string_view key) {
-  std::string text;
-  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
-  return printable_ascii(text);
-}
-
 /// Takes the parser's events.
 class JsonReader : public nlohmann::json_sax<Json> {
  public:
@@ -181,12 +175,16 @@ class JsonReader : public nlohmann::json_sax<Json> {
   };
 
   bool refuse(std::string_view given, std::string_view wanted) {
-    throw BadInput(fmt::format("{}: is {}; expected {}", place(), given, wanted));
+    bool is_secret = std::any_of(objects_.begin(), objects_.end(), [](const Object &object) {
+      return is_secret_member(object.current);
+    });
+    throw BadInput(fmt::format("{}: is {}; expected {}", place(),
+                               is_secret ? "not as it should be" : given, wanted));
   }
 
   std::string place() const {
     std::string text;
-    for (const Object &object : objects_) text += '/' + escaped(object.current);
+    for (const Object &object : objects_) text += '/' + pointer_part(object.current);
     return text.empty() ? "/" : text;
   }
 

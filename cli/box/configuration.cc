@@ -35,13 +35,6 @@ std::string read_standard_input(std::error_code &error) {
   return text;
 }
 
-/// A key as a part of a JSON pointer.
-std::string escaped(std::string_view key) {
-  std::string text;
-  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
-  return printable(text);
-}
-
 bool is_mask(const json &value) {
   return value.is_string() && value.get_ref<const std::string &>() == box::kMask;
 }
@@ -87,7 +80,7 @@ class Comparison {
       bool is_second = left == first.end() || (right != second.end() && right.key() <= left.key());
       const std::string &key = is_first ? left.key() : right.key();
       bool hides = secret || box::is_secret_member(key);
-      std::string member = place + '/' + escaped(key);
+      std::string member = place + '/' + box::pointer_part(key);
       if (is_first && is_second) {
         compare(*left, *right, member, hides);
       } else {
