@@ -6,6 +6,7 @@
 #include "box/state/json_form.h"
 #include "box/state/seal.h"
 #include "box/state/state_file.h"
+#include "box/state/unmask.h"
 
 namespace olt::box {
 
@@ -80,10 +81,11 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
       directory_(open_state(options_, patience)),
       topology_(choose_topology(options_, directory_)),
       state_(topology_, clock_()),
-      hardware_(topology_, directory_,
-                Listings(options_.listing_dir, options_.listing_group, options_.listing_limit),
-                clock_),
-      control_(faults_, counters_) {
+      hardware_(topology_, directory_, listings(), clock_),
+      control_(faults_, counters_,
+                {.read = [this] { return hardware_.configuration(); },
+                 .take = [this](std::string_view json,
+                                Misfits misfits) { return import_configuration(json, misfits); }}) {
   start();
   add_messages();
   if (!resume()) hardware_.events().record(Level::kNotice, kMainModule, "started");
@@ -97,7 +99,7 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
 void Simulator::add_messages() {
   for (const auto &family : hardware_.families()) {
     for (Message &message : family->messages()) {
-      if (message.secret.end > 0) secrets_[message.type] = message.secret;
+      if (message.secret.any()) secrets_[message.type] = message.secret;
       Key key = {message.module, message.type};
       messages_.emplace(key, std::move(message));
     }
@@ -105,10 +107,38 @@ void Simulator::add_messages() {
 }
 
 void Simulator::start() {
-  auto left_out = hardware_.start(make_families(hardware_, state_), misfits());
+  hardware_.set_families(make_families(hardware_, state_));
+  auto left_out = hardware_.start(misfits());
   if (left_out.empty()) return;
   tell(left_out);
   hardware_.save();
+}
+
+Listings Simulator::listings() const {
+  return {options_.listing_dir, options_.listing_group, options_.listing_limit};
+}
+
+/// A second box takes the configuration first, so that one that is refused changes nothing.
+std::vector<std::string> Simulator::import_configuration(std::string_view json, Misfits misfits) {
+  std::string data = unmask(from_json_text(json), hardware_.configuration());
+  Topology given;
+  Archive archive(data);
+  archive.object("topology", [&] { given.describe(archive); });
+  if (misfits == Misfits::kRefuse && text_of(given) != text_of(topology_)) {
+    throw BadInput(fmt::format(
+        "/topology: is another one than that of the box, {}; expected that one, or --adopt to keep"
+        " what fits",
+        text_of(topology_)));
+  }
+  {
+    SharedState state(topology_, clock_());
+    Hardware second(topology_, directory_, listings(), clock_);
+    second.set_families(make_families(second, state));
+    second.take_configuration(data, misfits);
+  }
+  auto left_out = hardware_.take_configuration(data, misfits);
+  hardware_.events().record(Level::kNotice, kMainModule, "configuration imported");
+  return left_out;
 }
 
 bool Simulator::resume() {
@@ -150,6 +180,7 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
   if (module == kControlModule) {
     exchange.name = "control";
     answer = answer_control(type, request);
+    if (!control_.is_plain()) exchange.secret = {.request = kAllBytes, .reply = kAllBytes};
   } else {
     exchange.fault = faults_.apply(module, type);
     if (exchange.fault == nullptr || !exchange.fault->replaces_handling()) {

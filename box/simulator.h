@@ -40,6 +40,9 @@ class Simulator {
   void describe_running(Archive &archive);
   Misfits misfits() const;
   void tell(const std::vector<std::string> &left_out) const;
+  std::vector<std::string> import_configuration(std::string_view json, Misfits misfits);
+
+  Listings listings() const;
 
   Answer answer_control(uint32_t type, std::span<const uint8_t> request);
   Answer answer_module(uint32_t module, uint32_t type, std::span<const uint8_t> request);
@@ -57,7 +60,7 @@ class Simulator {
   Counters counters_;
   Control control_;
   std::map<Key, Message> messages_;
-  std::map<uint32_t, ByteRange>
+  std::map<uint32_t, SecretBytes>
       secrets_;  ///< by type, for any module: a misdirected request is secret, too
 };
 

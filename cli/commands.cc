@@ -156,6 +156,42 @@ void run_counters(Session &session, Arguments words) {
   session.run_control(counters_request());
 }
 
+// config
+
+void run_config(Session &session, Arguments words) {
+  std::string verb = words.size() > 1 ? words[1] : "";
+  Arguments files = words.subspan(std::min<size_t>(2, words.size()));
+  auto require = [&](size_t least, size_t most, const char *expected) {
+    if (files.size() >= least && files.size() <= most) return;
+    wrong_usage("config {}: {} given; expected {}", verb, counted(files.size(), "file"), expected);
+  };
+  if (verb == "export") {
+    require(0, 1, "at most one");
+    session.run_config_export(files.empty() ? "" : files[0]);
+  } else if (verb == "import") {
+    require(1, 1, "one, or - for standard input");
+    session.run_config_import(files[0]);
+  } else if (verb == "diff") {
+    require(1, 2, "one to compare with the box, or two");
+    session.run_config_diff(files.size() == 2 ? files[0] : "", files.back());
+  } else {
+    wrong_usage("config: '{}' given; expected export, import or diff", printable(verb));
+  }
+}
+
+Words words_of_config(Arguments words) {
+  return words.size() == 1 ? Words{"export", "import", "diff"} : Words{};
+}
+
+std::string details_of_config() {
+  return "  'export' writes the running configuration as JSON, with ******** for secrets unless\n"
+         "  --secrets is given. 'import' replaces the configuration whole or not at all; a masked\n"
+         "  secret stays as it is in the box, and --adopt keeps what fits of another topology's.\n"
+         "  'diff' compares the box with a file, or two files; it exits with status 1 when they\n"
+         "  differ, with 2 when it cannot compare.\n"
+         "  Example: config export site.json\n";
+}
+
 constexpr Command kCommands[] = {
     {"list", "list [WORD]", "Lists the operations, or those about WORD", run_list},
     {"help", "help [OPERATION]", "Says what an operation takes, with an example", run_help,
@@ -166,6 +202,9 @@ constexpr Command kCommands[] = {
      details_of_fault},
     {"walk", "walk [READER]", "Prints all rows of the table of which READER reads one", run_walk,
      words_of_walk, details_of_walk},
+    {"config", "config export [FILE]\nconfig import FILE\nconfig diff [FILE] FILE",
+     "Writes, reads and compares the box's configuration as JSON", run_config, words_of_config,
+     details_of_config},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash",
      "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,

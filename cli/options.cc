@@ -78,6 +78,15 @@ void check(const Options &options) {
         " used; expected --box embedded beside them",
         box.run_dir);
   }
+  bool may_import =
+      options.script ||
+      (!options.words.empty() && (options.words[0] == "config" || options.words[0] == "shell"));
+  if (!box.run_dir.empty() && box.adopt && !may_import) {
+    wrong_usage(
+        "oltctl: --adopt is for the embedded box and for config import, but the box in {} is used;"
+        " expected --box embedded beside it",
+        box.run_dir);
+  }
   if (options.script && !options.words.empty()) {
     wrong_usage("oltctl: both -f {} and an operation are given; expected one of them",
                 *options.script);
@@ -110,9 +119,11 @@ void define_options(CLI::App &app, Given &given) {
       ->type_name("FILE");
   app.add_option("-f,--file", given.script, "Run one command per line; '-' reads standard input")
       ->type_name("FILE");
+  app.add_flag("--adopt", box.adopt,
+               "Embedded box, config import: keep what fits another topology");
   app.add_flag("--json", given.json, "Results as JSON, one object a line");
   app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
-  app.add_flag("--show-secrets", given.options.show_secrets, "Show passwords in results");
+  app.add_flag("--show-secrets,--secrets", given.options.show_secrets, "Show passwords in results");
   app.add_flag("--real-flash", box.real_flash, "Flash operations use this machine's own /dev/mtd0");
 }
 

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/text.h"
+#include "cli/box/configuration.h"
 #include "cli/call/call.h"
 #include "cli/call/exchanges.h"
 #include "cli/call/result_text.h"
@@ -16,6 +17,7 @@
 namespace olt::cli {
 
 using catalog::Operation;
+using nlohmann::ordered_json;
 
 namespace {
 
@@ -76,6 +78,53 @@ void Session::run_walk(const std::string &reader) {
     throw;
   }
   print(formatter_->end_of_rows());
+}
+
+void Session::run_config_export(const std::string &path) {
+  box_.open();
+  std::string text = export_configuration(options_.show_secrets);
+  if (path.empty()) {
+    print(text);
+    return;
+  }
+  mode_t mask = options_.show_secrets ? 0600 : 07777;
+  if (std::error_code error = write_file(path, as_bytes(text), mask)) {
+    fail("config export: cannot write {}: {}", printable(path), error.message());
+  }
+}
+
+void Session::run_config_import(const std::string &path) {
+  std::string text = read_configuration("config import", path);
+  box_.open();
+  ordered_json reply;
+  try {
+    reply = import_configuration(text, options_.box.adopt);
+  } catch (const Error &error) {
+    throw Error(error.status(), fmt::format("{}: {}", printable(path), error.what()));
+  }
+  reply.erase("import");
+  print(formatter_->control("config_import", reply));
+}
+
+void Session::run_config_diff(const std::string &from, const std::string &to) {
+  std::vector<Difference> differences;
+  try {
+    std::string first = from.empty() ? "" : read_configuration("config diff", from);
+    std::string second = read_configuration("config diff", to);
+    if (from.empty()) {
+      box_.open();
+      first = export_configuration(true);
+    }
+    differences = compare_configurations(first, second, options_.show_secrets);
+  } catch (const Error &error) {
+    throw Error(kWrongUsage, error.what());
+  }
+  if (options_.format == Format::kJson) {
+    print(formatter_->control("config_diff", differences_json(differences)));
+  } else {
+    print(differences_text(differences));
+  }
+  if (!differences.empty()) fail("config diff: {}", counted(differences.size(), "difference"));
 }
 
 void Session::run_control(const ControlRequest &request) {

@@ -23,6 +23,12 @@ class Session {
   void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
   void run_walk(const std::string &reader);
   void run_control(const ControlRequest &request);
+  /// Writes the box's configuration to a file; to standard output when the path is empty.
+  void run_config_export(const std::string &path);
+  /// Has the box take the configuration in a file; "-" is standard input.
+  void run_config_import(const std::string &path);
+  /// Prints how the second configuration differs from the first; without a first, from the box's.
+  void run_config_diff(const std::string &from, const std::string &to);
 
   /// Keeps what the embedded box holds.
   void close() { box_.close(); }

@@ -14,9 +14,7 @@ Hardware::Hardware(const Topology &topology, StateDirectory &state, Listings lis
       events_(clock_),
       started_(clock_()) {}
 
-std::vector<std::string> Hardware::start(std::vector<std::unique_ptr<Family>> families,
-                                         Misfits misfits) {
-  families_ = std::move(families);
+std::vector<std::string> Hardware::start(Misfits misfits) {
   saved_ = read_state_file(state_, kSavedFile);
   if (!saved_) return {};
   return take_state(state_, kSavedFile, *saved_, misfits,
@@ -60,10 +58,22 @@ void Hardware::describe_saved(Archive &archive) {
   describe_configuration(archive);
 }
 
-void Hardware::save() {
+std::string Hardware::configuration() {
   Archive archive;
   describe_saved(archive);
-  std::string saved = archive.take();
+  return archive.take();
+}
+
+std::vector<std::string> Hardware::take_configuration(std::string_view data, Misfits misfits) {
+  Archive archive(data);
+  if (misfits == Misfits::kLeaveOut) archive.adopt();
+  describe_saved(archive);
+  archive.finish();
+  return archive.left_out();
+}
+
+void Hardware::save() {
+  std::string saved = configuration();
   state_.write(kSavedFile, seal(saved), Durable::kYes);
   saved_ = std::move(saved);
 }
@@ -75,9 +85,7 @@ void Hardware::restore_factory() {
 void Hardware::reboot() {
   for (const auto &family : families_) family->reboot();
   if (saved_) {
-    Archive archive(*saved_);
-    archive.adopt();
-    describe_saved(archive);
+    take_configuration(*saved_, Misfits::kLeaveOut);
   } else {
     restore_factory();
   }

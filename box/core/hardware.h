@@ -21,9 +21,14 @@ class Hardware {
  public:
   Hardware(const Topology &topology, StateDirectory &state, Listings listings, Clock clock);
 
-  /// Starts these families from the saved configuration; from the factory state when there is none.
+  /// What it consists of; must come first.
+  void set_families(std::vector<std::unique_ptr<Family>> families) {
+    families_ = std::move(families);
+  }
+
+  /// Starts from the saved configuration; from the factory state when there is none.
   /// @return why parts of it were left out. Throws StorageFailure when it is damaged.
-  std::vector<std::string> start(std::vector<std::unique_ptr<Family>> families, Misfits misfits);
+  std::vector<std::string> start(Misfits misfits);
 
   const Topology &topology() const { return topology_; }
   EventLog &events() { return events_; }
@@ -41,6 +46,12 @@ class Hardware {
   void restore_factory();
   /// Returns to the saved configuration.
   void reboot();
+
+  /// The configuration, with the topology that it belongs to, as an archive.
+  std::string configuration();
+  /// Replaces the configuration by that in the archive. @return why parts of it were left out.
+  /// Throws BadInput; the configuration is then neither the old nor the new one.
+  std::vector<std::string> take_configuration(std::string_view data, Misfits misfits);
 
   /// Describes configuration and running state.
   void describe(Archive &archive);

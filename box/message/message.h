@@ -160,6 +160,20 @@ struct ByteRange {
   size_t end = 0;
 };
 
+constexpr ByteRange from_byte(size_t begin) {
+  return {begin, SIZE_MAX};
+}
+
+inline constexpr ByteRange kAllBytes = from_byte(0);
+
+/// What traces hide of an exchange.
+struct SecretBytes {
+  bool any() const { return request.end > 0 || reply.end > 0; }
+
+  ByteRange request;
+  ByteRange reply;
+};
+
 /// One message type at one module.
 struct Message {
   uint32_t module;
@@ -167,7 +181,7 @@ struct Message {
   std::string_view name;  ///< in traces
   Lengths request;
   Handler handler;
-  ByteRange secret = {};  ///< bytes of request and reply that traces hide
+  SecretBytes secret = {};
 };
 
 /// The answer to a request.

@@ -20,9 +20,11 @@ class OntWan final : public OnuFamily {
         hardware_(hardware) {}
 
   std::vector<Message> messages() override {
+    Message change = part_message(state(), 145, "wan-connection", Scope::kOnu,
+                                  exactly(sizeof(WanConnection)), on(this, &OntWan::change));
+    change.secret.request = from_byte(sizeof(OntTarget));
     return {
-        part_message(state(), 145, "wan-connection", Scope::kOnu, exactly(sizeof(WanConnection)),
-                     on(this, &OntWan::change)),
+        change,
         listing_message(hardware_, state(), 146, "wan-connections", Scope::kOnu, "wan",
                         "WAN connections of ONU", on(this, &OntWan::list)),
         part_message(state(), 147, "ont-configuration", Scope::kOnu, exactly(sizeof(uint32_t)),

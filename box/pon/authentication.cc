@@ -181,7 +181,7 @@ class PonAuthentication final : public Family {
       if (!state_.has_interface(head.slot, head.interface)) return Status::kNotFound;
       return act(head.interface, entries);
     };
-    return {kMainModule, type, name, lengths, handler};
+    return {kMainModule, type, name, lengths, handler, {.request = from_byte(kHead)}};
   }
 
   Message list_message(uint32_t type, std::string_view name, AuthMode mode,
@@ -298,15 +298,14 @@ class PonAuthentication final : public Family {
 
   static void describe_entry(Archive &archive, AuthEntry &entry) {
     archive.bytes("mac", entry.mac);
-    describe_text(archive, "loid", entry.loid, &Archive::text);
-    describe_text(archive, "password", entry.password, &Archive::secret);
+    describe_text(archive, "loid", entry.loid);
+    describe_text(archive, "password", entry.password);
   }
 
   template <size_t size>
-  static void describe_text(Archive &archive, std::string_view key, char (&field)[size],
-                            void (Archive::*describe)(std::string_view, std::string &, size_t)) {
+  static void describe_text(Archive &archive, std::string_view key, char (&field)[size]) {
     std::string text = text_of(field);
-    (archive.*describe)(key, text, size);
+    archive.text(key, text, size);
     set_text(field, text);
   }
 

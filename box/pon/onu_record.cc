@@ -102,6 +102,7 @@ void RecordTable::forget(const OnuPart &onu) {
 }
 
 std::string RecordTable::show(std::span<const uint8_t> record) const {
+  if (is_secret()) return "**";
   switch (shown_) {
     case Shown::kWords:
       return words_text(record);

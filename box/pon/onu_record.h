@@ -68,6 +68,7 @@ class RecordTable {
   std::string_view title() const { return title_; }
   Scope scope() const { return scope_; }
   size_t size() const { return zeros_.size(); }
+  bool is_secret() const { return is_secret_member(key_); }
 
   /// All zeros if no record was set.
   std::span<const uint8_t> at(const OnuPart &place) const;
@@ -81,6 +82,7 @@ class RecordTable {
   const Kept &kept() const { return records_; }
   /// Those of one ONU and its parts.
   KeptOfOnu kept_of(const OnuPart &onu) const;
+  /// As listings show it.
   std::string show(std::span<const uint8_t> record) const;
 
   /// A place is valid when the function says so.

@@ -164,20 +164,24 @@ Message part_message(OnuState &state, uint32_t type, std::string_view name, Scop
 }
 
 Message set_message(OnuState &state, uint32_t type, std::string_view name, RecordTable &table) {
-  return part_message(state, type, name, table.scope(), exactly(table.size()),
-                      [&table](const OnuPart &place, const Request &request, Reply &) {
-                        table.set(place, request.bytes(sizeof(OntTarget), table.size()));
-                        return Status::kOk;
-                      });
+  Message message = part_message(state, type, name, table.scope(), exactly(table.size()),
+                                 [&table](const OnuPart &place, const Request &request, Reply &) {
+                                   table.set(place, request.bytes(sizeof(OntTarget), table.size()));
+                                   return Status::kOk;
+                                 });
+  if (table.is_secret()) message.secret.request = from_byte(sizeof(OntTarget));
+  return message;
 }
 
 Message read_message(OnuState &state, uint32_t type, std::string_view name,
                      const RecordTable &table) {
-  return part_message(state, type, name, table.scope(), exactly(0),
-                      [&table](const OnuPart &place, const Request &, Reply &reply) {
-                        reply.bytes(0, table.at(place));
-                        return Status::kOk;
-                      });
+  Message message = part_message(state, type, name, table.scope(), exactly(0),
+                                 [&table](const OnuPart &place, const Request &, Reply &reply) {
+                                   reply.bytes(0, table.at(place));
+                                   return Status::kOk;
+                                 });
+  if (table.is_secret()) message.secret.reply = kAllBytes;
+  return message;
 }
 
 }  // namespace olt::box

@@ -122,14 +122,13 @@ class OnuRecords {
   RecordTable &line_status =
       of_service({"line_status", "Voice line switches", Scope::kVoiceLine, 4});
   RecordTable &user_account =
-      of_service({"user_account", "Voice user accounts", Scope::kVoiceLine, 80, Shown::kBytes});
+      of_service({"user_account", "Voice user accounts", Scope::kVoiceLine, 80});
   RecordTable &fax = of_service({"fax", "Fax modes", Scope::kVoiceLine, 2, Shown::kBytes});
-  RecordTable &sip = of_service({"sip", "SIP settings", Scope::kOnu, 45, Shown::kBytes});
+  RecordTable &sip = of_service({"sip", "SIP settings", Scope::kOnu, 45});
   RecordTable &voice_interface = of_service(
       {"voice_interface", "Interfaces of the voice service", Scope::kOnu, 32, Shown::kText});
-  RecordTable &wan_connection =
-      of_service({"wan_connection", "WAN connections", Scope::kWanConnection, sizeof(WanConnection),
-                  Shown::kBytes});
+  RecordTable &wan_connection = of_service(
+      {"wan_connection", "WAN connections", Scope::kWanConnection, sizeof(WanConnection)});
   RecordTable &configuration_action =
       of_service({"configuration_action", "Configuration actions", Scope::kOnu, 4});
   RecordTable &iptv_profile =

@@ -47,16 +47,20 @@ class SnmpOnuRows final : public OnuFamily {
 
   std::vector<Message> messages() override {
     OnuRecords &records = state().records;
+    Message account = row(90, "row-voice-account", Scope::kVoiceLine, &SnmpOnuRows::voice_account);
+    account.secret.reply = kAllBytes;
+    Message wan = row(93, "row-wan-info", Scope::kOnu, &SnmpOnuRows::wan_info);
+    wan.secret.reply = from_byte(sizeof(WanInfoHead));
     return {
         row(85, "row-onu-info", Scope::kOnu, &SnmpOnuRows::onu_info, sizeof(OnuInfoRow)),
         row(86, "row-link-info", Scope::kOnu, &SnmpOnuRows::link_info, sizeof(LinkInfoRow)),
         row(87, "row-global-info", Scope::kOnu, &SnmpOnuRows::global_info),
         row(88, "row-iad-info", Scope::kOnu, &SnmpOnuRows::iad_info),
         target_row(89, "row-sip-config", records.sip),
-        row(90, "row-voice-account", Scope::kVoiceLine, &SnmpOnuRows::account),
+        account,
         target_row(91, "row-fax-mode", records.fax),
         row(92, "row-voice-line", Scope::kVoiceLine, &SnmpOnuRows::line_status),
-        row(93, "row-wan-info", Scope::kOnu, &SnmpOnuRows::wan_info),
+        wan,
         row(94, "row-voice-binding", Scope::kOnu, &SnmpOnuRows::binding),
         row(95, "row-port-info", Scope::kUniPort, &SnmpOnuRows::port_info),
         target_row(96, "row-port-policing", records.port_policing),
@@ -103,13 +107,15 @@ class SnmpOnuRows final : public OnuFamily {
   /// A reader that replies with the target, which names the row found, the record and some zeros.
   Message target_row(uint32_t type, std::string_view message, const RecordTable &table,
                      size_t tail = 0, size_t zeros = 0) {
-    return selected(
-        type, message, table.scope(), tail,
-        [this, &table, zeros](const OnuPart &place, const Request &request, Reply &reply) {
-          reply.record(target_of(place, request));
-          reply.append(table.at(place));
-          reply.append(std::vector<uint8_t>(zeros));
-        });
+    Message reader =
+        selected(type, message, table.scope(), tail,
+                 [this, &table, zeros](const OnuPart &place, const Request &request, Reply &reply) {
+                   reply.record(target_of(place, request));
+                   reply.append(table.at(place));
+                   reply.append(std::vector<uint8_t>(zeros));
+                 });
+    if (table.is_secret()) reader.secret.reply = from_byte(sizeof(OntTarget));
+    return reader;
   }
 
   Message group_limit_row(uint32_t type, std::string_view message) {
@@ -202,7 +208,7 @@ class SnmpOnuRows final : public OnuFamily {
     reply.record(row);
   }
 
-  void account(const OnuPart &line, Reply &reply) const {
+  void voice_account(const OnuPart &line, Reply &reply) const {
     reply.bytes(0, state().records.user_account.at(line));
   }
 

@@ -18,20 +18,15 @@ constexpr size_t kShownValue = 40;
 constexpr size_t kMaxMembers = 256;
 /// In milliseconds since 1970.
 constexpr NumberRange kMoments = {0, uint64_t{UINT32_MAX} * 1000};
-constexpr std::string_view kMask = "********";
 
-/// A key as a part of a JSON pointer.
-std::string escaped(std::string_view key) {
-  std::string text;
-  for (char c : key) {
-    if (c == '~' || c == '/') {
-      text += c == '~' ? "~0" : "~1";
-    } else {
-      text += c;
-    }
-  }
-  return printable_ascii(text);
-}
+constexpr std::string_view kSecretMembers[] = {
+    "password",        // of users and authentication entries
+    "snmp_param",      // the communities are in it
+    "user_account",    // of voice lines
+    "sip",             // settings of the voice service
+    "wan_connection",  // the user of the connection is in it
+    "piece",           // of a configuration on its way
+};
 
 std::string shown(const CborReader::Value &value) {
   std::string text;
@@ -67,6 +62,17 @@ std::optional<ByteView> bytes_in(const CborReader::Value &value, Bytes &storage)
 
 }  // namespace
 
+bool is_secret_member(std::string_view key) {
+  return std::find(std::begin(kSecretMembers), std::end(kSecretMembers), key) !=
+         std::end(kSecretMembers);
+}
+
+std::string pointer_part(std::string_view key) {
+  std::string text;
+  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+  return printable_ascii(text);
+}
+
 Archive::Archive() : mode_(Writing()) {
   out().begin_map();
 }
@@ -85,7 +91,7 @@ void Archive::wide_number(std::string_view key, uint64_t &value, NumberRange ran
   }
   CborReader::Value found = value_of(key).next();
   if (found.kind != Kind::kNumber || found.number < range.min || found.number > range.max) {
-    refuse(place_of(key), found, fmt::format("an integer from {} to {}", range.min, range.max));
+    refuse(key, fmt::format("an integer from {} to {}", range.min, range.max));
   }
   value = found.number;
 }
@@ -97,55 +103,38 @@ void Archive::flag(std::string_view key, bool &value) {
     return;
   }
   CborReader::Value found = value_of(key).next();
-  if (found.kind != Kind::kFlag) refuse(place_of(key), found, "true or false");
+  if (found.kind != Kind::kFlag) refuse(key, "true or false");
   value = found.number != 0;
 }
 
 void Archive::text(std::string_view key, std::string &value, size_t max) {
-  characters(key, value, max, false);
-}
-
-void Archive::secret(std::string_view key, std::string &value, size_t max) {
-  characters(key, value, max, true);
-}
-
-void Archive::characters(std::string_view key, std::string &value, size_t max, bool is_secret) {
   if (!is_reading()) {
     out().text(key);
-    if (is_secret) out().secret();
+    if (is_secret_member(key)) out().secret();
     out().text(bytes_to_utf8(value));
     return;
   }
   CborReader::Value found = value_of(key).next();
-  found.is_secret = is_secret;
+  // JSON does not mark secrets, so one that is marked may look like the mask.
+  bool is_masked = is_secret_member(key) && !found.is_secret && found.data == kMask;
   auto bytes = found.kind == Kind::kText ? utf8_to_bytes(found.data) : std::nullopt;
-  if (!bytes || bytes->size() > max || (is_secret && *bytes == kMask)) {
-    refuse(place_of(key), found, fmt::format("a text of at most {} bytes", max));
+  if (!bytes || bytes->size() > max || is_masked) {
+    refuse(key, fmt::format("a text of at most {} bytes", max));
   }
   value = std::move(*bytes);
 }
 
 void Archive::bytes(std::string_view key, std::span<uint8_t> field) {
-  fixed(key, field, false);
-}
-
-void Archive::secret_bytes(std::string_view key, std::span<uint8_t> field) {
-  fixed(key, field, true);
-}
-
-void Archive::fixed(std::string_view key, std::span<uint8_t> field, bool is_secret) {
   if (!is_reading()) {
     out().text(key);
-    if (is_secret) out().secret();
+    if (is_secret_member(key)) out().secret();
     out().bytes(field);
     return;
   }
-  CborReader::Value found = value_of(key).next();
-  found.is_secret = is_secret;
   Bytes storage;
-  auto bytes = bytes_in(found, storage);
+  auto bytes = bytes_in(value_of(key).next(), storage);
   if (!bytes || bytes->size() != field.size()) {
-    refuse(place_of(key), found, fmt::format("{} bytes in hex", field.size()));
+    refuse(key, fmt::format("{} bytes in hex", field.size()));
   }
   std::copy(bytes->begin(), bytes->end(), field.begin());
 }
@@ -187,7 +176,7 @@ void Archive::list(std::string_view key, size_t max, const std::function<void()>
   }
   CborReader reader = value_of(key);
   CborReader::Value head = reader.next();
-  if (head.kind != Kind::kList) refuse(place_of(key), head, "an array");
+  if (head.kind != Kind::kList) refuse(key, "an array");
   std::string place = place_of(key);
   for (size_t i = 0;; ++i) {
     if (CborReader(reader).next().kind == Kind::kEnd) return;
@@ -215,12 +204,13 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
                       const TakeEntry &take) {
   if (!is_reading()) {
     out().text(key);
+    std::get<Writing>(mode_).entries_are_secret = is_secret_member(key);
     element(write);
     return;
   }
   CborReader reader = value_of(key);
   CborReader::Value map = reader.next();
-  if (map.kind != Kind::kMap) refuse(place_of(key), map, "an object");
+  if (map.kind != Kind::kMap) refuse(key, "an object");
   std::string place = place_of(key);
   Bytes storage;
   for (;;) {
@@ -229,9 +219,9 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
     CborReader::Value value = CborReader(reader).next();
     reader.skip();
     attempt([&] {
-      auto entry_place = [&] { return place + '/' + escaped(name.data); };
+      auto entry_place = [&] { return place + '/' + pointer_part(name.data); };
       auto bytes = bytes_in(value, storage);
-      if (!bytes) refuse(entry_place(), value, "bytes in hex");
+      if (!bytes) refuse(entry_place(), value, is_secret_member(key), "bytes in hex");
       try {
         take(name.data, *bytes);
       } catch (const BadInput &error) {
@@ -241,9 +231,9 @@ void Archive::entries(std::string_view key, const std::function<void()> &write,
   }
 }
 
-void Archive::entry(std::string_view name, ByteView value, bool is_secret) {
+void Archive::entry(std::string_view name, ByteView value) {
   out().text(name);
-  if (is_secret) out().secret();
+  if (std::get<Writing>(mode_).entries_are_secret) out().secret();
   out().bytes(value);
 }
 
@@ -298,19 +288,21 @@ CborReader Archive::value_of(std::string_view key) {
 
 void Archive::enter(std::string place, CborReader &reader) {
   CborReader::Value map = reader.next();
-  if (map.kind != Kind::kMap) refuse(place, map, "an object");
+  if (map.kind != Kind::kMap) refuse(place, map, map.is_secret, "an object");
   Scope scope{std::move(place), {}, {}};
   for (;;) {
     CborReader::Value key = reader.next();
     if (key.kind == Kind::kEnd) break;
-    if (key.kind != Kind::kText) refuse(scope.place, key, "the name of a member");
+    if (key.kind != Kind::kText) {
+      throw BadInput(fmt::format("{}: has a member without a name", scope.place));
+    }
     if (scope.members.size() == kMaxMembers) {
       throw BadInput(fmt::format("{}: has more members than any object of the box", scope.place));
     }
     for (const Member &member : scope.members) {
       if (member.key != key.data) continue;
       throw BadInput(
-          fmt::format("{}/{}: is given twice; expected once", scope.place, escaped(key.data)));
+          fmt::format("{}/{}: is given twice; expected once", scope.place, pointer_part(key.data)));
     }
     scope.members.push_back({key.data, reader.position()});
     reader.skip();
@@ -329,12 +321,12 @@ void Archive::leave() {
 }
 
 std::string Archive::place_of(std::string_view key) {
-  return in().scopes.back().place + '/' + escaped(key);
+  return in().scopes.back().place + '/' + pointer_part(key);
 }
 
-void Archive::refuse(const std::string &place, const CborReader::Value &value,
-                     std::string_view expected) const {
-  std::string given = !value.is_secret      ? shown(value)
+void Archive::refuse(const std::string &place, const CborReader::Value &value, bool is_secret,
+                     std::string_view expected) {
+  std::string given = !is_secret            ? shown(value)
                       : value.data == kMask ? "masked"
                                             : "not as it should be";
   throw BadInput(
@@ -342,7 +334,7 @@ void Archive::refuse(const std::string &place, const CborReader::Value &value,
 }
 
 void Archive::refuse(std::string_view key, std::string_view expected) {
-  refuse(place_of(key), value_of(key).next(), expected);
+  refuse(place_of(key), value_of(key).next(), is_secret_member(key), expected);
 }
 
 }  // namespace olt::box

@@ -24,6 +24,16 @@ struct NumberRange {
   uint64_t max;
 };
 
+/// Whether the members of that name hold secrets, themselves or in their entries. Their values are
+/// marked as secret and do not show in any error line.
+bool is_secret_member(std::string_view key);
+
+/// A key as a part of a JSON pointer.
+std::string pointer_part(std::string_view key);
+
+/// What stands for a secret in JSON that does not show it.
+inline constexpr std::string_view kMask = "********";
+
 /// Describes an object member by member. Writing takes the values; reading checks them and replaces
 /// them, in any order of the members. Reading throws BadInput, "PLACE: is VALUE; expected WHAT",
 /// where PLACE is a JSON pointer; it shows no part of a secret. Keys must outlive the archive.
@@ -48,10 +58,8 @@ class Archive {
   void flag(std::string_view key, bool &value);
   /// A text of any bytes, at most so many.
   void text(std::string_view key, std::string &value, size_t max);
-  void secret(std::string_view key, std::string &value, size_t max);
   /// As many bytes as the field has.
   void bytes(std::string_view key, std::span<uint8_t> field);
-  void secret_bytes(std::string_view key, std::span<uint8_t> field);
   /// To the millisecond.
   void moment(std::string_view key, TimePoint &value);
 
@@ -88,7 +96,7 @@ class Archive {
   /// write, which calls entry for each; reading calls take for each.
   using TakeEntry = std::function<void(std::string_view name, ByteView value)>;
   void entries(std::string_view key, const std::function<void()> &write, const TakeEntry &take);
-  void entry(std::string_view name, ByteView value, bool is_secret = false);
+  void entry(std::string_view name, ByteView value);
 
   /// Reading: whether the member is there; the values of one that is not stay as they are.
   bool has(std::string_view key);
@@ -127,22 +135,21 @@ class Archive {
   };
   struct Writing {
     CborWriter out;
+    bool entries_are_secret = false;
   };
 
   Reading &in() { return std::get<Reading>(mode_); }
   CborWriter &out() { return std::get<Writing>(mode_).out; }
 
   void wide_number(std::string_view key, uint64_t &value, NumberRange range);
-  void characters(std::string_view key, std::string &value, size_t max, bool is_secret);
-  void fixed(std::string_view key, std::span<uint8_t> field, bool is_secret);
 
   Member *find(std::string_view key);
   CborReader value_of(std::string_view key);
   void enter(std::string place, CborReader &reader);
   void leave();
   std::string place_of(std::string_view key);
-  [[noreturn]] void refuse(const std::string &place, const CborReader::Value &value,
-                           std::string_view expected) const;
+  [[noreturn]] static void refuse(const std::string &place, const CborReader::Value &value,
+                                  bool is_secret, std::string_view expected);
   /// @return false when what was read is left out.
   bool attempt(const std::function<void()> &read);
 

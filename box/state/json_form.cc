@@ -9,6 +9,7 @@
 
 #include "base/bad_input.h"
 #include "base/text.h"
+#include "box/state/archive.h"
 #include "box/state/cbor.h"
 
 namespace olt::box {
@@ -18,7 +19,6 @@ using Kind = CborReader::Kind;
 
 namespace {
 
-constexpr std::string_view kMask = "\"********\"";
 constexpr size_t kMaxDepth = 32;
 
 class JsonWriter {
@@ -35,7 +35,7 @@ class JsonWriter {
  private:
   void value(const CborReader::Value &value) {
     if (value.is_secret && secrets_ == Secrets::kMasked) {
-      text_ += kMask;
+      quote(kMask);
       return;
     }
     switch (value.kind) {
@@ -99,12 +99,6 @@ class JsonWriter {
   std::string text_;
   size_t depth_ = 0;
 };
-
-std::string escaped(std::string_view key) {
-  std::string text;
-  for (char c : key) text += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
-  return printable_ascii(text);
-}
 
 /// Takes the parser's events.
 class JsonReader : public nlohmann::json_sax<Json> {
@@ -181,12 +175,16 @@ class JsonReader : public nlohmann::json_sax<Json> {
   };
 
   bool refuse(std::string_view given, std::string_view wanted) {
-    throw BadInput(fmt::format("{}: is {}; expected {}", place(), given, wanted));
+    bool is_secret = std::any_of(objects_.begin(), objects_.end(), [](const Object &object) {
+      return is_secret_member(object.current);
+    });
+    throw BadInput(fmt::format("{}: is {}; expected {}", place(),
+                               is_secret ? "not as it should be" : given, wanted));
   }
 
   std::string place() const {
     std::string text;
-    for (const Object &object : objects_) text += '/' + escaped(object.current);
+    for (const Object &object : objects_) text += '/' + pointer_part(object.current);
     return text.empty() ? "/" : text;
   }
 

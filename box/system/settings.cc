@@ -12,6 +12,9 @@ struct Record {
   Record(std::string_view record_key, std::string_view record_title, size_t size)
       : key(record_key), title(record_title), bytes(size) {}
 
+  bool is_secret() const { return is_secret_member(key); }
+  ByteRange secret_bytes() const { return is_secret() ? kAllBytes : ByteRange(); }
+
   std::string_view key;
   std::string_view title;
   std::vector<uint8_t> bytes;
@@ -39,8 +42,7 @@ class SystemSettings final : public Family {
   void configuration(Archive &archive) override {
     archive.bytes(network_.key, network_.bytes);
     archive.bytes(sntp_.key, sntp_.bytes);
-    // It holds the communities.
-    archive.secret_bytes(snmp_param_.key, snmp_param_.bytes);
+    archive.bytes(snmp_param_.key, snmp_param_.bytes);
     archive.bytes(snmp_info_.key, snmp_info_.bytes);
   }
 
@@ -53,7 +55,11 @@ class SystemSettings final : public Family {
   void describe_configuration(Report &report) const override {
     for (const Record *record : records()) {
       report.section(std::string(record->title), {"Offset", "Bytes", "Text"});
-      report.dump(record->bytes);
+      if (record->is_secret()) {
+        report.row({"0000", "**", "**"});
+      } else {
+        report.dump(record->bytes);
+      }
     }
   }
 
@@ -75,7 +81,8 @@ class SystemSettings final : public Family {
       hardware_.events().record(Level::kNotice, kMainModule, std::string(record.title) + " set");
       return Status::kOk;
     };
-    return {kMainModule, type, message, exactly(record.bytes.size()), set};
+    SecretBytes secret = {.request = record.secret_bytes()};
+    return {kMainModule, type, message, exactly(record.bytes.size()), set, secret};
   }
 
   static Message getter(uint32_t type, std::string_view message, const Record &record,
@@ -84,7 +91,8 @@ class SystemSettings final : public Family {
       reply.bytes(0, record.bytes);
       return Status::kOk;
     };
-    return {kMainModule, type, message, exactly(request_length), get};
+    SecretBytes secret = {.reply = record.secret_bytes()};
+    return {kMainModule, type, message, exactly(request_length), get, secret};
   }
 
   Hardware &hardware_;

@@ -40,7 +40,7 @@ class SystemUsers final : public Family {
         {kMainModule, 63, "user-by-index", exactly(sizeof(UserRecord)),
          on(this, &SystemUsers::by_index)},
     };
-    for (Message &message : messages) message.secret = kPassword;
+    for (Message &message : messages) message.secret = {.request = kPassword, .reply = kPassword};
     return messages;
   }
 
@@ -50,7 +50,7 @@ class SystemUsers final : public Family {
       if (archive.is_reading() && !is_new_name(user.name)) {
         archive.refuse("name", "a name, each once");
       }
-      archive.secret("password", user.password, kMaxText);
+      archive.text("password", user.password, kMaxText);
       archive.number("level_a", user.level_a);
       archive.number("level_b", user.level_b);
     });

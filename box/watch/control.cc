@@ -28,6 +28,7 @@ std::string fault_add_command(std::string_view text) {
 }
 
 std::string Control::answer(std::string_view command) {
+  is_plain_ = false;
   try {
     std::string data = from_json_text(command);
     Archive read(data);
@@ -45,6 +46,7 @@ std::string Control::answer(std::string_view command) {
 void Control::carry_out(Archive &command, Archive &reply) {
   std::string name;
   command.text("command", name, kMaxName);
+  is_plain_ = name != "config_export" && name != "config_import";
   if (name == "fault_add") {
     Fault fault;
     command.object("fault", [&] { fault = read_fault(command); });
@@ -62,8 +64,13 @@ void Control::carry_out(Archive &command, Archive &reply) {
       counters_.describe(reply);
       if (server_) reply.object("server", [&] { server_(reply); });
     });
+  } else if (name == "config_export") {
+    transfer_.send(command, reply);
+  } else if (name == "config_import") {
+    transfer_.receive(command, reply);
   } else {
-    command.refuse("command", "fault_add, fault_list, fault_clear or counters");
+    command.refuse("command",
+                   "fault_add, fault_list, fault_clear, counters, config_export or config_import");
   }
 }
 

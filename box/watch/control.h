@@ -1,12 +1,14 @@
-/// The commands of the control module: JSON about faults and counters.
+/// The commands of the control module: JSON about faults, counters and the configuration.
 #ifndef OLT_BOX_WATCH_CONTROL_H
 #define OLT_BOX_WATCH_CONTROL_H
 
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "box/state/archive.h"
+#include "box/watch/configuration_transfer.h"
 #include "box/watch/counters.h"
 #include "box/watch/faults.h"
 
@@ -14,7 +16,8 @@ namespace olt::box {
 
 class Control {
  public:
-  Control(FaultTable &faults, Counters &counters) : faults_(faults), counters_(counters) {}
+  Control(FaultTable &faults, Counters &counters, ConfigurationAccess configuration)
+      : faults_(faults), counters_(counters), transfer_(std::move(configuration)) {}
 
   /// The reply to the command counters carries what the function describes, as "server".
   void count_server(std::function<void(Archive &)> server) { server_ = std::move(server); }
@@ -22,12 +25,17 @@ class Control {
   /// Answers any text with {"ok":true,...} or {"ok":false,"error":"one line"}.
   std::string answer(std::string_view command);
 
+  /// Whether neither the last command nor its answer can hold a secret.
+  bool is_plain() const { return is_plain_; }
+
  private:
   void carry_out(Archive &command, Archive &reply);
   void clear(Archive &command, Archive &reply);
 
   FaultTable &faults_;
   Counters &counters_;
+  ConfigurationTransfer transfer_;
+  bool is_plain_ = false;
   std::function<void(Archive &)> server_;
 };
 

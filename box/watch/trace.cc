@@ -44,7 +44,7 @@ std::string trace_line(const Exchange &exchange, const Answer &answer) {
   std::string line = fmt::format(
       "{} module {} type {} {}: request {}{}, {}", utc_microseconds(exchange.time), exchange.module,
       exchange.type, exchange.name.empty() ? "unserved" : exchange.name, exchange.request.size(),
-      shown(exchange.request, exchange.secret), outcome(answer, exchange.secret));
+      shown(exchange.request, exchange.secret.request), outcome(answer, exchange.secret.reply));
   if (answer.delay_ms != 0) line += fmt::format(", after {} ms", answer.delay_ms);
   if (exchange.fault != nullptr) {
     line += fmt::format(", fault {} {}", exchange.fault->id, action_name(exchange.fault->action));

@@ -18,7 +18,7 @@ struct Exchange {
   uint32_t module;
   uint32_t type;
   std::string_view name;  ///< of the message; empty when it is not served
-  ByteRange secret;       ///< shown as "**", in request and reply
+  SecretBytes secret;     ///< shown as "**"
   std::span<const uint8_t> request;
   const Fault *fault;  ///< the one applied; null when there is none
 };

@@ -18,7 +18,7 @@ void Access::open() {
     setenv("OLT_RUN_DIR", options_.run_dir.c_str(), 1);
   } else if (!embedded_) {
     std::filesystem::path folder = own_state_folder() / "embedded";
-    embedded_.emplace(folder, options_.topology, options_.fresh);
+    embedded_.emplace(folder, options_);
     flash_image_ = folder / "flash.img";
     if (options_.fresh) forget_flash();
   }

@@ -13,14 +13,6 @@
 
 namespace olt::cli {
 
-/// Which box, and how the embedded one starts.
-struct BoxOptions {
-  std::string run_dir;      ///< of a running box; empty for the embedded one
-  bool fresh = false;       ///< embedded: forget what was set before
-  std::string topology;     ///< embedded: a file; empty for the default topology
-  bool real_flash = false;  ///< flash operations use this machine's own device
-};
-
 class Access {
  public:
   explicit Access(BoxOptions options) : options_(std::move(options)) {}

@@ -21,6 +21,10 @@ namespace {
 
 constexpr uint32_t kControlType = 1;
 constexpr uint32_t kControlTimeout = 10;
+/// Reading and taking a large configuration takes a few seconds.
+constexpr uint32_t kTransferTimeout = 120;
+/// Fits into a request even if each of its bytes takes two in JSON.
+constexpr size_t kPiece = 32'000;
 
 /// The word as the box takes it: "type=" with an operation's name gets its message type.
 std::string without_operation(const std::string &word) {
@@ -38,6 +42,31 @@ std::string without_operation(const std::string &word) {
                 printable(value));
   }
   return word;
+}
+
+[[noreturn]] void fail_not_understood(const std::string &command) {
+  fail("{} failed: the box's answer is not understood; expected a box of the same version",
+       command);
+}
+
+ordered_json ask(const ControlRequest &request, uint32_t timeout) {
+  std::string text = request.dump();
+  std::string command = request["command"];
+  void *data = nullptr;
+  uint16_t length = 0;
+  uint32_t handle = 0;
+  uint16_t status = 0;
+  int32_t result = platmsg_syn_result(kControlType, box::kControlModule, text.data(),
+                                      static_cast<uint32_t>(text.size()), &data, &length, &handle,
+                                      &status, 0, timeout);
+  if (result != 0 || status != 0) fail("{} failed: {}", command, describe_result(result | status));
+  const auto *reply_text = static_cast<const char *>(data);
+  ordered_json reply = ordered_json::parse(reply_text, reply_text + length, nullptr, false);
+  IPC_Free(handle);
+  if (!reply.is_object() || !reply.contains("ok")) fail_not_understood(command);
+  if (reply["ok"] != true) fail("{} failed: {}", command, printable(reply.value("error", "")));
+  reply.erase("ok");
+  return reply;
 }
 
 }  // namespace
@@ -67,26 +96,38 @@ ControlRequest counters_request() {
 }
 
 ordered_json ask_box(const ControlRequest &request) {
-  std::string text = request.dump();
-  std::string command = request["command"];
-  void *data = nullptr;
-  uint16_t length = 0;
-  uint32_t handle = 0;
-  uint16_t status = 0;
-  int32_t result = platmsg_syn_result(kControlType, box::kControlModule, text.data(),
-                                      static_cast<uint32_t>(text.size()), &data, &length, &handle,
-                                      &status, 0, kControlTimeout);
-  if (result != 0 || status != 0) fail("{} failed: {}", command, describe_result(result | status));
-  const auto *reply_text = static_cast<const char *>(data);
-  ordered_json reply = ordered_json::parse(reply_text, reply_text + length, nullptr, false);
-  IPC_Free(handle);
-  if (!reply.is_object() || !reply.contains("ok")) {
-    fail("{} failed: the box's answer is not understood; expected a box of the same version",
-         command);
+  return ask(request, kControlTimeout);
+}
+
+std::string export_configuration(bool with_secrets) {
+  ControlRequest request = {{"command", "config_export"}, {"offset", 0}, {"secrets", with_secrets}};
+  std::string text;
+  for (;;) {
+    ordered_json reply = ask(request, kTransferTimeout);
+    auto piece = utf8_to_bytes(reply.value("piece", ""));
+    if (!piece || piece->empty()) fail_not_understood(request["command"]);
+    text += *piece;
+    if (text.size() >= reply.value("length", size_t{0})) return text;
+    request = {{"command", request["command"]},
+               {"offset", text.size()},
+               {"export", reply.value("export", 0)}};
   }
-  if (reply["ok"] != true) fail("{} failed: {}", command, printable(reply.value("error", "")));
-  reply.erase("ok");
-  return reply;
+}
+
+ordered_json import_configuration(std::string_view text, bool adopts) {
+  ControlRequest request = {{"command", "config_import"},
+                            {"offset", 0},
+                            {"length", text.size()},
+                            {"adopt", adopts},
+                            {"piece", bytes_to_utf8(text.substr(0, kPiece))}};
+  for (size_t offset = kPiece;; offset += kPiece) {
+    ordered_json reply = ask(request, kTransferTimeout);
+    if (offset >= text.size()) return reply;
+    request = {{"command", request["command"]},
+               {"offset", offset},
+               {"import", reply.value("import", 0)},
+               {"piece", bytes_to_utf8(text.substr(offset, kPiece))}};
+  }
 }
 
 }  // namespace olt::cli

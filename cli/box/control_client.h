@@ -1,4 +1,4 @@
-/// The box's own controls: faults and counters.
+/// The box's own controls: faults, counters and the configuration.
 #ifndef OLT_CLI_BOX_CONTROL_CLIENT_H
 #define OLT_CLI_BOX_CONTROL_CLIENT_H
 
@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace olt::cli {
 
@@ -23,6 +24,12 @@ ControlRequest counters_request();
 
 /// Sends the request to the box and returns its reply. Throws Error when either side fails.
 nlohmann::ordered_json ask_box(const ControlRequest &request);
+
+/// The configuration of the box as JSON text. Throws Error.
+std::string export_configuration(bool with_secrets);
+/// Has the box take a configuration; returns what it says about parts that it left out. Throws
+/// Error; the box then has its old configuration.
+nlohmann::ordered_json import_configuration(std::string_view text, bool adopts);
 
 }  // namespace olt::cli
 

@@ -1,7 +1,9 @@
 #include "cli/box/embedded_server.h"
 
 #include <stdexcept>
+#include <string_view>
 
+#include "base/bad_input.h"
 #include "cli/text/error.h"
 
 namespace olt::cli {
@@ -12,6 +14,8 @@ template <typename Step>
 auto starting(Step step) {
   try {
     return step();
+  } catch (const BadInput &error) {
+    wrong_usage("oltctl: the embedded box does not start: {}", error.what());
   } catch (const std::runtime_error &error) {
     fail("oltctl: the embedded box does not start: {}", error.what());
   }
@@ -25,21 +29,26 @@ olt_server *make_server() {
   return server;
 }
 
+void note(std::string_view line) {
+  fmt::print(stderr, "oltctl: {}\n", line);
+}
+
 int connect_to(void *server, uint32_t module) {
   return olt_server_connect(static_cast<olt_server *>(server), module);
 }
 
 }  // namespace
 
-EmbeddedServer::EmbeddedServer(const std::filesystem::path &folder, const std::string &topology,
-                               bool fresh)
+EmbeddedServer::EmbeddedServer(const std::filesystem::path &folder, const BoxOptions &options)
     : listing_dir_(folder / "listings"),
       box_(starting([&] {
         return std::make_unique<box::Box>(box::Options{.state_dir = folder,
                                                        .listing_dir = listing_dir_,
-                                                       .topology_file = topology,
+                                                       .topology_file = options.topology,
+                                                       .adopt = options.adopt,
                                                        .keep_running_state = true,
-                                                       .fresh = fresh,
+                                                       .fresh = options.fresh,
+                                                       .notice = note,
                                                        .trace = {}});
       })),
       server_(make_server(), &olt_server_destroy) {

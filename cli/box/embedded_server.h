@@ -12,10 +12,19 @@
 
 namespace olt::cli {
 
+/// Which box, and how the embedded one starts.
+struct BoxOptions {
+  std::string run_dir;      ///< of a running box; empty for the embedded one
+  bool fresh = false;       ///< embedded: forget what was set before
+  std::string topology;     ///< embedded: a file; empty for the default topology
+  bool adopt = false;       ///< keep what fits of a configuration made with another topology
+  bool real_flash = false;  ///< flash operations use this machine's own device
+};
+
 class EmbeddedServer {
  public:
   /// Starts it in the state that the previous one left. Throws Error.
-  EmbeddedServer(const std::filesystem::path &folder, const std::string &topology, bool fresh);
+  EmbeddedServer(const std::filesystem::path &folder, const BoxOptions &options);
   EmbeddedServer(const EmbeddedServer &) = delete;
   EmbeddedServer &operator=(const EmbeddedServer &) = delete;
   ~EmbeddedServer();

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "base/text.h"
@@ -26,9 +26,13 @@ std::vector<Hidden> hidden_in(uint32_t message_type) {
   return hidden;
 }
 
-std::string dump(const void *data, size_t length, const std::vector<Hidden> &hidden) {
-  ByteView shown(static_cast<const uint8_t *>(data), std::min(length, kMostShown));
-  std::string text = hex_dump(shown, hidden);
+std::string dump(const void *data, size_t length, std::vector<Hidden> hidden) {
+  // A configuration in a control, which may hold any secret.
+  constexpr std::string_view kPiece = "\"piece\":\"";
+  std::string_view whole(static_cast<const char *>(data), length);
+  size_t piece = whole.find(kPiece);
+  if (piece != std::string_view::npos) hidden.push_back({piece + kPiece.size(), length, 0});
+  std::string text = hex_dump(as_bytes(whole.substr(0, kMostShown)), hidden);
   if (length > kMostShown) text += fmt::format("  ... {} more bytes\n", length - kMostShown);
   return text;
 }

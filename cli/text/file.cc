@@ -47,13 +47,14 @@ Descriptor create_beside(const std::string &path, mode_t mode, std::string &name
 }
 
 /// @param replaced the file that is replaced; null when there is none
-std::error_code replace(const std::string &path, const struct stat *replaced, ByteView bytes) {
+std::error_code replace(const std::string &path, const struct stat *replaced, ByteView bytes,
+                        mode_t mask) {
   std::string fresh;
-  Descriptor file =
-      create_beside(path, replaced == nullptr ? kNewFile : replaced->st_mode & 0777, fresh);
+  mode_t mode = (replaced == nullptr ? kNewFile : replaced->st_mode) & mask;
+  Descriptor file = create_beside(path, mode & 0777, fresh);
   if (!file.is_open()) return last_error();
   std::error_code error;
-  if (replaced != nullptr && fchmod(file.get(), replaced->st_mode & 07777) != 0) {
+  if (replaced != nullptr && fchmod(file.get(), mode & 07777) != 0) {
     error = last_error();
   }
   if (!error) error = write_all(std::move(file), bytes);
@@ -78,13 +79,13 @@ std::string read_file(const std::string &path, size_t most, std::error_code &err
   return error ? std::string() : content;
 }
 
-std::error_code write_file(const std::string &path, ByteView bytes) {
+std::error_code write_file(const std::string &path, ByteView bytes, mode_t mask) {
   struct stat found {};
-  if (stat(path.c_str(), &found) != 0) return replace(path, nullptr, bytes);
+  if (stat(path.c_str(), &found) != 0) return replace(path, nullptr, bytes, mask);
   if (S_ISREG(found.st_mode)) {
     std::error_code error;
     std::filesystem::path target = std::filesystem::canonical(path, error);
-    return error ? error : replace(target, &found, bytes);
+    return error ? error : replace(target, &found, bytes, mask);
   }
   Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file.is_open()) return last_error();

@@ -2,6 +2,8 @@
 #ifndef OLT_CLI_TEXT_FILE_H
 #define OLT_CLI_TEXT_FILE_H
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <string>
 #include <system_error>
@@ -14,9 +16,9 @@ namespace olt::cli {
 /// nothing is returned.
 std::string read_file(const std::string &path, size_t most, std::error_code &error);
 
-/// Writes a file whole or not at all, with the mode of the file that it replaces. Anything but a
-/// regular file is written in place.
-std::error_code write_file(const std::string &path, ByteView bytes);
+/// Writes a file whole or not at all, with the mode of the file that it replaces, of which only the
+/// permissions in mask remain. Anything but a regular file is written in place.
+std::error_code write_file(const std::string &path, ByteView bytes, mode_t mask = 07777);
 
 /// Writes to standard output. Throws Error when that fails.
 void print(const std::string &text);

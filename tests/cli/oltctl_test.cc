@@ -319,7 +319,7 @@ TEST(OltctlRun, ABadTopologyIsOneLine) {
   Oltctl oltctl;
   std::string file = oltctl.folder().write("topology", "{\"ports\": }");
   Finished refused = oltctl({"--topology", file, "get_olt_mac"});
-  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.errors.substr(0, 41), "oltctl: the embedded box does not start: ");
   EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1);
 }

@@ -22,7 +22,8 @@ struct Families {
         state(topology, TimePoint()),
         hardware(topology, directory, box::Listings(folder / "run", std::nullopt, 0),
                  [] { return TimePoint(); }) {
-    hardware.start(make_families(hardware, state), box::Misfits::kRefuse);
+    hardware.set_families(make_families(hardware, state));
+    hardware.start(box::Misfits::kRefuse);
   }
 
   box::Topology topology;

@@ -45,7 +45,7 @@ struct Kept {
 void describe(Archive &archive, Kept &kept) {
   archive.list("accounts", kept.accounts, 3, [&](Account &account) {
     archive.text("name", account.name, 4);
-    archive.secret("password", account.password, 8);
+    archive.text("password", account.password, 8);
     archive.number("level", account.level, {1, 15});
   });
   archive.bytes("record", kept.record);
@@ -179,6 +179,8 @@ TEST(Archive, SaysWhereAndWhatIsWrong) {
        R"(/accounts/0/name: is "a\xe2\x82\xac"; expected a text of at most 4 bytes)"},
       {with("pass\\u0000rd", "much too long"),
        "/accounts/0/password: is not as it should be; expected a text of at most 8 bytes"},
+      {with("\"pass\\u0000rd\"", "-12345"),
+       "/accounts/password: is not as it should be; expected a number from 0"},
       {with("001bff", "001b"), "/record: is \"001b\"; expected 3 bytes in hex"},
       {with("\"on\": true", "\"on\": 1"), "/more/on: is 1; expected true or false"},
       {with("  \"on\": true,\n", ""), "/more/on: is missing"},

@@ -44,6 +44,16 @@ TEST(Trace, ShowsHowAnExchangeFailed) {
   EXPECT_EQ(text.substr(0, 32), "> type 7 to module 2, 0 bytes\n< ");
 }
 
+TEST(Trace, MasksPiecesOfAConfiguration) {
+  std::string text = trace_text(exchange(1, R"({"a":1,"piece":"SS)", R"({"piece":"SSSS"})"));
+  EXPECT_EQ(text,
+            "> type 1 to module 2, 18 bytes\n"
+            "  0000  7b 22 61 22 3a 31 2c 22 70 69 65 63 65 22 3a 22  {\"a\":1,\"piece\":\"\n"
+            "  0010  ** **                                            **\n"
+            "< status 0, 16 bytes after 1.235 ms\n"
+            "  0000  7b 22 70 69 65 63 65 22 3a 22 ** ** ** ** ** **  {\"piece\":\"******\n");
+}
+
 TEST(Trace, MasksPasswordsBothWays) {
   std::string record(80, 'x');
   record.replace(40, 32, 32, 'S');
