@@ -52,12 +52,12 @@ class ServedClient : public Client {
 };
 
 TEST_F(ServedClient, BringsTheReplyToTheRequest) {
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("hello")), bytes_of("hello"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("hello")), text("hello"));
 }
 
 TEST_F(ServedClient, ReachesEachModuleBySocket) {
-  EXPECT_EQ(exchange_bytes(18, kEcho, bytes_of("oam")), bytes_of("oam"));
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("main")), bytes_of("main"));
+  EXPECT_EQ(exchange_bytes(18, kEcho, text("oam")), text("oam"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("main")), text("main"));
   EXPECT_EQ(server_.counters().connections, 2u);
 }
 
@@ -68,7 +68,7 @@ TEST_F(ServedClient, KeepsTheConnectionBetweenExchanges) {
 }
 
 TEST_F(ServedClient, ANonZeroStatusBringsNoReplyToRelease) {
-  Exchanged all = exchange(2, kStatus, le32(5));
+  Exchanged all = exchange(2, kStatus, word(5));
   EXPECT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 5);
   EXPECT_EQ(all.reply, nullptr);
@@ -77,7 +77,7 @@ TEST_F(ServedClient, ANonZeroStatusBringsNoReplyToRelease) {
 }
 
 TEST_F(ServedClient, WritesOnlyTheStatusWhenNoReplyIsWanted) {
-  Exchanged all = tell(2, kStatus, le32(0x1234));
+  Exchanged all = tell(2, kStatus, word(0x1234));
   EXPECT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0x1234);
   EXPECT_EQ(all.reply, nullptr);
@@ -110,7 +110,7 @@ class ReplyLength : public ServedClient, public testing::WithParamInterface<size
 
 TEST_P(ReplyLength, ArrivesWholeWithZeroesBehindIt) {
   size_t length = GetParam();
-  Exchanged all = exchange(2, kPattern, le32(static_cast<uint32_t>(length)));
+  Exchanged all = exchange(2, kPattern, word(static_cast<uint32_t>(length)));
   ASSERT_EQ(all.result, 0);
   ASSERT_EQ(all.status, 0);
   ASSERT_NE(all.reply, nullptr);
@@ -224,8 +224,8 @@ TEST_F(StormyClient, ExchangesSurviveSignals) {
   for (uint32_t i = 0; i < 20; ++i) {
     Bytes request = pattern(300000, i);
     EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
-    EXPECT_EQ(exchange_bytes(2, kPattern, le32(65535)), pattern(65535, 6));
-    Bytes delayed = le32(20);
+    EXPECT_EQ(exchange_bytes(2, kPattern, word(65535)), pattern(65535, 6));
+    Bytes delayed = word(20);
     delayed.push_back(static_cast<uint8_t>(i));
     EXPECT_EQ(exchange_bytes(2, kDelayedEcho, delayed), delayed);
   }
@@ -300,7 +300,7 @@ TEST_F(Client, APathThatIsTooLongForASocketIsAnAbsentModule) {
 
 TEST_F(Client, AModuleThatDiesDuringARequestIsReportedAtOnce) {
   ServerProcess server(dir_.path());
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("up")), bytes_of("up"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("up")), text("up"));
   Exchanged all = exchange(2, kDie, {});
   EXPECT_EQ(all.result, kLost);
   EXPECT_LT(all.seconds, kAtOnce);
@@ -323,19 +323,19 @@ TEST_F(Client, AModuleThatIsKilledWhileItTakesARequestIsReportedAtOnce) {
 
 TEST_F(Client, AModuleThatHangsUpIsReportedAtOnce) {
   ServerThread server({.run_dir = dir_.path().c_str()});
-  Exchanged all = exchange(2, kHangUp, le32(50));
+  Exchanged all = exchange(2, kHangUp, word(50));
   EXPECT_EQ(all.result, kLost);
   EXPECT_LT(all.seconds, kAtOnce);
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("again")), bytes_of("again"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("again")), text("again"));
 }
 
 TEST_F(ServedClient, ALateAnswerNeverAnswersALaterRequest) {
-  Bytes late = le32(1200);
+  Bytes late = word(1200);
   late.push_back('l');
   EXPECT_EQ(exchange(2, kDelayedEcho, late, 1).result, kTimedOut);
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("second")), bytes_of("second"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("second")), text("second"));
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("third")), bytes_of("third"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("third")), text("third"));
 }
 
 TEST_F(Client, ARestartOfTheModuleBetweenExchangesGoesUnnoticed) {
@@ -344,7 +344,7 @@ TEST_F(Client, ARestartOfTheModuleBetweenExchangesGoesUnnoticed) {
   first.kill();
   ServerProcess second(dir_.path());
   EXPECT_EQ(exchange(2, kCounted, {}).result, 0);
-  EXPECT_EQ(exchange_bytes(2, kCount, {}), le32(1));
+  EXPECT_EQ(exchange_bytes(2, kCount, {}), word(1));
 }
 
 TEST_F(Client, ARestartIsNoticedByALargeRequestToo) {
@@ -400,20 +400,28 @@ TEST_F(Client, AnAnswerThatCameBeforeItsRequestIsNotTaken) {
   EXPECT_EQ(tell(2, kEcho, {}).result, kGarbled);
 }
 
-TEST_F(Client, BytesBehindAnAnswerEndTheConnectionBeforeTheNextRequest) {
+TEST_F(Client, BytesAfterAnAnswerEndTheConnectionBeforeTheNextRequest) {
   std::atomic<int> delivered{0};
+  std::atomic<bool> answered{false};
+  std::atomic<bool> answered_again{false};
   FakeModule twofold(dir_.socket(2), [&](int socket) {
     Bytes request = receive_bytes(socket, 20);
     if (request.size() < 20) return;
-    ++delivered;
+    int number = ++delivered;
     send_bytes(socket, answer_frame(request, "0500 0000 00000000"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    if (number > 1) return;
+    answered.wait(false);
     request[4] = static_cast<uint8_t>(request[4] + 1);
     send_bytes(socket, answer_frame(request, "0900 0000 00000000"));
+    answered_again = true;
+    answered_again.notify_one();
     delivered += receive_bytes(socket, 20).empty() ? 0 : 1;
   });
-  EXPECT_EQ(tell(2, kEcho, {}).status, 5);
-  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  uint16_t first = tell(2, kEcho, {}).status;
+  answered = true;
+  answered.notify_one();
+  ASSERT_EQ(first, 5);
+  answered_again.wait(false);
   testing::internal::CaptureStderr();
   Exchanged second = tell(2, kEcho, {});
   std::string errors = testing::internal::GetCapturedStderr();
@@ -437,7 +445,7 @@ TEST_F(Client, SendsTheDocumentedBytes) {
     second = receive_bytes(socket, 20);
     send_bytes(socket, answer_frame(second, "0000 0000 02000000 5a5b"));
   });
-  EXPECT_EQ(tell(2, 0x01020304, bytes_of("abc")).status, 0x1234);
+  EXPECT_EQ(tell(2, 0x01020304, text("abc")).status, 0x1234);
   Exchanged all = exchange(2, 7, {});
   ASSERT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0);
@@ -541,10 +549,10 @@ TEST_F(ServedClient, AThreadClosesItsConnectionsWhenItEnds) {
 }
 
 TEST_F(ServedClient, AReplyMayBeReleasedOnAnotherThread) {
-  Exchanged all = exchange(2, kEcho, bytes_of("far"));
+  Exchanged all = exchange(2, kEcho, text("far"));
   testing::internal::CaptureStderr();
   std::thread([&] {
-    EXPECT_EQ(all.bytes(), bytes_of("far"));
+    EXPECT_EQ(all.bytes(), text("far"));
     IPC_Free(all.handle);
   }).join();
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -560,7 +568,7 @@ TEST_F(ServedClient, RepliesLiveUntilTheyAreReleased) {
 }
 
 TEST_F(ServedClient, AnUnknownOrReleasedHandleIsReported) {
-  Exchanged all = exchange(2, kEcho, bytes_of("once"));
+  Exchanged all = exchange(2, kEcho, text("once"));
   testing::internal::CaptureStderr();
   IPC_Free(all.handle);
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -576,7 +584,7 @@ TEST_F(ServedClient, AnUnknownOrReleasedHandleIsReported) {
         << errors;
     EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1);
   }
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("twice")), bytes_of("twice"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("twice")), text("twice"));
 }
 
 TEST_F(Client, FailuresLeakNoDescriptor) {
@@ -614,7 +622,7 @@ TEST_F(Client, ASocketNeverTakesThePlaceOfAStandardStream) {
   std::atomic<int> frames{0};
   FakeModule reader(dir_.socket(2), [&](int socket) {
     for (Bytes request; (request = receive_bytes(socket, 20)).size() == 20;) {
-      frames += Bytes(request.begin(), request.begin() + 4) == bytes_of("OLQ1") ? 1 : 100;
+      frames += Bytes(request.begin(), request.begin() + 4) == text("OLQ1") ? 1 : 100;
       send_bytes(socket, answer_frame(request, "0000 0000 00000000"));
     }
   });
@@ -646,7 +654,7 @@ TEST_F(ServedClient, TellsWhenDescriptorsRunOut) {
     EXPECT_EQ(all.result, kNoResources);
     expect_untouched(all);
   }
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("back")), bytes_of("back"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("back")), text("back"));
 }
 
 struct Seen {
@@ -667,10 +675,10 @@ void watch(void *context, const olt_exchange *exchange) {
 TEST_F(ServedClient, AWatcherSeesEachExchange) {
   Seen seen;
   olt_watch_exchanges(watch, &seen);
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("watched")), bytes_of("watched"));
-  EXPECT_EQ(seen.request, bytes_of("watched"));
-  EXPECT_EQ(seen.reply, bytes_of("watched"));
-  EXPECT_EQ(tell(18, kStatus, le32(9)).status, 9);
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("watched")), text("watched"));
+  EXPECT_EQ(seen.request, text("watched"));
+  EXPECT_EQ(seen.reply, text("watched"));
+  EXPECT_EQ(tell(18, kStatus, word(9)).status, 9);
   EXPECT_EQ(tell(77, kEcho, {}).result, kNoModule);
   EXPECT_EQ(exchange(2, kSilence, {}, 0).result, kTimedOut);
   olt_watch_exchanges(nullptr, nullptr);

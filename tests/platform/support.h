@@ -17,18 +17,15 @@
 
 #include "base/clock.h"
 #include "platform/olthost.h"
+#include "tests/support/bytes.h"
+#include "tests/support/folder.h"
 
 namespace olt::test {
 
-using Bytes = std::vector<uint8_t>;
 using Clock = std::chrono::steady_clock;
 
 double seconds_since(Clock::time_point start);
 
-/// Bytes from hexadecimal digits; blanks are for the reader.
-Bytes hex(std::string_view digits);
-Bytes bytes_of(std::string_view text);
-Bytes le32(uint32_t value);
 /// Bytes that show a shift, a repetition or a swap.
 Bytes pattern(size_t length, uint32_t seed);
 /// Length and a sum that depends on every byte and its place, as the module of act() computes it.
@@ -38,20 +35,17 @@ Bytes digest(const uint8_t *data, size_t length);
 class TemporaryRunDir {
  public:
   TemporaryRunDir();
-  TemporaryRunDir(const TemporaryRunDir &) = delete;
-  TemporaryRunDir &operator=(const TemporaryRunDir &) = delete;
-  ~TemporaryRunDir();
 
-  const std::string &base() const { return base_; }
+  const std::string &base() const { return folder_.path(); }
   const std::string &path() const { return path_; }
   std::string socket(uint32_t module) const { return path_ + "/module-" + std::to_string(module); }
 
  private:
-  std::string base_;
-  std::string path_;
+  const Folder folder_;
+  const std::string path_ = folder_ / "run";
 };
 
-/// What act() does with a request; its first bytes are the parameters, as le32.
+/// What act() does with a request; its first bytes are the parameters, as words.
 enum Act : uint32_t {
   kEcho = 1,          ///< the request comes back
   kStatus = 2,        ///< status of the first parameter, and "reason" as reply
