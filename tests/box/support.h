@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "box/families.h"
 #include "box/simulator.h"
 #include "tests/support/bytes.h"
 #include "tests/support/folder.h"
@@ -63,6 +64,22 @@ class TestBox {
 
   TimePoint now_ = TimePoint(std::chrono::seconds(1'769'860'800));
   std::unique_ptr<box::Simulator> simulator_;
+};
+
+/// The families of the box, in private folders, without a box that serves them.
+struct Families {
+  explicit Families(const Folder &folder)
+      : directory(folder / "state", std::chrono::milliseconds(0)),
+        state(topology, TimePoint()),
+        hardware(topology, directory, box::Listings(folder / "run", std::nullopt),
+                 [] { return TimePoint(); }) {
+    hardware.start(make_families(hardware, state), box::Misfits::kRefuse);
+  }
+
+  box::Topology topology;
+  box::StateDirectory directory;
+  box::SharedState state;
+  box::Hardware hardware;
 };
 
 Bytes words(std::initializer_list<uint32_t> values);
