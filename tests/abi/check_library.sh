@@ -34,10 +34,10 @@ has_dynamic_tag() {
 }
 
 needed=$(dynamic_values NEEDED | paste -s -d ' ' -)
-[ "$needed" = "$c_library" ] || complain "needs ${needed:-nothing}, expected $c_library alone"
+[ "$needed" = "$c_library" ] || complain "needs ${needed:-nothing}; expected $c_library alone"
 
 actual=$(dynamic_values SONAME)
-[ "$actual" = "$soname" ] || complain "its SONAME is \"$actual\", expected \"$soname\""
+[ "$actual" = "$soname" ] || complain "its SONAME is \"$actual\"; expected \"$soname\""
 
 undefined=$(echo "$symbols" |
   awk '$7 == "UND" && $8 != "" { sub(/@.*/, "", $8); print $8 }' | sort -u)
