@@ -15,7 +15,7 @@
 #include "platform/olthost.h"
 #include "tests/support/bytes.h"
 
-// In the place of the platform's own, which would write to standard error.
+// Replaces the platform's own, which would write to standard error.
 void log_log(int /*level*/, const char *tag, int /*line*/, const char *message) {
   olt::fuzz::require_line(tag);
   olt::fuzz::require_line(message);
@@ -103,8 +103,8 @@ class Model {
       return OLT_TRANSPORT_GARBLED;
     }
     if (kind == 1) return OLT_TRANSPORT_REFUSED;
-    size_t behind = std::min(left_.size(), kFirstPiece) - kHeader;
-    if (word_at(left_, 4) != kFirstSequence || behind > length || (no_reply && length > 0)) {
+    size_t after = std::min(left_.size(), kFirstPiece) - kHeader;
+    if (word_at(left_, 4) != kFirstSequence || after > length || (no_reply && length > 0)) {
       return OLT_TRANSPORT_GARBLED;
     }
     if (left_.size() - kHeader < length) return OLT_TRANSPORT_LOST;

@@ -103,11 +103,11 @@ std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t>
   for (const Argument &argument : operation.arguments()) {
     if (argument.kind != Kind::kHeadedBlock) continue;
     reply.resize(std::max<size_t>(reply.size(), argument.size));
-    auto behind = static_cast<uint32_t>(reply.size() - argument.size);
-    uint8_t *count = &reply[argument.size - sizeof behind];
+    auto rest = static_cast<uint32_t>(reply.size() - argument.size);
+    uint8_t *count = &reply[argument.size - sizeof rest];
     uint32_t claimed = 0;
     std::memcpy(&claimed, count, sizeof claimed);
-    if (claimed > behind) std::memcpy(count, &behind, sizeof behind);
+    if (claimed > rest) std::memcpy(count, &rest, sizeof rest);
   }
   return reply;
 }

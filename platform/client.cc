@@ -75,8 +75,8 @@ bool is_usable(uint32_t module, const Connection *connection) {
   return false;
 }
 
-// Sends over the kept connection, or over a new one when there is none or it is of no more use
-// before the module took a byte, for example because the module was restarted.
+// Sends over the kept connection. Uses a new one if there is none or if the kept one fails before
+// the module took a byte, for example because the module was restarted.
 int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
              std::unique_ptr<Connection> &connection) {
   Sent sent = Sent::kNothing;

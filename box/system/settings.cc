@@ -39,7 +39,7 @@ class SystemSettings final : public Family {
   void configuration(Archive &archive) override {
     archive.bytes(network_.key, network_.bytes);
     archive.bytes(sntp_.key, sntp_.bytes);
-    // It holds the communities.
+    // It contains the SNMP communities.
     archive.secret_bytes(snmp_param_.key, snmp_param_.bytes);
     archive.bytes(snmp_info_.key, snmp_info_.bytes);
   }
