@@ -42,8 +42,8 @@ constexpr uint32_t kTimeout = 5;
 constexpr unsigned kExchanges = 3;
 constexpr uint32_t kFirstSequence = 1;
 
-/// A module that answers before it is asked. The client keeps no connection that has brought bytes
-/// it did not ask for, or that is closed: each exchange has its own.
+/// A module that answers before it is asked. The client drops a connection that has brought
+/// unrequested bytes or is closed, so each exchange has its own.
 class Module {
  public:
   Module() { olt_connect_through(connect, this); }

@@ -96,8 +96,7 @@ void require_masked_trace(uint32_t type) {
   }
 }
 
-/// The library does not check how many bytes a reply claims to have after its head: the reply with
-/// a claim that is true.
+/// The reply with a true count of the bytes after its head, which the library does not check.
 std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t> bytes) {
   std::vector<uint8_t> reply(bytes.begin(), bytes.end());
   for (const Argument &argument : operation.arguments()) {

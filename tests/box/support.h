@@ -51,7 +51,7 @@ class TestBox {
 
   /// The readable form of a state file, "saved" or "running".
   std::string state(std::string_view name) const;
-  /// Writes a state file from its readable form, with the text in it replaced, which must be there.
+  /// Writes a state file from its readable form, with the text, which must occur in it, replaced.
   void damage_state(std::string_view name, std::string_view text, std::string_view replacement);
 
   box::Options options;

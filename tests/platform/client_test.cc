@@ -168,7 +168,7 @@ TEST_F(ServedClient, ATimeOutOfZeroDoesNotWait) {
   EXPECT_LT(all.seconds, 0.5);
 }
 
-// Long enough for the kernel to round the wait, were it waited for in one piece.
+// Long enough for the kernel to round a single wait.
 TEST_F(ServedClient, ALongerTimeOutIsAsExact) {
   Exchanged all = exchange(2, kSilence, {}, 3);
   EXPECT_EQ(all.result, kTimedOut);
@@ -390,7 +390,7 @@ TEST_F(Client, EachConnectionStartsWithAnotherSequenceNumber) {
   EXPECT_EQ(std::set<uint32_t>(starts.begin(), starts.end()).size(), 3u);
 }
 
-// Whatever number a module would guess, from those of earlier connections and requests.
+// The numbers that a module could guess from earlier connections and requests.
 TEST_F(Client, AnAnswerThatCameBeforeItsRequestIsNotTaken) {
   FakeModule eager(dir_.socket(2), [](int socket) {
     send_bytes(socket, hex("4f4c4131 01000000 0500 0000 00000000"));
@@ -601,7 +601,7 @@ TEST_F(Client, FailuresLeakNoDescriptor) {
   }
 }
 
-/// Leaves no descriptor to the process; keeps the limit back until its end.
+/// Leaves the process no free descriptor; its destructor restores the limit.
 class NoDescriptors {
  public:
   NoDescriptors() {

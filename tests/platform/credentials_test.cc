@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Credentials that the kernel is made to give on this thread, so that the rules are tried without
-/// a second user.
+/// Replaces the credentials that the kernel reports on this thread, to test the rules without a
+/// second user.
 struct FakePeer {
   uid_t user;
   gid_t group;
@@ -198,7 +198,7 @@ int become_stranger(gid_t group) {
 /// With two real users, where this process may become the second one.
 class TwoUsers : public Credentials {
  protected:
-  // Leads the stranger up to the run directory.
+  // Gives the stranger access to the parent of the run directory.
   void open_the_way() { ASSERT_EQ(chmod(dir_.base().c_str(), 0755), 0); }
 
   static ChildResult as_stranger(gid_t group, const std::function<int()> &body) {

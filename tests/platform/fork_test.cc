@@ -43,7 +43,7 @@ TEST_F(Fork, TheChildStartsWithoutTheConnectionsOfItsParent) {
   EXPECT_EQ(tell(2, kEcho, {}).result, 0);
   while (!connected) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   EXPECT_EQ(count_sockets(), before + 2);
-  // Not through exit: what the other thread had allocated belongs to nobody in the child.
+  // Not through exit: a leak check would find what the other thread had allocated.
   ChildResult child = run_in_child([&]() -> int { _exit(count_sockets() - before); });
   EXPECT_EQ(child.status, 0) << child.errors;
   EXPECT_EQ(count_sockets(), before + 2);

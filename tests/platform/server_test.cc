@@ -533,7 +533,7 @@ TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
       << errors;
 }
 
-// Sixteen descriptors stay free for what handlers open.
+// Sixteen descriptors stay free for handlers.
 TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
   TemporaryRunDir dir;
   testing::internal::CaptureStderr();
