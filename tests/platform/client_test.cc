@@ -62,7 +62,7 @@ TEST_F(ServedClient, ReachesEachModuleBySocket) {
 }
 
 TEST_F(ServedClient, KeepsTheConnectionBetweenExchanges) {
-  for (int i = 0; i < 10; ++i) EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(post(2, kEcho, {}).result, 0);
   EXPECT_EQ(server_.counters().connections, 1u);
   EXPECT_TRUE(server_.reaches(&olt_server_counters::exchanges, 10));
 }
@@ -77,7 +77,7 @@ TEST_F(ServedClient, ANonZeroStatusBringsNoReplyToRelease) {
 }
 
 TEST_F(ServedClient, WritesOnlyTheStatusWhenNoReplyIsWanted) {
-  Exchanged all = tell(2, kStatus, word(0x1234));
+  Exchanged all = post(2, kStatus, word(0x1234));
   EXPECT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0x1234);
   EXPECT_EQ(all.reply, nullptr);
@@ -149,7 +149,7 @@ TEST_F(ServedClient, RefusesACallWithoutWhatMustBeGiven) {
 }
 
 TEST_F(ServedClient, DoesNotSendMoreThan16MiB) {
-  EXPECT_EQ(tell(2, kEcho, Bytes(16777217)).result, kTooLongResult);
+  EXPECT_EQ(post(2, kEcho, Bytes(16777217)).result, kTooLongResult);
   EXPECT_EQ(server_.counters().connections, 0u);
 }
 
@@ -385,7 +385,7 @@ TEST_F(Client, EachConnectionStartsWithAnotherSequenceNumber) {
   });
   for (int i = 0; i < 3; ++i) {
     drop_connections();
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
   }
   EXPECT_EQ(std::set<uint32_t>(starts.begin(), starts.end()).size(), 3u);
 }
@@ -397,7 +397,7 @@ TEST_F(Client, AnAnswerThatCameBeforeItsRequestIsNotTaken) {
     receive_bytes(socket, 20);
   });
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  EXPECT_EQ(tell(2, kEcho, {}).result, kGarbled);
+  EXPECT_EQ(post(2, kEcho, {}).result, kGarbled);
 }
 
 TEST_F(Client, BytesAfterAnAnswerEndTheConnectionBeforeTheNextRequest) {
@@ -417,13 +417,13 @@ TEST_F(Client, BytesAfterAnAnswerEndTheConnectionBeforeTheNextRequest) {
     answered_again.notify_one();
     delivered += receive_bytes(socket, 20).empty() ? 0 : 1;
   });
-  uint16_t first = tell(2, kEcho, {}).status;
+  uint16_t first = post(2, kEcho, {}).status;
   answered = true;
   answered.notify_one();
   ASSERT_EQ(first, 5);
   answered_again.wait(false);
   testing::internal::CaptureStderr();
-  Exchanged second = tell(2, kEcho, {});
+  Exchanged second = post(2, kEcho, {});
   std::string errors = testing::internal::GetCapturedStderr();
   EXPECT_EQ(second.result, 0);
   EXPECT_EQ(second.status, 5);
@@ -445,7 +445,7 @@ TEST_F(Client, SendsTheDocumentedBytes) {
     second = receive_bytes(socket, 20);
     send_bytes(socket, answer_frame(second, "0000 0000 02000000 5a5b"));
   });
-  EXPECT_EQ(tell(2, 0x01020304, text("abc")).status, 0x1234);
+  EXPECT_EQ(post(2, 0x01020304, text("abc")).status, 0x1234);
   Exchanged all = exchange(2, 7, {});
   ASSERT_EQ(all.result, 0);
   EXPECT_EQ(all.status, 0);
@@ -489,11 +489,11 @@ TEST_P(RubbishAnswer, IsReportedAndTheNextCallWorks) {
                             : answer_frame(request, "0500 0000 00000000"));
     if (!lies) receive_bytes(socket, 1);
   });
-  Exchanged all = GetParam().wants_reply ? exchange(2, kEcho, {}) : tell(2, kEcho, {});
+  Exchanged all = GetParam().wants_reply ? exchange(2, kEcho, {}) : post(2, kEcho, {});
   EXPECT_EQ(all.result, GetParam().result);
   EXPECT_LT(all.seconds, kAtOnce);
   expect_untouched(all);
-  Exchanged next = tell(2, kEcho, {});
+  Exchanged next = post(2, kEcho, {});
   EXPECT_EQ(next.result, 0);
   EXPECT_EQ(next.status, 5);
   // The fake module waits for a next request; hanging up ends it.
@@ -535,11 +535,11 @@ TEST_F(ServedClient, ManyThreadsGetTheirOwnAnswers) {
 }
 
 TEST_F(ServedClient, AThreadClosesItsConnectionsWhenItEnds) {
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
   size_t before = open_descriptors();
   std::thread([] {
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
-    EXPECT_EQ(tell(18, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(18, kEcho, {}).result, 0);
   }).join();
   // The server's ends are closed by its own thread, a moment later.
   for (int i = 0; i < 500 && open_descriptors() != before; ++i) {
@@ -631,13 +631,13 @@ TEST_F(Client, ASocketNeverTakesThePlaceOfAStandardStream) {
     for (int number : {0, 1, 2}) close(number);
     int failures = 0;
     for (int i = 0; i < 3; ++i) {
-      failures += tell(2, kEcho, {}).result == 0 ? 0 : 1;
+      failures += post(2, kEcho, {}).result == 0 ? 0 : 1;
       log_log(3, "front end", 1, "a line");
     }
     int ends[2];
     socketpair(AF_UNIX, SOCK_STREAM, 0, ends);
     olt_connect_through([](void *end, uint32_t) { return *static_cast<int *>(end); }, &ends[0]);
-    failures += tell(2, kEcho, {}, 0).result == kTimedOut ? 0 : 1;
+    failures += post(2, kEcho, {}, 0).result == kTimedOut ? 0 : 1;
     log_log(3, "front end", 2, "a line");
     char bytes[64];
     failures += read(ends[1], bytes, sizeof bytes) == 20 ? 0 : 1;
@@ -678,11 +678,11 @@ TEST_F(ServedClient, AWatcherSeesEachExchange) {
   EXPECT_EQ(exchange_bytes(2, kEcho, text("watched")), text("watched"));
   EXPECT_EQ(seen.request, text("watched"));
   EXPECT_EQ(seen.reply, text("watched"));
-  EXPECT_EQ(tell(18, kStatus, word(9)).status, 9);
-  EXPECT_EQ(tell(77, kEcho, {}).result, kNoModule);
+  EXPECT_EQ(post(18, kStatus, word(9)).status, 9);
+  EXPECT_EQ(post(77, kEcho, {}).result, kNoModule);
   EXPECT_EQ(exchange(2, kSilence, {}, 0).result, kTimedOut);
   olt_watch_exchanges(nullptr, nullptr);
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
 
   ASSERT_EQ(seen.exchanges.size(), 4u);
   EXPECT_EQ(seen.exchanges[0].module, 2u);
@@ -706,19 +706,19 @@ int connect_to_server(void *context, uint32_t module) {
 }
 
 TEST_F(ServedClient, AConnectorLeadsElsewhereUntilItIsTakenBack) {
-  EXPECT_EQ(tell(2, kNoReplyFlag, {}).status, 1);
+  EXPECT_EQ(post(2, kNoReplyFlag, {}).status, 1);
   {
     ServerThread embedded(
         {.modules = {2},
          .handler = [](void *, const olt_request *, olt_answer *answer) { answer->status = 321; }});
     olt_connect_through(connect_to_server, embedded.server());
-    EXPECT_EQ(tell(2, kNoReplyFlag, {}).status, 321);
-    EXPECT_EQ(tell(2, kNoReplyFlag, {}).status, 321);
+    EXPECT_EQ(post(2, kNoReplyFlag, {}).status, 321);
+    EXPECT_EQ(post(2, kNoReplyFlag, {}).status, 321);
     EXPECT_EQ(embedded.counters().connections, 1u);
-    EXPECT_EQ(tell(18, kNoReplyFlag, {}).result, kNoModule);
+    EXPECT_EQ(post(18, kNoReplyFlag, {}).result, kNoModule);
     olt_connect_through(nullptr, nullptr);
   }
-  EXPECT_EQ(tell(2, kNoReplyFlag, {}).status, 1);
+  EXPECT_EQ(post(2, kNoReplyFlag, {}).status, 1);
 }
 
 TEST_F(Client, AConnectorMayGiveNothing) {
@@ -733,7 +733,7 @@ TEST_F(Client, AConnectorMayGiveNothing) {
           return -1;
         },
         &number);
-    EXPECT_EQ(tell(2, kEcho, {}).result, result);
+    EXPECT_EQ(post(2, kEcho, {}).result, result);
   }
   olt_connect_through(nullptr, nullptr);
 }
@@ -748,7 +748,7 @@ TEST_F(Client, ANonBlockingSocketFromAConnectorWillDo) {
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     send_bytes(ends[1], answer_frame(request, "0600 0000 00000000"));
   });
-  EXPECT_EQ(tell(2, kEcho, {}).status, 6);
+  EXPECT_EQ(post(2, kEcho, {}).status, 6);
   module.join();
   close(ends[1]);
   olt_connect_through(nullptr, nullptr);

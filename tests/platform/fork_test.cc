@@ -35,12 +35,12 @@ TEST_F(Fork, TheChildStartsWithoutTheConnectionsOfItsParent) {
   std::atomic<bool> done{false};
   int before = count_sockets();
   std::thread other([&] {
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
     connected = true;
     while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
   });
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
   while (!connected) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   EXPECT_EQ(count_sockets(), before + 2);
   // Not through exit: a leak check would find what the other thread had allocated.
@@ -59,7 +59,7 @@ TEST_F(Fork, NoConnectionLeaksWhereverAnotherThreadIs) {
   for (int i = 0; i < 3; ++i) {
     threads.emplace_back([&done] {
       while (!done) {
-        std::thread([] { tell(2, kEcho, {}); }).join();
+        std::thread([] { post(2, kEcho, {}); }).join();
       }
     });
   }
@@ -92,9 +92,9 @@ TEST_F(Fork, ParentAndChildGetTheirOwnAnswers) {
 }
 
 TEST_F(Fork, TheParentsConnectionSurvivesTheChildsEnd) {
-  EXPECT_EQ(tell(2, kCounted, {}).result, 0);
-  EXPECT_EQ(run_in_child([] { return tell(2, kCounted, {}).result; }).status, 0);
-  EXPECT_EQ(tell(2, kCounted, {}).result, 0);
+  EXPECT_EQ(post(2, kCounted, {}).result, 0);
+  EXPECT_EQ(run_in_child([] { return post(2, kCounted, {}).result; }).status, 0);
+  EXPECT_EQ(post(2, kCounted, {}).result, 0);
   EXPECT_EQ(exchange_bytes(2, kCount, {}), word(3));
 }
 

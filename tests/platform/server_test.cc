@@ -318,9 +318,9 @@ TEST_F(Limited, HalfReceivedRequestsTakeNoMoreMemoryThanTold) {
 }
 
 TEST_F(Limited, ARequestBeyondTheLimitIsDroppedAndOthersAreServed) {
-  EXPECT_EQ(tell(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
+  EXPECT_EQ(post(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
   EXPECT_TRUE(server_.reaches(&olt_server_counters::over_limit_clients, 1));
-  EXPECT_EQ(tell(2, kDigest, Bytes(1024 * 1024)).result, 0);
+  EXPECT_EQ(post(2, kDigest, Bytes(1024 * 1024)).result, 0);
 }
 
 size_t virtual_memory() {
@@ -484,12 +484,12 @@ TEST(ServerLoad, AFloodOfConnectionsDoesNotHoldUpTheOthers) {
   TemporaryRunDir dir;
   testing::internal::CaptureStderr();
   ServerProcess server(dir.path());
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
   ConnectFlood flood(dir.socket(2));
   std::this_thread::sleep_for(milliseconds(200));
   std::vector<double> times;
   for (int i = 0; i < 200; ++i) {
-    Exchanged one = tell(2, kEcho, {});
+    Exchanged one = post(2, kEcho, {});
     EXPECT_EQ(one.result, 0);
     times.push_back(one.seconds);
   }
@@ -541,11 +541,11 @@ TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
     rlimit few{.rlim_cur = 40, .rlim_max = 40};
     setrlimit(RLIMIT_NOFILE, &few);
   });
-  EXPECT_EQ(tell(18, kEcho, {}).result, 0);
+  EXPECT_EQ(post(18, kEcho, {}).result, 0);
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
   std::this_thread::sleep_for(milliseconds(100));
-  EXPECT_EQ(tell(18, kOpenFiles, word(16)).status, 0);
+  EXPECT_EQ(post(18, kOpenFiles, word(16)).status, 0);
   EXPECT_GT(open_descriptors_of(server.pid()), 20u);
   testing::internal::GetCapturedStderr();
 }

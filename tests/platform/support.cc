@@ -74,6 +74,17 @@ int exit_status(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+Exchanged timed_exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout,
+                         uint32_t no_reply) {
+  Exchanged all{};
+  auto start = Clock::now();
+  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
+                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
+                                  &all.handle, &all.status, no_reply, timeout);
+  all.seconds = seconds_since(start);
+  return all;
+}
+
 }  // namespace
 
 double seconds_since(Clock::time_point start) {
@@ -358,13 +369,7 @@ Bytes Exchanged::bytes() const {
 }
 
 Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
-  Exchanged all{};
-  auto start = Clock::now();
-  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
-                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
-                                  &all.handle, &all.status, 0, timeout);
-  all.seconds = seconds_since(start);
-  return all;
+  return timed_exchange(module, type, std::move(request), timeout, 0);
 }
 
 Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint32_t timeout) {
@@ -375,14 +380,8 @@ Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint3
   return bytes;
 }
 
-Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
-  Exchanged all{};
-  auto start = Clock::now();
-  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
-                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
-                                  &all.handle, &all.status, 1, timeout);
-  all.seconds = seconds_since(start);
-  return all;
+Exchanged post(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
+  return timed_exchange(module, type, std::move(request), timeout, 1);
 }
 
 ChildResult run_in_child(const std::function<int()> &body) {
@@ -417,7 +416,7 @@ size_t open_descriptors_of(pid_t process) {
 
 void drop_connections() {
   olt_connect_through(nullptr, nullptr);
-  tell(4294967295u, 0, {}, 0);
+  post(4294967295u, 0, {}, 0);
 }
 
 }  // namespace olt::test

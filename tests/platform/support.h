@@ -181,7 +181,7 @@ Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeo
 /// The same, released; empty when the exchange failed.
 Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint32_t timeout = 10);
 /// Asks for the status alone.
-Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout = 10);
+Exchanged post(uint32_t module, uint32_t type, Bytes request, uint32_t timeout = 10);
 
 struct ChildResult {
   int status = -1;  ///< exit status, or 128 and the signal
