@@ -69,9 +69,7 @@ void require_json(const std::string &line, const Operation &operation, bool succ
 void require_text(const std::string &text, const Operation &operation) {
   olt::fuzz::require_lines(text);
   for (const Argument &argument : operation.arguments()) {
-    if (argument.is_output()) {
-      require(!text.empty(), "outputs are shown", operation.name);
-    }
+    if (argument.is_output()) require(!text.empty(), "outputs are shown", operation.name);
   }
 }
 

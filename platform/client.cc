@@ -126,9 +126,7 @@ struct Outcome {
 Outcome exchange_for_caller(uint32_t module, const Request &request, const Deadline &deadline) {
   try {
     Answer answer;
-    if (int32_t result = exchange(module, request, deadline, answer)) {
-      return {.result = result};
-    }
+    if (int32_t result = exchange(module, request, deadline, answer)) return {.result = result};
     if (answer.status != 0 || !answer.reply) {
       return {.result = OLT_TRANSPORT_OK, .status = answer.status};
     }

@@ -58,9 +58,7 @@ TEST_F(Fork, NoConnectionLeaksWhereverAnotherThreadIs) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 3; ++i) {
     threads.emplace_back([&done] {
-      while (!done) {
-        std::thread([] { post(2, kEcho, {}); }).join();
-      }
+      while (!done) std::thread([] { post(2, kEcho, {}); }).join();
     });
   }
   int leaked = 0;
@@ -81,9 +79,7 @@ TEST_F(Fork, ParentAndChildGetTheirOwnAnswers) {
   pid_t child = fork();
   const char *const name = child == 0 ? "child" : "parent";
   int wrong = 0;
-  for (int i = 0; i < 500; ++i) {
-    wrong += exchange_bytes(2, kEcho, text(name)) == text(name) ? 0 : 1;
-  }
+  for (int i = 0; i < 500; ++i) wrong += exchange_bytes(2, kEcho, text(name)) == text(name) ? 0 : 1;
   if (child == 0) _exit(wrong == 0 ? 0 : 1);
   EXPECT_EQ(wrong, 0);
   int status = -1;
