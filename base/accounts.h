@@ -9,8 +9,7 @@
 
 namespace olt {
 
-/// The group of that name; when none has it, the number that the text gives. Nothing when it is
-/// neither.
+/// Finds a group by name or, if no group has that name, by number. Nothing if the text is neither.
 std::optional<gid_t> find_group(const std::string &name_or_number);
 
 /// "alice (1001)", or the number alone when it has no name.

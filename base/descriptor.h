@@ -30,11 +30,11 @@ class Descriptor {
   int number_ = -1;
 };
 
-/// The same file under a number above 2, so that nothing written to a standard stream that the
-/// process lacks ends up in it. Not open, with errno, when there is none.
+/// Moves the descriptor to a number above 2, so that output to a standard stream that is closed
+/// cannot end up in the file. Not open, with errno set, on failure.
 Descriptor above_standard_streams(Descriptor descriptor);
 
-/// Opens /dev/null in the place of each standard stream that the process lacks.
+/// Opens /dev/null as each standard stream that is closed.
 void fill_standard_streams();
 
 }  // namespace olt

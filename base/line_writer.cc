@@ -16,8 +16,8 @@ namespace olt {
 
 namespace {
 
-/// A pipe or a terminal opened anew: O_NONBLOCK on the inherited descriptor would also change it
-/// for the other processes that share it.
+/// Reopens a pipe or a terminal: O_NONBLOCK on the inherited descriptor would also affect the other
+/// processes that share it.
 int open_nonblocking(int stream) {
   struct stat found {};
   if (fstat(stream, &found) != 0 || !(S_ISFIFO(found.st_mode) || S_ISCHR(found.st_mode))) return -1;

@@ -1,4 +1,4 @@
-/// Lines to a stream that may be slow, or that nobody reads.
+/// Writes lines to a stream whose reader may be slow or absent.
 #ifndef OLT_BASE_LINE_WRITER_H
 #define OLT_BASE_LINE_WRITER_H
 
@@ -12,16 +12,16 @@
 namespace olt {
 
 /// Writes whole lines without ever waiting for the reader. Lines that the stream cannot take, and
-/// those beyond the rate, are left out and counted; the next line that gets through is preceded by
-/// "PROGRAM: 12 lines left out". Holds one line at most.
+/// those beyond the rate, are left out and counted; the next line written is preceded by
+/// "PROGRAM: 12 lines left out". Buffers one line at most.
 class LineWriter {
  public:
-  /// The descriptor stays the caller's. A rate of 0 is no limit.
+  /// The caller keeps the descriptor. A rate of 0 means no limit.
   LineWriter(int stream, std::string program, uint32_t lines_per_second = 0,
              Clock clock = std::chrono::system_clock::now);
   LineWriter(const LineWriter &) = delete;
   LineWriter &operator=(const LineWriter &) = delete;
-  /// Says how many lines were left out since the last one.
+  /// Writes how many lines were left out since the last one.
   ~LineWriter();
 
   void write(std::string_view line);
@@ -31,7 +31,7 @@ class LineWriter {
   void add_line(std::string_view line);
   bool flush();
 
-  const Descriptor own_;  ///< the stream opened anew and non-blocking; closed when that fails
+  const Descriptor own_;  ///< the stream reopened as non-blocking; closed if that failed
   const int stream_;
   const bool may_block_;
   const std::string program_;

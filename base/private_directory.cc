@@ -141,7 +141,7 @@ bool is_empty(int directory, const std::string &name) {
   }
 }
 
-/// Whoever had permissions beyond the wanted ones may have put something there.
+/// Any user with more permissions than wanted may have put something there.
 void require_untouched(int directory, const struct stat &found, const PrivateDirectory &wanted,
                        const std::string &name) {
   if (found.st_uid != geteuid()) {

@@ -12,7 +12,7 @@
 namespace olt {
 
 struct PrivateDirectory {
-  std::string what;             ///< how error lines call it, such as "run directory"
+  std::string what;             ///< its name in error lines, such as "run directory"
   std::string path;             ///< relative paths start at the working directory
   std::optional<gid_t> group;   ///< its members may use the directory, too
   mode_t mode = 0700;           ///< what owner and group may do; nothing for others

@@ -49,7 +49,7 @@ void append_line(std::string &dump, ByteView bytes, size_t begin, std::span<cons
 size_t character_at_front(std::string_view text) {
   struct Form {
     uint8_t lead, mask;
-    uint32_t least;
+    uint32_t min;
   };
   constexpr Form kForms[] = {
       {0x00, 0x80, 0}, {0xC0, 0xE0, 0x80}, {0xE0, 0xF0, 0x800}, {0xF0, 0xF8, 0x10000}};
@@ -64,13 +64,13 @@ size_t character_at_front(std::string_view text) {
       code = code << 6 | (static_cast<uint8_t>(c) & 0x3F);
     }
     bool is_surrogate = code >= 0xD800 && code < 0xE000;
-    return code < form.least || code > 0x10FFFF || is_surrogate ? 0 : more + 1;
+    return code < form.min || code > 0x10FFFF || is_surrogate ? 0 : more + 1;
   }
   return 0;
 }
 
-/// Of control characters, those beyond ASCII are two bytes in UTF-8; one of them begins a
-/// terminal's commands as escape does.
+/// Control characters beyond ASCII take two bytes in UTF-8; one of them begins terminal commands,
+/// as escape does.
 bool is_control(std::string_view character) {
   auto first = static_cast<uint8_t>(character[0]);
   if (character.size() == 1) return first < 0x20 || first == 0x7F;

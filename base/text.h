@@ -42,7 +42,7 @@ std::string characters(ByteView bytes);
 /// The text with control characters, and bytes that are not UTF-8, written as \xNN, so that it
 /// cannot command a terminal.
 std::string printable(std::string_view text);
-/// The same with bytes beyond ASCII, too: each byte of the result takes one column.
+/// The same, but bytes beyond ASCII are also escaped: each byte of the result takes one column.
 std::string printable_ascii(std::string_view text);
 
 /// The text in a field, up to its zero or the field's end.

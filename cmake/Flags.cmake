@@ -12,11 +12,11 @@ target_compile_options(olt_flags INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes -Wmissing-prototypes>)
 
-# The compiler tidies its memory after each 128 MiB, which takes an eighth of its time.
+# By default, the compiler collects garbage every 128 MiB, which takes an eighth of its time.
 target_compile_options(olt_flags INTERFACE
   $<$<COMPILE_LANG_AND_ID:CXX,GNU>:--param=ggc-min-heapsize=1000000>)
 
-# For scripts/stack.sh: what each function takes of the stack, and whom it calls.
+# For scripts/stack.sh: the stack use of each function, and the functions that it calls.
 if(CMAKE_CROSSCOMPILING AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(olt_flags INTERFACE -fcallgraph-info=su)
 endif()
@@ -24,8 +24,8 @@ endif()
 if(OLT_SANITIZE)
   add_compile_options(-fsanitize=${OLT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${OLT_SANITIZE})
-  # Both want the C++ part of Clang's sanitizers, with which a C program is not linked; vptr also
-  # wants descriptors, of which tests leave none.
+  # Both need the C++ part of Clang's sanitizers, which is not linked to C programs; vptr also needs
+  # descriptors, and some tests use up all of them.
   add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fno-sanitize=function,vptr>)
   # GCC warns of every fence in Asio that ThreadSanitizer does not see.
   add_compile_options($<$<AND:$<CXX_COMPILER_ID:GNU>,$<COMPILE_LANGUAGE:CXX>>:-Wno-tsan>)

@@ -10,7 +10,7 @@ install(EXPORT oltmgmt
 write_basic_package_version_file(oltmgmtConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/oltmgmtConfigVersion.cmake DESTINATION ${OLT_PACKAGE_FOLDER})
 
-# For pkg-config. The files find the prefix from where they lie, so that it can be moved.
+# For pkg-config. The files locate the prefix from their own place, so that it can be moved.
 set(OLT_PC_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 string(REGEX REPLACE "[^/]+" ".." OLT_PREFIX_FROM_PC ${OLT_PC_FOLDER})
 foreach(library oltmgmt oltplatform)

@@ -1,5 +1,5 @@
-# The common part of the toolchains for other C libraries than GNU's: a file in the sysroot tells the
-# compiler of each.
+# The common part of the toolchains for C libraries other than GNU's: a file in the sysroot directs the
+# compiler to each.
 include(${CMAKE_CURRENT_LIST_DIR}/mipsel.cmake)
 set(sysroot ${CMAKE_CURRENT_LIST_DIR}/../build/target-sysroots/${c_library})
 cmake_path(NORMAL_PATH sysroot)

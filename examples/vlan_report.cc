@@ -29,7 +29,7 @@ uint16_t parse_vlan(std::string_view text) {
   auto [stop, error] = std::from_chars(text.data(), end, vlan);
   if (error != std::errc() || stop != end || vlan < 1 || vlan > 4094) {
     throw std::invalid_argument("\"" + std::string(text) +
-                                "\" is no VLAN, expected a number from 1 to 4094");
+                                "\" is not a VLAN; expected a number from 1 to 4094");
   }
   return vlan;
 }

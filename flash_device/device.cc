@@ -135,7 +135,7 @@ bool Device::owns(int descriptor) {
   if (descriptor < 0 || opened_count_.get() == 0) return false;
   Opened *opened = find(descriptor);
   if (opened == nullptr) return false;
-  // The number may have been closed by a call that is not interposed, and be another file's now.
+  // A call that is not interposed may have closed the descriptor; its number may be reused by now.
   struct stat file {};
   if (fstat(descriptor, &file) == 0 && file.st_dev == opened->filesystem &&
       file.st_ino == opened->file) {

@@ -3,7 +3,7 @@
 ///
 /// A program that links flash_device reaches it with its own calls of open, openat, lseek, read,
 /// write, ioctl and close, and with those of its libraries; so liboltmgmt's flash operations work
-/// as they are. Other files are left alone. Programs that do not link it preload liboltflash.so.
+/// unchanged. Other files are left alone. Programs that do not link it preload liboltflash.so.
 #ifndef OLT_FLASH_DEVICE_FLASH_DEVICE_H
 #define OLT_FLASH_DEVICE_FLASH_DEVICE_H
 

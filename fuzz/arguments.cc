@@ -92,7 +92,7 @@ std::string written(const Bytes &bytes) {
   return olt::to_spaced_hex(bytes);
 }
 
-/// What a field or a value as a whole holds, as the text that is printed of it.
+/// A field, or a value as a whole, as the text that is printed.
 std::string written(const Field &field, ByteView bytes) {
   return std::visit([](const auto &value) { return written(value); },
                     olt::cli::form_of(field.kind).value(bytes));
@@ -118,8 +118,7 @@ void require_written_is_read(const Call &call) {
   }
 }
 
-/// Operations that leave bytes of their request as they happen to be on the stack: they carry no
-/// meaning.
+/// Operations that leave bytes of their request uninitialized.
 bool leaves_bytes_unset(const Operation &operation) {
   static constexpr std::string_view kNames[] = {
       "set_olt_port_ratecontrol",      "stp_set_port_rstp_state", "set_olt_port_ingressfilter",

@@ -107,10 +107,10 @@ void sweep() {
   for (uint8_t byte : std::initializer_list<uint8_t>{0x00, 0x01, 0xFF}) {
     SmallBox box;
     for (const MessageRow &row : message_rows()) {
-      auto [least, most] = row.request;
-      for (size_t length = 0; length <= most + 1; ++length) {
-        if (length > 1 && length + kNear < least) length = least - kNear;
-        if (length > least + kNear && length + kNear < most) length = most - kNear;
+      auto [min, max] = row.request;
+      for (size_t length = 0; length <= max + 1; ++length) {
+        if (length > 1 && length + kNear < min) length = min - kNear;
+        if (length > min + kNear && length + kNear < max) length = max - kNear;
         box.ask(row.module, row.type, Bytes(length, byte));
       }
     }
@@ -122,7 +122,7 @@ void sweep() {
 
 }  // namespace
 
-// The first byte says whether the box is to be saved and started anew in the end. Operations
+// The first byte says whether the box is to be saved and restarted at the end. Operations
 // follow: a message type (0: time passes, or a restart), a composition, and what it asks for.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
   static const bool swept = (sweep(), true);

@@ -15,7 +15,7 @@
 #include "platform/olthost.h"
 #include "tests/support/bytes.h"
 
-// In the place of the platform's own, which would write to standard error.
+// Replaces the platform's own, which would write to standard error.
 void log_log(int /*level*/, const char *tag, int /*line*/, const char *message) {
   olt::fuzz::require_line(tag);
   olt::fuzz::require_line(message);
@@ -42,8 +42,8 @@ constexpr uint32_t kTimeout = 5;
 constexpr unsigned kExchanges = 3;
 constexpr uint32_t kFirstSequence = 1;
 
-/// A module that answers before it is asked. The client keeps no connection that has brought bytes
-/// it did not ask for, or that is closed: each exchange has its own.
+/// A module that answers before it is asked. The client drops a connection that has brought
+/// unrequested bytes or is closed, so each exchange has its own.
 class Module {
  public:
   Module() { olt_connect_through(connect, this); }
@@ -103,8 +103,8 @@ class Model {
       return OLT_TRANSPORT_GARBLED;
     }
     if (kind == 1) return OLT_TRANSPORT_REFUSED;
-    size_t behind = std::min(left_.size(), kFirstPiece) - kHeader;
-    if (word_at(left_, 4) != kFirstSequence || behind > length || (no_reply && length > 0)) {
+    size_t after = std::min(left_.size(), kFirstPiece) - kHeader;
+    if (word_at(left_, 4) != kFirstSequence || after > length || (no_reply && length > 0)) {
       return OLT_TRANSPORT_GARBLED;
     }
     if (left_.size() - kHeader < length) return OLT_TRANSPORT_LOST;

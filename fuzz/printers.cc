@@ -69,9 +69,7 @@ void require_json(const std::string &line, const Operation &operation, bool succ
 void require_text(const std::string &text, const Operation &operation) {
   olt::fuzz::require_lines(text);
   for (const Argument &argument : operation.arguments()) {
-    if (argument.is_output()) {
-      require(!text.empty(), "outputs are shown", operation.name);
-    }
+    if (argument.is_output()) require(!text.empty(), "outputs are shown", operation.name);
   }
 }
 
@@ -96,18 +94,17 @@ void require_masked_trace(uint32_t type) {
   }
 }
 
-/// The library does not check how many bytes a reply claims to have after its head: the reply with
-/// a claim that is true.
+/// The reply with a true count of the bytes after its head, which the library does not check.
 std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t> bytes) {
   std::vector<uint8_t> reply(bytes.begin(), bytes.end());
   for (const Argument &argument : operation.arguments()) {
     if (argument.kind != Kind::kHeadedBlock) continue;
     reply.resize(std::max<size_t>(reply.size(), argument.size));
-    auto behind = static_cast<uint32_t>(reply.size() - argument.size);
-    uint8_t *count = &reply[argument.size - sizeof behind];
+    auto rest = static_cast<uint32_t>(reply.size() - argument.size);
+    uint8_t *count = &reply[argument.size - sizeof rest];
     uint32_t claimed = 0;
     std::memcpy(&claimed, count, sizeof claimed);
-    if (claimed > behind) std::memcpy(count, &behind, sizeof behind);
+    if (claimed > rest) std::memcpy(count, &rest, sizeof rest);
   }
   return reply;
 }

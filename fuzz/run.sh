@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Fuzzes all targets of a build, or one: fuzz/run.sh BUILD [SECONDS [TARGET]]
-# An input that breaks a rule is left in BUILD/findings, what the program said of it beside it.
+# Leaves inputs that break a rule in BUILD/findings, with the program's output.
 # Inputs that led to new code are kept in BUILD/corpus for the next run.
 set -euo pipefail
 build=$1

@@ -35,7 +35,7 @@ struct Orders {
   explicit Orders(uint32_t type)
       : action(static_cast<uint8_t>(type)), reply_length((type >> 16) + (type >> 31)) {}
 
-  /// Whatever it asks for: a reply that is too long has the request answered as failed.
+  /// Whatever the action: a reply that is too long makes the request fail.
   bool fails() const { return reply_length > OLT_REPLY_LIMIT; }
   bool withholds() const { return action == 0xFE; }
   bool disconnects() const { return action == 0xFD; }

@@ -1,6 +1,6 @@
 // What the box finds when it starts: a saved configuration and a running state, damaged in their
-// text or in single values. It starts from them and writes the same again, or says in one line what
-// is wrong and leaves them as they are.
+// text or in single values. It starts from them and writes the same again, or reports the damage in
+// one line and leaves them unchanged.
 #include "box/state/state_file.h"
 
 #include <algorithm>

@@ -14,7 +14,7 @@ namespace olt::fuzz {
 /// Ends the program and prints the rule and what broke it, unless the rule holds.
 void require(bool holds, std::string_view rule, std::string_view broken_by = {});
 
-/// A message to a person: one line, not empty, without anything that moves a terminal's cursor.
+/// A message to a user: one line, not empty, without anything that moves a terminal's cursor.
 void require_line(std::string_view line);
 
 /// Lines that end with a newline, each as above but perhaps empty.

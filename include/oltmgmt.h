@@ -1063,6 +1063,9 @@ OLT_API int32_t show_autmacmode_file_by_interface(uint32_t iface_a, uint32_t ifa
 OLT_API int32_t get_blocklist_file_byinteface(uint32_t iface_a, uint32_t iface_b, char name[32]);
 
 // ONU inventory.
+//
+// A link of a PON interface or an ONU is a logical link, which an LLID identifies; the link of an
+// OLT port is its Ethernet link.
 
 /// Identifies one ONU or ONT and, in port operations, one of its UNI (user network interface)
 /// ports: 88 bytes, 4-byte aligned. Front ends and the main module agree on what the words and the

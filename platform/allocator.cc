@@ -117,7 +117,7 @@ void release_watched(void *pointer, const char *tag, int line) {
     report(tag, line, "bytes before the block were overwritten: " + describe(block));
   }
   if (!guard_intact(data + block.size)) {
-    report(tag, line, "bytes behind the block were overwritten: " + describe(block));
+    report(tag, line, "bytes after the block were overwritten: " + describe(block));
   }
   keep_back(all, data, block);
 }

@@ -75,8 +75,8 @@ bool is_usable(uint32_t module, const Connection *connection) {
   return false;
 }
 
-// Sends over the kept connection, or over a new one when there is none or it is of no more use
-// before the module took a byte, for example because the module was restarted.
+// Sends over the kept connection. Uses a new one if there is none or if the kept one fails before
+// the module took a byte, for example because the module was restarted.
 int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
              std::unique_ptr<Connection> &connection) {
   Sent sent = Sent::kNothing;
@@ -126,9 +126,7 @@ struct Outcome {
 Outcome exchange_for_caller(uint32_t module, const Request &request, const Deadline &deadline) {
   try {
     Answer answer;
-    if (int32_t result = exchange(module, request, deadline, answer)) {
-      return {.result = result};
-    }
+    if (int32_t result = exchange(module, request, deadline, answer)) return {.result = result};
     if (answer.status != 0 || !answer.reply) {
       return {.result = OLT_TRANSPORT_OK, .status = answer.status};
     }

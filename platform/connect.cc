@@ -41,7 +41,7 @@ int32_t result_of(int error) {
   }
 }
 
-// Nothing signals that a full queue of the module's socket has room again: try now and then.
+// Nothing signals when a full queue of the module's socket has room again, so try periodically.
 int32_t connect_through_run_dir(uint32_t module, const Deadline &deadline, ProcessSocket &socket) {
   std::string path = socket_path(selected_run_dir(), module);
   auto address = socket_address(path);

@@ -20,8 +20,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Nearly every answer arrives while recv itself blocks, which saves a poll per exchange. That wait
-// ends by a coarse timer (up to an eighth late), so it is short and used far from any deadline.
+// Nearly every answer arrives while recv itself blocks, which saves a poll per exchange. The
+// time-out of that wait is coarse (up to an eighth late), so it is short and used far from any
+// deadline.
 constexpr auto kBlockingWait = 400ms;
 constexpr auto kSafeDistance = 2 * kBlockingWait;
 

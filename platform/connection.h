@@ -28,7 +28,7 @@ struct Answer {
 /// How much of a request the kernel took.
 enum class Sent {
   kAll,
-  kPart,     ///< the module closed the stream in the middle
+  kPart,     ///< the module closed the stream after taking a part
   kNothing,  ///< the module had closed the stream before
   kTooLate,  ///< the deadline passed
   kNoResources,
@@ -57,7 +57,7 @@ class Connection {
   int32_t receive_some(std::byte *into, size_t limit, const Deadline &deadline, size_t &received);
 
   ProcessSocket socket_;
-  bool recv_may_block_ = false;  ///< its wait has a limit
+  bool recv_may_block_ = false;  ///< the time-out of recv is set
   uint32_t sequence_ = 0;        ///< of the last request; starts at random
 };
 

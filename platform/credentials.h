@@ -12,8 +12,8 @@ namespace olt::platform {
 /// The number of the group that find_group finds; throws Failure when there is none.
 gid_t require_group(const std::string &name_or_number);
 
-/// Empty when the peer of the socket is the own user, root or a member of the allowed group; else
-/// a line that says who it is and who is expected.
+/// Empty if the peer of the socket is this process's user, root or a member of the allowed group;
+/// else a line that says who it is and who is expected.
 std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group);
 
 }  // namespace olt::platform

@@ -24,12 +24,12 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kPauseWithoutDescriptors = 100ms;
-// Few, so that a client that connects without end does not hold up the connected ones.
+// Small, so that a client that keeps connecting does not hold up those that are connected.
 constexpr int kAcceptsPerTurn = 4;
 // Left to the handlers, which open files. docs/protocol.md names the number.
 constexpr rlim_t kReservedDescriptors = 16;
 
-// The lowest free number is what the next socket would get.
+// The next socket would get the lowest free number.
 bool has_descriptor_for_client(int any_descriptor) {
   rlimit limit{};
   if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return true;

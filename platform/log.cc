@@ -17,7 +17,7 @@ namespace {
 
 enum class Target { kUnknown, kStandardError, kSyslog };
 
-// Longer lines are cut: no memory is allocated here, for lines also report that there is none left.
+// Longer lines are cut. Nothing is allocated here, since lines also report that memory ran out.
 constexpr size_t kLineLimit = 2048;
 
 // One call of write, so that the lines of several threads and processes do not mix.

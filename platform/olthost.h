@@ -1,8 +1,8 @@
-/// liboltplatform: the five calls of oltplatform.h on a development host, and what goes with them.
+/// liboltplatform: the five calls of oltplatform.h on a development host, and their control.
 ///
 /// Requests travel over Unix stream sockets named module-N in a run directory. Front ends need
-/// nothing from this header: they call liboltmgmt and link against liboltplatform. It serves those
-/// who write a module (the serving side), and tools that watch or redirect exchanges.
+/// nothing from this header: they call liboltmgmt and link against liboltplatform. It is for
+/// authors of modules (the serving side) and for tools that watch or redirect exchanges.
 ///
 /// Environment:
 ///   OLT_RUN_DIR       run directory; default $XDG_RUNTIME_DIR/oltmgmt, else /run/oltmgmt
@@ -65,19 +65,19 @@ struct olt_exchange {
 
 typedef void (*olt_watcher)(void *context, const struct olt_exchange *exchange);
 
-/// Calls the watcher after every exchange of this process, on the thread that made it; null ends
+/// Calls the watcher after every exchange of this process, on the thread that made it; null removes
 /// it. Set it while no other thread is in an exchange.
 void olt_watch_exchanges(olt_watcher watcher, void *context);
 
-/// Gives a connected stream socket to the module, or -1 with errno (ECONNREFUSED or ENOENT:
+/// Returns a stream socket connected to the module, or -1 with errno (ECONNREFUSED or ENOENT:
 /// nothing serves it).
 typedef int (*olt_connector)(void *context, uint32_t module);
 
-/// Obtains connections from the connector instead of from the run directory; null goes back. Peer
-/// credentials are checked all the same. Set it while no other thread is in an exchange.
+/// Obtains connections from the connector instead of the run directory; null restores the latter.
+/// Peer credentials are still checked. Set it while no other thread is in an exchange.
 void olt_connect_through(olt_connector connector, void *context);
 
-// The serving side: give a module number and a handler, get a server.
+// The serving side: a server calls one handler for each module.
 
 typedef struct olt_server olt_server;
 
@@ -86,7 +86,7 @@ struct olt_request {
   uint32_t message_type;
   const void *data;  ///< any alignment; valid during the handler's call
   uint32_t length;
-  uint32_t no_reply;  ///< 1: only the status travels back
+  uint32_t no_reply;  ///< 1: only the status is sent back
 };
 
 enum olt_answer_action {
@@ -110,12 +110,12 @@ typedef void (*olt_handler)(void *context, const struct olt_request *request,
 
 struct olt_server_options {
   const char *run_dir;  ///< where the sockets go; null: none, only olt_server_connect reaches it
-  const char *group;    ///< group that may connect beside the own user and root; null: none
-  uint32_t stall_ms;  ///< a client that stops half-way in a frame is dropped after this; 0: 10,000
+  const char *group;    ///< group that may connect, besides this user and root; null: none
+  uint32_t stall_ms;    ///< a client that stops within a frame is dropped after this; 0: 10,000
   void (*on_event)(void *context, const char *line);  ///< called for each event; null: the log
   void *context;
-  /// Most bytes that half-received requests may take in all connections together, beyond 4 KiB
-  /// each; a client that needs more is dropped. 0: 64 MiB.
+  /// Maximum number of bytes for half-received requests over all connections, beyond 4 KiB each; a
+  /// client that needs more is dropped. 0: 64 MiB.
   uint32_t pending_limit;
 };
 
@@ -125,13 +125,13 @@ struct olt_server_counters {
   uint64_t connections;
   uint64_t refused_peers;
   uint64_t broken_frames;       ///< framing that is not ours, or too long
-  uint64_t stalled_clients;     ///< dropped for stopping half-way
+  uint64_t stalled_clients;     ///< dropped for stopping within a frame
   uint64_t vanished_clients;    ///< gone in the middle of a frame or before their answer
   uint64_t over_limit_clients;  ///< dropped because of pending_limit
 };
 
 /// Creates a server. The run directory is created with mode 0700 (0750 with a group); an existing
-/// one is used when it belongs to the user and is empty or closed to others. No other user but root
+/// one is used if it belongs to the user and is empty or closed to others. Only root and the user
 /// may own, or be able to rename things in, a directory above it.
 /// @param[out] error one line, when the result is null
 olt_server *olt_server_create(const struct olt_server_options *options, char error[256]);
@@ -145,11 +145,12 @@ int olt_server_add(olt_server *server, uint32_t module, olt_handler handler, voi
 /// Serves on the calling thread until olt_server_stop. @return 0, or -1 and a line in error.
 int olt_server_run(olt_server *server, char error[256]);
 
-/// Ends olt_server_run as soon as the handler that runs has returned. May be called from any thread
+/// Ends olt_server_run as soon as the current handler has returned. May be called from any thread
 /// and from a signal handler.
 void olt_server_stop(olt_server *server);
 
-/// A new connection to one of the server's modules, as olt_connector wants it; from any thread.
+/// A new connection to one of the server's modules, in the form of an olt_connector; from any
+/// thread.
 int olt_server_connect(olt_server *server, uint32_t module);
 
 /// Copies the counters; from any thread.

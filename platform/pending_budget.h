@@ -19,7 +19,7 @@ class PendingBudget {
     Share &operator=(const Share &) = delete;
     ~Share() { release(); }
 
-    /// @return false, with nothing reserved, when so much is not left
+    /// @return false, with nothing reserved, when less is left
     bool reserve(size_t bytes) {
       if (bytes > budget_.left_) return false;
       budget_.left_ -= bytes;

@@ -11,7 +11,7 @@ namespace olt::platform {
 
 namespace {
 
-// Held by a fork: no socket is created, closed or registered meanwhile.
+// Held during a fork, so that no socket is created, closed or registered meanwhile.
 constinit std::mutex lock;
 [[maybe_unused]] const int registered = hold_across_fork<lock, ProcessSocket::close_all>();
 

@@ -42,15 +42,15 @@ class Server {
   olt_server_counters counters() const { return statistics_.counters(); }
 
  private:
-  /// From connect, not yet seen by the loop.
+  /// Made by connect, not yet seen by the loop.
   struct PendingConnection {
     Descriptor socket;
     const Service *service;
   };
 
-  /// After a failure that may pass: reports it and pauses.
+  /// Reports a failure that may be temporary, and pauses.
   void recover(const char *event);
-  /// Starts the waits that are not under way: an exception may have ended one.
+  /// Starts the waits that are not in progress: an exception may have ended one.
   void ensure_waiting();
   void await_wake_up();
   void wake_up();

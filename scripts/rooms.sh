@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Holds the includes to the house that docs/architecture.md draws: a file includes only what the
-# row of its folder allows. Prints each include that does not.
-#   scripts/rooms.sh [FOLDER OF THE TREE]
+# Checks the includes against the table of folders in docs/architecture.md: a file may include only
+# what the row of its folder allows. Prints each include that breaks the rule.
+# usage: scripts/rooms.sh [TREE]
 set -euo pipefail
 cd "${1:-$(dirname "$0")/..}"
 

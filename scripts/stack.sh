@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Stack use on the target of each operation and everything it calls in the library, as reported by
-# the compiler. Prints the operation that uses most. Fails if an operation outside flash/ uses more
-# than MOST bytes or if its use cannot be determined.
-# usage: scripts/stack.sh BUILD_FOLDER MOST
+# the compiler. Prints the operation that uses the most. Fails if an operation outside flash/ uses more
+# than MAX bytes or if its use cannot be determined.
+# usage: scripts/stack.sh BUILD_FOLDER MAX
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 objects=$1/CMakeFiles/oltmgmt_objects.dir
-most=$2
+max=$2
 
 nodes_and_edges() {
   find "$objects" -name '*.ci' | while read -r file; do
@@ -21,7 +21,7 @@ nodes_and_edges() {
   mipsel-linux-gnu-nm -D --defined-only "$1/liboltmgmt.so.0" |
     sed -nE 's/^[0-9a-f]+ T ([^@]*).*/operation \1/p'
   nodes_and_edges
-} | awk -v most="$most" '
+} | awk -v max="$max" '
   $1 == "import" { imported[$2] }
   $1 == "operation" { operation[$2] }
   $1 == "node" { own[$2] = $3; kind[$2] = $4; file[$2] = $5 }
@@ -50,11 +50,11 @@ nodes_and_edges() {
     for (name in operation) {
       bytes = taken(name)
       if (file[name] ~ /^flash\//) continue
-      if (bytes > most) complain(name " uses " bytes " bytes, expected at most " most)
+      if (bytes > max) complain(name " uses " bytes " bytes; expected at most " max)
       if (deepest_operation == "" || bytes > taken(deepest_operation)) deepest_operation = name
       ++count
     }
     if (count == 0) complain("there are no operations")
-    printf "stack: at most %d of %d bytes, in %s (%d operations outside flash/)\n", taken(deepest_operation), most, deepest_operation, count
+    printf "stack: at most %d of %d bytes, in %s (%d operations outside flash/)\n", taken(deepest_operation), max, deepest_operation, count
     exit wrong
   }'

@@ -54,19 +54,19 @@ cat "$home/ready"
 say "2. One operation is one request and its answer. --trace shows both as they travel."
 try --trace get_olt_mac
 
-say "3. What one front end sets, the next one reads. Secrets never show in a trace."
+say "3. What one front end sets, the next one reads. A trace never shows secrets."
 try --trace add_user_level name=operator password=secret level_a=1 level_b=2
 try get_user_level operator secret
 
-say "4. Listings are files that the box writes; the operation hands over the file's name."
+say "4. Listings are files that the box writes; the operation returns the file's name."
 try get_system_basicinfofile
 
-say "5. Faults on request: the next answer to get_olt_mac is a refusal with status 5."
+say "5. Faults can be injected: the next get_olt_mac is refused with status 5."
 try fault add type=get_olt_mac status=5 count=1
 if try get_olt_mac; then exit 1; fi
 try get_olt_mac
 
-say "6. Saved is saved: the box is killed, started again, and still knows its operator."
+say "6. Saved settings survive: the box is killed, started again, and still knows its operator."
 try save_system_config
 printf '$ kill -9 %%oltbox\n'
 end_box KILL

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Looks for wrong uses of memory and for leaks with Valgrind: in the library, by its table of
-# operations, and in oltbox and oltctl, by a session.
+# Looks for memory errors and leaks with Valgrind: in the library with its table of operations, in
+# oltbox and oltctl with a session.
 # usage: scripts/valgrind.sh BUILD_FOLDER
 #
 # Debian packages: valgrind
@@ -17,8 +17,8 @@ finish() {
 }
 trap finish EXIT
 
-# Fails when Valgrind found something, with what it found. Blocks that a pointer still leads to at
-# the end are no leaks: the platform keeps its tables up to the very end.
+# Prints what Valgrind found and fails if it found anything. Blocks that are still reachable at the
+# end are not leaks: the platform keeps its tables to the very end.
 check=(valgrind --quiet --leak-check=full "--show-leak-kinds=definite,indirect,possible"
   "--errors-for-leak-kinds=definite,indirect,possible" --error-exitcode=99)
 

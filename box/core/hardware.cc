@@ -44,7 +44,7 @@ void Hardware::describe_configuration(Archive &archive) {
   if (archive.is_reading()) restore_factory();
   archive.object("configuration", [&] {
     for (const auto &family : families_) {
-      // A file of an earlier version knows fewer families: theirs stay as the factory has them.
+      // A file of an earlier version has fewer families: the others keep their factory state.
       if (!archive.has(family->name())) continue;
       archive.object(family->name(), [&] { family->configuration(archive); });
     }
@@ -52,7 +52,7 @@ void Hardware::describe_configuration(Archive &archive) {
 }
 
 void Hardware::describe_saved(Archive &archive) {
-  // What was read is the box's own: it was chosen before the families were made.
+  // The topology that is read is already in use: it was chosen before the families were made.
   Topology topology = topology_;
   archive.object("topology", [&] { topology.describe(archive); });
   describe_configuration(archive);

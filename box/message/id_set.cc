@@ -8,7 +8,7 @@ namespace olt::box {
 
 namespace {
 
-/// More than every second id takes as text.
+/// Longer than the text of every second id.
 constexpr size_t kMaxText = 16'384;
 
 std::string range_text(IdRange range) {

@@ -84,7 +84,7 @@ class PonAuthentication final : public Family {
     join_all();
   }
 
-  /// ONUs that stand alike are written together: as a rule that is all of an interface.
+  /// ONUs with the same standing are written together: usually all of an interface.
   void running(Archive &archive) override {
     archive.list(
         "onus", state_.onus.size(),

@@ -42,9 +42,7 @@ bool holds_counted_vlans(std::span<const uint8_t> record) {
 
 std::string counted_ids_text(std::span<const uint8_t> record) {
   std::string text;
-  for (uint16_t id : counted_ids(record)) {
-    text += fmt::format("{}{}", text.empty() ? "" : ",", id);
-  }
+  for (uint16_t id : counted_ids(record)) text += fmt::format("{}{}", text.empty() ? "" : ",", id);
   return text;
 }
 

@@ -61,8 +61,8 @@ class Onu {
   TimePoint from_;
 };
 
-/// What a table belongs to: the ONU itself, or its ports and services. An ONU that is set back to
-/// its defaults keeps the former.
+/// What a table belongs to: the ONU itself, or its ports and services. An ONU that is reset to its
+/// defaults keeps the former.
 enum class RecordGroup { kOnu, kService };
 
 /// The tables of records of all ONUs.

@@ -40,9 +40,7 @@ class SnmpOltRows final : public Family {
     if (row.selector == kNextRow) row.vlan = next_vlan(row.vlan);
     if (row.vlan > kLastVlan || !ethernet_.vlans[row.vlan]) return Status::kNotFound;
     auto description = ethernet_.descriptions.find(static_cast<uint16_t>(row.vlan));
-    if (description != ethernet_.descriptions.end()) {
-      set_text(row.description, description->second);
-    }
+    if (description != ethernet_.descriptions.end()) set_text(row.description, description->second);
     count_members(row);
     reply.record(row);
     return Status::kOk;

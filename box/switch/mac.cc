@@ -113,9 +113,7 @@ class SwitchMac final : public Family {
     uint32_t vlan = asked.vlan;
     if (vlan > kLastVlan) return Status::kBadValue;
     auto rows = rows_of(*port);
-    if (vlan != 0) {
-      std::erase_if(rows, [vlan](const Row &row) { return row.address.vlan != vlan; });
-    }
+    if (vlan != 0) std::erase_if(rows, [vlan](const Row &row) { return row.address.vlan != vlan; });
     Report report(vlan == 0
                       ? fmt::format("MAC addresses of port {}", port->name())
                       : fmt::format("MAC addresses of port {} in VLAN {}", port->name(), vlan));
@@ -161,9 +159,7 @@ class SwitchMac final : public Family {
     for (IdRange range : vlans) count += range.last - range.first + 1U;
     n %= count;
     auto range = vlans.begin();
-    for (; n > uint32_t{range->last} - range->first; ++range) {
-      n -= range->last - range->first + 1U;
-    }
+    for (; n > uint32_t{range->last} - range->first; ++range) n -= range->last - range->first + 1U;
     return static_cast<uint16_t>(range->first + n);
   }
 

@@ -14,7 +14,7 @@ using std::chrono::milliseconds;
 /// From enabling a port until its link is up.
 constexpr std::chrono::seconds kNegotiation{2};
 
-/// More milliseconds than any box was up.
+/// In milliseconds; longer than any box has been up.
 constexpr NumberRange kMoments = {0, uint64_t{UINT32_MAX} * 1000};
 
 enum Duplex : uint32_t { kNoLink, kHalfDuplex, kFullDuplex };

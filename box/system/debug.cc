@@ -126,9 +126,7 @@ class SystemDebug final : public Family {
       bool serves = std::any_of(messages.begin(), messages.end(), [module](const Message &message) {
         return message.module == module;
       });
-      if (serves) {
-        report.row({std::string(family->name()), fmt::to_string(family->footprint())});
-      }
+      if (serves) report.row({std::string(family->name()), fmt::to_string(family->footprint())});
     }
     describe_process(report);
     return hardware_.list_at_start("memory", report.text(), reply);

@@ -35,7 +35,7 @@ std::string_view action_name(Answer::Action action);
 /// BadInput.
 std::string fault_from_text(std::string_view text);
 
-/// What an order describes. Throws BadInput.
+/// The fault that an order describes. Throws BadInput.
 Fault read_fault(Archive &order);
 
 class FaultTable {

@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 recorded=$work/sizes.csv
 goals=$work/goals.csv
 
-printf 'name,most,enforced\n.text,1,no\n' >"$goals"
+printf 'name,max,enforced\n.text,1,no\n' >"$goals"
 touch "$recorded"
 "$sizes" "$1" --update "$recorded" "$goals" >/dev/null
 "$sizes" "$1" --check "$recorded" "$goals"

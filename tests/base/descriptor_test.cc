@@ -12,7 +12,7 @@ namespace olt::test {
 
 namespace {
 
-/// @return the exit status of a child without the standard streams, which exits as the body says.
+/// Runs the body in a child without standard streams. @return the exit status: the body's result.
 int without_streams(const std::function<int()> &body) {
   pid_t child = fork();
   if (child == 0) {

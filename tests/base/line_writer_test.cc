@@ -142,7 +142,7 @@ TEST(LineWriterTest, KeepsToItsRate) {
   now += milliseconds(1);
   writer.write("7");
   EXPECT_EQ(stream.read_all(), "program: 4 lines left out\n7\n");
-  // A clock that was set back must not silence it.
+  // Setting the clock back must not silence it.
   now -= std::chrono::hours(1);
   writer.write("8");
   writer.write("9");

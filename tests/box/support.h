@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "box/families.h"
 #include "box/simulator.h"
 #include "tests/support/bytes.h"
 #include "tests/support/folder.h"
@@ -50,7 +51,7 @@ class TestBox {
 
   /// The readable form of a state file, "saved" or "running".
   std::string state(std::string_view name) const;
-  /// Writes a state file from its readable form, with the text in it replaced, which must be there.
+  /// Writes a state file from its readable form, with the text, which must occur in it, replaced.
   void damage_state(std::string_view name, std::string_view text, std::string_view replacement);
 
   box::Options options;
@@ -63,6 +64,23 @@ class TestBox {
 
   TimePoint now_ = TimePoint(std::chrono::seconds(1'769'860'800));
   std::unique_ptr<box::Simulator> simulator_;
+};
+
+/// The families of the box, in private folders, without a box that serves them.
+struct Families {
+  explicit Families(const Folder &folder)
+      : directory(folder / "state", std::chrono::milliseconds(0)),
+        state(topology, TimePoint()),
+        hardware(topology, directory, box::Listings(folder / "run", std::nullopt, 0),
+                 [] { return TimePoint(); }) {
+    hardware.set_families(make_families(hardware, state));
+    hardware.start(box::Misfits::kRefuse);
+  }
+
+  box::Topology topology;
+  box::StateDirectory directory;
+  box::SharedState state;
+  box::Hardware hardware;
 };
 
 Bytes words(std::initializer_list<uint32_t> values);

@@ -1,4 +1,4 @@
-// oltctl as a user meets it, with its embedded box.
+// oltctl as a user runs it, with its embedded box.
 
 #include <gtest/gtest.h>
 

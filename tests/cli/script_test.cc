@@ -1,4 +1,4 @@
-// oltctl -f: a command a line.
+// oltctl -f: one command per line.
 
 #include <gtest/gtest.h>
 

@@ -22,7 +22,7 @@ class Terminal {
   /// @return whether it did; the next call searches after it
   bool shows(const std::string &text);
 
-  /// Waits for the program to end, and ends it when it does not. @return its exit status, or 128 +
+  /// Waits for the program to end, and kills it if it does not. @return its exit status, or 128 +
   /// the signal that ended it.
   int end();
 

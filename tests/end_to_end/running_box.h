@@ -22,7 +22,7 @@ class RunningBox {
 
   /// Starts oltbox, with further options, and waits until it is ready.
   void start(const std::vector<std::string> &options = {});
-  /// Ends it with the signal. @return as Finished::status.
+  /// Ends it with the signal. @return its Finished::status.
   int end(int signal);
 
   pid_t pid() const { return pid_; }

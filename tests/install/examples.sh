@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs a build under a temporary prefix and moves it. Builds the examples against what was moved,
 # through pkg-config and through CMake's find_package. Runs them and the programs in an empty
-# environment: nothing but the files must tell them where the libraries are.
+# environment: only the files may tell them where the libraries are.
 # usage: examples.sh BUILD_FOLDER EXAMPLES_FOLDER
 set -euo pipefail
 

@@ -20,7 +20,7 @@ constexpr size_t kLongestList = 4094;
 /// Indices of kinds.
 constexpr size_t kDebugValues = 0;
 constexpr size_t kUsers = 1;
-/// As many as the box has room for beside its predefined ones.
+/// As many as the box has room for besides its predefined ones.
 constexpr uint32_t kMaxUsers = 24;
 
 std::string read_listing(const char (&name)[32]) {

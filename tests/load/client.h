@@ -43,7 +43,7 @@ class Client {
   Client(const Client &) = delete;
   Client &operator=(const Client &) = delete;
 
-  /// Until the scene is over.
+  /// Runs until the scene is over.
   void run();
 
  private:

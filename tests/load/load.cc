@@ -1,5 +1,5 @@
-// Load: 64 processes and 64 threads use one simulated box, which is stopped, killed and started
-// again meanwhile. Each reply must carry what its own request asked for; nothing may grow.
+// Load: 64 processes and 64 threads use one simulated box, which is stopped, killed and restarted
+// meanwhile. Each reply must answer its own request; memory and descriptors must not grow.
 // usage: load [SECONDS]
 
 #include <dirent.h>

@@ -147,7 +147,7 @@ TEST(AllocatorDebug, ReportsAnOverrun) {
                                 write_at(block, 7);
                                 ___FREE(block, "t", 41);
                               }),
-               {"oltmgmt[3] t:41: bytes behind the block were overwritten: 7 bytes allocated by "
+               {"oltmgmt[3] t:41: bytes after the block were overwritten: 7 bytes allocated by "
                 "\"t\" at line 40"});
 }
 

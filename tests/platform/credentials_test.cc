@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Credentials that the kernel is made to give on this thread, so that the rules are tried without
-/// a second user.
+/// Replaces the credentials that the kernel reports on this thread, to test the rules without a
+/// second user.
 struct FakePeer {
   uid_t user;
   gid_t group;
@@ -66,7 +66,7 @@ constexpr char kAllowedGroupText[] = "54323";
 
 Exchanged ask_as_client_of(const FakePeer &server) {
   fake_peer = server;
-  Exchanged all = tell(2, kEcho, {});
+  Exchanged all = post(2, kEcho, {});
   fake_peer.reset();
   return all;
 }
@@ -89,7 +89,7 @@ TEST_F(Credentials, TheClientRefusesAModuleOfAnotherUser) {
   EXPECT_NE(errors.find("module 2: user 54321 is refused; expected user "), std::string::npos)
       << errors;
   EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
 }
 
 TEST_F(Credentials, TheClientAcceptsRootAndTheOwnUser) {
@@ -127,7 +127,7 @@ TEST_F(Credentials, ASocketWithoutAUserIsRefused) {
   int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   olt_connect_through([](void *context, uint32_t) { return dup(*static_cast<int *>(context)); },
                       const_cast<int *>(&listener));
-  EXPECT_EQ(tell(2, kEcho, {}).result, kRefused);
+  EXPECT_EQ(post(2, kEcho, {}).result, kRefused);
   olt_connect_through(nullptr, nullptr);
   close(listener);
 }
@@ -142,7 +142,7 @@ TEST_F(Credentials, TheServerRefusesAClientOfAnotherUserAndTellsIt) {
   ServerThread server(serving(dir_.path(), {kStranger, kStrangersGroup, {}}));
   for (uint64_t i = 1; i <= 3; ++i) {
     testing::internal::CaptureStderr();
-    Exchanged all = tell(2, kEcho, {});
+    Exchanged all = post(2, kEcho, {});
     std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_EQ(all.result, kRefused);
     EXPECT_NE(errors.find("module 2 does not accept user "), std::string::npos) << errors;
@@ -164,7 +164,7 @@ TEST_F(Credentials, TheRefusalIsAFrameAndTheEnd) {
 
 TEST_F(Credentials, TheServerRefusesALargeRequestOfAnotherUserToo) {
   ServerThread server(serving(dir_.path(), {kStranger, kStrangersGroup, {}}));
-  EXPECT_EQ(tell(2, kEcho, Bytes(8 * 1024 * 1024)).result, kRefused);
+  EXPECT_EQ(post(2, kEcho, Bytes(8 * 1024 * 1024)).result, kRefused);
 }
 
 TEST_F(Credentials, TheServerAcceptsAMemberOfTheAllowedGroup) {
@@ -173,22 +173,22 @@ TEST_F(Credentials, TheServerAcceptsAMemberOfTheAllowedGroup) {
   auto number = static_cast<gid_t>(std::stoul(group));
   {
     ServerThread server(serving(dir_.path(), {kStranger, number, {}}, group.c_str()));
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
   }
   {
     ServerThread server(
         serving(dir_.path(), {kStranger, kStrangersGroup, {1, 2, number}}, group.c_str()));
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
   }
   ServerThread server(serving(dir_.path(), {kStranger, kStrangersGroup, {1, 2}}, group.c_str()));
-  EXPECT_EQ(tell(2, kEcho, {}).result, kRefused);
+  EXPECT_EQ(post(2, kEcho, {}).result, kRefused);
   EXPECT_TRUE(server.reaches(&olt_server_counters::refused_peers, 1));
   EXPECT_NE(server.events().find(" or a member of group "), std::string::npos) << server.events();
 }
 
 TEST_F(Credentials, TheServerAcceptsRoot) {
   ServerThread server(serving(dir_.path(), {0, kStrangersGroup, {}}));
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
 }
 
 int become_stranger(gid_t group) {
@@ -198,7 +198,7 @@ int become_stranger(gid_t group) {
 /// With two real users, where this process may become the second one.
 class TwoUsers : public Credentials {
  protected:
-  // Leads the stranger up to the run directory.
+  // Gives the stranger access to the parent of the run directory.
   void open_the_way() { ASSERT_EQ(chmod(dir_.base().c_str(), 0755), 0); }
 
   static ChildResult as_stranger(gid_t group, const std::function<int()> &body) {
@@ -211,7 +211,7 @@ class TwoUsers : public Credentials {
 };
 
 int ask_for_status() {
-  return tell(2, kEcho, {}).result >> 16;
+  return post(2, kEcho, {}).result >> 16;
 }
 
 TEST_F(TwoUsers, AStrangerIsKeptOutByTheDirectory) {
@@ -225,7 +225,7 @@ TEST_F(TwoUsers, AStrangerIsKeptOutByTheDirectory) {
         << child.errors;
   } else {
     EXPECT_EQ(chmod(dir_.path().c_str(), 0), 0);
-    EXPECT_EQ(tell(2, kEcho, {}).result, kRefused);
+    EXPECT_EQ(post(2, kEcho, {}).result, kRefused);
     EXPECT_EQ(chmod(dir_.path().c_str(), 0700), 0);
   }
 }
@@ -255,9 +255,9 @@ TEST_F(TwoUsers, RootDoesNotTrustAModuleOfAnotherUser) {
   ServerProcess server(dir_.path(), {2}, nullptr, [] {
     if (may_become_another() && become_stranger(kAllowedGroup) != 0) _exit(1);
   });
-  EXPECT_EQ(tell(2, kEcho, {}).result, may_become_another() ? kRefused : 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, may_become_another() ? kRefused : 0);
   setenv("OLT_GROUP", kAllowedGroupText, 1);
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
 }
 
 }  // namespace

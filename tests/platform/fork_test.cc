@@ -35,15 +35,15 @@ TEST_F(Fork, TheChildStartsWithoutTheConnectionsOfItsParent) {
   std::atomic<bool> done{false};
   int before = count_sockets();
   std::thread other([&] {
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
     connected = true;
     while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+    EXPECT_EQ(post(2, kEcho, {}).result, 0);
   });
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
   while (!connected) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   EXPECT_EQ(count_sockets(), before + 2);
-  // Not through exit: what the other thread had allocated belongs to nobody in the child.
+  // Not through exit: a leak check would find what the other thread had allocated.
   ChildResult child = run_in_child([&]() -> int { _exit(count_sockets() - before); });
   EXPECT_EQ(child.status, 0) << child.errors;
   EXPECT_EQ(count_sockets(), before + 2);
@@ -58,9 +58,7 @@ TEST_F(Fork, NoConnectionLeaksWhereverAnotherThreadIs) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 3; ++i) {
     threads.emplace_back([&done] {
-      while (!done) {
-        std::thread([] { tell(2, kEcho, {}); }).join();
-      }
+      while (!done) std::thread([] { post(2, kEcho, {}); }).join();
     });
   }
   int leaked = 0;
@@ -77,13 +75,11 @@ TEST_F(Fork, NoConnectionLeaksWhereverAnotherThreadIs) {
 }
 
 TEST_F(Fork, ParentAndChildGetTheirOwnAnswers) {
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("before")), bytes_of("before"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("before")), text("before"));
   pid_t child = fork();
-  const char *const text = child == 0 ? "child" : "parent";
+  const char *const name = child == 0 ? "child" : "parent";
   int wrong = 0;
-  for (int i = 0; i < 500; ++i) {
-    wrong += exchange_bytes(2, kEcho, bytes_of(text)) == bytes_of(text) ? 0 : 1;
-  }
+  for (int i = 0; i < 500; ++i) wrong += exchange_bytes(2, kEcho, text(name)) == text(name) ? 0 : 1;
   if (child == 0) _exit(wrong == 0 ? 0 : 1);
   EXPECT_EQ(wrong, 0);
   int status = -1;
@@ -92,22 +88,22 @@ TEST_F(Fork, ParentAndChildGetTheirOwnAnswers) {
 }
 
 TEST_F(Fork, TheParentsConnectionSurvivesTheChildsEnd) {
-  EXPECT_EQ(tell(2, kCounted, {}).result, 0);
-  EXPECT_EQ(run_in_child([] { return tell(2, kCounted, {}).result; }).status, 0);
-  EXPECT_EQ(tell(2, kCounted, {}).result, 0);
-  EXPECT_EQ(exchange_bytes(2, kCount, {}), le32(3));
+  EXPECT_EQ(post(2, kCounted, {}).result, 0);
+  EXPECT_EQ(run_in_child([] { return post(2, kCounted, {}).result; }).status, 0);
+  EXPECT_EQ(post(2, kCounted, {}).result, 0);
+  EXPECT_EQ(exchange_bytes(2, kCount, {}), word(3));
 }
 
 TEST_F(Fork, AReplyOfTheParentMayBeReleasedInBoth) {
-  Exchanged all = exchange(2, kEcho, bytes_of("kept"));
+  Exchanged all = exchange(2, kEcho, text("kept"));
   ChildResult child = run_in_child([&] {
-    bool right = all.bytes() == bytes_of("kept");
+    bool right = all.bytes() == text("kept");
     IPC_Free(all.handle);
     return right ? 0 : 1;
   });
   EXPECT_EQ(child.status, 0);
   EXPECT_EQ(child.errors, "");
-  EXPECT_EQ(all.bytes(), bytes_of("kept"));
+  EXPECT_EQ(all.bytes(), text("kept"));
   IPC_Free(all.handle);
 }
 

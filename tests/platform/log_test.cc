@@ -12,8 +12,8 @@
 
 namespace {
 
-// What reaches the system's log, written to standard error with a mark of its own: there need not
-// be a log daemon. The program's definition comes before the C library's.
+// Writes what goes to the system's log to standard error, with a mark, so that no log daemon is
+// needed. The program's definition comes before the C library's.
 [[gnu::format(printf, 2, 0)]] void syslog_to_stderr(int priority, const char *format,
                                                     va_list arguments) {
   char line[512];

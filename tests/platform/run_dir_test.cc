@@ -205,7 +205,7 @@ TEST_F(RunDir, ASocketOfAKilledServerIsTakenOver) {
   killed.kill();
   ASSERT_TRUE(fs::exists(dir_.socket(2)));
   ServerThread server({.run_dir = dir_.path().c_str()});
-  EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("new")), bytes_of("new"));
+  EXPECT_EQ(exchange_bytes(2, kEcho, text("new")), text("new"));
 }
 
 TEST_F(RunDir, SomethingElseInTheWayIsLeftAlone) {

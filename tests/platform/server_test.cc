@@ -30,7 +30,7 @@ class Serving : public testing::Test {
   ServerThread server_{{.run_dir = dir_.path().c_str(), .stall_ms = 150, .modules = {2, 18}}};
 
   static void expect_still_serving() {
-    EXPECT_EQ(exchange_bytes(2, kEcho, bytes_of("others")), bytes_of("others"));
+    EXPECT_EQ(exchange_bytes(2, kEcho, text("others")), text("others"));
   }
 };
 
@@ -46,13 +46,13 @@ TEST_F(Serving, SendsNoReplyThatIsNotWanted) {
   RawClient client(dir_.socket(2));
   ASSERT_TRUE(client.send(hex("4f4c5131 01000000 01000000 01000000 03000000 616263")));
   EXPECT_EQ(client.receive(16), kEmptyAnswer);
-  ASSERT_TRUE(client.send(request_frame(2, kEcho, bytes_of("z"))));
+  ASSERT_TRUE(client.send(request_frame(2, kEcho, text("z"))));
   EXPECT_EQ(client.receive(17), hex("4f4c4131 02000000 0000 0000 01000000 7a"));
 }
 
 TEST_F(Serving, TakesAFrameInPieces) {
   RawClient client(dir_.socket(2));
-  for (uint8_t byte : request_frame(1, kEcho, bytes_of("pieces"))) {
+  for (uint8_t byte : request_frame(1, kEcho, text("pieces"))) {
     ASSERT_TRUE(client.send({byte}));
     std::this_thread::sleep_for(milliseconds(2));
   }
@@ -64,21 +64,21 @@ TEST_F(Serving, AnswersRequestsThatCameTogetherInTurn) {
   RawClient client(dir_.socket(2));
   Bytes all;
   for (uint32_t i = 0; i < 500; ++i) {
-    Bytes frame = request_frame(i, kEcho, le32(i));
+    Bytes frame = request_frame(i, kEcho, word(i));
     all.insert(all.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(all));
   for (uint32_t i = 0; i < 500; ++i) {
     Bytes answer = client.receive(20);
     ASSERT_EQ(answer.size(), 20u);
-    EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
-    EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), le32(i));
+    EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), word(i));
+    EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), word(i));
   }
 }
 
 TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
   RawClient client(dir_.socket(2));
-  Bytes both = request_frame(1, kDelayedEcho, le32(100));
+  Bytes both = request_frame(1, kDelayedEcho, word(100));
   Bytes second = request_frame(2, kEcho, {});
   both.insert(both.end(), second.begin(), second.end());
   ASSERT_TRUE(client.send(both));
@@ -89,7 +89,7 @@ TEST_F(Serving, ARequestBehindADelayedOneWaitsForItsAnswer) {
 TEST_F(Serving, OthersAreServedWhileAnAnswerIsDelayed) {
   RawClient patient(dir_.socket(2));
   auto start = Clock::now();
-  ASSERT_TRUE(patient.send(request_frame(1, kDelayedEcho, le32(600))));
+  ASSERT_TRUE(patient.send(request_frame(1, kDelayedEcho, word(600))));
   for (int i = 0; i < 20; ++i) expect_still_serving();
   EXPECT_LT(seconds_since(start), 0.6);
   EXPECT_EQ(patient.receive(20).size(), 20u);
@@ -109,7 +109,7 @@ TEST_F(Serving, HangsUpOnRequestAtOnceOrLater) {
   EXPECT_TRUE(first.is_closed());
   RawClient second(dir_.socket(2));
   auto start = Clock::now();
-  ASSERT_TRUE(second.send(request_frame(1, kHangUp, le32(200))));
+  ASSERT_TRUE(second.send(request_frame(1, kHangUp, word(200))));
   EXPECT_TRUE(second.is_closed());
   EXPECT_GE(seconds_since(start), 0.2);
   EXPECT_EQ(server_.counters().exchanges, 0u);
@@ -198,7 +198,7 @@ TEST_F(Serving, AClientThatDoesNotReadItsAnswersIsDropped) {
   RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 64; ++i) {
-    Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, word(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
@@ -212,7 +212,7 @@ TEST_F(Serving, ASlowReaderGetsAllItsAnswers) {
   RawClient client(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 16; ++i) {
-    Bytes frame = request_frame(i, kPattern, le32(65535));
+    Bytes frame = request_frame(i, kPattern, word(65535));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(client.send(requests));
@@ -221,7 +221,7 @@ TEST_F(Serving, ASlowReaderGetsAllItsAnswers) {
     std::this_thread::sleep_for(milliseconds(10));
     Bytes answer = client.receive(65551);
     ASSERT_EQ(answer.size(), 65551u);
-    EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), le32(i));
+    EXPECT_EQ(Bytes(answer.begin() + 4, answer.begin() + 8), word(i));
     EXPECT_EQ(Bytes(answer.begin() + 16, answer.end()), reply);
   }
   EXPECT_EQ(server_.counters().stalled_clients, 0u);
@@ -238,7 +238,7 @@ TEST_F(Serving, AClientThatVanishesHalfWayIsCounted) {
 
 TEST_F(Serving, AClientThatVanishesBeforeItsAnswerIsNoticedAtOnce) {
   RawClient delayed(dir_.socket(2));
-  ASSERT_TRUE(delayed.send(request_frame(1, kDelayedEcho, le32(60000))));
+  ASSERT_TRUE(delayed.send(request_frame(1, kDelayedEcho, word(60000))));
   RawClient withheld(dir_.socket(2));
   ASSERT_TRUE(withheld.send(request_frame(1, kSilence, {})));
   std::this_thread::sleep_for(milliseconds(50));
@@ -268,7 +268,7 @@ TEST_F(Serving, RequestsSentTogetherHoldUpNobodyElse) {
   RawClient greedy(dir_.socket(2));
   Bytes requests;
   for (uint32_t i = 0; i < 50; ++i) {
-    Bytes frame = request_frame(i, kBusy, le32(20));
+    Bytes frame = request_frame(i, kBusy, word(20));
     requests.insert(requests.end(), frame.begin(), frame.end());
   }
   ASSERT_TRUE(greedy.send(requests));
@@ -318,9 +318,9 @@ TEST_F(Limited, HalfReceivedRequestsTakeNoMoreMemoryThanTold) {
 }
 
 TEST_F(Limited, ARequestBeyondTheLimitIsDroppedAndOthersAreServed) {
-  EXPECT_EQ(tell(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
+  EXPECT_EQ(post(2, kDigest, Bytes(2 * 1024 * 1024)).result, kLost);
   EXPECT_TRUE(server_.reaches(&olt_server_counters::over_limit_clients, 1));
-  EXPECT_EQ(tell(2, kDigest, Bytes(1024 * 1024)).result, 0);
+  EXPECT_EQ(post(2, kDigest, Bytes(1024 * 1024)).result, 0);
 }
 
 size_t virtual_memory() {
@@ -368,7 +368,7 @@ TEST(ServerEvents, GoToTheLogWhenNobodyTakesThem) {
   {
     ServerProcess server(dir.path());
     RawClient client(dir.socket(2));
-    ASSERT_TRUE(client.send(bytes_of("rubbish")));
+    ASSERT_TRUE(client.send(text("rubbish")));
     EXPECT_TRUE(client.is_closed());
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
@@ -438,7 +438,7 @@ TEST_F(Stopping, LeavesAServerThatCanRunAgain) {
 TEST_F(Stopping, DestroyingClosesWhatIsStillOpen) {
   RawClient delayed(olt_server_connect(server_, 2));
   std::thread runner([&] { EXPECT_EQ(run(), 0); });
-  ASSERT_TRUE(delayed.send(request_frame(1, kDelayedEcho, le32(60000))));
+  ASSERT_TRUE(delayed.send(request_frame(1, kDelayedEcho, word(60000))));
   std::this_thread::sleep_for(milliseconds(20));
   olt_server_stop(server_);
   runner.join();
@@ -453,7 +453,7 @@ TEST_F(Stopping, WaitsForOneHandlerAtMost) {
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 60; ++i) {
     clients.push_back(std::make_unique<RawClient>(olt_server_connect(server_, 2)));
-    ASSERT_TRUE(clients.back()->send(request_frame(1, kBusy, le32(50))));
+    ASSERT_TRUE(clients.back()->send(request_frame(1, kBusy, word(50))));
   }
   EXPECT_EQ(clients[0]->receive(16), kEmptyAnswer);
   auto start = Clock::now();
@@ -484,12 +484,12 @@ TEST(ServerLoad, AFloodOfConnectionsDoesNotHoldUpTheOthers) {
   TemporaryRunDir dir;
   testing::internal::CaptureStderr();
   ServerProcess server(dir.path());
-  EXPECT_EQ(tell(2, kEcho, {}).result, 0);
+  EXPECT_EQ(post(2, kEcho, {}).result, 0);
   ConnectFlood flood(dir.socket(2));
   std::this_thread::sleep_for(milliseconds(200));
   std::vector<double> times;
   for (int i = 0; i < 200; ++i) {
-    Exchanged one = tell(2, kEcho, {});
+    Exchanged one = post(2, kEcho, {});
     EXPECT_EQ(one.result, 0);
     times.push_back(one.seconds);
   }
@@ -533,7 +533,7 @@ TEST(ServerLimits, WithoutDescriptorsNewClientsWaitAndNothingSpins) {
       << errors;
 }
 
-// Sixteen descriptors stay free for what handlers open.
+// Sixteen descriptors stay free for handlers.
 TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
   TemporaryRunDir dir;
   testing::internal::CaptureStderr();
@@ -541,11 +541,11 @@ TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
     rlimit few{.rlim_cur = 40, .rlim_max = 40};
     setrlimit(RLIMIT_NOFILE, &few);
   });
-  EXPECT_EQ(tell(18, kEcho, {}).result, 0);
+  EXPECT_EQ(post(18, kEcho, {}).result, 0);
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 60; ++i) clients.push_back(std::make_unique<RawClient>(dir.socket(2)));
   std::this_thread::sleep_for(milliseconds(100));
-  EXPECT_EQ(tell(18, kOpenFiles, le32(16)).status, 0);
+  EXPECT_EQ(post(18, kOpenFiles, word(16)).status, 0);
   EXPECT_GT(open_descriptors_of(server.pid()), 20u);
   testing::internal::GetCapturedStderr();
 }

@@ -74,32 +74,21 @@ int exit_status(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+Exchanged timed_exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout,
+                         uint32_t no_reply) {
+  Exchanged all{};
+  auto start = Clock::now();
+  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
+                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
+                                  &all.handle, &all.status, no_reply, timeout);
+  all.seconds = seconds_since(start);
+  return all;
+}
+
 }  // namespace
 
 double seconds_since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-Bytes hex(std::string_view digits) {
-  Bytes bytes;
-  std::string pair;
-  for (char digit : digits) {
-    if (digit != ' ') pair += digit;
-    if (pair.size() == 2) {
-      bytes.push_back(static_cast<uint8_t>(std::stoul(pair, nullptr, 16)));
-      pair.clear();
-    }
-  }
-  return bytes;
-}
-
-Bytes bytes_of(std::string_view text) {
-  return Bytes(text.begin(), text.end());
-}
-
-Bytes le32(uint32_t value) {
-  return {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
-          static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)};
 }
 
 Bytes pattern(size_t length, uint32_t seed) {
@@ -115,23 +104,15 @@ Bytes pattern(size_t length, uint32_t seed) {
 Bytes digest(const uint8_t *data, size_t length) {
   uint32_t sum = 2166136261u;
   for (size_t i = 0; i < length; ++i) sum = (sum ^ data[i]) * 16777619u;
-  Bytes bytes = le32(static_cast<uint32_t>(length));
-  Bytes tail = le32(sum);
+  Bytes bytes = word(static_cast<uint32_t>(length));
+  Bytes tail = word(sum);
   bytes.insert(bytes.end(), tail.begin(), tail.end());
   return bytes;
 }
 
-TemporaryRunDir::TemporaryRunDir()
-    : base_(std::filesystem::temp_directory_path() / "olt-platform.XXXXXX") {
-  if (mkdtemp(base_.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-  path_ = base_ + "/run";
+TemporaryRunDir::TemporaryRunDir() {
   setenv("OLT_RUN_DIR", path_.c_str(), 1);
   drop_connections();
-}
-
-TemporaryRunDir::~TemporaryRunDir() {
-  std::error_code ignored;
-  std::filesystem::remove_all(base_, ignored);
 }
 
 void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
@@ -141,7 +122,7 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
       return echo(*request, answer);
     case kStatus:
       answer->status = static_cast<uint16_t>(parameter(*request, 0));
-      return reply_with(answer, bytes_of("reason"));
+      return reply_with(answer, text("reason"));
     case kDelayedEcho:
       answer->delay_ms = parameter(*request, 0);
       return echo(*request, answer);
@@ -165,7 +146,7 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
       raise(SIGKILL);
       return;
     case kCount:
-      return reply_with(answer, le32(counted));
+      return reply_with(answer, word(counted));
     case kCounted:
       ++counted;
       return;
@@ -365,7 +346,7 @@ Bytes receive_bytes(int socket, size_t length) {
 }
 
 Bytes answer_frame(const Bytes &request, std::string_view rest) {
-  Bytes frame = bytes_of("OLA1");
+  Bytes frame = text("OLA1");
   frame.insert(frame.end(), request.begin() + 4, request.begin() + 8);
   Bytes tail = hex(rest);
   frame.insert(frame.end(), tail.begin(), tail.end());
@@ -373,9 +354,9 @@ Bytes answer_frame(const Bytes &request, std::string_view rest) {
 }
 
 Bytes request_frame(uint32_t sequence, uint32_t type, const Bytes &data, uint32_t flags) {
-  Bytes frame = bytes_of("OLQ1");
-  for (uint32_t word : {sequence, type, flags, static_cast<uint32_t>(data.size())}) {
-    Bytes bytes = le32(word);
+  Bytes frame = text("OLQ1");
+  for (uint32_t value : {sequence, type, flags, static_cast<uint32_t>(data.size())}) {
+    Bytes bytes = word(value);
     frame.insert(frame.end(), bytes.begin(), bytes.end());
   }
   frame.insert(frame.end(), data.begin(), data.end());
@@ -388,13 +369,7 @@ Bytes Exchanged::bytes() const {
 }
 
 Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
-  Exchanged all{};
-  auto start = Clock::now();
-  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
-                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
-                                  &all.handle, &all.status, 0, timeout);
-  all.seconds = seconds_since(start);
-  return all;
+  return timed_exchange(module, type, std::move(request), timeout, 0);
 }
 
 Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint32_t timeout) {
@@ -405,14 +380,8 @@ Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint3
   return bytes;
 }
 
-Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
-  Exchanged all{};
-  auto start = Clock::now();
-  all.result = platmsg_syn_result(type, module, request.empty() ? nullptr : request.data(),
-                                  static_cast<uint32_t>(request.size()), &all.reply, &all.length,
-                                  &all.handle, &all.status, 1, timeout);
-  all.seconds = seconds_since(start);
-  return all;
+Exchanged post(uint32_t module, uint32_t type, Bytes request, uint32_t timeout) {
+  return timed_exchange(module, type, std::move(request), timeout, 1);
 }
 
 ChildResult run_in_child(const std::function<int()> &body) {
@@ -447,7 +416,7 @@ size_t open_descriptors_of(pid_t process) {
 
 void drop_connections() {
   olt_connect_through(nullptr, nullptr);
-  tell(4294967295u, 0, {}, 0);
+  post(4294967295u, 0, {}, 0);
 }
 
 }  // namespace olt::test

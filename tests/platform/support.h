@@ -17,19 +17,16 @@
 
 #include "base/clock.h"
 #include "platform/olthost.h"
+#include "tests/support/bytes.h"
+#include "tests/support/folder.h"
 
 namespace olt::test {
 
-using Bytes = std::vector<uint8_t>;
 using Clock = std::chrono::steady_clock;
 
 double seconds_since(Clock::time_point start);
 
-/// Bytes from hexadecimal digits; blanks are for the reader.
-Bytes hex(std::string_view digits);
-Bytes bytes_of(std::string_view text);
-Bytes le32(uint32_t value);
-/// Bytes that show a shift, a repetition or a swap.
+/// Bytes in which a shift, a repetition or a swap shows.
 Bytes pattern(size_t length, uint32_t seed);
 /// Length and a sum that depends on every byte and its place, as the module of act() computes it.
 Bytes digest(const uint8_t *data, size_t length);
@@ -38,27 +35,24 @@ Bytes digest(const uint8_t *data, size_t length);
 class TemporaryRunDir {
  public:
   TemporaryRunDir();
-  TemporaryRunDir(const TemporaryRunDir &) = delete;
-  TemporaryRunDir &operator=(const TemporaryRunDir &) = delete;
-  ~TemporaryRunDir();
 
-  const std::string &base() const { return base_; }
+  const std::string &base() const { return folder_.path(); }
   const std::string &path() const { return path_; }
   std::string socket(uint32_t module) const { return path_ + "/module-" + std::to_string(module); }
 
  private:
-  std::string base_;
-  std::string path_;
+  const Folder folder_;
+  const std::string path_ = folder_ / "run";
 };
 
-/// What act() does with a request; its first bytes are the parameters, as le32.
+/// What act() does with a request, which begins with the parameters, as words.
 enum Act : uint32_t {
   kEcho = 1,          ///< the request comes back
-  kStatus = 2,        ///< status of the first parameter, and "reason" as reply
-  kDelayedEcho = 3,   ///< the request comes back after so many milliseconds
+  kStatus = 2,        ///< the first parameter is the status; the reply is "reason"
+  kDelayedEcho = 3,   ///< the request comes back after that many milliseconds
   kSilence = 4,       ///< no answer
-  kHangUp = 5,        ///< the connection is closed after so many milliseconds
-  kPattern = 6,       ///< a reply of so many bytes of pattern(length, 6)
+  kHangUp = 5,        ///< the connection is closed after that many milliseconds
+  kPattern = 6,       ///< a reply of that many bytes of pattern(length, 6)
   kDigest = 7,        ///< the digest of the request
   kThrow = 8,         ///< the handler throws
   kTooLong = 9,       ///< a reply of 65,536 bytes
@@ -67,8 +61,8 @@ enum Act : uint32_t {
   kCounted = 12,      ///< status 0
   kNullReply = 13,    ///< a reply length without a reply
   kNoReplyFlag = 14,  ///< status is the request's no-reply flag
-  kBusy = 15,         ///< the handler itself takes so many milliseconds
-  kOpenFiles = 16     ///< opens so many files at once; status is the number that failed
+  kBusy = 15,         ///< the handler itself takes that many milliseconds
+  kOpenFiles = 16     ///< opens that many files at once; the status is the number that failed
 };
 void act(void *context, const olt_request *request, olt_answer *answer);
 
@@ -116,14 +110,14 @@ class ServerProcess {
   ~ServerProcess() { kill(); }
 
   pid_t pid() const { return pid_; }
-  /// SIGKILL, and waits until it is gone.
+  /// Kills it and waits for its end.
   void kill();
 
  private:
   pid_t pid_ = -1;
 };
 
-/// A module that is not served by olt_server: one connection after the other goes to the script.
+/// A module without olt_server: passes one connection after the other to the script.
 class FakeModule {
  public:
   FakeModule(const std::string &socket_path, std::function<void(int socket)> script);
@@ -152,9 +146,9 @@ class RawClient {
   int get() const { return socket_; }
   void close();
   bool send(const Bytes &bytes) const;
-  /// At most so many bytes; fewer at the end of the stream or after five seconds.
+  /// Receives up to length bytes; fewer at the end of the stream or after five seconds.
   Bytes receive(size_t length) const;
-  /// True when the stream ends within five seconds, with nothing before.
+  /// Whether the stream ends within five seconds without another byte.
   bool is_closed() const;
 
  private:
@@ -186,14 +180,14 @@ struct Exchanged {
 Exchanged exchange(uint32_t module, uint32_t type, Bytes request, uint32_t timeout = 10);
 /// The same, released; empty when the exchange failed.
 Bytes exchange_bytes(uint32_t module, uint32_t type, const Bytes &request, uint32_t timeout = 10);
-/// Only the status is wanted.
-Exchanged tell(uint32_t module, uint32_t type, Bytes request, uint32_t timeout = 10);
+/// Asks for the status alone.
+Exchanged post(uint32_t module, uint32_t type, Bytes request, uint32_t timeout = 10);
 
 struct ChildResult {
   int status = -1;  ///< exit status, or 128 and the signal
   std::string errors;
 };
-/// Runs the body in a child process, which then exits as the body says.
+/// Runs the body in a child process, which exits with its result.
 ChildResult run_in_child(const std::function<int()> &body);
 
 size_t open_descriptors();

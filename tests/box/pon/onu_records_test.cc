@@ -4,7 +4,6 @@
 
 #include <optional>
 
-#include "box/families.h"
 #include "tests/box/support.h"
 
 namespace olt::test {
@@ -14,23 +13,6 @@ namespace {
 using box::OnuPart;
 using box::OnuRecords;
 using box::Scope;
-
-/// Hardware and families in a state directory, without messages.
-struct Families {
-  explicit Families(const Folder &folder)
-      : directory(folder / "state", std::chrono::milliseconds(0)),
-        state(topology, TimePoint()),
-        hardware(topology, directory, box::Listings(folder / "run", std::nullopt, 0),
-                 [] { return TimePoint(); }) {
-    hardware.set_families(make_families(hardware, state));
-    hardware.start(box::Misfits::kRefuse);
-  }
-
-  box::Topology topology;
-  box::StateDirectory directory;
-  box::SharedState state;
-  box::Hardware hardware;
-};
 
 /// The first ONU, or its first part.
 OnuPart place_in(const OnuRecords::Entry &entry) {

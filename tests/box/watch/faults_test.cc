@@ -1,4 +1,4 @@
-// Faults: which requests they strike and how, and how they are armed and cleared. In their JSON,
+// Faults: which requests they affect and how, and how they are armed and cleared. In their JSON,
 // types are numbers: 2 is kSetDebugEnable, 12 kGetOltMac, 56 kSetSnmpParam, 83 kSetLogLevel.
 
 #include "box/watch/faults.h"

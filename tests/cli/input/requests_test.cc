@@ -1,5 +1,5 @@
-// What the words of a command line become on the wire, and what comes back, with a module that
-// records requests and answers as a test says.
+// The requests that command lines send, and the results of the replies, with a module that records
+// requests and answers as scripted.
 
 #include <gtest/gtest.h>
 
