@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include "catalog/wire_map.h"
+
 namespace olt::catalog {
 
 /// What a field holds; each kind has one text form.
@@ -120,7 +122,13 @@ struct Address {
   uint16_t message_type;
   uint8_t module;
   uint8_t second_module;  ///< asked when the first one accepted
+  uint8_t timeout = 10;   ///< seconds that each of them has to answer
 };
+
+constexpr Address within(uint8_t seconds, Address address) {
+  address.timeout = seconds;
+  return address;
+}
 
 /// What results mean. 0 is always success; other results are the transport's and the module's
 /// unless they are named here.
@@ -141,6 +149,8 @@ struct Operation {
   size_t argument_count = 0;
   std::array<Argument, kMostArguments> argument_room{};
   Outcome outcome{};
+  Message request{};
+  Message reply{};
 
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};

@@ -43,6 +43,11 @@ constexpr Field padded(Field field) {
   return field;
 }
 
+constexpr Field listing(Field field) {
+  field.kind = FieldKind::kListing;
+  return field;
+}
+
 constexpr Field reserved(Field field) {
   field.role = Role::kReserved;
   return field;
@@ -403,6 +408,153 @@ inline constexpr Field kAuthRowFields[] = {
 static_assert(fill<box::AuthRow>(kAuthRowFields) && sizeof(box::AuthRow) == sizeof(olt_auth_row));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_auth_row> = kAuthRowFields;
+
+// Records that operations compose of their arguments.
+
+inline constexpr Field kListingRequestFields[] = {
+    reserved(OLT_FIELD(box::ListingRequest, reserved_00)),
+    row_name(OLT_FIELD(box::ListingRequest, slot)),
+    row_name(OLT_FIELD(box::ListingRequest, number)),
+    OLT_FIELD(box::ListingRequest, vlan),
+    reserved(OLT_FIELD(box::ListingRequest, reserved_10)),
+};
+static_assert(fill<box::ListingRequest>(kListingRequestFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::ListingRequest> = kListingRequestFields;
+
+inline constexpr Field kListingReplyFields[] = {
+    reserved(OLT_FIELD(box::ListingReply, reserved_00)),
+    listing(OLT_FIELD(box::ListingReply, name)),
+};
+static_assert(fill<box::ListingReply>(kListingReplyFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::ListingReply> = kListingReplyFields;
+
+/// A reply that is the name alone.
+inline constexpr Field kListingNameFields[] = {listing(OLT_FIELD(box::ListingName, name))};
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::ListingName> = kListingNameFields;
+
+inline constexpr Field kUplinkAggregationFields[] = {
+    reserved(OLT_FIELD(box::UplinkAggregation, reserved_00)),
+    OLT_FIELD(box::UplinkAggregation, upport_agg),
+    reserved(OLT_FIELD(box::UplinkAggregation, reserved_0c)),
+};
+static_assert(fill<box::UplinkAggregation>(kUplinkAggregationFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::UplinkAggregation> =
+    kUplinkAggregationFields;
+
+inline constexpr Field kVlanQueryFields[] = {
+    selector(OLT_FIELD(box::VlanQuery, kind)), row_name(OLT_FIELD(box::VlanQuery, slot)),
+    row_name(OLT_FIELD(box::VlanQuery, port)), reserved(OLT_FIELD(box::VlanQuery, reserved_0c)),
+    OLT_FIELD(box::VlanQuery, description),
+};
+static_assert(fill<box::VlanQuery>(kVlanQueryFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::VlanQuery> = kVlanQueryFields;
+
+inline constexpr Field kTrunkFields[] = {
+    row_name(OLT_FIELD(box::TrunkHead, slot)),
+    row_name(OLT_FIELD(box::TrunkHead, port)),
+    OLT_FIELD(box::TrunkHead, trunk_value),
+    reserved(OLT_FIELD(box::TrunkHead, reserved_0c)),
+};
+static_assert(fill<box::TrunkHead>(kTrunkFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::TrunkHead> = kTrunkFields;
+
+inline constexpr Field kPonInterfaceFields[] = {
+    row_name(OLT_FIELD(box::PonInterface, slot)),
+    row_name(OLT_FIELD(box::PonInterface, interface)),
+    reserved(OLT_FIELD(box::PonInterface, reserved_08)),
+    OLT_FIELD(box::PonInterface, auth_mode),
+    reserved(OLT_FIELD(box::PonInterface, reserved_28)),
+};
+static_assert(fill<box::PonInterface>(kPonInterfaceFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::PonInterface> = kPonInterfaceFields;
+
+inline constexpr Field kBoxTargetFields[] = {
+    row_name(OLT_FIELD(box::OntTarget, slot)),
+    row_name(OLT_FIELD(box::OntTarget, interface)),
+    row_name(OLT_FIELD(box::OntTarget, onu)),
+    selector(OLT_FIELD(box::OntTarget, target_kind)),
+    row_name(OLT_FIELD(box::OntTarget, part)),
+    reserved(OLT_FIELD(box::OntTarget, reserved_14)),
+    OLT_FIELD(box::OntTarget, mac),
+    reserved(OLT_FIELD(box::OntTarget, reserved_22)),
+    OLT_FIELD(box::OntTarget, mac_word),
+    OLT_FIELD(box::OntTarget, user_traffic),
+};
+static_assert(fill<box::OntTarget>(kBoxTargetFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::OntTarget> = kBoxTargetFields;
+
+inline constexpr Field kFeatureRequestFields[] = {
+    row_name(OLT_FIELD(box::FeatureRequest, slot)),
+    row_name(OLT_FIELD(box::FeatureRequest, interface)),
+    row_name(OLT_FIELD(box::FeatureRequest, onu)),
+    selector(OLT_FIELD(box::FeatureRequest, target_kind)),
+    reserved(OLT_FIELD(box::FeatureRequest, reserved_10)),
+    OLT_FIELD(box::FeatureRequest, mac),
+    reserved(OLT_FIELD(box::FeatureRequest, reserved_22)),
+    OLT_FIELD(box::FeatureRequest, feature),
+};
+static_assert(fill<box::FeatureRequest>(kFeatureRequestFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::FeatureRequest> = kFeatureRequestFields;
+
+/// The same record: the target is one argument.
+inline constexpr Field kDescriptionRequestFields[] = {
+    {"ont", 0, offsetof(box::FeatureRequest, target_kind), FieldKind::kOnt, Role::kRowName},
+    selector(OLT_FIELD(box::FeatureRequest, target_kind)),
+    {"description", offsetof(box::FeatureRequest, feature), sizeof(box::FeatureRequest::feature),
+     FieldKind::kPadded},
+};
+
+inline constexpr Field kChannelRequestFields[] = {
+    OLT_FIELD(box::ChannelRequest, channel),
+    row_name(padded(OLT_FIELD(box::ChannelRequest, profile))),
+};
+static_assert(fill<box::ChannelRequest>(kChannelRequestFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::ChannelRequest> = kChannelRequestFields;
+
+inline constexpr Field kProfileNameFields[] = {
+    {"profile", 0, sizeof(box::ProfileName), FieldKind::kPadded, Role::kRowName},
+};
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::ProfileName> = kProfileNameFields;
+
+inline constexpr Field kOntProfileFields[] = {
+    {"ont", 0, sizeof(box::OntTarget), FieldKind::kOnt, Role::kRowName},
+    {"profile", sizeof(box::OntTarget), sizeof(box::ProfileName), FieldKind::kPadded},
+};
+
+inline constexpr Field kOntInterfaceNameFields[] = {
+    {"ont", 0, sizeof(box::OntTarget), FieldKind::kOnt, Role::kRowName},
+    {"interface_name", sizeof(box::OntTarget), sizeof(box::InterfaceName), FieldKind::kText},
+};
+
+/// Two bytes shorter than what the reply fills.
+inline constexpr Field kOntStripFields[] = {
+    {"ont", 0, sizeof(box::OntTarget), FieldKind::kOnt, Role::kRowName},
+    {"strip", sizeof(box::OntTarget), sizeof(box::UniStripRow::strip), FieldKind::kBytes},
+};
+
+inline constexpr Field kUserChannelFields[] = {
+    {"user_address", offsetof(box::UserChannelRecord, user), sizeof(box::UserChannelRecord::user),
+     FieldKind::kMac, Role::kRowName},
+    reserved(OLT_FIELD(box::UserChannelRecord, reserved_06)),
+    OLT_FIELD(box::UserChannelRecord, a),
+    OLT_FIELD(box::UserChannelRecord, b),
+    OLT_FIELD(box::UserChannelRecord, c),
+    OLT_FIELD(box::UserChannelRecord, d),
+};
+static_assert(fill<box::UserChannelRecord>(kUserChannelFields));
+template <>
+inline constexpr std::span<const Field> kFieldsOf<box::UserChannelRecord> = kUserChannelFields;
 
 }  // namespace olt::catalog
 

@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "catalog/composition.h"
 #include "catalog/operation.h"
 #include "catalog/records.h"
 
@@ -186,7 +187,8 @@ template <typename... Parameters, int32_t (*Function)(Parameters...)>
 struct Binding<Function> {
   /// A throw stops the compiler: a row that does not fit its function does not compile.
   static constexpr Operation row(const char *name, Address address, const char *summary,
-                                 std::initializer_list<Mark> marks = {}) {
+                                 std::initializer_list<Mark> marks = {},
+                                 const Composition &request = {}, const Composition &reply = {}) {
     Operation operation{.name = name, .address = address, .summary = summary, .call = call};
     const std::array<Parameter, kCount> parameters{ParameterOf<Parameters>::kValue...};
     const Mark *mark = marks.begin();
@@ -204,6 +206,10 @@ struct Binding<Function> {
       }
     }
     if (mark != marks.end()) throw "a name without a parameter";
+    if (address.sends()) {
+      operation.request = request_of(operation, request);
+      operation.reply = reply_of(operation, reply);
+    }
     return operation;
   }
 

@@ -37,8 +37,11 @@ inline constexpr Operation kSnmpOnuTables[] = {
                   "Reads a UNI port's downstream rates, with its target", {in_out("ont"), "rates"}),
     OLT_OPERATION(process_onu_portvlanmode, 98, "Reads a UNI port's VLAN mode, with its target",
                   {in_out("ont"), "mode"}),
-    OLT_OPERATION(process_onu_portstrip, 99, "Reads a UNI port's multicast stripping",
-                  {in_out("ont"), in_out("strip")}),
+    OLT_OPERATION(
+        process_onu_portstrip, 99, "Reads a UNI port's multicast stripping",
+        {in_out("ont"), in_out("strip")},
+        Composition(kOntStripFields, sizeof(box::OntTarget) + sizeof(box::UniStripRow::strip),
+                    Origin::kAny, {})),
     OLT_OPERATION(process_onu_portmuticastvlan, 100, "Reads a UNI port's multicast VLANs",
                   {in_out("ont"), "vlans"}),
     OLT_OPERATION(process_onu_portmuticastmaxgroup, 101,

@@ -94,6 +94,11 @@ struct ListingReply {
 static_assert(sizeof(ListingReply) == 80);
 OLT_AT(ListingReply, name, 48);
 
+struct ListingName {
+  char name[32];
+};
+static_assert(sizeof(ListingName) == 32);
+
 // The OLT's Ethernet side.
 
 struct PortRecord {
@@ -319,6 +324,22 @@ OLT_AT(OntTarget, part, 16);
 OLT_AT(OntTarget, mac, 28);
 OLT_AT(OntTarget, mac_word, 36);
 OLT_AT(OntTarget, user_traffic, 40);
+
+/// Sets the features of an ONU, or its description.
+struct FeatureRequest {
+  uint32_t slot;
+  uint32_t interface;
+  uint32_t onu;
+  uint32_t target_kind;
+  uint8_t reserved_10[12];
+  uint8_t mac[6];
+  uint8_t reserved_22[54];
+  uint32_t feature[12];
+};
+static_assert(sizeof(FeatureRequest) == 136);
+OLT_AT(FeatureRequest, target_kind, 12);
+OLT_AT(FeatureRequest, mac, 28);
+OLT_AT(FeatureRequest, feature, 88);
 
 /// A target that returns the group limit of a UNI port.
 struct GroupLimitTarget {
@@ -610,6 +631,14 @@ static_assert(sizeof(IptvChannelRow) == 56);
 OLT_AT(IptvChannelRow, profile, 4);
 OLT_AT(IptvChannelRow, number, 36);
 OLT_AT(IptvChannelRow, settings, 40);
+
+/// Adds a channel to a profile, or deletes it.
+struct ChannelRequest {
+  IptvChannelRow channel;
+  char profile[32];
+};
+static_assert(sizeof(ChannelRequest) == 88);
+OLT_AT(ChannelRequest, profile, 56);
 
 struct IptvProfileRow {
   uint32_t selector;
