@@ -252,17 +252,34 @@ constexpr Message request_of(const Operation &operation, const Composition &comp
 /// Replies with the name of a listing about the OLT have it where box::ListingReply does.
 constexpr Message reply_of(const Operation &operation, const Composition &composition) {
   wire::Wanted outputs{};
+  size_t count = 0;
   bool is_listing = false;
   for (size_t i = 0; i < operation.argument_count; ++i) {
     const Argument &argument = operation.argument_room[i];
     outputs[i] = argument.is_output();
+    count += outputs[i] ? 1 : 0;
     is_listing = is_listing || argument.form == FieldKind::kListing;
   }
   bool is_about_an_ont = operation.argument_room[0].form == FieldKind::kOnt;
-  bool is_listing_of_the_olt = is_listing && !is_about_an_ont && !composition.is_given();
+  bool is_listing_of_the_olt =
+      is_listing && count == 1 && !is_about_an_ont && !composition.is_given();
   return wire::message(operation.arguments(), outputs,
                        is_listing_of_the_olt ? from_record<box::ListingReply>() : composition,
                        true);
+}
+
+/// A word that becomes a field of a record means what the field does.
+constexpr void adopt_meanings(Operation &operation, const Message &message,
+                              std::span<const Field> record) {
+  for (const Part &part : message.parts()) {
+    Argument &argument = operation.argument_room[part.argument];
+    if (part.origin != Origin::kArgument || argument.form != FieldKind::kNumber) continue;
+    for (const Field &field : record) {
+      if (field.offset != part.offset || field.kind != FieldKind::kNumber) continue;
+      argument.values = field.values;
+      argument.unit = field.unit;
+    }
+  }
 }
 
 }  // namespace olt::catalog

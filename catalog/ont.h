@@ -19,7 +19,7 @@ inline constexpr Operation kOntVoice[] = {
                   {"ont", "account"}),
     OLT_OPERATION(show_ont_voipline, 137, "Lists the voice lines of an ONT", {"ont", "name"}),
     OLT_OPERATION(set_voip_linestatus, 138, "Sets the status of a voice line",
-                  {"ont", "line_status"}),
+                  {"ont", named(kOffOn, "line_status")}),
     OLT_OPERATION(show_ont_faxmode, 139, "Lists the fax mode of an ONT", {"ont", "name"}),
     OLT_OPERATION(show_ont_sipconfiguration, 140, "Lists the SIP configuration of an ONT",
                   {"ont", "name"}),
@@ -44,7 +44,7 @@ inline constexpr Operation kOntWan[] = {
     OLT_OPERATION(show_ont_wanconnection, 146, "Lists the WAN connections of an ONT",
                   {"ont", "name"}),
     OLT_OPERATION(do_ont_configuration, 147, "Starts a configuration action on an ONT",
-                  {"ont", "config_action"}),
+                  {"ont", named(kConfigurationActions, "config_action")}),
 };
 
 inline constexpr Operation kIptv[] = {

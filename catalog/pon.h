@@ -126,7 +126,8 @@ inline constexpr Operation kOnuLinks[] = {
                                                   {"target_b", "interface"},
                                                   {"target_c", "onu"},
                                                   constant(1, "target_kind")})),
-    OLT_OPERATION(add_ont_description, 44, "Adds a description to an ONU", {"ont", "description"},
+    OLT_OPERATION(add_ont_description, 44, "Adds a description to an ONU",
+                  {"ont", as_text("description")},
                   Composition(kDescriptionRequestFields, sizeof(box::FeatureRequest), Origin::kAny,
                               {constant(1, "target_kind")})),
 };
@@ -149,7 +150,7 @@ inline constexpr Operation kUniPorts[] = {
     OLT_OPERATION(set_ont_port_basicinfo, 132, "Sets the basic information of a UNI port",
                   {"ont", "info"}),
     OLT_OPERATION(set_ont_port_description, 84, "Sets the description of a UNI port",
-                  {"ont", "description"}),
+                  {"ont", as_text("description")}),
     OLT_OPERATION(show_ont_port_basicinfo, 133, "Lists the basic information of a UNI port",
                   {"ont", "name"}),
     OLT_OPERATION(set_ont_port_policying, 130, "Sets the policing of a UNI port",
@@ -159,11 +160,12 @@ inline constexpr Operation kUniPorts[] = {
 };
 
 inline constexpr Operation kOntMulticast[] = {
-    with(kAnyFailure,
-         OLT_OPERATION(get_ont_port_muticastgrounp, 120,
-                       "Reads how many multicast groups a UNI port may have", {"ont", "value"})),
+    with(kAnyFailure, OLT_OPERATION(get_ont_port_muticastgrounp, 120,
+                                    "Reads how many multicast groups a UNI port may have",
+                                    {"ont", named(kNoLimit, "value")})),
     OLT_OPERATION(set_ont_port_muticastgrounp, 121,
-                  "Sets how many multicast groups a UNI port may have", {"ont", "value"}),
+                  "Sets how many multicast groups a UNI port may have",
+                  {"ont", named(kNoLimit, "value")}),
     OLT_OPERATION(show_ont_port_muticastvlan, 122, "Lists the multicast VLANs of a UNI port",
                   {"ont", "name"}),
     OLT_OPERATION(clear_ont_port_muticastvlan, 123, "Clears the multicast VLANs of a UNI port",
@@ -179,7 +181,7 @@ inline constexpr Operation kOntMulticast[] = {
     OLT_OPERATION(show_ont_muticast_group, 148, "Lists the multicast groups of an ONT",
                   {"ont", "name"}),
     OLT_OPERATION(set_ont_fastleave, 154, "Sets the IGMP fast leave of a UNI port",
-                  {"ont", "value"}),
+                  {"ont", named(kOffOn, "value")}),
 };
 
 }  // namespace olt::catalog

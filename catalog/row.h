@@ -31,6 +31,8 @@ struct Mark {
   std::optional<FieldKind> form{};
   uint32_t size = 0;
   std::span<const Field> fields{};
+  std::span<const ValueName> values{};
+  const char *unit = nullptr;
 };
 
 /// A text of at most that many bytes, a word up to that value: what the library or the record
@@ -82,9 +84,32 @@ constexpr Mark whole_reply(Mark mark) {
   return mark;
 }
 
+/// A block whose fields take at least so many bytes.
+constexpr Mark sized(uint32_t size, Mark mark) {
+  mark.size = size;
+  return mark;
+}
+
 /// A record with fields other than those of its type.
 constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
   mark.fields = fields;
+  return mark;
+}
+
+/// A record that is one text.
+constexpr Mark as_text(Mark mark) {
+  mark.form = FieldKind::kPadded;
+  return mark;
+}
+
+/// A number that has names.
+constexpr Mark named(std::span<const ValueName> values, Mark mark) {
+  mark.values = values;
+  return mark;
+}
+
+constexpr Mark in_unit(const char *unit, Mark mark) {
+  mark.unit = unit;
   return mark;
 }
 
@@ -107,17 +132,17 @@ struct ParameterOf<const char *> {
 template <>
 struct ParameterOf<uint32_t> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(uint32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<int32_t> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(int32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<uint32_t *> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kOut, sizeof(uint32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<char *> {
@@ -177,7 +202,9 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .fields = mark.fields.empty() ? parameter.fields : mark.fields,
           .most = mark.most,
           .secret = mark.is_secret,
-          .optional = mark.is_optional};
+          .optional = mark.is_optional,
+          .values = mark.values,
+          .unit = mark.unit};
 }
 
 template <auto Function>
@@ -209,6 +236,8 @@ struct Binding<Function> {
     if (address.sends()) {
       operation.request = request_of(operation, request);
       operation.reply = reply_of(operation, reply);
+      adopt_meanings(operation, operation.request, request.record);
+      adopt_meanings(operation, operation.reply, reply.record);
     }
     return operation;
   }
@@ -221,7 +250,7 @@ struct Binding<Function> {
   }
 
   static constexpr bool is_word(const Parameter &parameter, Direction direction) {
-    return parameter.form == FieldKind::kWord && parameter.direction == direction;
+    return parameter.form == FieldKind::kNumber && parameter.direction == direction;
   }
 
   static int32_t call(void *const *slots) {

@@ -118,7 +118,14 @@ inline constexpr Operation kRstp[] = {
                   {"port"}),
     OLT_OPERATION(get_rstp_brief, {174, kRstpModule},
                   "Reads the RSTP summary of the port that the keys select", {in_out("brief")}, {},
-                  from_record<olt_rstp_brief>({{"brief", "values"}})),
+                  from_record<olt_rstp_brief>({{"brief", "active"},
+                                               {"brief", "role"},
+                                               {"brief", "state"},
+                                               {"brief", "priority"},
+                                               {"brief", "path_cost"},
+                                               {"brief", "bridge_priority"},
+                                               {"brief", "edge"},
+                                               {"brief", "seconds"}})),
 };
 
 inline constexpr Operation kIgmpProxy[] = {
@@ -127,8 +134,9 @@ inline constexpr Operation kIgmpProxy[] = {
     OLT_OPERATION(get_igmpproxy_config, within(20, 151), "Reads the IGMP proxy settings",
                   {"config"}),
     OLT_OPERATION(set_igmpproxy_config, 152, "Sets the IGMP proxy settings", {"config"}),
-    OLT_OPERATION(get_igmpproxy_config_all, within(20, 153),
-                  "Reads the whole IGMP proxy configuration", {whole_reply("dump")}),
+    OLT_OPERATION(
+        get_igmpproxy_config_all, within(20, 153), "Reads the whole IGMP proxy configuration",
+        {laid_out(kIgmpProxyDumpFields, sized(box::kIgmpProxyDumpHead, whole_reply("dump")))}),
 };
 
 }  // namespace olt::catalog

@@ -92,21 +92,25 @@ inline constexpr Operation kLogAndDebug[] = {
         process_switchdebug_value, 40,
         "Writes (debug_op not 0) or reads a debug value of the switch", {in_out("value")}, {},
         only_if_zero("debug_op", from_record<olt_switch_debug>({{"value", "debug_value"}}))),
-    OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log", {"name", "value"}, {},
-                  from_record<box::ListingName>()),
+    OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log",
+                  {"name", named(kAllModules, "value")}, {}, from_record<box::ListingName>()),
     OLT_OPERATION(set_system_logfilesize, {82, kLogModule, Address::kMain},
-                  "Sets the size of the log files", {"value"}),
+                  "Sets the size of the log files", {in_unit("KiB", "value")}),
     OLT_OPERATION(set_system_loglevel, {83, kLogModule, Address::kMain},
-                  "Sets the level from which messages are logged", {"value"}),
+                  "Sets the level from which messages are logged", {named(kLogLevels, "value")}),
 };
 
 inline constexpr Operation kFirmwareUpdate[] = {
     OLT_OPERATION(do_handle_epon_updatestream, within(60, 11),
-                  "Sends a piece of an OLT firmware update", {"request", "answer"}),
+                  "Sends a piece of an OLT firmware update",
+                  {laid_out(kUpdatePieceFields, "request"),
+                   laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))}),
     OLT_OPERATION(do_handle_epon_updatestream_onu, within(60, 64),
-                  "Sends a piece of an ONU firmware update", {"request", "answer"}),
+                  "Sends a piece of an ONU firmware update",
+                  {laid_out(kUpdatePieceFields, "request"),
+                   laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))}),
     OLT_OPERATION(get_card_updatestatus, 61, "Reads the progress of the card's firmware update",
-                  {"value"}),
+                  {in_unit("%", named(kUpdateProgress, "value"))}),
 };
 
 }  // namespace olt::catalog

@@ -46,7 +46,7 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
     box_.open_flash(operation.name);
   }
   int32_t code = call.make();
-  Result result = result_of(call, code, options_.show_secrets);
+  Result result = result_of(call, code, options_.detail);
   if (!result.failed()) write_files(call);
   std::optional<Error> unread;
   if (result.listing) {
@@ -64,7 +64,7 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
 }
 
 void Session::run_walk(const std::string &reader) {
-  Walk walk(box_, reader, options_.show_secrets);
+  Walk walk(box_, reader, options_.detail);
   bool has_rows = false;
   try {
     while (auto row = walk.next()) {

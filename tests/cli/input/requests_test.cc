@@ -55,7 +55,7 @@ class Requests : public testing::Test {
     olt::cli::read_arguments(call, std::span(words).subspan(1));
     int32_t result = call.make();
     EXPECT_EQ(result, 0);
-    return olt::cli::make_text_formatter()->result(olt::cli::result_of(call, result, false));
+    return olt::cli::make_text_formatter()->result(olt::cli::result_of(call, result, {}));
   }
 
   std::string request_of(const Words &words) {

@@ -19,13 +19,14 @@ using olt::catalog::FieldKind;
 using olt::cli::Call;
 using olt::cli::make_json_formatter;
 using olt::cli::make_text_formatter;
+using olt::cli::NamedValue;
 using olt::cli::NamedValues;
 using olt::cli::Result;
 
 /// A call's result with the text of its listing.
 Result shown(const Call &call, int32_t code, const std::optional<std::string> &listing,
              bool secrets) {
-  Result result = olt::cli::result_of(call, code, secrets);
+  Result result = olt::cli::result_of(call, code, {.secrets = secrets, .all = true});
   if (result.listing) result.listing->text = listing;
   return result;
 }
@@ -92,7 +93,7 @@ int32_t reads_a_row(olt_iptv_profile_row *row, olt_auth_row *words) {
   words->words[1] = 1;
   return 0;
 }
-constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kWord},
+constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kNumber},
                                  {"rest", 4, Field::kToTheEnd, FieldKind::kBytes}};
 constexpr auto kRow =
     OLT_OPERATION(reads_a_row, 1, "", {"row", olt::catalog::laid_out(kSomeFields, "words")});
@@ -190,13 +191,20 @@ TEST(Format, JsonHoldsNoControlCharacters) {
   EXPECT_EQ(nlohmann::json::parse(line)["listing"]["text"], "\x1b\x7f\xc2\x9b\xc2\xa0");
 }
 
+NamedValue value(const char *name, FieldKind kind, const std::string &bytes) {
+  Field field = {
+      .name = name, .offset = 0, .width = static_cast<uint32_t>(bytes.size()), .kind = kind};
+  return {field, {bytes.begin(), bytes.end()}};
+}
+
 TEST(Format, RowsAreATableOrALineEach) {
-  using olt::catalog::Role;
-  NamedValues row = {{"port", Role::kRowName, 1U},
-                     {"name", Role::kPlain, std::string("\x1b\xff")},
-                     {"bytes", Role::kPlain, olt::Bytes{1, 0xAB}},
-                     {"words", Role::kPlain, std::vector<uint32_t>{10, 20}},
-                     {"empty", Role::kPlain, std::string()}};
+  NamedValues row = {
+      value("port", FieldKind::kNumber, std::string("\x01\0\0\0", 4)),
+      value("name", FieldKind::kPadded, "\x1b\xff"),
+      value("bytes", FieldKind::kBytes, "\x01\xab"),
+      value("words", FieldKind::kNumbers, std::string("\x0a\0\0\0\x14\0\0\0", 8)),
+      value("empty", FieldKind::kPadded, ""),
+  };
   auto text = make_text_formatter();
   EXPECT_EQ(text->row("reader", row), "");
   EXPECT_EQ(text->end_of_rows(),
@@ -214,8 +222,7 @@ TEST(Format, RowsAreATableOrALineEach) {
 
 TEST(Format, ALongCellIsCutBetweenCharacters) {
   auto text = make_text_formatter();
-  text->row("reader",
-            {{"name", olt::catalog::Role::kPlain, std::string(44, 'a') + "\xc3\xa9tail"}});
+  text->row("reader", {value("name", FieldKind::kPadded, std::string(44, 'a') + "\xc3\xa9tail")});
   EXPECT_EQ(text->end_of_rows(), "name\n" + std::string(44, 'a') + "...\n");
 }
 
