@@ -230,7 +230,7 @@ inline constexpr Field kOntTargetFields[] = {
     row_name(OLT_FIELD(olt_ont_target, mac)),
     reserved(OLT_FIELD(olt_ont_target, reserved_22)),
     row_name(named(kUp, OLT_FIELD(olt_ont_target, mac_word))),
-    OLT_FIELD(box::OntTarget, user_traffic),
+    reserved(OLT_FIELD(olt_ont_target, reserved_28)),
 };
 static_assert(fill<olt_ont_target>(kOntTargetFields));
 template <>

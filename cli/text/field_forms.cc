@@ -182,19 +182,22 @@ std::string names_of(const Field &field) {
 }
 
 std::string expected_number(const Field &field) {
-  std::string number = fmt::format("a number from 0 to {}", largest(field));
+  std::string number = largest(field) == UINT32_MAX
+                           ? "a number"
+                           : fmt::format("a number from 0 to {}", largest(field));
   if (field.unit != nullptr) number = fmt::format("{} in {}", number, field.unit);
   return field.values.empty() ? number : fmt::format("{}, or {}", names_of(field), number);
 }
 
 std::string described_number(const Field &field) {
-  if (!field.values.empty() && field.unit == nullptr) return names_of(field);
-  return with_unit(field, "a number") == "a number" ? "a number"
-                                                    : fmt::format("a number in {}", field.unit);
+  if (field.unit != nullptr) return fmt::format("a number in {}", field.unit);
+  return field.values.empty() ? "a number" : names_of(field);
 }
 
 std::string example_number(const Field &field) {
-  return field.values.empty() ? "1" : std::string(field.values.back().name);
+  if (field.values.empty()) return "1";
+  return field.role == catalog::Role::kSelector ? field.values.front().name
+                                                : field.values.back().name;
 }
 
 Bytes parse_number_field(const Field &field, std::string_view text) {
@@ -678,23 +681,24 @@ Bytes parse_record(const Field &field, std::string_view text) {
 Bytes parse_records(const Field &field, std::string_view text) {
   Bytes records;
   for (std::string_view rest = text == "none" ? "" : text; !rest.empty();) {
-    size_t end = rest.find('}');
-    if (!rest.starts_with('{') || end == std::string_view::npos) {
-      throw BadValue("'{}' given", printable(rest));
-    }
-    Bytes record = parse_record(field, rest.substr(1, end - 1));
-    records.insert(records.end(), record.begin(), record.end());
-    rest.remove_prefix(std::min(end + 2, rest.size()));
+    bool is_record = rest.starts_with('{');
+    size_t end = std::min(rest.find(is_record ? '}' : ' '), rest.size());
+    if (is_record && end == rest.size()) throw BadValue("'{}' given", printable(rest));
+    Bytes bytes =
+        is_record ? parse_record(field, rest.substr(1, end - 1)) : parse_hex(rest.substr(0, end));
+    records.insert(records.end(), bytes.begin(), bytes.end());
+    rest.remove_prefix(std::min(end + (is_record ? 2 : 1), rest.size()));
   }
   return records;
 }
 
-/// What is behind the last whole record is left out.
+/// @return the bytes after the last whole record
 template <typename Take>
-void each_record(const Field &field, ByteView bytes, Take take) {
-  for (size_t at = 0; at + field.record_size <= bytes.size(); at += field.record_size) {
-    take(bytes.subspan(at, field.record_size));
+ByteView each_record(const Field &field, ByteView bytes, Take take) {
+  for (; bytes.size() >= field.record_size; bytes = bytes.subspan(field.record_size)) {
+    take(bytes.first(field.record_size));
   }
+  return bytes;
 }
 
 ByteView bytes_of_field(const Field &field, ByteView record) {
@@ -703,7 +707,7 @@ ByteView bytes_of_field(const Field &field, ByteView record) {
 
 std::string text_of_records(const Field &field, ByteView bytes) {
   std::vector<std::string> records;
-  each_record(field, bytes, [&](ByteView record) {
+  ByteView rest = each_record(field, bytes, [&](ByteView record) {
     std::vector<std::string> words;
     for (const Field &inner : field.record) {
       ByteView value = bytes_of_field(inner, record);
@@ -714,18 +718,20 @@ std::string text_of_records(const Field &field, ByteView bytes) {
     }
     records.push_back(fmt::format("{{{}}}", join_words(words)));
   });
+  if (!rest.empty()) records.push_back(to_hex(rest));
   return records.empty() ? "none" : fmt::format("{}", fmt::join(records, " "));
 }
 
 ordered_json json_of_records(const Field &field, ByteView bytes) {
   ordered_json records = ordered_json::array();
-  each_record(field, bytes, [&](ByteView record) {
+  ByteView rest = each_record(field, bytes, [&](ByteView record) {
     ordered_json object = ordered_json::object();
     for (const Field &inner : field.record) {
       object[inner.name] = form_of(inner.kind).json(inner, bytes_of_field(inner, record));
     }
     records.push_back(std::move(object));
   });
+  if (!rest.empty()) records.push_back(to_hex(rest));
   return records;
 }
 
@@ -828,8 +834,8 @@ std::string list_text(const ordered_json &list) {
   std::vector<std::string> items;
   bool is_of_objects = false;
   for (const ordered_json &item : list) {
-    is_of_objects = item.is_object();
-    items.push_back(is_of_objects ? object_text(item) : text_of_json(item));
+    is_of_objects = is_of_objects || item.is_object();
+    items.push_back(item.is_object() ? object_text(item) : text_of_json(item));
   }
   return items.empty() ? "none" : fmt::format("{}", fmt::join(items, is_of_objects ? " " : ","));
 }
@@ -900,8 +906,9 @@ Bytes parse_hex(std::string_view text) {
 
 uint32_t parse_number(std::string_view text, uint32_t most) {
   std::optional<uint32_t> number = number_in(text, most);
-  if (!number) throw BadValue("'{}' given", printable(text));
-  return *number;
+  if (number) return *number;
+  bool is_number = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+  throw BadValue("'{}' {}", printable(text), is_number ? "is too large" : "given");
 }
 
 Bytes of_size(size_t size, Bytes bytes) {

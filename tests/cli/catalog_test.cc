@@ -93,7 +93,7 @@ TEST(Catalog, EverySecretIsHiddenOnTheWire) {
       return secret.message_type == operation.address.message_type;
     })) << operation.name;
   });
-  EXPECT_EQ(secrets, 12U);
+  EXPECT_EQ(secrets, 14U);
 }
 
 TEST(Catalog, PasswordsLieWhereUsersAndEntriesHaveThem) {
@@ -219,18 +219,19 @@ TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   EXPECT_FALSE(user[2].secret);
 
   auto ont = find("clear_onu_node")->arguments()[0].fields;
-  ASSERT_EQ(ont.size(), 7U);
-  EXPECT_EQ(ont[0].kind, FieldKind::kNumbers);
+  ASSERT_EQ(ont.size(), 8U);
+  EXPECT_EQ(ont[0].kind, FieldKind::kOnt);
   EXPECT_EQ(ont[0].width, 12);
-  EXPECT_EQ(ont[3].kind, FieldKind::kMac);
-  EXPECT_EQ(ont[3].offset, 28);
+  EXPECT_EQ(ont[4].kind, FieldKind::kMac);
+  EXPECT_EQ(ont[4].offset, 28);
 }
 
 TEST(CatalogRow, KnowsWhatFieldsAreFor) {
   auto ont = find("clear_onu_node")->arguments()[0].fields;
   EXPECT_EQ(ont[0].role, Role::kRowName);
-  EXPECT_EQ(ont[2].role, Role::kReserved);
-  EXPECT_EQ(ont[3].role, Role::kRowName);
+  EXPECT_EQ(ont[1].role, Role::kSelector);
+  EXPECT_EQ(ont[3].role, Role::kReserved);
+  EXPECT_EQ(ont[4].role, Role::kRowName);
   auto row = find("process_snmp_vlan_id")->arguments()[0].fields;
   EXPECT_EQ(row[0].role, Role::kSelector);
   EXPECT_EQ(row[1].role, Role::kRowName);
@@ -266,8 +267,8 @@ TEST(CatalogRow, KnowsTheBoxsRecordsByteForByte) {
       {"process_snmp_onubasicinfo", 1, "description", 72, 48, FieldKind::kPadded},
       {"process_snmp_linkbasicinfo", 1, "features", 100, 48, FieldKind::kNumbers},
       {"process_snmp_onuglobalinfo", 1, "length", 56, 4, FieldKind::kNumber},
-      {"process_snmp_onuglobalinfo", 1, "parts", 60, 0, FieldKind::kBytes},
-      {"process_snmp_hguwaninfo", 1, "connections", 88, 0, FieldKind::kBytes},
+      {"process_snmp_onuglobalinfo", 1, "parts", 60, 0, FieldKind::kRecords},
+      {"process_snmp_hguwaninfo", 1, "connections", 88, 0, FieldKind::kRecords},
       {"process_snmp_iadinfo", 1, "registered", 72, 4, FieldKind::kNumber},
       {"process_onu_portmuticastmaxgroup", 0, "group_limit", 20, 4, FieldKind::kNumber},
       {"process_snmp_oltauth", 0, "onus_blocked", 40, 4, FieldKind::kNumber},

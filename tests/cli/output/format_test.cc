@@ -80,8 +80,8 @@ TEST(Format, WritesWordsAsNumbers) {
   int32_t result = call.make();
   EXPECT_EQ(text_of(call, result),
             "rates = 10,20,4294967295\n"
-            "requested = 1,2,3\n"
-            "granted = 4,5\n"
+            "requested = 1,2,3 kbit/s\n"
+            "granted = 4,5 kbit/s\n"
             "feature = 0,0,0,0,0,0,0,0,0,0,0,1\n");
   EXPECT_EQ(outputs_of(call, result),
             R"({"rates":[10,20,4294967295],"dba":{"requested":[1,2,3],"granted":[4,5]},)"
@@ -103,10 +103,10 @@ TEST(Format, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
   int32_t result = call.make();
   EXPECT_EQ(
       outputs_of(call, result),
-      R"({"row":{"selector":2,"profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
+      R"({"row":{"selector":"next","profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
           std::string(104, '0') + "\"}}");
-  EXPECT_EQ(text_of(call, result).substr(0, 48),
-            "selector = 2\nprofile = b\nchannels = 7\nfirst = 0\n");
+  EXPECT_EQ(text_of(call, result).substr(0, 51),
+            "selector = next\nprofile = b\nchannels = 7\nfirst = 0\n");
 }
 
 TEST(Format, WritesALinePerOutput) {
@@ -115,7 +115,7 @@ TEST(Format, WritesALinePerOutput) {
   EXPECT_EQ(text_of(call, result),
             "word = 4294967295\n"
             "mac = 02:00:5e:10:00:01\n"
-            "user_op = 0\n"
+            "user_op = look-up\n"
             "user_index = 3\n"
             "user_name = bob\n"
             "user_password = ********\n"
@@ -138,13 +138,14 @@ TEST(Format, ShowsSecretsOnRequestOnly) {
 TEST(Format, WritesJson) {
   Call call(kAllKinds);
   int32_t result = call.make();
-  EXPECT_EQ(json_of(call, result),
-            R"({"version":1,"operation":"reads_all_kinds","result":0,"failed":false,)"
-            R"("transport":null,"status":0,"outputs":{"word":4294967295,"mac":"02:00:5e:10:00:01",)"
-            R"("user":{"user_op":0,"user_index":3,"user_name":"bob","user_password":"********",)"
-            R"("level_a":0,"level_b":9},"answer":"3031323334353637383961626364656667"},)"
-            R"("listing":null})"
-            "\n");
+  EXPECT_EQ(
+      json_of(call, result),
+      R"({"version":1,"operation":"reads_all_kinds","result":0,"failed":false,)"
+      R"("transport":null,"status":0,"outputs":{"word":4294967295,"mac":"02:00:5e:10:00:01",)"
+      R"("user":{"user_op":"look-up","user_index":3,"user_name":"bob","user_password":"********",)"
+      R"("level_a":0,"level_b":9},"answer":"3031323334353637383961626364656667"},)"
+      R"("listing":null})"
+      "\n");
 }
 
 TEST(Format, WritesTheListingBehindItsName) {
