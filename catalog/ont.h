@@ -13,6 +13,8 @@ inline constexpr uint32_t kInterfaceName = 31;
 /// Bytes of a profile's name, which needs no zero.
 inline constexpr uint32_t kProfileName = 32;
 
+inline constexpr Mark kProfile = such_as("basic", up_to(kProfileName, "profile"));
+
 inline constexpr Operation kOntVoice[] = {
     OLT_OPERATION(show_voip_info, 134, "Lists the voice summary of an ONT", {"ont", "name"}),
     OLT_OPERATION(show_voip_useraccount, 135, "Reads the voice user account of an ONT",
@@ -48,28 +50,35 @@ inline constexpr Operation kOntWan[] = {
 };
 
 inline constexpr Operation kIptv[] = {
-    OLT_OPERATION(create_iptv_profile, 157, "Creates an IPTV profile",
-                  {up_to(kProfileName, "profile")}, in_memory<box::ProfileName>()),
-    OLT_OPERATION(clear_iptv_profile, 158, "Clears an IPTV profile",
-                  {up_to(kProfileName, "profile")}, in_memory<box::ProfileName>()),
-    OLT_OPERATION(delete_iptv_channel, 159, "Deletes a channel from an IPTV profile",
-                  {up_to(kProfileName, "profile"), "channel"}, in_memory<box::ChannelRequest>()),
-    OLT_OPERATION(add_iptv_channel, 160, "Adds a channel to an IPTV profile",
-                  {up_to(kProfileName, "profile"), "channel"}, in_memory<box::ChannelRequest>()),
-    OLT_OPERATION(show_iptv_byprofile, 161, "Lists an IPTV profile",
-                  {up_to(kProfileName, "profile"), "name"}, in_record<box::ProfileName>(),
-                  from_record<box::ListingName>()),
-    OLT_OPERATION(set_ont_iptv_profile, 155, "Attaches an IPTV profile to an ONT",
-                  {"ont", up_to(kProfileName, "profile")},
-                  Composition(kOntProfileFields, sizeof(box::OntTarget) + sizeof(box::ProfileName),
-                              Origin::kAny, {})),
-    OLT_OPERATION(clear_ont_iptv_profile, 156, "Detaches the IPTV profile from an ONT", {"ont"}),
+    OLT_OPERATION(create_iptv_profile, 157, "Creates an IPTV profile", {kProfile},
+                  in_memory<box::ProfileName>()),
+    after("create_iptv_profile profile=basic",
+          OLT_OPERATION(clear_iptv_profile, 158, "Clears an IPTV profile", {kProfile},
+                        in_memory<box::ProfileName>())),
+    after("create_iptv_profile profile=basic\nadd_iptv_channel profile=basic number=1",
+          OLT_OPERATION(delete_iptv_channel, 159, "Deletes a channel from an IPTV profile",
+                        {kProfile, "channel"}, in_memory<box::ChannelRequest>())),
+    after("create_iptv_profile profile=basic",
+          OLT_OPERATION(add_iptv_channel, 160, "Adds a channel to an IPTV profile",
+                        {kProfile, "channel"}, in_memory<box::ChannelRequest>())),
+    after("create_iptv_profile profile=basic",
+          OLT_OPERATION(show_iptv_byprofile, 161, "Lists an IPTV profile", {kProfile, "name"},
+                        in_record<box::ProfileName>(), from_record<box::ListingName>())),
+    after("create_iptv_profile profile=basic",
+          OLT_OPERATION(
+              set_ont_iptv_profile, 155, "Attaches an IPTV profile to an ONT", {"ont", kProfile},
+              Composition(kOntProfileFields, sizeof(box::OntTarget) + sizeof(box::ProfileName),
+                          Origin::kAny, {}))),
+    after("create_iptv_profile profile=basic\nset_ont_iptv_profile ont=1/2/3 profile=basic",
+          OLT_OPERATION(clear_ont_iptv_profile, 156, "Detaches the IPTV profile from an ONT",
+                        {"ont"})),
     OLT_OPERATION(add_iptv_user_channel, 162, "Adds a channel for a single user",
                   {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"},
                   in_memory<box::UserChannelRecord>()),
-    OLT_OPERATION(delete_iptv_user_channel, 163, "Deletes a channel of a single user",
-                  {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"},
-                  in_memory<box::UserChannelRecord>()),
+    after("add_iptv_user_channel user_address=02:00:00:00:00:01 c=1 a=1 b=1 d=1",
+          OLT_OPERATION(delete_iptv_user_channel, 163, "Deletes a channel of a single user",
+                        {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"},
+                        in_memory<box::UserChannelRecord>())),
 };
 
 }  // namespace olt::catalog

@@ -95,6 +95,7 @@ struct Argument {
   bool optional;                        ///< zero when left out
   std::span<const ValueName> values{};  ///< of a number that has names
   const char *unit = nullptr;           ///< of a number
+  const char *example = nullptr;        ///< null: that of its form
 
   /// Fields that can be given as FIELD=VALUE.
   constexpr std::span<const Field> own_fields() const {
@@ -174,6 +175,8 @@ struct Operation {
   Outcome outcome{};
   Message request{};
   Message reply{};
+  const char *example = nullptr;        ///< its arguments; null: one of each argument's own
+  const char *example_after = nullptr;  ///< commands that the example needs, a line each
 
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};

@@ -33,6 +33,7 @@ struct Mark {
   std::span<const Field> fields{};
   std::span<const ValueName> values{};
   const char *unit = nullptr;
+  const char *example = nullptr;
 };
 
 /// A text of at most that many bytes, a word up to that value: what the library or the record
@@ -99,6 +100,12 @@ constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
 /// A record that is one text.
 constexpr Mark as_text(Mark mark) {
   mark.form = FieldKind::kPadded;
+  return mark;
+}
+
+/// An argument of which the manual shows this example.
+constexpr Mark such_as(const char *example, Mark mark) {
+  mark.example = example;
   return mark;
 }
 
@@ -204,7 +211,8 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .secret = mark.is_secret,
           .optional = mark.is_optional,
           .values = mark.values,
-          .unit = mark.unit};
+          .unit = mark.unit,
+          .example = mark.example};
 }
 
 template <auto Function>
@@ -267,6 +275,21 @@ constexpr Operation with(Outcome outcome, Operation operation) {
   operation.outcome = outcome;
   return operation;
 }
+
+/// The row, with an example of its own.
+constexpr Operation example(const char *arguments, Operation operation) {
+  operation.example = arguments;
+  return operation;
+}
+
+/// The row, with the commands that must come before its example.
+constexpr Operation after(const char *commands, Operation operation) {
+  operation.example_after = commands;
+  return operation;
+}
+
+/// A UNI port of an ONT, or a voice line.
+inline constexpr Mark kUniPort = such_as("1/2/3:4", "ont");
 
 }  // namespace olt::catalog
 

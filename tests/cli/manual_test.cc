@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
+#include "catalog/catalog.h"
 #include "cli/commands.h"
 #include "cli/text/error.h"
+#include "tests/cli/program.h"
 
 namespace olt::test {
 
@@ -70,7 +73,7 @@ TEST(Manual, SaysWhatAnOperationTakes) {
             "Sends message type 10 to module 2.\n"
             "\n"
             "Example:\n"
-            "  oltctl get_user_level name=operator password=-\n");
+            "  oltctl get_user_level name=admin password=admin\n");
   EXPECT_EQ(help_text("process_switchdebug_value"),
             "process_switchdebug_value [value]\n"
             "  Writes (debug_op not 0) or reads a debug value of the switch.\n"
@@ -125,7 +128,7 @@ TEST(Manual, ShowsTheShortFormsOfArguments) {
             "Sends message type 124 to module 2.\n"
             "\n"
             "Example:\n"
-            "  oltctl add_ont_port_muticastvlan ont=1/2/3 vlans=10,20-25\n");
+            "  oltctl add_ont_port_muticastvlan ont=1/2/3:4 vlans=10,20-25\n");
   std::string entries = help_text("add_authallowed_loid");
   EXPECT_NE(entries.find("  entries         entries as FIELD=VALUE with the fields mac (an address "
                          "as 02:00:00:00:00:01), loid (text of at most 24 bytes), password (text "
@@ -193,7 +196,7 @@ TEST(Manual, SaysWhatComesBack) {
             "Sends message type 11 to module 2.\n"
             "\n"
             "Example:\n"
-            "  oltctl do_handle_epon_updatestream request=@request.bin\n");
+            "  oltctl do_handle_epon_updatestream request=040000000000000001020304\n");
 }
 
 TEST(Manual, AlignsFieldsWithLongNames) {
@@ -211,7 +214,9 @@ TEST(Manual, ExamplesNameAWholePortAndNeedNoFile) {
             "  oltctl get_snmp_olt_port_basic_info slot=1 port=1\n");
   EXPECT_EQ(example("deal_wan_connection"),
             "  oltctl deal_wan_connection ont=1/2/3 operation=add number=1\n");
-  EXPECT_EQ(example("add_iptv_channel"), "  oltctl add_iptv_channel profile=operator number=1\n");
+  EXPECT_EQ(example("add_iptv_channel"),
+            "  oltctl create_iptv_profile profile=basic\n"
+            "  oltctl add_iptv_channel profile=basic number=1\n");
   EXPECT_EQ(example("process_snmp_vlan_id"),
             "  oltctl process_snmp_vlan_id selector=this vlan=1\n");
   EXPECT_EQ(example("get_rstp_brief"), "  oltctl get_rstp_brief slot=1 port=1\n");
@@ -219,6 +224,33 @@ TEST(Manual, ExamplesNameAWholePortAndNeedNoFile) {
   EXPECT_EQ(example("get_vlan_information_file_bydescprtion"),
             "  oltctl get_vlan_information_file_bydescprtion description=uplink\n");
 }
+
+class Examples : public testing::TestWithParam<size_t> {};
+
+/// The commands of an example, without "oltctl" before them.
+std::string commands_of(const std::string &help) {
+  std::string commands;
+  std::istringstream lines(help.substr(help.find("Example:\n") + 9));
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_EQ(line.substr(0, 9), "  oltctl ") << line;
+    commands += line.substr(9) + '\n';
+  }
+  return commands;
+}
+
+TEST_P(Examples, SucceedOnAFreshBox) {
+  const auto &family = olt::catalog::families()[GetParam()];
+  for (const auto &operation : family.operations) {
+    Oltctl oltctl;
+    std::string commands = commands_of(help_text(operation.name));
+    Finished finished = oltctl({"-f", "-"}, commands);
+    EXPECT_EQ(finished.status, 0) << commands << finished.errors;
+    EXPECT_EQ(finished.errors, "") << commands;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllFamilies, Examples,
+                         testing::Range<size_t>(0, olt::catalog::families().size()));
 
 TEST(Manual, SaysWhatACommandTakes) {
   EXPECT_EQ(help_text("counters"), "counters\n  Shows what has happened in the box\n");
