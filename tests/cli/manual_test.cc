@@ -182,7 +182,7 @@ TEST(Manual, SaysWhatComesBack) {
             "Sends message type 3 to the module that the first argument names.\n"
             "\n"
             "Example:\n"
-            "  oltctl show_memory_info module=1\n");
+            "  oltctl show_memory_info module=2\n");
   EXPECT_EQ(help_text("do_handle_epon_updatestream"),
             "do_handle_epon_updatestream request\n"
             "  Sends a piece of an OLT firmware update.\n"
