@@ -120,6 +120,22 @@ std::string hex_dump(ByteView bytes, std::span<const Hidden> hidden) {
   return dump;
 }
 
+std::optional<Bytes> from_hex_dump(std::string_view dump) {
+  Bytes bytes;
+  while (!dump.empty()) {
+    std::string_view line = dump.substr(0, dump.find('\n'));
+    dump.remove_prefix(std::min(line.size() + 1, dump.size()));
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    size_t begin = line.find("  ");
+    if (begin == std::string_view::npos) return std::nullopt;
+    line.remove_prefix(begin + 2);
+    std::optional<Bytes> row = from_hex(line.substr(0, line.find("  ")));
+    if (!row) return std::nullopt;
+    bytes.insert(bytes.end(), row->begin(), row->end());
+  }
+  return bytes;
+}
+
 std::string characters(ByteView bytes) {
   std::string text;
   for (uint8_t byte : bytes) text += is_plain(byte) ? static_cast<char>(byte) : '.';

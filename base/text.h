@@ -36,6 +36,9 @@ struct Hidden {
 /// 16 bytes a line: offset, bytes, characters. Each line begins with two blanks.
 std::string hex_dump(ByteView bytes, std::span<const Hidden> hidden = {});
 
+/// The bytes of a dump; nothing when the text is none.
+std::optional<Bytes> from_hex_dump(std::string_view dump);
+
 /// The bytes as characters, those that are not printable ASCII as dots.
 std::string characters(ByteView bytes);
 

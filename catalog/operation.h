@@ -6,18 +6,28 @@
 #include <cstdint>
 #include <span>
 
+#include "catalog/wire_map.h"
+
 namespace olt::catalog {
 
 /// What a field holds; each kind has one text form.
 enum class FieldKind : uint8_t {
-  kText,     ///< ends with a zero
-  kPadded,   ///< text that may fill the field, with zeros after it
-  kListing,  ///< the name of a listing's file, padded
-  kWord,
-  kHalfWord,
-  kWords,
+  kText,      ///< ends with a zero
+  kPadded,    ///< text that may fill the field, with zeros after it
+  kListing,   ///< the name of a listing's file, padded
+  kNumber,    ///< without a sign, of 1, 2 or 4 bytes
+  kSigned,    ///< a number with a sign
+  kFlags,     ///< a number whose bits have names
+  kDuration,  ///< seconds
+  kPorts,     ///< a bit for each port; the lowest is port 1
+  kNumbers,   ///< words
+  kVlans,     ///< VLAN ids of 16 bits; 0 is none
   kMac,
-  kOnt,  ///< a target record: slot, interface and ONU, perhaps a UNI port
+  kIpv4,       ///< the first byte first
+  kInterface,  ///< slot and port, two words
+  kOnt,        ///< slot, interface and ONU, three words; if there is room, a kind and a UNI port
+  kVersion,    ///< a number in each byte
+  kRecords,    ///< records one after the other
   kBytes,
 };
 
@@ -27,6 +37,12 @@ enum class Role : uint8_t {
   kReserved,  ///< has no meaning
   kSelector,  ///< says which row is wanted or what to do, not what the record holds
   kRowName,   ///< names what the record is about
+};
+
+/// The name of a number, or of a bit.
+struct ValueName {
+  uint32_t value;
+  const char *name;
 };
 
 /// A named field of a record, or an argument as a whole.
@@ -40,7 +56,12 @@ struct Field {
   FieldKind kind;
   Role role = Role::kPlain;
   bool secret = false;
-  uint32_t most = UINT32_MAX;  ///< the largest number that is taken
+  uint32_t most = UINT32_MAX;           ///< the largest number that is taken
+  std::span<const ValueName> values{};  ///< of numbers and flags that have names
+  const char *unit = nullptr;           ///< of a number: "kbit/s"
+  uint8_t decimals = 0;                 ///< digits of a number after the point
+  std::span<const Field> record{};      ///< the fields of each of kRecords
+  uint32_t record_size = 0;             ///< their bytes
 
   /// Bytes that a text in the field may have.
   constexpr uint32_t longest_text() const { return kind == FieldKind::kText ? width - 1 : width; }
@@ -71,7 +92,10 @@ struct Argument {
   std::span<const Field> fields;  ///< of a record, entry or block; empty when it is opaque
   uint32_t most;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
   bool secret;
-  bool optional;  ///< zero when left out
+  bool optional;                        ///< zero when left out
+  std::span<const ValueName> values{};  ///< of a number that has names
+  const char *unit = nullptr;           ///< of a number
+  const char *example = nullptr;        ///< null: that of its form
 
   /// Fields that can be given as FIELD=VALUE.
   constexpr std::span<const Field> own_fields() const {
@@ -86,7 +110,9 @@ struct Argument {
             .width = is_input_text ? most + 1 : size,
             .kind = form,
             .secret = secret,
-            .most = most};
+            .most = most,
+            .values = values,
+            .unit = unit};
   }
 
   constexpr bool is_input() const { return direction != Direction::kOut; }
@@ -120,7 +146,13 @@ struct Address {
   uint16_t message_type;
   uint8_t module;
   uint8_t second_module;  ///< asked when the first one accepted
+  uint8_t timeout = 10;   ///< seconds that each of them has to answer
 };
+
+constexpr Address within(uint8_t seconds, Address address) {
+  address.timeout = seconds;
+  return address;
+}
 
 /// What results mean. 0 is always success; other results are the transport's and the module's
 /// unless they are named here.
@@ -141,6 +173,10 @@ struct Operation {
   size_t argument_count = 0;
   std::array<Argument, kMostArguments> argument_room{};
   Outcome outcome{};
+  Message request{};
+  Message reply{};
+  const char *example = nullptr;        ///< its arguments; null: one of each argument's own
+  const char *example_after = nullptr;  ///< commands that the example needs, a line each
 
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};

@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "catalog/composition.h"
 #include "catalog/operation.h"
 #include "catalog/records.h"
 
@@ -30,6 +31,9 @@ struct Mark {
   std::optional<FieldKind> form{};
   uint32_t size = 0;
   std::span<const Field> fields{};
+  std::span<const ValueName> values{};
+  const char *unit = nullptr;
+  const char *example = nullptr;
 };
 
 /// A text of at most that many bytes, a word up to that value: what the library or the record
@@ -81,9 +85,38 @@ constexpr Mark whole_reply(Mark mark) {
   return mark;
 }
 
+/// A block whose fields take at least so many bytes.
+constexpr Mark sized(uint32_t size, Mark mark) {
+  mark.size = size;
+  return mark;
+}
+
 /// A record with fields other than those of its type.
 constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
   mark.fields = fields;
+  return mark;
+}
+
+/// A record that is one text.
+constexpr Mark as_text(Mark mark) {
+  mark.form = FieldKind::kPadded;
+  return mark;
+}
+
+/// An argument of which the manual shows this example.
+constexpr Mark such_as(const char *example, Mark mark) {
+  mark.example = example;
+  return mark;
+}
+
+/// A number that has names.
+constexpr Mark named(std::span<const ValueName> values, Mark mark) {
+  mark.values = values;
+  return mark;
+}
+
+constexpr Mark in_unit(const char *unit, Mark mark) {
+  mark.unit = unit;
   return mark;
 }
 
@@ -106,17 +139,17 @@ struct ParameterOf<const char *> {
 template <>
 struct ParameterOf<uint32_t> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(uint32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<int32_t> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(int32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<uint32_t *> {
   static constexpr Parameter kValue{Kind::kValue, Direction::kOut, sizeof(uint32_t),
-                                    FieldKind::kWord};
+                                    FieldKind::kNumber};
 };
 template <>
 struct ParameterOf<char *> {
@@ -176,7 +209,10 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .fields = mark.fields.empty() ? parameter.fields : mark.fields,
           .most = mark.most,
           .secret = mark.is_secret,
-          .optional = mark.is_optional};
+          .optional = mark.is_optional,
+          .values = mark.values,
+          .unit = mark.unit,
+          .example = mark.example};
 }
 
 template <auto Function>
@@ -186,7 +222,8 @@ template <typename... Parameters, int32_t (*Function)(Parameters...)>
 struct Binding<Function> {
   /// A throw stops the compiler: a row that does not fit its function does not compile.
   static constexpr Operation row(const char *name, Address address, const char *summary,
-                                 std::initializer_list<Mark> marks = {}) {
+                                 std::initializer_list<Mark> marks = {},
+                                 const Composition &request = {}, const Composition &reply = {}) {
     Operation operation{.name = name, .address = address, .summary = summary, .call = call};
     const std::array<Parameter, kCount> parameters{ParameterOf<Parameters>::kValue...};
     const Mark *mark = marks.begin();
@@ -204,6 +241,12 @@ struct Binding<Function> {
       }
     }
     if (mark != marks.end()) throw "a name without a parameter";
+    if (address.sends()) {
+      operation.request = request_of(operation, request);
+      operation.reply = reply_of(operation, reply);
+      adopt_meanings(operation, operation.request, request.record);
+      adopt_meanings(operation, operation.reply, reply.record);
+    }
     return operation;
   }
 
@@ -215,7 +258,7 @@ struct Binding<Function> {
   }
 
   static constexpr bool is_word(const Parameter &parameter, Direction direction) {
-    return parameter.form == FieldKind::kWord && parameter.direction == direction;
+    return parameter.form == FieldKind::kNumber && parameter.direction == direction;
   }
 
   static int32_t call(void *const *slots) {
@@ -232,6 +275,21 @@ constexpr Operation with(Outcome outcome, Operation operation) {
   operation.outcome = outcome;
   return operation;
 }
+
+/// The row, with an example of its own.
+constexpr Operation example(const char *arguments, Operation operation) {
+  operation.example = arguments;
+  return operation;
+}
+
+/// The row, with the commands that must come before its example.
+constexpr Operation after(const char *commands, Operation operation) {
+  operation.example_after = commands;
+  return operation;
+}
+
+/// A UNI port of an ONT, or a voice line.
+inline constexpr Mark kUniPort = such_as("1/2/3:4", "ont");
 
 }  // namespace olt::catalog
 

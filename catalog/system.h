@@ -28,18 +28,47 @@ inline constexpr Operation kSystemControl[] = {
 };
 
 inline constexpr Operation kUserAccounts[] = {
-    OLT_OPERATION(
-        get_user_level, 10, "Checks a user's name and password and reads the levels",
-        {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"}),
-    OLT_OPERATION(
-        add_user_level, 10, "Adds a user",
-        {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"}),
-    OLT_OPERATION(delete_user_level, 10, "Deletes a user", {up_to(kUserText, "name")}),
-    OLT_OPERATION(modify_user_level, 10, "Changes a user to what the record says", {in("user")}),
-    OLT_OPERATION(get_system_next_user, 62, "Reads the user that follows the one in the record",
-                  {in_out("user")}),
-    OLT_OPERATION(get_system_user_byindex, 63, "Reads the user at the position in the record",
-                  {in_out("user")}),
+    example(
+        "name=admin password=admin",
+        OLT_OPERATION(
+            get_user_level, 10, "Checks a user's name and password and reads the levels",
+            {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"},
+            in_record<olt_user>(
+                {{"name", "user_name"}, {"password", "user_password"}, constant(0, "user_op")}),
+            from_record<olt_user>())),
+    example(
+        "name=operator password=secret level_a=1 level_b=1",
+        OLT_OPERATION(
+            add_user_level, 10, "Adds a user",
+            {up_to(kUserText, "name"), secret(up_to(kUserText, "password")), "level_a", "level_b"},
+            in_record<olt_user>(
+                {{"name", "user_name"}, {"password", "user_password"}, constant(1, "user_op")}))),
+    after("add_user_level name=operator password=secret level_a=1 level_b=1",
+          example(
+              "name=operator",
+              OLT_OPERATION(delete_user_level, 10, "Deletes a user", {up_to(kUserText, "name")},
+                            in_record<olt_user>({{"name", "user_name"}, constant(2, "user_op")})))),
+    after("add_user_level name=operator password=secret level_a=1 level_b=1",
+          example("user_name=operator user_password=changed level_a=2 level_b=2",
+                  OLT_OPERATION(modify_user_level, 10, "Changes a user to what the record says",
+                                {in("user")}, in_record<olt_user>({constant(3, "user_op")})))),
+    after("add_user_level name=operator password=secret level_a=1 level_b=1",
+          example("user_name=admin",
+                  OLT_OPERATION(get_system_next_user, 62,
+                                "Reads the user that follows the one in the record",
+                                {in_out("user")}, in_record<olt_user>({constant(0, "user_op")}),
+                                from_record<olt_user>({{"user", "user_index"},
+                                                       {"user", "user_name"},
+                                                       {"user", "user_password"},
+                                                       {"user", "level_a"},
+                                                       {"user", "level_b"}})))),
+    example("user_index=0",
+            OLT_OPERATION(get_system_user_byindex, 63,
+                          "Reads the user at the position in the record", {in_out("user")}, {},
+                          from_record<olt_user>({{"user", "user_name"},
+                                                 {"user", "user_password"},
+                                                 {"user", "level_a"},
+                                                 {"user", "level_b"}}))),
 };
 
 inline constexpr WireSecret kUserPasswords[] = {
@@ -62,30 +91,43 @@ inline constexpr Operation kSystemInformation[] = {
 
 inline constexpr Operation kLogAndDebug[] = {
     OLT_OPERATION(set_debug_enable, {2, Address::kNamedByCaller},
-                  "Sets the debug switches of one module", {"module", "value"}),
+                  "Sets the debug switches of one module", {such_as("2", "module"), "value"}),
     OLT_OPERATION(show_memory_info, {3, Address::kNamedByCaller},
-                  "Lists one module's use of memory", {"module", "name"}),
+                  "Lists one module's use of memory", {such_as("2", "module"), "name"}, {},
+                  from_record<box::ListingName>()),
     OLT_OPERATION(get_olt_support_oam, {4, kOamModule}, "Reads which OAM the OLT supports",
                   {"value"}),
-    OLT_OPERATION(process_debug_value, 39, "Writes (debug_op not 0) or reads a debug value",
-                  {in_out("value")}),
-    OLT_OPERATION(process_switchdebug_value, 40,
-                  "Writes (debug_op not 0) or reads a debug value of the switch",
-                  {in_out("value")}),
-    OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log", {"name", "value"}),
+    OLT_OPERATION(
+        process_debug_value, 39, "Writes (debug_op not 0) or reads a debug value",
+        {in_out("value")}, {},
+        only_if_zero("debug_op", from_record<olt_debug_value>({{"value", "debug_value"}}))),
+    OLT_OPERATION(
+        process_switchdebug_value, 40,
+        "Writes (debug_op not 0) or reads a debug value of the switch", {in_out("value")}, {},
+        only_if_zero("debug_op", from_record<olt_switch_debug>({{"value", "debug_value"}}))),
+    OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log",
+                  {"name", named(kAllModules, "value")}, {}, from_record<box::ListingName>()),
     OLT_OPERATION(set_system_logfilesize, {82, kLogModule, Address::kMain},
-                  "Sets the size of the log files", {"value"}),
+                  "Sets the size of the log files", {in_unit("KiB", "value")}),
     OLT_OPERATION(set_system_loglevel, {83, kLogModule, Address::kMain},
-                  "Sets the level from which messages are logged", {"value"}),
+                  "Sets the level from which messages are logged", {named(kLogLevels, "value")}),
 };
 
 inline constexpr Operation kFirmwareUpdate[] = {
-    OLT_OPERATION(do_handle_epon_updatestream, 11, "Sends a piece of an OLT firmware update",
-                  {"request", "answer"}),
-    OLT_OPERATION(do_handle_epon_updatestream_onu, 64, "Sends a piece of an ONU firmware update",
-                  {"request", "answer"}),
+    example(
+        "request=040000000000000001020304",
+        OLT_OPERATION(
+            do_handle_epon_updatestream, within(60, 11), "Sends a piece of an OLT firmware update",
+            {laid_out(kUpdatePieceFields, "request"),
+             laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))})),
+    example("request=040000000000000001020304",
+            OLT_OPERATION(
+                do_handle_epon_updatestream_onu, within(60, 64),
+                "Sends a piece of an ONU firmware update",
+                {laid_out(kUpdatePieceFields, "request"),
+                 laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))})),
     OLT_OPERATION(get_card_updatestatus, 61, "Reads the progress of the card's firmware update",
-                  {"value"}),
+                  {in_unit("%", named(kUpdateProgress, "value"))}),
 };
 
 }  // namespace olt::catalog

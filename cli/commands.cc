@@ -185,7 +185,8 @@ Words words_of_config(Arguments words) {
 
 std::string details_of_config() {
   return "  'export' writes the running configuration as JSON, with ******** for secrets unless\n"
-         "  --secrets is given. 'import' replaces the configuration whole or not at all; a masked\n"
+         "  --show-secrets is given. 'import' replaces the configuration whole or not at all; a "
+         "masked\n"
          "  secret stays as it is in the box, and --adopt keeps what fits of another topology's.\n"
          "  'diff' compares the box with a file, or two files; it exits with status 1 when they\n"
          "  differ, with 2 when it cannot compare.\n"

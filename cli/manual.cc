@@ -56,7 +56,7 @@ std::string input_text(const Argument &argument) {
       fmt::format("  {:<14}  {}", argument.name, form_of(argument).expected(argument));
   if (argument.secret) text += kSecretToo;
   if (argument.may_be_left_out()) {
-    text += argument.form == FieldKind::kWord ? "; 0 when left out" : "; zeros when left out";
+    text += argument.form == FieldKind::kNumber ? "; 0 when left out" : "; zeros when left out";
   }
   text += '\n';
   size_t column = field_column(argument.own_fields());
@@ -111,16 +111,32 @@ std::string example_by_field(std::span<const Field> fields) {
   }));
 }
 
-std::string example(const Operation &operation) {
-  std::string text = "\nExample:\n  oltctl ";
-  text += operation.name;
+std::string example_of(const Argument &argument) {
+  bool by_field = !argument.own_fields().empty() && argument.form != FieldKind::kOnt;
+  if (by_field) return example_by_field(argument.fields);
+  return fmt::format(
+      " {}={}", argument.name,
+      argument.example != nullptr ? argument.example : form_of(argument).example(argument));
+}
+
+std::string example_arguments(const Operation &operation) {
+  if (operation.example != nullptr) return fmt::format(" {}", operation.example);
+  std::string text;
   for (const Argument &argument : operation.arguments()) {
-    if (!argument.is_input() || argument.optional) continue;
-    bool by_field = !argument.own_fields().empty() && argument.form != FieldKind::kOnt;
-    text += by_field ? example_by_field(argument.fields)
-                     : fmt::format(" {}={}", argument.name, form_of(argument).example(argument));
+    if (argument.is_input() && !argument.optional) text += example_of(argument);
   }
-  return text + '\n';
+  return text;
+}
+
+std::string example(const Operation &operation) {
+  std::string text = "\nExample:\n";
+  std::string_view before = operation.example_after == nullptr ? "" : operation.example_after;
+  while (!before.empty()) {
+    std::string_view command = before.substr(0, before.find('\n'));
+    text += fmt::format("  oltctl {}\n", command);
+    before.remove_prefix(std::min(command.size() + 1, before.size()));
+  }
+  return text + fmt::format("  oltctl {}{}\n", operation.name, example_arguments(operation));
 }
 
 }  // namespace

@@ -123,7 +123,10 @@ void define_options(CLI::App &app, Given &given) {
                "Embedded box, config import: keep what fits another topology");
   app.add_flag("--json", given.json, "Results as JSON, one object a line");
   app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
-  app.add_flag("--show-secrets,--secrets", given.options.show_secrets, "Show passwords in results");
+  app.add_flag("--show-secrets", given.options.detail.secrets, "Show passwords in results");
+  app.add_flag("--all", given.options.detail.all,
+               "Show reserved fields, and those that say what was asked for");
+  app.add_flag("--raw", given.options.detail.raw, "Show numbers and hex instead of names");
   app.add_flag("--real-flash", box.real_flash, "Flash operations use this machine's own /dev/mtd0");
 }
 

@@ -14,7 +14,7 @@ namespace olt::cli {
 struct Options {
   Format format = Format::kText;
   bool trace = false;
-  bool show_secrets = false;
+  Detail detail;
   BoxOptions box;
   std::optional<std::string> script;  ///< "-" for standard input
   std::vector<std::string> words;     ///< the command

@@ -48,7 +48,7 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
     box_.open_flash(operation.name);
   }
   int32_t code = call.make();
-  Result result = result_of(call, code, options_.show_secrets);
+  Result result = result_of(call, code, options_.detail);
   if (!result.failed()) write_files(call);
   std::optional<Error> unread;
   if (result.listing) {
@@ -66,7 +66,7 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
 }
 
 void Session::run_walk(const std::string &reader) {
-  Walk walk(box_, reader, options_.show_secrets);
+  Walk walk(box_, reader, options_.detail);
   bool has_rows = false;
   try {
     while (auto row = walk.next()) {
@@ -82,12 +82,12 @@ void Session::run_walk(const std::string &reader) {
 
 void Session::run_config_export(const std::string &path) {
   box_.open();
-  std::string text = export_configuration(options_.show_secrets);
+  std::string text = export_configuration(options_.detail.secrets);
   if (path.empty()) {
     print(text);
     return;
   }
-  mode_t mask = options_.show_secrets ? 0600 : 07777;
+  mode_t mask = options_.detail.secrets ? 0600 : 07777;
   if (std::error_code error = write_file(path, as_bytes(text), mask)) {
     fail("config export: cannot write {}: {}", printable(path), error.message());
   }
@@ -115,7 +115,7 @@ void Session::run_config_diff(const std::string &from, const std::string &to) {
       box_.open();
       first = export_configuration(true);
     }
-    differences = compare_configurations(first, second, options_.show_secrets);
+    differences = compare_configurations(first, second, options_.detail.secrets);
   } catch (const Error &error) {
     throw Error(kWrongUsage, error.what());
   }

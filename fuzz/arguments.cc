@@ -9,7 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "base/mac.h"
@@ -34,6 +33,8 @@ using olt::catalog::Field;
 using olt::catalog::FieldKind;
 using olt::catalog::Kind;
 using olt::catalog::Operation;
+using olt::catalog::Origin;
+using olt::catalog::Part;
 using olt::cli::Call;
 using olt::cli::Error;
 using olt::fuzz::Input;
@@ -76,32 +77,11 @@ Words words_in(std::string_view text) {
   return words;
 }
 
-std::string written(uint32_t number) {
-  return fmt::to_string(number);
-}
-
-std::string written(const std::vector<uint32_t> &words) {
-  return fmt::format("{}", fmt::join(words, ","));
-}
-
-std::string written(const std::string &text) {
-  return text;
-}
-
-std::string written(const Bytes &bytes) {
-  return olt::to_spaced_hex(bytes);
-}
-
-/// A field, or a value as a whole, as the text that is printed.
-std::string written(const Field &field, ByteView bytes) {
-  return std::visit([](const auto &value) { return written(value); },
-                    olt::cli::form_of(field.kind).value(bytes));
-}
-
 void require_written_is_read(const Field &field, ByteView bytes) {
-  std::string text = written(field, bytes);
-  Bytes again = olt::cli::form_of(field.kind).parse(field, text);
-  require(written(field, again) == text, "a value is read as it is printed", text);
+  const olt::cli::FieldForm &form = olt::cli::form_of(field.kind);
+  std::string text = form.text(field, bytes);
+  Bytes again = olt::cli::parse_field(field, text);
+  require(form.text(field, again) == text, "a value is read as it is printed", text);
 }
 
 /// Values that were taken, and their fields. An ONT is printed by its fields alone.
@@ -118,13 +98,13 @@ void require_written_is_read(const Call &call) {
   }
 }
 
-/// Operations that leave bytes of their request uninitialized.
-bool leaves_bytes_unset(const Operation &operation) {
-  static constexpr std::string_view kNames[] = {
-      "set_olt_port_ratecontrol",      "stp_set_port_rstp_state", "set_olt_port_ingressfilter",
-      "set_olt_port_flowcontrol",      "set_ont_p2p_function",    "set_ponport_function",
-      "set_ont_linkSecurityEncryption"};
-  return std::find(std::begin(kNames), std::end(kNames), operation.name) != std::end(kNames);
+/// Clears the bytes of a request that hold what memory held.
+void clear_unset_bytes(const Operation &operation, Bytes &request) {
+  for (const Part &part : operation.request.parts()) {
+    if (part.origin != Origin::kAny || part.offset >= request.size()) continue;
+    std::fill_n(request.data() + part.offset,
+                std::min<size_t>(part.width, request.size() - part.offset), 0);
+  }
 }
 
 /// Reports mode 0 when it cannot read the mode.
@@ -143,7 +123,7 @@ void require_same_request(const Operation &operation, const Words &words) {
     made = olt::fuzz::take_requests();
     for (Request &request : made) {
       require(request.type == operation.address.message_type, "an operation sends its type");
-      if (leaves_bytes_unset(operation)) std::fill(request.bytes.begin(), request.bytes.end(), 0);
+      clear_unset_bytes(operation, request.bytes);
     }
   }
   require(requests[0] == requests[1], "the same words make the same request");

@@ -111,7 +111,7 @@ std::vector<uint8_t> honest(const Operation &operation, std::span<const uint8_t>
 
 void make(const Operation &operation) {
   Call call(operation);
-  Result result = olt::cli::result_of(call, call.make(), false);
+  Result result = olt::cli::result_of(call, call.make(), {});
   std::string text = olt::cli::make_text_formatter()->result(result);
   require(!result.failed() || text.empty(), "a failure has no results", text);
   if (!result.failed()) require_text(text, operation);

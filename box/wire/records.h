@@ -56,6 +56,66 @@ struct SwitchDebug {
 static_assert(sizeof(SwitchDebug) == 28);
 OLT_AT(SwitchDebug, debug_value, 24);
 
+/// What these four records hold has no effect on the box.
+struct SystemNetwork {
+  uint8_t address[4];
+  uint8_t mask[4];
+  uint8_t gateway[4];
+  uint32_t vlan;
+  uint8_t dns_first[4];
+  uint8_t dns_second[4];
+  char name[32];
+  uint8_t reserved_38[116];
+};
+static_assert(sizeof(SystemNetwork) == 172);
+OLT_AT(SystemNetwork, mask, 4);
+OLT_AT(SystemNetwork, gateway, 8);
+OLT_AT(SystemNetwork, vlan, 12);
+OLT_AT(SystemNetwork, dns_first, 16);
+OLT_AT(SystemNetwork, dns_second, 20);
+OLT_AT(SystemNetwork, name, 24);
+
+struct SntpConfig {
+  uint32_t enabled;
+  uint8_t server_first[4];
+  uint8_t server_second[4];
+  uint32_t interval;   ///< in seconds
+  int32_t utc_offset;  ///< in minutes
+  uint8_t reserved_14[68];
+};
+static_assert(sizeof(SntpConfig) == 88);
+OLT_AT(SntpConfig, server_first, 4);
+OLT_AT(SntpConfig, server_second, 8);
+OLT_AT(SntpConfig, interval, 12);
+OLT_AT(SntpConfig, utc_offset, 16);
+
+struct SnmpParam {
+  char read_community[32];
+  char write_community[32];
+  char trap_community[32];
+  uint32_t traps;
+  uint8_t trap_host[4];
+  uint32_t trap_port;
+  uint8_t reserved_6c[28];
+};
+static_assert(sizeof(SnmpParam) == 136);
+OLT_AT(SnmpParam, write_community, 32);
+OLT_AT(SnmpParam, trap_community, 64);
+OLT_AT(SnmpParam, traps, 96);
+OLT_AT(SnmpParam, trap_host, 100);
+OLT_AT(SnmpParam, trap_port, 104);
+
+struct SnmpSystemInfo {
+  char contact[64];
+  char name[64];
+  char location[64];
+  uint32_t services;
+};
+static_assert(sizeof(SnmpSystemInfo) == 196);
+OLT_AT(SnmpSystemInfo, name, 64);
+OLT_AT(SnmpSystemInfo, location, 128);
+OLT_AT(SnmpSystemInfo, services, 192);
+
 /// The head of a piece of a firmware image.
 struct UpdatePiece {
   uint32_t total;   ///< length of the image
@@ -93,6 +153,11 @@ struct ListingReply {
 };
 static_assert(sizeof(ListingReply) == 80);
 OLT_AT(ListingReply, name, 48);
+
+struct ListingName {
+  char name[32];
+};
+static_assert(sizeof(ListingName) == 32);
 
 // The OLT's Ethernet side.
 
@@ -274,6 +339,9 @@ OLT_AT(IgmpProxy, robustness, 12);
 OLT_AT(IgmpProxy, last_member_query_interval, 16);
 OLT_AT(IgmpProxy, fast_leave, 20);
 
+/// The bytes before the ranges of VLANs in a dump: the record, and how many ranges there are.
+inline constexpr size_t kIgmpProxyDumpHead = sizeof(IgmpProxy) + sizeof(uint32_t);
+
 // PON interfaces and ONUs.
 
 /// Names a PON interface.
@@ -319,6 +387,22 @@ OLT_AT(OntTarget, part, 16);
 OLT_AT(OntTarget, mac, 28);
 OLT_AT(OntTarget, mac_word, 36);
 OLT_AT(OntTarget, user_traffic, 40);
+
+/// Sets the features of an ONU, or its description.
+struct FeatureRequest {
+  uint32_t slot;
+  uint32_t interface;
+  uint32_t onu;
+  uint32_t target_kind;
+  uint8_t reserved_10[12];
+  uint8_t mac[6];
+  uint8_t reserved_22[54];
+  uint32_t feature[12];
+};
+static_assert(sizeof(FeatureRequest) == 136);
+OLT_AT(FeatureRequest, target_kind, 12);
+OLT_AT(FeatureRequest, mac, 28);
+OLT_AT(FeatureRequest, feature, 88);
 
 /// A target that returns the group limit of a UNI port.
 struct GroupLimitTarget {
@@ -610,6 +694,14 @@ static_assert(sizeof(IptvChannelRow) == 56);
 OLT_AT(IptvChannelRow, profile, 4);
 OLT_AT(IptvChannelRow, number, 36);
 OLT_AT(IptvChannelRow, settings, 40);
+
+/// Adds a channel to a profile, or deletes it.
+struct ChannelRequest {
+  IptvChannelRow channel;
+  char profile[32];
+};
+static_assert(sizeof(ChannelRequest) == 88);
+OLT_AT(ChannelRequest, profile, 56);
 
 struct IptvProfileRow {
   uint32_t selector;

@@ -78,7 +78,7 @@ void read_value(Call &call, size_t place, std::string_view text) {
   if (form.fits != nullptr && text.starts_with('@')) {
     call.set_bytes(place, 0, of_size(whole.width, file(text.substr(1))));
   } else if (form.fits == nullptr || form.fits(text)) {
-    call.set_bytes(place, 0, form.parse(whole, text));
+    call.set_bytes(place, 0, parse_field(whole, text));
   } else if (text.find(':') == std::string_view::npos) {
     call.set_bytes(place, 0, of_size(whole.width, parse_hex(text)));
   } else {

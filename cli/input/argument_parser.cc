@@ -40,7 +40,7 @@ void complete(const Operation &operation, std::vector<Assignment> &assignments) 
 }
 
 void read_field(Call &call, size_t place, const Field &field, std::string_view text) {
-  call.set_bytes(place, field.offset, form_of(field.kind).parse(field, text));
+  call.set_bytes(place, field.offset, parse_field(field, text));
 }
 
 void read(Call &call, const Assignment &given) {

@@ -45,13 +45,21 @@ std::string input_names(const Operation &operation) {
   return names.empty() ? "none" : names;
 }
 
-/// The targets that a name fits: the argument of that name alone, else every field of that name.
-std::vector<Target> targets(const Operation &operation, std::string_view name) {
+bool has_field(const Argument &argument, std::string_view name) {
+  std::span<const Field> fields = argument.own_fields();
+  return std::any_of(fields.begin(), fields.end(),
+                     [name](const Field &field) { return field.name == name; });
+}
+
+/// The targets that a name fits: the argument of that name alone, else every field of that name. A
+/// record with a field of its own name is meant as a whole when a file is given.
+std::vector<Target> targets(const Operation &operation, std::string_view name, bool is_file) {
   std::vector<Target> found;
   for (size_t place = 0; place < operation.argument_count; ++place) {
     const Argument &argument = operation.arguments()[place];
     if (!argument.takes_value()) continue;
-    if (argument.name == name) return {{place, nullptr}};
+    bool is_whole = argument.name == name && (is_file || !has_field(argument, name));
+    if (is_whole) return {{place, nullptr}};
     for (const Field &field : argument.own_fields()) {
       if (field.name == name || fmt::format("{}.{}", argument.name, field.name) == name) {
         found.push_back({place, &field});
@@ -61,8 +69,8 @@ std::vector<Target> targets(const Operation &operation, std::string_view name) {
   return found;
 }
 
-Target resolve(const Operation &operation, std::string_view name) {
-  std::vector<Target> found = targets(operation, name);
+Target resolve(const Operation &operation, std::string_view name, bool is_file) {
+  std::vector<Target> found = targets(operation, name, is_file);
   if (found.empty()) {
     wrong_usage("{}: there is no argument '{}'; expected: {}", operation.name, name,
                 input_names(operation));
@@ -94,9 +102,9 @@ std::vector<Assignment> assign(const Operation &operation, std::span<const std::
   for (size_t i = 0; i < words.size(); ++i) {
     std::string_view value = words[i];
     std::string_view name = name_in(value);
-    Target target =
-        name.empty() ? next_in_order(operation, assignments, words[i]) : resolve(operation, name);
     if (!name.empty()) value.remove_prefix(name.size() + 1);
+    Target target = name.empty() ? next_in_order(operation, assignments, words[i])
+                                 : resolve(operation, name, value.starts_with('@'));
     for (const Assignment &other : assignments) {
       if (other.place == target.place && other.field == target.field) {
         wrong_usage("{}: {} is given twice; expected once", operation.name,

@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <type_traits>
-
 #include "cli/call/result_text.h"
 #include "cli/output/format.h"
 
@@ -14,21 +12,13 @@ namespace {
 /// The version that every object carries.
 constexpr int kVersion = 1;
 
-ordered_json json_of(const Value &value) {
-  return std::visit(
-      [](const auto &plain) -> ordered_json {
-        if constexpr (std::is_same_v<decltype(plain), const Bytes &>) {
-          return to_hex(plain);
-        } else {
-          return plain;
-        }
-      },
-      value);
+ordered_json json_of(const NamedValue &value) {
+  return value.json();
 }
 
 ordered_json json_of(const NamedValues &values) {
   ordered_json object = ordered_json::object();
-  for (const NamedValue &named : values) object[std::string(named.name)] = json_of(named.value);
+  for (const NamedValue &named : values) object[std::string(named.name())] = json_of(named);
   return object;
 }
 

@@ -5,16 +5,24 @@ namespace olt::cli {
 using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
+using catalog::Role;
 
 namespace {
 
 constexpr const char *kMask = "********";
 
-NamedValue value_of(const Field &field, ByteView record, bool secrets) {
-  if (field.secret && !secrets) return {field.name, field.role, kMask};
-  ByteView bytes = field.width == Field::kToTheEnd ? record.subspan(field.offset)
-                                                   : record.subspan(field.offset, field.width);
-  return {field.name, field.role, form_of(field.kind).value(bytes)};
+NamedValue value_of(Field field, ByteView record, const Detail &detail) {
+  if (field.width == Field::kToTheEnd) {
+    field.width = static_cast<uint32_t>(record.size() - field.offset);
+  }
+  ByteView bytes = record.subspan(field.offset, field.width);
+  return {detail.raw ? without_meaning(field) : field,
+          {bytes.begin(), bytes.end()},
+          field.secret && !detail.secrets};
+}
+
+bool is_shown(const Field &field, const Detail &detail) {
+  return detail.all || (field.role != Role::kReserved && field.role != Role::kSelector);
 }
 
 /// A block shorter than its head is shown as it is.
@@ -22,26 +30,34 @@ bool has_fields(const Argument &argument, ByteView bytes) {
   return !argument.fields.empty() && bytes.size() >= argument.size;
 }
 
-Output output_of(const Call &call, size_t place, bool secrets) {
+Output output_of(const Call &call, size_t place, const Detail &detail) {
   const Argument &argument = call.operation().arguments()[place];
   ByteView bytes = call.bytes(place);
   if (const std::string &file = call.file(place); !file.empty()) {
     return {argument.name, WrittenFile{file, bytes.size()}};
   }
-  NamedValues values = values_of(argument, bytes, secrets);
-  if (!has_fields(argument, bytes)) return {argument.name, std::move(values.front().value)};
+  NamedValues values = values_of(argument, bytes, detail);
+  if (!has_fields(argument, bytes)) return {argument.name, std::move(values.front())};
   return {argument.name, std::move(values)};
 }
 
 }  // namespace
 
-Result result_of(const Call &call, int32_t code, bool secrets) {
+std::string NamedValue::text() const {
+  return is_masked ? kMask : form_of(field.kind).text(field, bytes);
+}
+
+nlohmann::ordered_json NamedValue::json() const {
+  return is_masked ? kMask : form_of(field.kind).json(field, bytes);
+}
+
+Result result_of(const Call &call, int32_t code, const Detail &detail) {
   Result result{call.operation(), code, {}, {}};
   if (result.failed()) return result;
   for (size_t place = 0; place < call.operation().argument_count; ++place) {
     const Argument &argument = call.operation().arguments()[place];
     if (!argument.is_output()) continue;
-    result.outputs.push_back(output_of(call, place, secrets));
+    result.outputs.push_back(output_of(call, place, detail));
     if (argument.form == FieldKind::kListing) {
       result.listing = Listing{text_in(call.bytes(place)), {}};
     }
@@ -49,14 +65,16 @@ Result result_of(const Call &call, int32_t code, bool secrets) {
   return result;
 }
 
-NamedValues values_of(const Argument &argument, ByteView bytes, bool secrets) {
+NamedValues values_of(const Argument &argument, ByteView bytes, const Detail &detail) {
   if (!has_fields(argument, bytes)) {
     Field whole = argument.whole();
     whole.width = Field::kToTheEnd;
-    return {value_of(whole, bytes, secrets)};
+    return {value_of(whole, bytes, detail)};
   }
   NamedValues values;
-  for (const Field &field : argument.fields) values.push_back(value_of(field, bytes, secrets));
+  for (const Field &field : argument.fields) {
+    if (is_shown(field, detail)) values.push_back(value_of(field, bytes, detail));
+  }
   return values;
 }
 

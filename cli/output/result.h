@@ -15,10 +15,22 @@
 
 namespace olt::cli {
 
+/// How much of what calls bring is shown, and how.
+struct Detail {
+  bool secrets = false;  ///< else masked
+  bool all = false;      ///< with fields that are reserved or select
+  bool raw = false;      ///< as numbers and hex
+};
+
+/// A field and its bytes.
 struct NamedValue {
-  std::string_view name;
-  catalog::Role role;
-  Value value;
+  catalog::Field field;
+  Bytes bytes;
+  bool is_masked = false;
+
+  std::string_view name() const { return field.name; }
+  std::string text() const;
+  nlohmann::ordered_json json() const;
 };
 
 /// The columns of a row, or the fields of a record.
@@ -32,7 +44,7 @@ struct WrittenFile {
 
 struct Output {
   std::string_view name;
-  std::variant<Value, NamedValues, WrittenFile> content;
+  std::variant<NamedValue, NamedValues, WrittenFile> content;
 };
 
 struct Listing {
@@ -49,11 +61,11 @@ struct Result {
   bool failed() const { return !operation.succeeded(code); }
 };
 
-/// Outputs only when the call succeeded. Secrets are masked unless they are asked for.
-Result result_of(const Call &call, int32_t code, bool secrets);
+/// Outputs only when the call succeeded.
+Result result_of(const Call &call, int32_t code, const Detail &detail);
 
 /// The fields of an output; the whole as one value when it has none.
-NamedValues values_of(const catalog::Argument &argument, ByteView bytes, bool secrets);
+NamedValues values_of(const catalog::Argument &argument, ByteView bytes, const Detail &detail);
 
 }  // namespace olt::cli
 

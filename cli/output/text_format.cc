@@ -8,6 +8,7 @@
 
 namespace olt::cli {
 
+using catalog::FieldKind;
 using nlohmann::ordered_json;
 
 namespace {
@@ -16,34 +17,25 @@ namespace {
 constexpr size_t kShort = 16;
 constexpr size_t kWidestCell = 48;
 
-std::string text_of(uint32_t number) {
-  return fmt::to_string(number);
-}
-
-std::string text_of(const std::vector<uint32_t> &words) {
-  return fmt::format("{}", fmt::join(words, ","));
-}
-
-std::string text_of(const std::string &text) {
-  return printable(text);
-}
-
-std::string text_of(const Bytes &bytes) {
-  if (bytes.size() <= kShort) return to_spaced_hex(bytes);
-  return fmt::format("{} bytes\n{}", bytes.size(), hex_dump(bytes));
+/// Long bytes are dumped below their name.
+std::string text_of(const NamedValue &value) {
+  bool is_short =
+      value.is_masked || value.field.kind != FieldKind::kBytes || value.bytes.size() <= kShort;
+  return is_short ? value.text()
+                  : fmt::format("{} bytes\n{}", value.bytes.size(), hex_dump(value.bytes));
 }
 
 std::string line(std::string_view name, const std::string &text) {
   return fmt::format("{} = {}{}", name, text, text.ends_with('\n') ? "" : "\n");
 }
 
-std::string lines_of(std::string_view name, const Value &value) {
-  return line(name, std::visit([](const auto &plain) { return text_of(plain); }, value));
+std::string lines_of(std::string_view name, const NamedValue &value) {
+  return line(name, text_of(value));
 }
 
 std::string lines_of(std::string_view /*name*/, const NamedValues &values) {
   std::string text;
-  for (const NamedValue &named : values) text += lines_of(named.name, named.value);
+  for (const NamedValue &named : values) text += lines_of(named.name(), named);
   return text;
 }
 
@@ -75,11 +67,9 @@ bool continues_character(char c) {
   return (static_cast<uint8_t>(c) & 0xC0) == 0x80;
 }
 
-std::string cell_of(const Value &value) {
-  const auto *bytes = std::get_if<Bytes>(&value);
-  std::string text = bytes != nullptr
-                         ? to_hex(*bytes)
-                         : std::visit([](const auto &plain) { return text_of(plain); }, value);
+std::string cell_of(const NamedValue &value) {
+  bool is_hex = !value.is_masked && value.field.kind == FieldKind::kBytes;
+  std::string text = is_hex ? to_hex(value.bytes) : value.text();
   if (text.size() > kWidestCell) {
     size_t end = kWidestCell - 3;
     while (continues_character(text[end])) --end;
@@ -90,7 +80,7 @@ std::string cell_of(const Value &value) {
 
 std::string cell_named(std::string_view name, const NamedValues &columns) {
   for (const NamedValue &column : columns) {
-    if (column.name == name) return cell_of(column.value);
+    if (column.name() == name) return cell_of(column);
   }
   return "-";
 }
@@ -143,7 +133,7 @@ class TextFormatter : public Formatter {
   std::string row(const std::string & /*reader*/, const NamedValues &columns) override {
     if (table_.empty()) {
       table_.emplace_back();
-      for (const NamedValue &column : columns) table_[0].emplace_back(column.name);
+      for (const NamedValue &column : columns) table_[0].emplace_back(column.name());
     }
     TableRow cells;
     for (const std::string &name : table_[0]) cells.push_back(cell_named(name, columns));

@@ -1,24 +1,20 @@
-/// Fields as text, in both directions: one row per kind of field.
+/// Fields as text and as JSON, in both directions: one row per kind of field.
 #ifndef OLT_CLI_TEXT_FIELD_FORMS_H
 #define OLT_CLI_TEXT_FIELD_FORMS_H
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
-#include <vector>
 
 #include "base/text.h"
 #include "catalog/operation.h"
 
 namespace olt::cli {
-
-/// What a field holds. Every output format has its way to show each of these.
-using Value = std::variant<uint32_t, std::vector<uint32_t>, std::string, Bytes>;
 
 /// What is wrong with the text of a value: "'x' given".
 class BadValue : public std::runtime_error {
@@ -39,8 +35,9 @@ struct FieldForm {
 
   /// The bytes of a field, as many as it is wide. Throws BadValue.
   Bytes (*parse)(const catalog::Field &, std::string_view text);
-  /// What the bytes hold. The formats print it as parse() takes it.
-  Value (*value)(ByteView bytes);
+  /// What the bytes hold, on one line, as parse() takes it.
+  std::string (*text)(const catalog::Field &, ByteView bytes);
+  nlohmann::ordered_json (*json)(const catalog::Field &, ByteView bytes);
 
   /// Records only: whether the text is in this form, and not hex, a file or a patch. Null for kinds
   /// that have only this form.
@@ -49,7 +46,13 @@ struct FieldForm {
 
 const FieldForm &form_of(catalog::FieldKind kind);
 
-/// Bytes from pairs of hex digits. Throws BadValue.
+/// The bytes of a field from its text or its JSON form. Throws BadValue.
+Bytes parse_field(const catalog::Field &field, std::string_view text);
+
+/// The field as a plain number, or as bytes in hex.
+catalog::Field without_meaning(catalog::Field field);
+
+/// Bytes from pairs of hex digits, or from a dump. Throws BadValue.
 Bytes parse_hex(std::string_view text);
 
 /// A number up to the limit. Throws BadValue.

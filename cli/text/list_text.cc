@@ -67,7 +67,7 @@ const Field &field_named(const Argument &argument, std::string_view name) {
 
 Bytes field_bytes(const Field &field, std::string_view value) {
   try {
-    return form_of(field.kind).parse(field, value);
+    return parse_field(field, value);
   } catch (const BadValue &bad) {
     throw BadValue("{}: {}", field.name, bad.what());
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +15,7 @@
 namespace olt::cli {
 
 using catalog::Argument;
+using catalog::Field;
 using catalog::FieldKind;
 using catalog::Operation;
 using catalog::Role;
@@ -39,18 +39,17 @@ void select(Call &call, box::RowSelector selector) {
 
 /// Whether a column says something about the row, and nothing that its index says already.
 bool is_column(const Argument &argument, const NamedValue &value, const NamedValues &row) {
-  if (value.role == Role::kReserved || value.role == Role::kSelector) return false;
-  if (value.role == Role::kRowName && is_target(argument)) return false;
+  if (value.field.role == Role::kRowName && is_target(argument)) return false;
   return std::none_of(row.begin(), row.end(),
-                      [&value](const NamedValue &column) { return column.name == value.name; });
+                      [&value](const NamedValue &column) { return column.name() == value.name(); });
 }
 
 }  // namespace
 
-Walk::Walk(Access &box, const std::string &reader, bool secrets)
+Walk::Walk(Access &box, const std::string &reader, const Detail &detail)
     : box_(box),
       reader_(reader_named(reader)),
-      secrets_(secrets),
+      detail_(detail),
       step_(*catalog::find(reader_.stepper)) {
   box.open();
 }
@@ -91,12 +90,21 @@ void Walk::check(const Operation &operation, int32_t result) const {
 
 NamedValues Walk::index() const {
   if (!is_target(step_.operation().arguments()[0])) return {};
-  box::OntTarget target;
-  std::memcpy(&target, step_.bytes(0).data(), sizeof target);
-  NamedValues index = {{"slot", Role::kRowName, target.slot},
-                       {"interface", Role::kRowName, target.interface},
-                       {"onu", Role::kRowName, target.onu}};
-  if (reader_.part != nullptr) index.push_back({reader_.part, Role::kRowName, target.part});
+  ByteView target = step_.bytes(0);
+  NamedValues index;
+  auto add = [&](const char *name, uint32_t offset) {
+    ByteView word = target.subspan(offset, sizeof(uint32_t));
+    Field field = {.name = name,
+                   .offset = offset,
+                   .width = sizeof(uint32_t),
+                   .kind = FieldKind::kNumber,
+                   .role = Role::kRowName};
+    index.push_back({field, {word.begin(), word.end()}});
+  };
+  add("slot", offsetof(box::OntTarget, slot));
+  add("interface", offsetof(box::OntTarget, interface));
+  add("onu", offsetof(box::OntTarget, onu));
+  if (reader_.part != nullptr) add(reader_.part, offsetof(box::OntTarget, part));
   return index;
 }
 
@@ -105,7 +113,7 @@ void Walk::add_columns(NamedValues &row, const Call &call) const {
     const Argument &argument = call.operation().arguments()[place];
     ByteView bytes = call.bytes(place);
     if (!argument.is_output() || bytes.empty()) continue;
-    for (NamedValue &value : values_of(argument, bytes, secrets_)) {
+    for (NamedValue &value : values_of(argument, bytes, detail_)) {
       if (is_column(argument, value, row)) row.push_back(std::move(value));
     }
   }

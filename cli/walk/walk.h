@@ -16,7 +16,7 @@ namespace olt::cli {
 class Walk {
  public:
   /// Opens the box. Throws Error when there is no such reader.
-  Walk(Access &box, const std::string &reader, bool secrets);
+  Walk(Access &box, const std::string &reader, const Detail &detail);
 
   /// The columns of the next row, those of the index first; nothing after the last row. Throws
   /// Error.
@@ -30,7 +30,7 @@ class Walk {
 
   const Access &box_;
   const Reader &reader_;
-  bool secrets_;
+  Detail detail_;
   Call step_;  ///< its first argument names the row that was read last
 };
 

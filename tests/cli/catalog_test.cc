@@ -93,7 +93,7 @@ TEST(Catalog, EverySecretIsHiddenOnTheWire) {
       return secret.message_type == operation.address.message_type;
     })) << operation.name;
   });
-  EXPECT_EQ(secrets, 12U);
+  EXPECT_EQ(secrets, 14U);
 }
 
 TEST(Catalog, PasswordsLieWhereUsersAndEntriesHaveThem) {
@@ -147,7 +147,7 @@ TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
   EXPECT_EQ(arguments[0].most, 31U);
   EXPECT_FALSE(arguments[0].secret);
   EXPECT_TRUE(arguments[1].secret);
-  EXPECT_EQ(arguments[2].form, FieldKind::kWord);
+  EXPECT_EQ(arguments[2].form, FieldKind::kNumber);
   EXPECT_EQ(arguments[2].direction, Direction::kOut);
 
   EXPECT_EQ(find("add_user_level")->arguments()[2].direction, Direction::kIn);
@@ -197,7 +197,7 @@ TEST(CatalogRow, KnowsTheFormOfARecordAsAWhole) {
   EXPECT_EQ(find("clear_onu_node")->arguments()[0].form, FieldKind::kOnt);
   EXPECT_EQ(find("add_ont_description")->arguments()[0].form, FieldKind::kOnt);
   EXPECT_EQ(find("get_olt_mac")->arguments()[0].form, FieldKind::kMac);
-  EXPECT_EQ(find("set_ont_port_downrate")->arguments()[1].form, FieldKind::kWords);
+  EXPECT_EQ(find("set_ont_port_downrate")->arguments()[1].form, FieldKind::kNumbers);
   EXPECT_EQ(find("set_ont_fax")->arguments()[1].form, FieldKind::kBytes);
 }
 
@@ -207,9 +207,9 @@ TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   EXPECT_STREQ(fields[2].name, "debug_value");
   EXPECT_EQ(fields[2].offset, 24);
   EXPECT_EQ(fields[2].width, 2);
-  EXPECT_EQ(fields[2].kind, FieldKind::kHalfWord);
+  EXPECT_EQ(fields[2].kind, FieldKind::kNumber);
   EXPECT_EQ(fields[1].kind, FieldKind::kBytes);
-  EXPECT_EQ(fields[0].kind, FieldKind::kWord);
+  EXPECT_EQ(fields[0].kind, FieldKind::kNumber);
 
   auto user = find("modify_user_level")->arguments()[0].fields;
   ASSERT_EQ(user.size(), 6U);
@@ -219,18 +219,19 @@ TEST(CatalogRow, KnowsTheFieldsOfARecord) {
   EXPECT_FALSE(user[2].secret);
 
   auto ont = find("clear_onu_node")->arguments()[0].fields;
-  ASSERT_EQ(ont.size(), 7U);
-  EXPECT_EQ(ont[0].kind, FieldKind::kWords);
+  ASSERT_EQ(ont.size(), 8U);
+  EXPECT_EQ(ont[0].kind, FieldKind::kOnt);
   EXPECT_EQ(ont[0].width, 12);
-  EXPECT_EQ(ont[3].kind, FieldKind::kMac);
-  EXPECT_EQ(ont[3].offset, 28);
+  EXPECT_EQ(ont[4].kind, FieldKind::kMac);
+  EXPECT_EQ(ont[4].offset, 28);
 }
 
 TEST(CatalogRow, KnowsWhatFieldsAreFor) {
   auto ont = find("clear_onu_node")->arguments()[0].fields;
   EXPECT_EQ(ont[0].role, Role::kRowName);
-  EXPECT_EQ(ont[2].role, Role::kReserved);
-  EXPECT_EQ(ont[3].role, Role::kRowName);
+  EXPECT_EQ(ont[1].role, Role::kSelector);
+  EXPECT_EQ(ont[3].role, Role::kReserved);
+  EXPECT_EQ(ont[4].role, Role::kRowName);
   auto row = find("process_snmp_vlan_id")->arguments()[0].fields;
   EXPECT_EQ(row[0].role, Role::kSelector);
   EXPECT_EQ(row[1].role, Role::kRowName);
@@ -264,13 +265,13 @@ TEST(CatalogRow, KnowsTheBoxsRecordsByteForByte) {
       {"deal_wan_connection", 1, "settings", 8, 117, FieldKind::kBytes},
       {"process_snmp_onubasicinfo", 1, "mac", 16, 6, FieldKind::kMac},
       {"process_snmp_onubasicinfo", 1, "description", 72, 48, FieldKind::kPadded},
-      {"process_snmp_linkbasicinfo", 1, "features", 100, 48, FieldKind::kWords},
-      {"process_snmp_onuglobalinfo", 1, "length", 56, 4, FieldKind::kWord},
-      {"process_snmp_onuglobalinfo", 1, "parts", 60, 0, FieldKind::kBytes},
-      {"process_snmp_hguwaninfo", 1, "connections", 88, 0, FieldKind::kBytes},
-      {"process_snmp_iadinfo", 1, "registered", 72, 4, FieldKind::kWord},
-      {"process_onu_portmuticastmaxgroup", 0, "group_limit", 20, 4, FieldKind::kWord},
-      {"process_snmp_oltauth", 0, "onus_blocked", 40, 4, FieldKind::kWord},
+      {"process_snmp_linkbasicinfo", 1, "features", 100, 48, FieldKind::kNumbers},
+      {"process_snmp_onuglobalinfo", 1, "length", 56, 4, FieldKind::kNumber},
+      {"process_snmp_onuglobalinfo", 1, "parts", 60, 0, FieldKind::kRecords},
+      {"process_snmp_hguwaninfo", 1, "connections", 88, 0, FieldKind::kRecords},
+      {"process_snmp_iadinfo", 1, "registered", 72, 4, FieldKind::kNumber},
+      {"process_onu_portmuticastmaxgroup", 0, "group_limit", 20, 4, FieldKind::kNumber},
+      {"process_snmp_oltauth", 0, "onus_blocked", 40, 4, FieldKind::kNumber},
   };
   for (const auto &place : places) {
     auto fields = find(place.operation)->arguments()[place.argument].fields;

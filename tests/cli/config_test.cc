@@ -82,7 +82,7 @@ class Config : public testing::Test {
 
   std::string path(const char *name) const { return oltctl_.folder() / name; }
   std::string exported(const char *name) const {
-    Finished finished = oltctl_({"config", "export", path(name), "--secrets"});
+    Finished finished = oltctl_({"config", "export", path(name), "--show-secrets"});
     EXPECT_EQ(finished.status, 0) << finished.errors;
     return read_file(path(name));
   }
@@ -190,7 +190,7 @@ TEST_F(Config, DiffersFromAFile) {
             "+ {\"level_a\":1,\"level_b\":2,\"name\":\"operator\",\"password\":\"********\"}\n");
   EXPECT_EQ(lacks.errors, "config diff: 1 difference\n");
   exported("later.json");
-  Finished files = oltctl_({"config", "diff", path("site.json"), path("later.json"), "--secrets"});
+  Finished files = oltctl_({"config", "diff", path("site.json"), path("later.json"), "--show-secrets"});
   EXPECT_EQ(files.status, 1);
   EXPECT_EQ(files.output,
             "/configuration/system-users/users/1\n"

@@ -46,8 +46,8 @@ TEST(Script, SaysWhereALineIsWrong) {
   Finished wrong = oltctl({"-f", "-"}, "get_olt_support_oam\nset_system_loglevel high\n");
   EXPECT_EQ(wrong.status, 2);
   EXPECT_EQ(wrong.errors,
-            "standard input:2: set_system_loglevel: value: 'high' given; expected a number from 0 "
-            "to 4294967295\n");
+            "standard input:2: set_system_loglevel: value: 'high' given; expected emergency, "
+            "alert, critical, error, warning, notice, info, debug, or a number\n");
   Finished open = oltctl({"-f", "-"}, "delete_user_level 'x\n");
   EXPECT_EQ(open.status, 2);
   EXPECT_EQ(open.errors, "standard input:1: the line ends too early; expected a closing '\n");
@@ -66,7 +66,7 @@ TEST(Script, WritesJsonLines) {
             R"("transport":null,"status":0,"outputs":{},"listing":null})"
             "\n"
             R"({"version":1,"operation":"get_card_updatestatus","result":0,"failed":false,)"
-            R"("transport":null,"status":0,"outputs":{"value":0},"listing":null})"
+            R"("transport":null,"status":0,"outputs":{"value":"idle"},"listing":null})"
             "\n");
 }
 

@@ -23,7 +23,7 @@ TEST(Configuration, MovesFromOneBoxToAnother) {
     ASSERT_EQ(box.oltctl({"add_vlan_list", "vlans=10,20-25"}).status, 0);
     ASSERT_EQ(
         box.oltctl({"set_voip_useraccount", "ont=1/2/3:1", "account=0:6162"}).status, 0);
-    Finished exported = box.oltctl({"config", "export", file, "--secrets"});
+    Finished exported = box.oltctl({"config", "export", file, "--show-secrets"});
     ASSERT_EQ(exported.status, 0) << exported.errors;
     text = read_file(file);
   }
@@ -37,7 +37,7 @@ TEST(Configuration, MovesFromOneBoxToAnother) {
       << differs.output;
   Finished imported = other.oltctl({"config", "import", file});
   EXPECT_EQ(imported.status, 0) << imported.errors;
-  EXPECT_EQ(other.oltctl({"config", "export", "--secrets"}).output, text);
+  EXPECT_EQ(other.oltctl({"config", "export", "--show-secrets"}).output, text);
   EXPECT_EQ(other.oltctl({"config", "diff", file}).status, 0);
   EXPECT_EQ(other.oltctl({"get_user_level", "operator", "sesame"}).output,
             "level_a = 1\nlevel_b = 2\n");

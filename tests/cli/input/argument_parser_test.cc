@@ -83,10 +83,11 @@ TEST(Arguments, AreTakenByPositionAndByName) {
 }
 
 TEST(Arguments, NumbersHaveARange) {
-  for (const char *bad : {"4294967296", "0x100000000", "-1", "+1", "1.5", "", "0x", "12a", " 1"}) {
+  EXPECT_EQ(error_for(kPlain, {"ab", "4294967296", "2"}),
+            "takes_text_and_words: first: '4294967296' is too large; expected a number");
+  for (const char *bad : {"0x100000000", "-1", "+1", "1.5", "", "0x", "12a", " 1"}) {
     EXPECT_EQ(error_for(kPlain, {"ab", bad, "2"}),
-              "takes_text_and_words: first: '" + std::string(bad) +
-                  "' given; expected a number from 0 to 4294967295");
+              "takes_text_and_words: first: '" + std::string(bad) + "' given; expected a number");
   }
 }
 
@@ -98,7 +99,7 @@ TEST(Arguments, TextsHaveALength) {
 
 TEST(Arguments, MustFitTheOperation) {
   EXPECT_EQ(error_for(kPlain, {"ab", "1"}),
-            "takes_text_and_words: second is missing; expected a number from 0 to 4294967295");
+            "takes_text_and_words: second is missing; expected a number");
   EXPECT_EQ(error_for(kPlain, {"ab", "1", "2", "3"}),
             "takes_text_and_words: '3' is one argument too many; expected: text, first, second");
   EXPECT_EQ(error_for(kPlain, {"txet=ab", "1", "2"}),
@@ -199,9 +200,10 @@ TEST(Records, FieldsHaveTheirRanges) {
   const auto &switch_debug = *olt::catalog::find("process_switchdebug_value");
   EXPECT_EQ(error_for(next_user, {"user_name=12345678901234567890123456789012"}),
             "get_system_next_user: user_name: 32 bytes given; expected text of at most 31 bytes");
-  EXPECT_EQ(error_for(switch_debug, {"debug_value=65536"}),
-            "process_switchdebug_value: debug_value: '65536' given; expected a number from 0 to "
-            "65535");
+  EXPECT_EQ(
+      error_for(switch_debug, {"debug_value=65536"}),
+      "process_switchdebug_value: debug_value: '65536' is too large; expected a number from 0 to "
+      "65535");
   EXPECT_EQ(error_for(switch_debug, {"reserved_1a=01"}),
             "process_switchdebug_value: reserved_1a: 1 byte given; expected 2 bytes as HEX");
 

@@ -19,13 +19,14 @@ using olt::catalog::FieldKind;
 using olt::cli::Call;
 using olt::cli::make_json_formatter;
 using olt::cli::make_text_formatter;
+using olt::cli::NamedValue;
 using olt::cli::NamedValues;
 using olt::cli::Result;
 
 /// A call's result with the text of its listing.
 Result shown(const Call &call, int32_t code, const std::optional<std::string> &listing,
              bool secrets) {
-  Result result = olt::cli::result_of(call, code, secrets);
+  Result result = olt::cli::result_of(call, code, {.secrets = secrets, .all = true});
   if (result.listing) result.listing->text = listing;
   return result;
 }
@@ -79,8 +80,8 @@ TEST(Format, WritesWordsAsNumbers) {
   int32_t result = call.make();
   EXPECT_EQ(text_of(call, result),
             "rates = 10,20,4294967295\n"
-            "requested = 1,2,3\n"
-            "granted = 4,5\n"
+            "requested = 1,2,3 kbit/s\n"
+            "granted = 4,5 kbit/s\n"
             "feature = 0,0,0,0,0,0,0,0,0,0,0,1\n");
   EXPECT_EQ(outputs_of(call, result),
             R"({"rates":[10,20,4294967295],"dba":{"requested":[1,2,3],"granted":[4,5]},)"
@@ -92,7 +93,7 @@ int32_t reads_a_row(olt_iptv_profile_row *row, olt_auth_row *words) {
   words->words[1] = 1;
   return 0;
 }
-constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kWord},
+constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kNumber},
                                  {"rest", 4, Field::kToTheEnd, FieldKind::kBytes}};
 constexpr auto kRow =
     OLT_OPERATION(reads_a_row, 1, "", {"row", olt::catalog::laid_out(kSomeFields, "words")});
@@ -102,10 +103,10 @@ TEST(Format, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
   int32_t result = call.make();
   EXPECT_EQ(
       outputs_of(call, result),
-      R"({"row":{"selector":2,"profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
+      R"({"row":{"selector":"next","profile":"b","channels":7},"words":{"first":0,"rest":"01000000)" +
           std::string(104, '0') + "\"}}");
-  EXPECT_EQ(text_of(call, result).substr(0, 48),
-            "selector = 2\nprofile = b\nchannels = 7\nfirst = 0\n");
+  EXPECT_EQ(text_of(call, result).substr(0, 51),
+            "selector = next\nprofile = b\nchannels = 7\nfirst = 0\n");
 }
 
 TEST(Format, WritesALinePerOutput) {
@@ -114,7 +115,7 @@ TEST(Format, WritesALinePerOutput) {
   EXPECT_EQ(text_of(call, result),
             "word = 4294967295\n"
             "mac = 02:00:5e:10:00:01\n"
-            "user_op = 0\n"
+            "user_op = look-up\n"
             "user_index = 3\n"
             "user_name = bob\n"
             "user_password = ********\n"
@@ -137,13 +138,14 @@ TEST(Format, ShowsSecretsOnRequestOnly) {
 TEST(Format, WritesJson) {
   Call call(kAllKinds);
   int32_t result = call.make();
-  EXPECT_EQ(json_of(call, result),
-            R"({"version":1,"operation":"reads_all_kinds","result":0,"failed":false,)"
-            R"("transport":null,"status":0,"outputs":{"word":4294967295,"mac":"02:00:5e:10:00:01",)"
-            R"("user":{"user_op":0,"user_index":3,"user_name":"bob","user_password":"********",)"
-            R"("level_a":0,"level_b":9},"answer":"3031323334353637383961626364656667"},)"
-            R"("listing":null})"
-            "\n");
+  EXPECT_EQ(
+      json_of(call, result),
+      R"({"version":1,"operation":"reads_all_kinds","result":0,"failed":false,)"
+      R"("transport":null,"status":0,"outputs":{"word":4294967295,"mac":"02:00:5e:10:00:01",)"
+      R"("user":{"user_op":"look-up","user_index":3,"user_name":"bob","user_password":"********",)"
+      R"("level_a":0,"level_b":9},"answer":"3031323334353637383961626364656667"},)"
+      R"("listing":null})"
+      "\n");
 }
 
 TEST(Format, WritesTheListingBehindItsName) {
@@ -190,13 +192,20 @@ TEST(Format, JsonHoldsNoControlCharacters) {
   EXPECT_EQ(nlohmann::json::parse(line)["listing"]["text"], "\x1b\x7f\xc2\x9b\xc2\xa0");
 }
 
+NamedValue value(const char *name, FieldKind kind, const std::string &bytes) {
+  Field field = {
+      .name = name, .offset = 0, .width = static_cast<uint32_t>(bytes.size()), .kind = kind};
+  return {field, {bytes.begin(), bytes.end()}};
+}
+
 TEST(Format, RowsAreATableOrALineEach) {
-  using olt::catalog::Role;
-  NamedValues row = {{"port", Role::kRowName, 1U},
-                     {"name", Role::kPlain, std::string("\x1b\xff")},
-                     {"bytes", Role::kPlain, olt::Bytes{1, 0xAB}},
-                     {"words", Role::kPlain, std::vector<uint32_t>{10, 20}},
-                     {"empty", Role::kPlain, std::string()}};
+  NamedValues row = {
+      value("port", FieldKind::kNumber, std::string("\x01\0\0\0", 4)),
+      value("name", FieldKind::kPadded, "\x1b\xff"),
+      value("bytes", FieldKind::kBytes, "\x01\xab"),
+      value("words", FieldKind::kNumbers, std::string("\x0a\0\0\0\x14\0\0\0", 8)),
+      value("empty", FieldKind::kPadded, ""),
+  };
   auto text = make_text_formatter();
   EXPECT_EQ(text->row("reader", row), "");
   EXPECT_EQ(text->end_of_rows(),
@@ -214,8 +223,7 @@ TEST(Format, RowsAreATableOrALineEach) {
 
 TEST(Format, ALongCellIsCutBetweenCharacters) {
   auto text = make_text_formatter();
-  text->row("reader",
-            {{"name", olt::catalog::Role::kPlain, std::string(44, 'a') + "\xc3\xa9tail"}});
+  text->row("reader", {value("name", FieldKind::kPadded, std::string(44, 'a') + "\xc3\xa9tail")});
   EXPECT_EQ(text->end_of_rows(), "name\n" + std::string(44, 'a') + "...\n");
 }
 

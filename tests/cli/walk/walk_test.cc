@@ -64,17 +64,17 @@ TEST_F(Walk, ReadersThatWriteNothingBackGoAlongAnother) {
   ASSERT_EQ(oltctl({"banding_ont_voipinterface", "1/1/2", "wan1.voip"}).status, 0);
   EXPECT_EQ(oltctl({"walk", "process_snmp_hguvoipbandinginfo"}).output,
             "slot  interface  onu  bound  wan_interface\n"
-            "1     1          1    0      -\n"
-            "1     1          2    1      wan1.voip\n"
-            "1     2          1    0      -\n"
-            "1     2          2    0      -\n");
+            "1     1          1    no     -\n"
+            "1     1          2    yes    wan1.voip\n"
+            "1     2          1    no     -\n"
+            "1     2          2    no     -\n");
   ASSERT_EQ(oltctl({"set_voip_linestatus", "1/2/2:1", "1"}).status, 0);
   EXPECT_EQ(oltctl({"walk", "process_voip_linestatus"}).output,
-            "slot  interface  onu  line  line_status  state  account\n"
-            "1     1          1    1     0            1      0\n"
-            "1     1          2    1     0            1      0\n"
-            "1     2          1    1     0            1      0\n"
-            "1     2          2    1     1            2      0\n");
+            "slot  interface  onu  line  line_status  state           account\n"
+            "1     1          1    1     off          off             no\n"
+            "1     1          2    1     off          off             no\n"
+            "1     2          1    1     off          off             no\n"
+            "1     2          2    1     on           not-registered  no\n");
 }
 
 TEST_F(Walk, ALimitThatComesBackInTheTargetIsAColumn) {
@@ -88,12 +88,12 @@ TEST_F(Walk, RowsOfBlocksShowWhatIsBehindTheirHeads) {
   ASSERT_EQ(oltctl({"deal_wan_connection", "1/1/1", "operation=1", "number=3"}).status, 0);
   std::string rows = oltctl({"--json", "walk", "process_snmp_hguwaninfo"}).output;
   EXPECT_TRUE(holds(rows, R"("onu":1,"count":1,"record_size":125,"length":125,)"
-                          R"("connections":"0100000003000000)" +
-                              std::string(234, '0') + "\"}}\n"))
+                          R"("connections":[{"operation":"add","number":3,"settings":")" +
+                              std::string(234, '0') + "\"}]}}\n"))
       << rows;
-  EXPECT_TRUE(holds(rows, R"("count":0,"record_size":125,"length":0,"connections":""}})")) << rows;
+  EXPECT_TRUE(holds(rows, R"("count":0,"record_size":125,"length":0,"connections":[]}})")) << rows;
   EXPECT_TRUE(holds(oltctl({"walk", "process_snmp_hguwaninfo"}).output,
-                    "010000000300000000000000000000000000000000000...\n"));
+                    "{operation=add number=3 settings=000000000000...\n"));
 }
 
 TEST_F(Walk, RowRecordsBeginWithTheirIndex) {
@@ -101,14 +101,14 @@ TEST_F(Walk, RowRecordsBeginWithTheirIndex) {
   ASSERT_EQ(oltctl({"process_trunk_vlan", "1", "2", "10", "0"}).status, 0);
   EXPECT_EQ(oltctl({"walk", "process_snmp_vlan_id"}).output,
             "vlan  description  tagged_ports  untagged_ports  members\n"
-            "1     default      0             15              4\n"
-            "10    -            2             0               1\n");
+            "1     default      none          1-4             4\n"
+            "10    -            2             none            1\n");
   EXPECT_EQ(oltctl({"walk", "process_snmp_oltauth"}).output,
             "slot  interface  auth_mode  allowed_macs  allowed_loids  allowed_mac_loids  onus  "
             "onus_up  onus_away  onus_blocked\n"
-            "1     1          0          0             0              0                  2     "
+            "1     1          any        0             0              0                  2     "
             "2        0          0\n"
-            "1     2          0          0             0              0                  2     "
+            "1     2          any        0             0              0                  2     "
             "2        0          0\n");
 }
 

@@ -1,0 +1,121 @@
+/// How the fields of a record are written down: the member says where a field is and, by its type,
+/// what it holds; marks say the rest.
+#ifndef OLT_CATALOG_FIELDS_H
+#define OLT_CATALOG_FIELDS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "catalog/operation.h"
+#include "oltmgmt.h"
+
+namespace olt::catalog {
+
+template <typename Type>
+inline constexpr FieldKind kFieldKindOf = FieldKind::kNumber;
+template <size_t size>
+inline constexpr FieldKind kFieldKindOf<char[size]> = FieldKind::kText;
+template <size_t size>
+inline constexpr FieldKind kFieldKindOf<uint8_t[size]> = FieldKind::kBytes;
+template <>
+inline constexpr FieldKind kFieldKindOf<uint8_t[6]> = FieldKind::kMac;
+template <size_t size>
+inline constexpr FieldKind kFieldKindOf<uint32_t[size]> = FieldKind::kNumbers;
+template <>
+inline constexpr FieldKind kFieldKindOf<olt_mac> = FieldKind::kMac;
+
+#define OLT_FIELD(record, field)                              \
+  olt::catalog::Field {                                       \
+#field, offsetof(record, field), sizeof(record::field),   \
+        olt::catalog::kFieldKindOf < decltype(record::field)> \
+  }
+
+constexpr Field secret(Field field) {
+  field.secret = true;
+  return field;
+}
+
+constexpr Field padded(Field field) {
+  field.kind = FieldKind::kPadded;
+  return field;
+}
+
+constexpr Field listing(Field field) {
+  field.kind = FieldKind::kListing;
+  return field;
+}
+
+constexpr Field reserved(Field field) {
+  field.role = Role::kReserved;
+  return field;
+}
+
+constexpr Field selector(Field field) {
+  field.role = Role::kSelector;
+  return field;
+}
+
+constexpr Field of_kind(FieldKind kind, Field field) {
+  field.kind = kind;
+  return field;
+}
+
+constexpr Field named(std::span<const ValueName> values, Field field) {
+  field.values = values;
+  return field;
+}
+
+constexpr Field in_unit(const char *unit, Field field) {
+  field.unit = unit;
+  return field;
+}
+
+constexpr Field row_name(Field field) {
+  field.role = Role::kRowName;
+  return field;
+}
+
+/// What follows a head: records of one type.
+template <typename Record>
+constexpr Field records(const char *name, uint32_t offset, std::span<const Field> fields) {
+  return {.name = name,
+          .offset = offset,
+          .width = Field::kToTheEnd,
+          .kind = FieldKind::kRecords,
+          .record = fields,
+          .record_size = sizeof(Record)};
+}
+
+/// Whether the fields follow each other without gaps and fill the record.
+template <typename Record>
+constexpr bool fill(std::span<const Field> fields) {
+  size_t end = 0;
+  for (const Field &field : fields) {
+    if (field.offset != end) return false;
+    end += field.width;
+  }
+  return end == sizeof(Record);
+}
+
+template <typename Record>
+concept WordsOnly = requires {
+  sizeof(Record::words);
+};
+
+/// The form of a record as a whole.
+template <typename Record>
+inline constexpr FieldKind kFormOf = WordsOnly<Record> ? FieldKind::kNumbers : FieldKind::kBytes;
+template <>
+inline constexpr FieldKind kFormOf<olt_mac> = FieldKind::kMac;
+template <>
+inline constexpr FieldKind kFormOf<olt_ont_target> = FieldKind::kOnt;
+template <>
+inline constexpr FieldKind kFormOf<olt_target_words> = FieldKind::kOnt;
+
+template <typename Record>
+inline constexpr std::span<const Field> kFieldsOf{};
+
+}  // namespace olt::catalog
+
+#endif
