@@ -190,7 +190,8 @@ TEST_F(Config, DiffersFromAFile) {
             "+ {\"level_a\":1,\"level_b\":2,\"name\":\"operator\",\"password\":\"********\"}\n");
   EXPECT_EQ(lacks.errors, "config diff: 1 difference\n");
   exported("later.json");
-  Finished files = oltctl_({"config", "diff", path("site.json"), path("later.json"), "--show-secrets"});
+  Finished files =
+      oltctl_({"config", "diff", path("site.json"), path("later.json"), "--show-secrets"});
   EXPECT_EQ(files.status, 1);
   EXPECT_EQ(files.output,
             "/configuration/system-users/users/1\n"

@@ -98,9 +98,9 @@ class PatternedState {
   }
 
   static bool is(const std::string &output, unsigned pattern) {
-    return holds(output, "\"" + repeated(pattern, 136) + "\"") &&
-           holds(output, "\"" + repeated(pattern, 196) + "\"") &&
-           holds(output, fmt::format("\"debug_value\":{},", pattern));
+    return holds(output, "\"" + repeated(pattern, 45) + "\"") &&
+           holds(output, "\"" + repeated(pattern, 34) + "0000\"") &&
+           holds(output, fmt::format("\"debug_value\":{}}}", pattern));
   }
 
   bool has_left_overs() const {
@@ -110,9 +110,10 @@ class PatternedState {
  private:
   pid_t start_to_set(unsigned pattern) {
     std::string script = oltctl_.folder().write(
-        "set", fmt::format("set_snmp_param {}\nset_snmp_systeminfo {}\n"
-                           "process_switchdebug_value debug_op=1 debug_value={}\n",
-                           repeated(pattern, 136), repeated(pattern, 196), pattern));
+        "set",
+        fmt::format("set_ont_sipconfiguration 1/1/1 {}\nset_ont_port_muticastrip 1/1/1:1 {}\n"
+                    "process_switchdebug_value debug_op=1 debug_value={}\n",
+                    repeated(pattern, 45), repeated(pattern, 34), pattern));
     auto environment = private_environment(oltctl_.folder());
     pid_t child = fork();
     if (child != 0) return child;
@@ -121,8 +122,10 @@ class PatternedState {
   }
 
   Oltctl oltctl_;
-  std::string reading_ = oltctl_.folder().write(
-      "read", "get_snmp_param\nget_snmp_systeminfo\nprocess_switchdebug_value\n");
+  std::string reading_ =
+      oltctl_.folder().write("read",
+                             "process_snmp_onusipparaminfo 1/1/1\nprocess_onu_portstrip "
+                             "1/1/1:1\nprocess_switchdebug_value\n");
 };
 
 steady_clock::duration of(steady_clock::duration whole, double share) {
