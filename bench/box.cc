@@ -74,7 +74,7 @@ class Box {
     for (std::string line; std::getline(status, line);) {
       if (line.starts_with("VmRSS:")) return std::stod(line.substr(6));
     }
-    fail("the memory of oltbox is not to be had");
+    fail("the memory of oltbox is unavailable");
   }
 
  private:
@@ -201,7 +201,7 @@ std::vector<double> list_onus(const Size &size) {
 }
 
 /// One exchange for each ONU: every answer says which row it is, and the next request asks for the
-/// one behind it. Timed in sections of the same length, whatever the size.
+/// one after it. Timed in sections of the same length, whatever the size.
 std::vector<double> walk_sip_settings(const Size &size) {
   olt_ont_target target{};
   target.target_kind = kNextRow;

@@ -2,7 +2,7 @@
 # Runs all measurements one after the other and prints one table of what they found.
 # usage: bench/run.sh BUILD_DIR TARGET_BUILD_DIR RESULTS_DIR [--check] [--pictures]
 #   --check     fails when a goal is missed
-#   --pictures  writes the table and draws the pictures of docs/performance.md anew
+#   --pictures  rewrites the table and the pictures of docs/performance.md
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -15,8 +15,7 @@ namespace {
 constexpr uint32_t kCommand = 1;
 constexpr size_t kMaxCommand = 65'536;
 
-/// The options, when faults and topology are understood: a mistake shows before anything is
-/// touched.
+/// The options. Throws BadInput for a fault or topology that is wrong, before anything is changed.
 Options checked(Options options) {
   load_topology(options.topology_file);
   for (const std::string &fault : options.faults) fault_from_text(fault);
@@ -83,9 +82,9 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
       state_(topology_, clock_()),
       hardware_(topology_, directory_, listings(), clock_),
       control_(faults_, counters_,
-                {.read = [this] { return hardware_.configuration(); },
-                 .take = [this](std::string_view json,
-                                Misfits misfits) { return import_configuration(json, misfits); }}) {
+               {.read = [this] { return hardware_.configuration(); },
+                .take = [this](std::string_view json,
+                               Misfits misfits) { return import_configuration(json, misfits); }}) {
   start();
   add_messages();
   if (!resume()) hardware_.events().record(Level::kNotice, kMainModule, "started");
@@ -110,7 +109,7 @@ void Simulator::start() {
   hardware_.set_families(make_families(hardware_, state_));
   auto left_out = hardware_.start(misfits());
   if (left_out.empty()) return;
-  tell(left_out);
+  report_left_out(left_out);
   hardware_.save();
 }
 
@@ -145,8 +144,8 @@ bool Simulator::resume() {
   if (!options_.keep_running_state) return false;
   auto data = read_state_file(directory_, kRunningFile);
   if (!data) return false;
-  tell(take_state(directory_, kRunningFile, *data, misfits(),
-                  [this](Archive &archive) { describe_running(archive); }));
+  report_left_out(take_state(directory_, kRunningFile, *data, misfits(),
+                             [this](Archive &archive) { describe_running(archive); }));
   return true;
 }
 
@@ -169,7 +168,7 @@ Misfits Simulator::misfits() const {
   return options_.adopt ? Misfits::kLeaveOut : Misfits::kRefuse;
 }
 
-void Simulator::tell(const std::vector<std::string> &left_out) const {
+void Simulator::report_left_out(const std::vector<std::string> &left_out) const {
   if (!options_.notice) return;
   for (const std::string &reason : left_out) options_.notice("left out: " + reason);
 }

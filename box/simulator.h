@@ -39,7 +39,7 @@ class Simulator {
   bool resume();
   void describe_running(Archive &archive);
   Misfits misfits() const;
-  void tell(const std::vector<std::string> &left_out) const;
+  void report_left_out(const std::vector<std::string> &left_out) const;
   std::vector<std::string> import_configuration(std::string_view json, Misfits misfits);
 
   Listings listings() const;

@@ -1,5 +1,5 @@
 // A plugin of the emulator that counts the instructions of parts of the program while the program
-// wants it; parts.h tells how it says so.
+// wants it; parts.h describes the call.
 //
 // The emulator's header is not packaged, so what is used of it is declared here (API version 1).
 #include <inttypes.h>

@@ -1,4 +1,4 @@
-/// What a program under emulation tells the plugin that counts its instructions: by prctl with the
+/// What a program under emulation reports to the plugin that counts its instructions: by prctl with the
 /// option kTell, which the kernel does not know, and a second argument that says what.
 #ifndef OLT_BENCH_INSTRUCTIONS_PARTS_H
 #define OLT_BENCH_INSTRUCTIONS_PARTS_H
@@ -6,7 +6,7 @@
 enum { kTell = 0x4F4C5442 };
 
 enum {
-  kPart,   ///< number of a part, its first address, the address behind it
+  kPart,   ///< number of a part, its first address, the address after it
   kBegin,  ///< counts from here on
   kEnd,    ///< prints a line with the number of instructions of each part, and starts from 0
 };

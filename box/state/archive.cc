@@ -80,7 +80,7 @@ Archive::Archive() : mode_(Writing()) {
 Archive::Archive(std::string_view data) : mode_(Reading{data, {}}) {
   CborReader reader(data);
   enter("", reader);
-  if (!reader.at_end()) throw BadInput("more follows behind its end");
+  if (!reader.at_end()) throw BadInput("data follows its end");
 }
 
 void Archive::wide_number(std::string_view key, uint64_t &value, NumberRange range) {

@@ -56,7 +56,7 @@ class Archive {
     value = static_cast<Number>(wide);
   }
   void flag(std::string_view key, bool &value);
-  /// A text of any bytes, at most so many.
+  /// A text of at most max bytes, any bytes.
   void text(std::string_view key, std::string &value, size_t max);
   /// As many bytes as the field has.
   void bytes(std::string_view key, std::span<uint8_t> field);
@@ -112,7 +112,7 @@ class Archive {
   /// Reading, last: refuses members that nobody described.
   void finish();
 
-  /// Reading: elements and entries that are refused are left out from now on.
+  /// Reading: elements and entries that are refused are left out from here on.
   void adopt() { adopts_ = true; }
   /// Why each of them was.
   const std::vector<std::string> &left_out() const { return left_out_; }

@@ -28,7 +28,7 @@ class JsonWriter {
 
   std::string write() {
     value(reader_.next());
-    if (!reader_.at_end()) throw BadInput("more follows behind its end");
+    if (!reader_.at_end()) throw BadInput("data follows its end");
     return std::move(text_);
   }
 

@@ -22,8 +22,8 @@ std::optional<std::string> read_state_file(const StateDirectory &state, const st
 
 enum class Misfits { kRefuse, kLeaveOut };
 
-/// Has the function describe the archive that was read from the file. @return why each element was
-/// left out that did not fit. Throws StorageFailure with one line, which names the file.
+/// Lets the function read the archive of the file. @return why each element that did not fit was
+/// left out. Throws StorageFailure with one line, which names the file.
 std::vector<std::string> take_state(const StateDirectory &state, const std::string &name,
                                     std::string_view data, Misfits misfits,
                                     const std::function<void(Archive &)> &describe);

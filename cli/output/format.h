@@ -22,7 +22,7 @@ class Formatter {
 
   virtual std::string result(const Result &result) = 0;
 
-  /// A row of a walk. A format may keep rows until they have ended.
+  /// A row of a walk. A format may keep rows until the last one.
   virtual std::string row(const std::string &reader, const NamedValues &columns) = 0;
   virtual std::string end_of_rows() = 0;
 

@@ -16,7 +16,8 @@ namespace olt::cli {
 
 // A BadValue that these throw begins with the item's place.
 
-/// "10", "20-25", "10:uplink" with a description of at most so many bytes. Throws BadValue.
+/// "10", "20-25", "10:uplink" with a description of at most longest_description bytes. Throws
+/// BadValue.
 std::vector<olt_vlan_node> read_vlans(std::span<const Item> items, size_t longest_description);
 
 /// The same as single ids. Throws BadValue.

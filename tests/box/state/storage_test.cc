@@ -73,7 +73,7 @@ void set_all(TestBox &box, uint8_t pattern) {
   }
 }
 
-// ./dev check asks for more moments.
+// ./dev trust asks for more moments.
 int moments_to_kill_at() {
   const char *wanted = getenv("OLT_TEST_KILLS");
   return wanted == nullptr ? 50 : std::stoi(wanted);
