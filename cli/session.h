@@ -24,6 +24,8 @@ class Session {
   void run_walk(const std::string &reader);
   void run_control(const ControlRequest &request);
 
+  bool wants_json() const { return options_.format == Format::kJson; }
+
   /// Keeps what the embedded box holds.
   void close() { box_.close(); }
   /// The same from another thread, when the program is about to end.
