@@ -1,10 +1,10 @@
 #include "catalog/catalog.h"
 
 #include <algorithm>
-#include <array>
-#include <iterator>
+#include <vector>
 
 #include "catalog/flash.h"
+#include "catalog/message_fields.h"
 #include "catalog/ont.h"
 #include "catalog/pon.h"
 #include "catalog/snmp.h"
@@ -40,12 +40,48 @@ constexpr Family kFamilies[] = {
     {"SNMP tables of the OLT", kSnmpOltTables},
 };
 
-constexpr auto kWireSecrets = [] {
-  std::array<WireSecret, std::size(kUserPasswords) + std::size(kEntryPasswords)> all{};
-  std::copy(std::begin(kEntryPasswords), std::end(kEntryPasswords),
-            std::copy(std::begin(kUserPasswords), std::end(kUserPasswords), all.begin()));
-  return all;
-}();
+constexpr Module kModules[] = {
+    {Address::kMain, "main"},
+    {kOamModule, "oam"},
+    {kLogModule, "log"},
+    {kRstpModule, "rstp"},
+};
+
+/// Each place once.
+class WireSecrets {
+ public:
+  WireSecrets() {
+    for (const Family &family : kFamilies) {
+      for (const Operation &operation : family.operations) {
+        add(operation, operation.request);
+        add(operation, operation.reply);
+      }
+    }
+  }
+
+  std::span<const WireSecret> all() const { return all_; }
+
+ private:
+  void add(const Operation &operation, const Message &message) {
+    for (const MessageField &placed : fields_of(operation, message)) {
+      const Field &field = placed.field;
+      if (field.secret) add(operation, field.offset, field, 0);
+      for (const Field &inner : field.record) {
+        if (!inner.secret) continue;
+        add(operation, field.offset + inner.offset, inner, field.record_size);
+        add(operation, inner.offset, inner, field.record_size);
+      }
+    }
+  }
+
+  void add(const Operation &operation, uint32_t offset, const Field &field, uint32_t stride) {
+    WireSecret secret{operation.address.message_type, static_cast<uint16_t>(offset),
+                      static_cast<uint16_t>(field.width), static_cast<uint16_t>(stride)};
+    if (std::find(all_.begin(), all_.end(), secret) == all_.end()) all_.push_back(secret);
+  }
+
+  std::vector<WireSecret> all_;
+};
 
 }  // namespace
 
@@ -62,8 +98,13 @@ const Operation *find(std::string_view name) {
   return nullptr;
 }
 
+std::span<const Module> modules() {
+  return kModules;
+}
+
 std::span<const WireSecret> wire_secrets() {
-  return kWireSecrets;
+  static const WireSecrets secrets;
+  return secrets.all();
 }
 
 }  // namespace olt::catalog

@@ -21,14 +21,26 @@ std::span<const Family> families();
 /// The operation of that name, or null.
 const Operation *find(std::string_view name);
 
+struct Module {
+  uint8_t number;
+  const char *name;
+};
+
+/// The modules that operations send to, where the caller does not name one.
+std::span<const Module> modules();
+
 /// Where requests and replies of a message type may carry a secret.
 struct WireSecret {
   uint16_t message_type;
   uint16_t offset;
   uint16_t length;
   uint16_t stride = 0;  ///< bytes from one secret to the next; 0 when there is one
+
+  bool operator==(const WireSecret &) const = default;
 };
 
+/// Every place where a field is that is secret. Whether a reply has a head before its records, as
+/// the request does, is up to the module: with a head and without, both places count.
 std::span<const WireSecret> wire_secrets();
 
 }  // namespace olt::catalog

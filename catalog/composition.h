@@ -96,13 +96,8 @@ constexpr const Field &field_named(std::span<const Field> record, std::string_vi
   throw "a placement in a field that the record does not have";
 }
 
-constexpr bool is_list(const Argument &argument) {
-  return argument.kind == Kind::kVlans || argument.kind == Kind::kIds ||
-         argument.kind == Kind::kEntries;
-}
-
 constexpr uint16_t width_of(const Argument &argument) {
-  if (is_list(argument) || argument.kind != Kind::kValue) return Part::kToTheEnd;
+  if (argument.is_list() || argument.kind != Kind::kValue) return Part::kToTheEnd;
   return static_cast<uint16_t>(argument.whole().width);
 }
 
@@ -140,7 +135,7 @@ class Builder {
   constexpr Message message() {
     std::sort(parts_.begin(), parts_.begin() + count_,
               [](const Part &a, const Part &b) { return a.offset < b.offset; });
-    Message message{.read_if_zero = composition_.read_if_zero};
+    Message message{.read_if_zero = composition_.read_if_zero, .record = composition_.record};
     for (size_t i = 0; i < count_; ++i) {
       if (parts_[i].offset < message.fixed_length()) throw "two arguments in one place";
       fill(message, parts_[i].offset);
@@ -222,11 +217,11 @@ constexpr Message composed(std::span<const Argument> arguments, const Wanted &wa
                            const Composition &composition, bool is_reply) {
   Builder builder(arguments, composition, is_reply);
   for (size_t i = 0; i < arguments.size(); ++i) {
-    if (wanted[i] && !is_list(arguments[i])) builder.place(i);
+    if (wanted[i] && !arguments[i].is_list()) builder.place(i);
   }
   Message message = builder.message();
   for (size_t i = 0; i < arguments.size(); ++i) {
-    if (wanted[i] && is_list(arguments[i])) append(message, arguments, i);
+    if (wanted[i] && arguments[i].is_list()) append(message, arguments, i);
   }
   return message;
 }

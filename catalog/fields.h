@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "catalog/operation.h"
 #include "oltmgmt.h"
@@ -115,6 +116,15 @@ inline constexpr FieldKind kFormOf<olt_target_words> = FieldKind::kOnt;
 
 template <typename Record>
 inline constexpr std::span<const Field> kFieldsOf{};
+
+/// The name of a record's type.
+template <typename Record>
+constexpr std::string_view name_of_type() {
+  std::string_view name = __PRETTY_FUNCTION__;  // "... [with Record = olt_user; ...]"
+  constexpr std::string_view kBefore = "Record = ";
+  name.remove_prefix(name.find(kBefore) + kBefore.size());
+  return name.substr(0, name.find_first_of(";]"));
+}
 
 }  // namespace olt::catalog
 

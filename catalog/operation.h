@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "catalog/wire_map.h"
 
@@ -87,14 +88,15 @@ struct Argument {
   const char *name;
   Kind kind;
   Direction direction;
-  uint32_t size;   ///< bytes of a value, entry or block's head; 0 for a text that is taken
+  uint32_t size;   ///< bytes of a value, item or block's head; 0 for a text that is taken
   FieldKind form;  ///< of a value as a whole
-  std::span<const Field> fields;  ///< of a record, entry or block; empty when it is opaque
+  std::span<const Field> fields;  ///< of a record, item or block; empty when it is opaque
   uint32_t most;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
   bool secret;
   bool optional;                        ///< zero when left out
   std::span<const ValueName> values{};  ///< of a number that has names
   const char *unit = nullptr;           ///< of a number
+  std::string_view record_name{};       ///< of a record, item or block; empty when it is none
   const char *example = nullptr;        ///< null: that of its form
 
   /// Fields that can be given as FIELD=VALUE.
@@ -115,6 +117,9 @@ struct Argument {
             .unit = unit};
   }
 
+  constexpr bool is_list() const {
+    return kind == Kind::kVlans || kind == Kind::kIds || kind == Kind::kEntries;
+  }
   constexpr bool is_input() const { return direction != Direction::kOut; }
   constexpr bool is_output() const { return direction != Direction::kIn; }
 

@@ -2,10 +2,6 @@
 #ifndef OLT_CATALOG_PON_H
 #define OLT_CATALOG_PON_H
 
-#include <array>
-#include <cstddef>
-#include <iterator>
-
 #include "box/wire/records.h"
 #include "catalog/catalog.h"
 #include "catalog/row.h"
@@ -72,22 +68,6 @@ inline constexpr Operation kOnuAuthentication[] = {
                   in_record<box::ListingRequest>({{"iface_a", "slot"}, {"iface_b", "number"}})),
 };
 
-/// Passwords of entries. Requests have a head before the entries; whether a reply has one is up to
-/// the module, so both places count.
-inline constexpr auto kEntryPasswords = [] {
-  constexpr uint16_t kTypes[] = {41, 108, 109, 110, 111, 112, 113};
-  constexpr uint16_t kHeads[] = {0, sizeof(box::PonInterface)};
-  std::array<WireSecret, std::size(kTypes) * std::size(kHeads)> all{};
-  size_t count = 0;
-  for (uint16_t type : kTypes) {
-    for (uint16_t head : kHeads) {
-      auto offset = static_cast<uint16_t>(head + offsetof(box::AuthEntry, password));
-      all[count++] = {type, offset, sizeof(box::AuthEntry::password), sizeof(box::AuthEntry)};
-    }
-  }
-  return all;
-}();
-
 inline constexpr Operation kOnuInventory[] = {
     OLT_OPERATION(get_onulist_file_byinteface, 35, "Lists the ONUs of a PON interface",
                   {"iface_a", "iface_b", "name"},
@@ -131,7 +111,7 @@ inline constexpr Operation kOnuLinks[] = {
     OLT_OPERATION(clear_onu_node, 43, "Clears the node of an ONU", {"ont"}),
     OLT_OPERATION(delete_ont_description, 45, "Deletes the description of an ONU", {"ont"}),
     OLT_OPERATION(set_ont_usertraffic, 46, "Sets the user traffic of an ONU",
-                  {laid_out(kBoxTargetFields, "ont")}),
+                  {laid_out("user_traffic_target", kBoxTargetFields, "ont")}),
     OLT_OPERATION(set_onu_basic_feature_force, 49,
                   "Sets an ONU's basic features without its MAC address",
                   {"target_a", "target_b", "target_c", "feature"},

@@ -133,6 +133,13 @@ inline constexpr Field kVlanElementFields[] = {
 };
 static_assert(fill<box::VlanElement>(kVlanElementFields));
 
+inline constexpr Field kDescribedVlanFields[] = {
+    OLT_FIELD(box::DescribedVlan, first),
+    OLT_FIELD(box::DescribedVlan, last),
+    padded(OLT_FIELD(box::DescribedVlan, description)),
+};
+static_assert(fill<box::DescribedVlan>(kDescribedVlanFields));
+
 inline constexpr Field kIgmpProxyDumpFields[] = {
     named(kOffOn, OLT_FIELD(box::IgmpProxy, enabled)),
     in_unit("s", OLT_FIELD(box::IgmpProxy, query_interval)),
@@ -219,8 +226,9 @@ inline constexpr Field kUpdatePieceFields[] = {
 inline constexpr Field kUpdateAnswerFields[] = {
     in_unit("bytes", OLT_FIELD(box::UpdateProgress, received)),
     in_unit("%", named(kUpdateProgress, OLT_FIELD(box::UpdateProgress, progress))),
+    {"reserved_08", sizeof(box::UpdateProgress), Field::kToTheEnd, FieldKind::kBytes,
+     Role::kReserved},
 };
-static_assert(fill<box::UpdateProgress>(kUpdateAnswerFields));
 
 inline constexpr Field kOntTargetFields[] = {
     row_name(of_kind(FieldKind::kOnt, OLT_FIELD(olt_ont_target, target))),
@@ -259,9 +267,12 @@ inline constexpr std::span<const Field> kFieldsOf<olt_link_dba> = kLinkDbaFields
 
 inline constexpr Field kAuthEntryFields[] = {
     OLT_FIELD(box::AuthEntry, mac),
+    reserved(OLT_FIELD(box::AuthEntry, reserved_06)),
     padded(OLT_FIELD(box::AuthEntry, loid)),
     secret(padded(OLT_FIELD(box::AuthEntry, password))),
 };
+static_assert(fill<box::AuthEntry>(kAuthEntryFields) &&
+              sizeof(box::AuthEntry) == sizeof(olt_auth_entry));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_auth_entry> = kAuthEntryFields;
 
@@ -621,9 +632,13 @@ inline constexpr std::span<const Field> kFieldsOf<box::FeatureRequest> = kFeatur
 inline constexpr Field kDescriptionRequestFields[] = {
     {"ont", 0, offsetof(box::FeatureRequest, target_kind), FieldKind::kOnt, Role::kRowName},
     selector(named(kRows, OLT_FIELD(box::FeatureRequest, target_kind))),
+    {"reserved_10", offsetof(box::FeatureRequest, reserved_10),
+     offsetof(box::FeatureRequest, feature) - offsetof(box::FeatureRequest, reserved_10),
+     FieldKind::kBytes, Role::kReserved},
     {"description", offsetof(box::FeatureRequest, feature), sizeof(box::FeatureRequest::feature),
      FieldKind::kPadded},
 };
+static_assert(fill<box::FeatureRequest>(kDescriptionRequestFields));
 
 inline constexpr Field kChannelRequestFields[] = {
     OLT_FIELD(box::ChannelRequest, channel),

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -33,6 +34,7 @@ struct Mark {
   std::span<const Field> fields{};
   std::span<const ValueName> values{};
   const char *unit = nullptr;
+  std::string_view record_name{};
   const char *example = nullptr;
 };
 
@@ -91,8 +93,9 @@ constexpr Mark sized(uint32_t size, Mark mark) {
   return mark;
 }
 
-/// A record with fields other than those of its type.
-constexpr Mark laid_out(std::span<const Field> fields, Mark mark) {
+/// A record, item or block with fields other than those of its type.
+constexpr Mark laid_out(std::string_view record_name, std::span<const Field> fields, Mark mark) {
+  mark.record_name = record_name;
   mark.fields = fields;
   return mark;
 }
@@ -127,6 +130,7 @@ struct Parameter {
   uint32_t size = 0;
   FieldKind form = FieldKind::kBytes;
   std::span<const Field> fields{};
+  std::string_view record_name{};
 };
 
 template <typename Type>
@@ -165,16 +169,23 @@ struct ParameterOf<void *> {
 };
 template <>
 struct ParameterOf<const olt_vlan_list *> {
-  static constexpr Parameter kValue{Kind::kVlans, Direction::kIn};
+  static constexpr Parameter kValue{
+      Kind::kVlans,        Direction::kIn,     sizeof(box::VlanElement),
+      FieldKind::kRecords, kVlanElementFields, "vlan_range"};
 };
 template <>
 struct ParameterOf<const uint16_t *> {
-  static constexpr Parameter kValue{Kind::kIds, Direction::kIn, sizeof(uint16_t)};
+  static constexpr Parameter kValue{Kind::kIds, Direction::kIn, sizeof(uint16_t),
+                                    FieldKind::kVlans};
 };
 template <>
 struct ParameterOf<const olt_auth_entry *> {
-  static constexpr Parameter kValue{Kind::kEntries, Direction::kIn, sizeof(olt_auth_entry),
-                                    FieldKind::kBytes, kFieldsOf<olt_auth_entry>};
+  static constexpr Parameter kValue{Kind::kEntries,
+                                    Direction::kIn,
+                                    sizeof(olt_auth_entry),
+                                    FieldKind::kRecords,
+                                    kFieldsOf<olt_auth_entry>,
+                                    name_of_type<olt_auth_entry>()};
 };
 template <>
 struct ParameterOf<void **> {
@@ -182,13 +193,13 @@ struct ParameterOf<void **> {
 };
 template <typename Record>
 struct ParameterOf<const Record *> {
-  static constexpr Parameter kValue{Kind::kValue, Direction::kIn, sizeof(Record), kFormOf<Record>,
-                                    kFieldsOf<Record>};
+  static constexpr Parameter kValue{Kind::kValue,    Direction::kIn,    sizeof(Record),
+                                    kFormOf<Record>, kFieldsOf<Record>, name_of_type<Record>()};
 };
 template <typename Record>
 struct ParameterOf<Record *> {
-  static constexpr Parameter kValue{Kind::kValue, Direction::kOut, sizeof(Record), kFormOf<Record>,
-                                    kFieldsOf<Record>};
+  static constexpr Parameter kValue{Kind::kValue,    Direction::kOut,   sizeof(Record),
+                                    kFormOf<Record>, kFieldsOf<Record>, name_of_type<Record>()};
 };
 
 template <typename Type>
@@ -212,6 +223,7 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .optional = mark.is_optional,
           .values = mark.values,
           .unit = mark.unit,
+          .record_name = mark.record_name.empty() ? parameter.record_name : mark.record_name,
           .example = mark.example};
 }
 

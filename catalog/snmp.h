@@ -11,12 +11,12 @@ namespace olt::catalog {
 
 inline constexpr Operation kSnmpOnuTables[] = {
     OLT_OPERATION(process_snmp_onubasicinfo, 85, "Reads the basic information of an ONU",
-                  {"ont", laid_out(kOnuInfoFields, in_out("info"))}),
+                  {"ont", laid_out("onu_info", kOnuInfoFields, in_out("info"))}),
     OLT_OPERATION(process_snmp_linkbasicinfo, 86, "Reads the basic information of a link",
-                  {"ont", laid_out(kLinkInfoFields, in_out("info"))}),
-    OLT_OPERATION(
-        process_snmp_onuglobalinfo, 87, "Reads the global information of an ONU",
-        {"ont", laid_out(kGlobalInfoFields, headed(sizeof(box::GlobalInfoHead), "info"))}),
+                  {"ont", laid_out("link_info", kLinkInfoFields, in_out("info"))}),
+    OLT_OPERATION(process_snmp_onuglobalinfo, 87, "Reads the global information of an ONU",
+                  {"ont", laid_out("global_info", kGlobalInfoFields,
+                                   headed(sizeof(box::GlobalInfoHead), "info"))}),
     OLT_OPERATION(process_snmp_iadinfo, 88, "Reads the information about an IAD", {"ont", "info"}),
     OLT_OPERATION(process_snmp_onusipparaminfo, 89, "Reads the SIP parameters of an ONU",
                   {in_out("ont"), "param"}),
@@ -25,8 +25,9 @@ inline constexpr Operation kSnmpOnuTables[] = {
                   {in_out("ont"), "fax_mode"}),
     OLT_OPERATION(process_voip_linestatus, 92, "Reads the status of a VoIP line",
                   {"ont", "line_status"}),
-    OLT_OPERATION(process_snmp_hguwaninfo, 93, "Reads the WAN information of an HGU",
-                  {"ont", laid_out(kWanInfoFields, headed(sizeof(box::WanInfoHead), "info"))}),
+    OLT_OPERATION(
+        process_snmp_hguwaninfo, 93, "Reads the WAN information of an HGU",
+        {"ont", laid_out("wan_info", kWanInfoFields, headed(sizeof(box::WanInfoHead), "info"))}),
     OLT_OPERATION(process_snmp_hguvoipbandinginfo, 94, "Reads the VoIP binding of an HGU",
                   {"ont", "binding"}),
     OLT_OPERATION(process_onu_portinfo, 95, "Reads the information about a UNI port",
@@ -47,7 +48,7 @@ inline constexpr Operation kSnmpOnuTables[] = {
                   {in_out(kUniPort), "vlans"}),
     OLT_OPERATION(process_onu_portmuticastmaxgroup, 101,
                   "Reads a UNI port's limit of multicast groups",
-                  {laid_out(kGroupLimitFields, in_out(kUniPort))}),
+                  {laid_out("group_limit_target", kGroupLimitFields, in_out(kUniPort))}),
     after("create_iptv_profile profile=basic",
           example("selector=this profile=basic",
                   OLT_OPERATION(process_snmp_iptv_profile, 164,

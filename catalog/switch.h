@@ -18,8 +18,10 @@ inline constexpr Operation kVlanTables[] = {
     after("add_vlan_list vlans=10,20-25",
           OLT_OPERATION(delete_vlan_list, 20, "Deletes VLANs", {"vlans"})),
     after("add_vlan_list vlans=10,20-25",
-          OLT_OPERATION(add_vlan_descr_list, 21, "Adds descriptions of VLANs",
-                        {up_to(kVlanDescription, "vlans")})),
+          OLT_OPERATION(
+              add_vlan_descr_list, 21, "Adds descriptions of VLANs",
+              {laid_out("described_vlan", kDescribedVlanFields,
+                        sized(sizeof(box::DescribedVlan), up_to(kVlanDescription, "vlans")))})),
     after("add_vlan_list vlans=10,20-25\nadd_vlan_descr_list vlans=10:uplink",
           OLT_OPERATION(delete_vlan_descr_list, 22, "Deletes descriptions of VLANs", {"vlans"})),
     OLT_OPERATION(get_vlan_interface_file_byinteface, 23, "Lists the VLANs of an OLT port",
@@ -153,9 +155,10 @@ inline constexpr Operation kIgmpProxy[] = {
     example(
         "enabled=on query_interval=125 response_time=10 robustness=2 last_member_query_interval=1",
         OLT_OPERATION(set_igmpproxy_config, 152, "Sets the IGMP proxy settings", {"config"})),
-    OLT_OPERATION(
-        get_igmpproxy_config_all, within(20, 153), "Reads the whole IGMP proxy configuration",
-        {laid_out(kIgmpProxyDumpFields, sized(box::kIgmpProxyDumpHead, whole_reply("dump")))}),
+    OLT_OPERATION(get_igmpproxy_config_all, within(20, 153),
+                  "Reads the whole IGMP proxy configuration",
+                  {laid_out("igmpproxy_dump", kIgmpProxyDumpFields,
+                            sized(box::kIgmpProxyDumpHead, whole_reply("dump")))}),
 };
 
 }  // namespace olt::catalog

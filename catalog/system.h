@@ -2,8 +2,6 @@
 #ifndef OLT_CATALOG_SYSTEM_H
 #define OLT_CATALOG_SYSTEM_H
 
-#include <cstddef>
-
 #include "catalog/catalog.h"
 #include "catalog/row.h"
 #include "oltmgmt.h"
@@ -71,12 +69,6 @@ inline constexpr Operation kUserAccounts[] = {
                                                  {"user", "level_b"}}))),
 };
 
-inline constexpr WireSecret kUserPasswords[] = {
-    {10, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
-    {62, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
-    {63, offsetof(olt_user, user_password), sizeof(olt_user::user_password)},
-};
-
 inline constexpr Operation kSystemInformation[] = {
     OLT_OPERATION(get_olt_mac, 12, "Reads the OLT's MAC address", {"mac"}),
     OLT_OPERATION(show_running_configuration_file, 33, "Lists the running configuration", {"name"}),
@@ -114,18 +106,18 @@ inline constexpr Operation kLogAndDebug[] = {
 };
 
 inline constexpr Operation kFirmwareUpdate[] = {
-    example(
-        "request=040000000000000001020304",
-        OLT_OPERATION(
-            do_handle_epon_updatestream, within(60, 11), "Sends a piece of an OLT firmware update",
-            {laid_out(kUpdatePieceFields, "request"),
-             laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))})),
     example("request=040000000000000001020304",
-            OLT_OPERATION(
-                do_handle_epon_updatestream_onu, within(60, 64),
-                "Sends a piece of an ONU firmware update",
-                {laid_out(kUpdatePieceFields, "request"),
-                 laid_out(kUpdateAnswerFields, sized(sizeof(box::UpdateProgress), "answer"))})),
+            OLT_OPERATION(do_handle_epon_updatestream, within(60, 11),
+                          "Sends a piece of an OLT firmware update",
+                          {laid_out("update_piece", kUpdatePieceFields, "request"),
+                           laid_out("update_answer", kUpdateAnswerFields,
+                                    sized(sizeof(box::UpdateProgress), "answer"))})),
+    example("request=040000000000000001020304",
+            OLT_OPERATION(do_handle_epon_updatestream_onu, within(60, 64),
+                          "Sends a piece of an ONU firmware update",
+                          {laid_out("update_piece", kUpdatePieceFields, "request"),
+                           laid_out("update_answer", kUpdateAnswerFields,
+                                    sized(sizeof(box::UpdateProgress), "answer"))})),
     OLT_OPERATION(get_card_updatestatus, 61, "Reads the progress of the card's firmware update",
                   {in_unit("%", named(kUpdateProgress, "value"))}),
 };

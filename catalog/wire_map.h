@@ -10,6 +10,8 @@
 
 namespace olt::catalog {
 
+struct Field;
+
 enum class Origin : uint8_t {
   kArgument,  ///< bytes of an argument; in a reply, those that the operation copies to it
   kConstant,  ///< a word that the operation sets
@@ -43,6 +45,8 @@ struct Message {
   size_t part_count = 0;
   /// In a reply: the word of the argument that must be 0 for the reply to be read; else null.
   const char *read_if_zero = nullptr;
+  /// The fields of the record that the message is or begins with; else the arguments' own hold.
+  std::span<const Field> record{};
 
   constexpr std::span<const Part> parts() const { return {part_room.data(), part_count}; }
 

@@ -9,16 +9,20 @@
 
 #include "base/text.h"
 #include "catalog/catalog.h"
+#include "cli/catalog_json.h"
 #include "cli/completion.h"
 #include "cli/manual.h"
+#include "cli/output/format.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
+#include "cli/text/items.h"
 #include "cli/text/number_text.h"
 #include "cli/walk/readers.h"
 
 namespace olt::cli {
 
 using catalog::Operation;
+using nlohmann::ordered_json;
 
 namespace {
 
@@ -54,12 +58,14 @@ std::string only_word(Arguments words) {
 
 // list, help, shell, completion
 
-void run_list(Session & /*session*/, Arguments words) {
-  print(list_text(only_word(words)));
+void run_list(Session &session, Arguments words) {
+  std::string word = only_word(words);
+  print(session.wants_json() ? json_line(catalog_json(word)) : list_text(word));
 }
 
-void run_help(Session & /*session*/, Arguments words) {
-  print(help_text(only_word(words)));
+void run_help(Session &session, Arguments words) {
+  std::string name = only_word(words);
+  print(session.wants_json() ? json_line(help_json(name)) : help_text(name));
 }
 
 Words words_of_help(Arguments words) {
@@ -82,12 +88,20 @@ Words words_of_completion(Arguments words) {
 
 // walk
 
+ordered_json readers_json() {
+  ordered_json list = ordered_json::array();
+  for (const std::string &name : reader_names()) {
+    list.push_back({{"name", name}, {"summary", catalog::find(name)->summary}});
+  }
+  return {{"version", kJsonVersion}, {"readers", list}};
+}
+
 void run_walk(Session &session, Arguments words) {
   std::string reader = only_word(words);
-  if (reader.empty()) {
-    print(help_text("walk"));
-  } else {
+  if (!reader.empty()) {
     session.run_walk(reader);
+  } else {
+    print(session.wants_json() ? json_line(readers_json()) : help_text("walk"));
   }
 }
 
@@ -244,6 +258,22 @@ Words near_names(const std::string &name) {
   return names;
 }
 
+ordered_json json_of(const Command &command) {
+  ordered_json usage = ordered_json::array();
+  for (const Item &form : split_items(command.usage, '\n')) usage.push_back(form.text);
+  return {
+      {"name", command.name},
+      {"usage", usage},
+      {"summary", command.summary},
+      {"details", command.details == nullptr ? ordered_json() : ordered_json(command.details())}};
+}
+
+ordered_json commands_json() {
+  ordered_json list = ordered_json::array();
+  for (const Command &command : kCommands) list.push_back(json_of(command));
+  return {{"version", kJsonVersion}, {"commands", list}};
+}
+
 std::string help_of(const Command &command) {
   return fmt::format("{}\n  {}\n{}", command.usage, command.summary,
                      command.details == nullptr ? "" : command.details());
@@ -300,6 +330,14 @@ std::string help_text(const std::string &name) {
   if (name.empty()) return overview();
   if (const Command *command = find_command(name)) return help_of(*command);
   return help_of(operation_named(name));
+}
+
+ordered_json help_json(const std::string &name) {
+  if (name.empty()) return commands_json();
+  ordered_json object = {{"version", kJsonVersion}};
+  const Command *command = find_command(name);
+  object.update(command != nullptr ? json_of(*command) : operation_json(operation_named(name)));
+  return object;
 }
 
 std::string command_summaries() {

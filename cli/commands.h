@@ -2,6 +2,8 @@
 #ifndef OLT_CLI_COMMANDS_H
 #define OLT_CLI_COMMANDS_H
 
+#include <nlohmann/json.hpp>
+
 #include <span>
 #include <string>
 
@@ -25,6 +27,9 @@ const catalog::Operation &operation_named(const std::string &name);
 /// What an operation or a command takes and does, with an example; of all commands without a name.
 /// Throws Error.
 std::string help_text(const std::string &name);
+
+/// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
+nlohmann::ordered_json help_json(const std::string &name);
 
 /// The commands as --help shows them.
 std::string command_summaries();

@@ -30,10 +30,6 @@ bool has(std::string_view text, std::string_view word) {
   return lower(text).find(lower(word)) != std::string::npos;
 }
 
-bool is_about(const Operation &operation, std::string_view word) {
-  return has(operation.name, word) || has(operation.summary, word);
-}
-
 std::string signature(const Operation &operation) {
   std::string text = operation.name;
   for (const Argument &argument : operation.arguments()) {
@@ -142,6 +138,7 @@ std::string example(const Operation &operation) {
 }  // namespace
 
 std::string list_text(std::string_view word) {
+  require_listed(word);
   std::string text;
   for (const Family &family : catalog::families()) {
     std::string lines;
@@ -152,13 +149,11 @@ std::string list_text(std::string_view word) {
     if (lines.empty()) continue;
     text += fmt::format("{}{}\n{}", text.empty() ? "" : "\n", family.title, lines);
   }
-  if (text.empty()) {
-    wrong_usage(
-        "list: no operation has '{}' in its name or summary; expected another word, or none"
-        " for all",
-        printable(word));
-  }
   return text;
+}
+
+bool is_about(const Operation &operation, std::string_view word) {
+  return has(operation.name, word) || has(operation.summary, word);
 }
 
 bool is_listed(std::string_view word) {
@@ -168,6 +163,13 @@ bool is_listed(std::string_view word) {
     }
   }
   return false;
+}
+
+void require_listed(std::string_view word) {
+  if (is_listed(word)) return;
+  wrong_usage(
+      "list: no operation has '{}' in its name or summary; expected another word, or none for all",
+      printable(word));
 }
 
 std::string help_of(const Operation &operation) {

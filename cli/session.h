@@ -30,6 +30,8 @@ class Session {
   /// Prints how the second configuration differs from the first; without a first, from the box's.
   void run_config_diff(const std::string &from, const std::string &to);
 
+  bool wants_json() const { return options_.format == Format::kJson; }
+
   /// Keeps what the embedded box holds.
   void close() { box_.close(); }
   /// The same from another thread, when the program is about to end.

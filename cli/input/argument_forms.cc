@@ -16,6 +16,7 @@ using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
 using catalog::Kind;
+using catalog::Role;
 
 namespace {
 
@@ -151,6 +152,7 @@ void read_ids(Call &call, size_t place, std::string_view text) {
 std::string expected_entries(const Argument &argument) {
   std::vector<std::string> fields;
   for (const Field &field : argument.fields) {
+    if (field.role == Role::kReserved) continue;
     fields.push_back(fmt::format("{} ({})", field.name, form_of(field.kind).expected(field)));
   }
   return fmt::format(
@@ -168,15 +170,15 @@ void read_entry_list(Call &call, size_t place, std::string_view text) {
 }
 
 constexpr ArgumentForm kForms[] = {
-    {Kind::kValue, expected_value, example_value, read_value, described_value},
-    {Kind::kStream, expected_stream, example_stream, read_stream, nullptr},
-    {Kind::kBlock, nullptr, nullptr, nullptr, described_block},
-    {Kind::kHeadedBlock, nullptr, nullptr, nullptr, described_block},
-    {Kind::kReplyBlock, nullptr, nullptr, nullptr, described_block},
-    {Kind::kBuffer, expected_buffer, nullptr, read_buffer, described_buffer},
-    {Kind::kVlans, expected_vlans, example_vlans, read_vlan_list, nullptr},
-    {Kind::kIds, expected_vlans, example_vlans, read_ids, nullptr},
-    {Kind::kEntries, expected_entries, example_entries, read_entry_list, nullptr},
+    {Kind::kValue, "value", expected_value, example_value, read_value, described_value},
+    {Kind::kStream, "stream", expected_stream, example_stream, read_stream, nullptr},
+    {Kind::kBlock, "block", nullptr, nullptr, nullptr, described_block},
+    {Kind::kHeadedBlock, "headed-block", nullptr, nullptr, nullptr, described_block},
+    {Kind::kReplyBlock, "reply-block", nullptr, nullptr, nullptr, described_block},
+    {Kind::kBuffer, "buffer", expected_buffer, nullptr, read_buffer, described_buffer},
+    {Kind::kVlans, "vlans", expected_vlans, example_vlans, read_vlan_list, nullptr},
+    {Kind::kIds, "ids", expected_vlans, example_vlans, read_ids, nullptr},
+    {Kind::kEntries, "entries", expected_entries, example_entries, read_entry_list, nullptr},
 };
 
 constexpr bool is_in_order() {

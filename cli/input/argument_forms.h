@@ -12,6 +12,7 @@ namespace olt::cli {
 
 struct ArgumentForm {
   catalog::Kind kind;
+  const char *name;
 
   /// What an input takes: "a number from 0 to 4294967295". Null for outputs.
   std::string (*expected)(const catalog::Argument &);

@@ -14,6 +14,12 @@ namespace olt::cli {
 
 enum class Format { kText, kJson };
 
+/// The version that every JSON object carries.
+inline constexpr int kJsonVersion = 1;
+
+/// The object on one line. Bytes that are not UTF-8 become U+FFFD.
+std::string json_line(const nlohmann::ordered_json &object);
+
 /// Everything that commands print, each as text that ends with a newline, or empty. docs/oltctl.md
 /// describes the formats.
 class Formatter {

@@ -9,9 +9,6 @@ using nlohmann::ordered_json;
 
 namespace {
 
-/// The version that every object carries.
-constexpr int kVersion = 1;
-
 ordered_json json_of(const NamedValue &value) {
   return value.json();
 }
@@ -48,8 +45,44 @@ size_t control_at_front(std::string_view text) {
   return is_c1 ? 2 : 0;
 }
 
-/// The object on one line. Bytes that are not UTF-8 become U+FFFD.
-std::string line_of(const ordered_json &object) {
+class JsonFormatter : public Formatter {
+ public:
+  std::string result(const Result &result) override {
+    const catalog::Operation &operation = result.operation;
+    ResultParts parts;
+    if (operation.address.sends()) parts = take_apart(result.code);
+    ordered_json object = {
+        {"version", kJsonVersion},
+        {"operation", operation.name},
+        {"result", result.code},
+        {"failed", result.failed()},
+        {"transport", or_null(parts.transport)},
+        {"status", or_null(parts.status)},
+        {"outputs", ordered_json::object()},
+        {"listing", json_of(result.listing)},
+    };
+    for (const Output &output : result.outputs) {
+      object["outputs"][std::string(output.name)] = json_of(output);
+    }
+    return json_line(object);
+  }
+
+  std::string row(const std::string &reader, const NamedValues &columns) override {
+    return json_line({{"version", kJsonVersion}, {"reader", reader}, {"row", json_of(columns)}});
+  }
+
+  std::string end_of_rows() override { return ""; }
+
+  std::string control(const std::string &command, const ordered_json &reply) override {
+    ordered_json object = {{"version", kJsonVersion}, {"command", command}};
+    object.update(reply);
+    return json_line(object);
+  }
+};
+
+}  // namespace
+
+std::string json_line(const ordered_json &object) {
   std::string dumped = object.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
   std::string line;
   for (std::string_view rest = dumped; !rest.empty();) {
@@ -63,43 +96,6 @@ std::string line_of(const ordered_json &object) {
   }
   return line + '\n';
 }
-
-class JsonFormatter : public Formatter {
- public:
-  std::string result(const Result &result) override {
-    const catalog::Operation &operation = result.operation;
-    ResultParts parts;
-    if (operation.address.sends()) parts = take_apart(result.code);
-    ordered_json object = {
-        {"version", kVersion},
-        {"operation", operation.name},
-        {"result", result.code},
-        {"failed", result.failed()},
-        {"transport", or_null(parts.transport)},
-        {"status", or_null(parts.status)},
-        {"outputs", ordered_json::object()},
-        {"listing", json_of(result.listing)},
-    };
-    for (const Output &output : result.outputs) {
-      object["outputs"][std::string(output.name)] = json_of(output);
-    }
-    return line_of(object);
-  }
-
-  std::string row(const std::string &reader, const NamedValues &columns) override {
-    return line_of({{"version", kVersion}, {"reader", reader}, {"row", json_of(columns)}});
-  }
-
-  std::string end_of_rows() override { return ""; }
-
-  std::string control(const std::string &command, const ordered_json &reply) override {
-    ordered_json object = {{"version", kVersion}, {"command", command}};
-    object.update(reply);
-    return line_of(object);
-  }
-};
-
-}  // namespace
 
 std::unique_ptr<Formatter> make_json_formatter() {
   return std::make_unique<JsonFormatter>();

@@ -773,40 +773,40 @@ ordered_json json_of(const Field &field, ByteView bytes) {
 }
 
 constexpr FieldForm kForms[] = {
-    {FieldKind::kText, expected_text, described_text, example_text, parse_text, text_of_text,
-     json_of_text, nullptr},
-    {FieldKind::kPadded, expected_text, described_text, example_text, parse_text, text_of_text,
-     json_of_text, nullptr},
-    {FieldKind::kListing, expected_text, described_listing, example_text, parse_text, text_of_text,
-     json_of_text, nullptr},
-    {FieldKind::kNumber, expected_number, described_number, example_number, parse_number_field,
-     text_of_number, json_of_number, nullptr},
-    {FieldKind::kSigned, expected_signed, described_number, example_signed, parse_signed,
-     text_of_signed, json_of_signed, nullptr},
-    {FieldKind::kFlags, expected_flags, described_flags, example_flags, parse_flags, text_of_flags,
-     json_of_flags, nullptr},
-    {FieldKind::kDuration, expected_duration, described_duration, example_duration, parse_duration,
-     text_of_duration, json_of_duration, nullptr},
-    {FieldKind::kPorts, expected_ports, described_ports, example_ports, parse_ports, text_of_ports,
-     json_of_ports, nullptr},
-    {FieldKind::kNumbers, expected_numbers, described_numbers, example_numbers, parse_numbers_field,
-     text_of_numbers, json_of_numbers, fits_numbers},
-    {FieldKind::kVlans, expected_vlans, described_vlans, example_vlans, parse_vlans, text_of_vlans,
-     json_of_vlans, nullptr},
-    {FieldKind::kMac, expected_mac, described_mac, example_mac, parse_mac, text_of_mac,
-     json_of<text_of_mac>, fits_mac},
-    {FieldKind::kIpv4, expected_ipv4, described_ipv4, example_ipv4, parse_dotted, text_of_dotted,
-     json_of<text_of_dotted>, nullptr},
-    {FieldKind::kInterface, expected_interface, described_interface, example_interface,
-     parse_interface, text_of_interface, json_of<text_of_interface>, nullptr},
-    {FieldKind::kOnt, expected_ont, described_ont, example_ont, parse_ont, text_of_ont,
-     json_of<text_of_ont>, fits_ont},
-    {FieldKind::kVersion, expected_version, described_version, example_version, parse_dotted,
+    {FieldKind::kText, "text", "string", expected_text, described_text, example_text, parse_text,
+     text_of_text, json_of_text, nullptr},
+    {FieldKind::kPadded, "padded", "string", expected_text, described_text, example_text,
+     parse_text, text_of_text, json_of_text, nullptr},
+    {FieldKind::kListing, "listing", "string", expected_text, described_listing, example_text,
+     parse_text, text_of_text, json_of_text, nullptr},
+    {FieldKind::kNumber, "number", "number", expected_number, described_number, example_number,
+     parse_number_field, text_of_number, json_of_number, nullptr},
+    {FieldKind::kSigned, "signed", "number", expected_signed, described_number, example_signed,
+     parse_signed, text_of_signed, json_of_signed, nullptr},
+    {FieldKind::kFlags, "flags", "array", expected_flags, described_flags, example_flags,
+     parse_flags, text_of_flags, json_of_flags, nullptr},
+    {FieldKind::kDuration, "duration", "number", expected_duration, described_duration,
+     example_duration, parse_duration, text_of_duration, json_of_duration, nullptr},
+    {FieldKind::kPorts, "ports", "array", expected_ports, described_ports, example_ports,
+     parse_ports, text_of_ports, json_of_ports, nullptr},
+    {FieldKind::kNumbers, "numbers", "array", expected_numbers, described_numbers, example_numbers,
+     parse_numbers_field, text_of_numbers, json_of_numbers, fits_numbers},
+    {FieldKind::kVlans, "vlans", "array", expected_vlans, described_vlans, example_vlans,
+     parse_vlans, text_of_vlans, json_of_vlans, nullptr},
+    {FieldKind::kMac, "mac", "string", expected_mac, described_mac, example_mac, parse_mac,
+     text_of_mac, json_of<text_of_mac>, fits_mac},
+    {FieldKind::kIpv4, "ipv4", "string", expected_ipv4, described_ipv4, example_ipv4, parse_dotted,
      text_of_dotted, json_of<text_of_dotted>, nullptr},
-    {FieldKind::kRecords, expected_records, described_records, nothing, parse_records,
-     text_of_records, json_of_records, nullptr},
-    {FieldKind::kBytes, expected_bytes, described_bytes, example_bytes, parse_bytes, text_of_bytes,
-     json_of_bytes, fits_no_form},
+    {FieldKind::kInterface, "interface", "string", expected_interface, described_interface,
+     example_interface, parse_interface, text_of_interface, json_of<text_of_interface>, nullptr},
+    {FieldKind::kOnt, "ont", "string", expected_ont, described_ont, example_ont, parse_ont,
+     text_of_ont, json_of<text_of_ont>, fits_ont},
+    {FieldKind::kVersion, "version", "string", expected_version, described_version, example_version,
+     parse_dotted, text_of_dotted, json_of<text_of_dotted>, nullptr},
+    {FieldKind::kRecords, "records", "array", expected_records, described_records, nothing,
+     parse_records, text_of_records, json_of_records, nullptr},
+    {FieldKind::kBytes, "bytes", "string", expected_bytes, described_bytes, example_bytes,
+     parse_bytes, text_of_bytes, json_of_bytes, fits_no_form},
 };
 
 constexpr bool is_in_order() {
@@ -859,6 +859,10 @@ std::string doubled_backslashes(std::string_view text) {
 }
 
 }  // namespace
+
+std::span<const FieldForm> field_forms() {
+  return kForms;
+}
 
 const FieldForm &form_of(FieldKind kind) {
   return kForms[static_cast<size_t>(kind)];

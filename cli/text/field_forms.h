@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,6 +27,8 @@ class BadValue : public std::runtime_error {
 
 struct FieldForm {
   catalog::FieldKind kind;
+  const char *name;
+  const char *json_type;  ///< of json(), except that a number that has a name is a string
 
   /// What an input takes: "a number from 0 to 4294967295".
   std::string (*expected)(const catalog::Field &);
@@ -44,6 +47,7 @@ struct FieldForm {
   bool (*fits)(std::string_view text);
 };
 
+std::span<const FieldForm> field_forms();
 const FieldForm &form_of(catalog::FieldKind kind);
 
 /// The bytes of a field from its text or its JSON form. Throws BadValue.

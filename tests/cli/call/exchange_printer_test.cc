@@ -70,6 +70,20 @@ TEST(Trace, MasksPasswordsBothWays) {
   EXPECT_NE(trace_text(exchange(58, record, record)).find("SSSSSSSS"), std::string::npos);
 }
 
+TEST(Trace, MasksSnmpCommunitiesBothWays) {
+  std::string record = std::string(96, 'S') + std::string(40, 'x');
+  for (uint32_t type : {56U, 57U}) {
+    std::string text = trace_text(exchange(type, record, record));
+    EXPECT_EQ(text.find('S'), std::string::npos) << text;
+    EXPECT_EQ(text.find(" 53"), std::string::npos) << text;
+    EXPECT_NE(
+        text.find("  0050  ** ** ** ** ** ** ** ** ** ** ** ** ** ** ** **  ****************\n"
+                  "  0060  78 78 78 78 78 78 78 78 78 78 78 78 78 78 78 78  xxxxxxxxxxxxxxxx\n"),
+        std::string::npos)
+        << text;
+  }
+}
+
 TEST(Trace, MasksThePasswordOfEachEntryWithAndWithoutAHead) {
   std::string entries;
   for (int i = 0; i < 3; ++i) entries += std::string(32, 'e') + std::string(12, 'S');

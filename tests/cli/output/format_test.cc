@@ -95,8 +95,8 @@ int32_t reads_a_row(olt_iptv_profile_row *row, olt_auth_row *words) {
 }
 constexpr Field kSomeFields[] = {{"first", 0, 4, FieldKind::kNumber},
                                  {"rest", 4, Field::kToTheEnd, FieldKind::kBytes}};
-constexpr auto kRow =
-    OLT_OPERATION(reads_a_row, 1, "", {"row", olt::catalog::laid_out(kSomeFields, "words")});
+constexpr auto kRow = OLT_OPERATION(
+    reads_a_row, 1, "", {"row", olt::catalog::laid_out("some_record", kSomeFields, "words")});
 
 TEST(Format, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
   Call call(kRow);
