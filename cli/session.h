@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "catalog/layout.h"
 #include "catalog/operation.h"
 #include "cli/box/access.h"
 #include "cli/box/control_client.h"
@@ -24,6 +25,9 @@ class Session {
   void run_walk(const std::string &reader);
   void run_control(const ControlRequest &request);
 
+  /// The one that the options name, read when it is first needed.
+  const catalog::Layout &layout();
+
   bool wants_json() const { return options_.format == Format::kJson; }
 
   /// Keeps what the embedded box holds.
@@ -33,6 +37,7 @@ class Session {
 
  private:
   const Options &options_;
+  std::shared_ptr<const catalog::Layout> layout_;
   Access box_;
   std::unique_ptr<Formatter> formatter_;
 };
