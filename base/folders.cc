@@ -27,6 +27,12 @@ std::filesystem::path state_folder() {
   throw BadInput("no place for state; expected XDG_STATE_HOME or HOME to name an absolute path");
 }
 
+std::filesystem::path configuration_folder() {
+  if (auto home = path_from("XDG_CONFIG_HOME"); !home.empty()) return home / "oltmgmt";
+  if (auto home = path_from("HOME"); !home.empty()) return home / ".config/oltmgmt";
+  return {};
+}
+
 std::error_code make_directories(const std::filesystem::path &path) {
   std::error_code error;
   if (path.empty() || std::filesystem::exists(path, error) || error) return error;

@@ -1,6 +1,7 @@
 #include "catalog/catalog.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "catalog/flash.h"
@@ -50,8 +51,8 @@ constexpr Module kModules[] = {
 /// Each place once.
 class WireSecrets {
  public:
-  WireSecrets() {
-    for (const Family &family : kFamilies) {
+  explicit WireSecrets(std::span<const Family> families) {
+    for (const Family &family : families) {
       for (const Operation &operation : family.operations) {
         add(operation, operation.request);
         add(operation, operation.reply);
@@ -59,7 +60,7 @@ class WireSecrets {
     }
   }
 
-  std::span<const WireSecret> all() const { return all_; }
+  std::vector<WireSecret> take() { return std::move(all_); }
 
  private:
   void add(const Operation &operation, const Message &message) {
@@ -75,8 +76,9 @@ class WireSecrets {
   }
 
   void add(const Operation &operation, uint32_t offset, const Field &field, uint32_t stride) {
+    uint32_t length = field.width == Field::kToTheEnd ? UINT16_MAX : field.width;
     WireSecret secret{operation.address.message_type, static_cast<uint16_t>(offset),
-                      static_cast<uint16_t>(field.width), static_cast<uint16_t>(stride)};
+                      static_cast<uint16_t>(length), static_cast<uint16_t>(stride)};
     if (std::find(all_.begin(), all_.end(), secret) == all_.end()) all_.push_back(secret);
   }
 
@@ -102,9 +104,13 @@ std::span<const Module> modules() {
   return kModules;
 }
 
+std::vector<WireSecret> wire_secrets(std::span<const Family> families) {
+  return WireSecrets(families).take();
+}
+
 std::span<const WireSecret> wire_secrets() {
-  static const WireSecrets secrets;
-  return secrets.all();
+  static const std::vector<WireSecret> secrets = wire_secrets(kFamilies);
+  return secrets;
 }
 
 }  // namespace olt::catalog

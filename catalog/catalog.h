@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "catalog/operation.h"
 
@@ -41,6 +42,8 @@ struct WireSecret {
 
 /// Every place where a field is that is secret. Whether a reply has a head before its records, as
 /// the request does, is up to the module: with a head and without, both places count.
+std::vector<WireSecret> wire_secrets(std::span<const Family> families);
+/// Those of the catalog itself.
 std::span<const WireSecret> wire_secrets();
 
 }  // namespace olt::catalog

@@ -62,24 +62,32 @@ struct Composition {
   std::array<Placement, 8> placement_room{"", "", "", "", "", "", "", ""};
   size_t placement_count = 0;
   const char *read_if_zero = nullptr;
+  std::string_view record_type{};
 };
+
+template <typename Record>
+constexpr Composition composition_of(Origin others, std::initializer_list<Placement> placements) {
+  Composition composition{kFieldsOf<Record>, sizeof(Record), others, placements};
+  if (name_of_type<Record>().starts_with("olt_")) composition.record_type = name_of_type<Record>();
+  return composition;
+}
 
 /// A request in a record of that type, with zeros where no argument is.
 template <typename Record>
 constexpr Composition in_record(std::initializer_list<Placement> placements = {}) {
-  return {kFieldsOf<Record>, sizeof(Record), Origin::kZeros, placements};
+  return composition_of<Record>(Origin::kZeros, placements);
 }
 
 /// The same, with what memory held where no argument is.
 template <typename Record>
 constexpr Composition in_memory(std::initializer_list<Placement> placements = {}) {
-  return {kFieldsOf<Record>, sizeof(Record), Origin::kAny, placements};
+  return composition_of<Record>(Origin::kAny, placements);
 }
 
 /// A reply in a record of that type, of which the operation copies some fields.
 template <typename Record>
 constexpr Composition from_record(std::initializer_list<Placement> placements = {}) {
-  return {kFieldsOf<Record>, sizeof(Record), Origin::kAny, placements};
+  return composition_of<Record>(Origin::kAny, placements);
 }
 
 constexpr Composition only_if_zero(const char *field, Composition reply) {
@@ -135,7 +143,9 @@ class Builder {
   constexpr Message message() {
     std::sort(parts_.begin(), parts_.begin() + count_,
               [](const Part &a, const Part &b) { return a.offset < b.offset; });
-    Message message{.read_if_zero = composition_.read_if_zero, .record = composition_.record};
+    Message message{.read_if_zero = composition_.read_if_zero,
+                    .record = composition_.record,
+                    .record_type = composition_.record_type};
     for (size_t i = 0; i < count_; ++i) {
       if (parts_[i].offset < message.fixed_length()) throw "two arguments in one place";
       fill(message, parts_[i].offset);

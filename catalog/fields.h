@@ -3,6 +3,7 @@
 #ifndef OLT_CATALOG_FIELDS_H
 #define OLT_CATALOG_FIELDS_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -116,6 +117,20 @@ inline constexpr FieldKind kFormOf<olt_target_words> = FieldKind::kOnt;
 
 template <typename Record>
 inline constexpr std::span<const Field> kFieldsOf{};
+
+/// The fields that the public header names.
+template <typename Record>
+inline constexpr std::span<const Field> kNamedFieldsOf{};
+
+template <const auto &fields>
+inline constexpr auto kWithoutMeaning = [] {
+  auto plain = std::to_array(fields);
+  for (Field &field : plain) {
+    field.values = {};
+    field.unit = nullptr;
+  }
+  return plain;
+}();
 
 /// The name of a record's type.
 template <typename Record>

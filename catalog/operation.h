@@ -93,11 +93,14 @@ struct Argument {
   std::span<const Field> fields;  ///< of a record, item or block; empty when it is opaque
   uint32_t most;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
   bool secret;
-  bool optional;                        ///< zero when left out
-  std::span<const ValueName> values{};  ///< of a number that has names
-  const char *unit = nullptr;           ///< of a number
-  std::string_view record_name{};       ///< of a record, item or block; empty when it is none
-  const char *example = nullptr;        ///< null: that of its form
+  bool optional;                          ///< zero when left out
+  std::span<const ValueName> values{};    ///< of a number that has names
+  const char *unit = nullptr;             ///< of a number
+  std::string_view record_name{};         ///< of a record, item or block; empty when it is none
+  std::string_view record_type{};         ///< the C type of a record or item; empty when it is none
+  std::span<const Field> named_fields{};  ///< those that the public header names
+  uint8_t decimals = 0;                   ///< digits of a number after the point
+  const char *example = nullptr;          ///< null: that of its form
 
   /// Fields that can be given as FIELD=VALUE.
   constexpr std::span<const Field> own_fields() const {
@@ -114,7 +117,12 @@ struct Argument {
             .secret = secret,
             .most = most,
             .values = values,
-            .unit = unit};
+            .unit = unit,
+            .decimals = decimals};
+  }
+
+  constexpr bool is_word() const {
+    return kind == Kind::kValue && size == sizeof(uint32_t) && record_type.empty();
   }
 
   constexpr bool is_list() const {

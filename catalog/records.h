@@ -263,6 +263,44 @@ static_assert(fill<olt_link_dba>(kLinkDbaFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_link_dba> = kLinkDbaFields;
 
+// What the public header itself says.
+
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_user> = kWithoutMeaning<kUserFields>;
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_debug_value> =
+    kWithoutMeaning<kDebugValueFields>;
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_switch_debug> =
+    kWithoutMeaning<kSwitchDebugFields>;
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_port_attributes> =
+    kWithoutMeaning<kPortFields>;
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_global_parameter> =
+    kWithoutMeaning<kGlobalParameterFields>;
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_link_dba> =
+    kWithoutMeaning<kLinkDbaFields>;
+
+inline constexpr Field kRstpBriefNames[] = {
+    row_name(OLT_FIELD(olt_rstp_brief, keys)),
+    OLT_FIELD(olt_rstp_brief, values),
+};
+static_assert(fill<olt_rstp_brief>(kRstpBriefNames));
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_rstp_brief> = kRstpBriefNames;
+
+inline constexpr Field kOntTargetNames[] = {
+    row_name(OLT_FIELD(olt_ont_target, target)),      OLT_FIELD(olt_ont_target, target_kind),
+    reserved(OLT_FIELD(olt_ont_target, reserved_10)), OLT_FIELD(olt_ont_target, mac),
+    reserved(OLT_FIELD(olt_ont_target, reserved_22)), OLT_FIELD(olt_ont_target, mac_word),
+    reserved(OLT_FIELD(olt_ont_target, reserved_28)),
+};
+static_assert(fill<olt_ont_target>(kOntTargetNames));
+template <>
+inline constexpr std::span<const Field> kNamedFieldsOf<olt_ont_target> = kOntTargetNames;
+
 // What the bytes of these records mean to the simulated box. The library only carries them.
 
 inline constexpr Field kAuthEntryFields[] = {

@@ -131,6 +131,7 @@ struct Parameter {
   FieldKind form = FieldKind::kBytes;
   std::span<const Field> fields{};
   std::string_view record_name{};
+  std::span<const Field> named_fields{};
 };
 
 template <typename Type>
@@ -193,13 +194,15 @@ struct ParameterOf<void **> {
 };
 template <typename Record>
 struct ParameterOf<const Record *> {
-  static constexpr Parameter kValue{Kind::kValue,    Direction::kIn,    sizeof(Record),
-                                    kFormOf<Record>, kFieldsOf<Record>, name_of_type<Record>()};
+  static constexpr Parameter kValue{
+      Kind::kValue,      Direction::kIn,         sizeof(Record),        kFormOf<Record>,
+      kFieldsOf<Record>, name_of_type<Record>(), kNamedFieldsOf<Record>};
 };
 template <typename Record>
 struct ParameterOf<Record *> {
-  static constexpr Parameter kValue{Kind::kValue,    Direction::kOut,   sizeof(Record),
-                                    kFormOf<Record>, kFieldsOf<Record>, name_of_type<Record>()};
+  static constexpr Parameter kValue{
+      Kind::kValue,      Direction::kOut,        sizeof(Record),        kFormOf<Record>,
+      kFieldsOf<Record>, name_of_type<Record>(), kNamedFieldsOf<Record>};
 };
 
 template <typename Type>
@@ -224,6 +227,8 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .values = mark.values,
           .unit = mark.unit,
           .record_name = mark.record_name.empty() ? parameter.record_name : mark.record_name,
+          .record_type = parameter.record_name,
+          .named_fields = parameter.named_fields,
           .example = mark.example};
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace olt::catalog {
 
@@ -47,6 +48,7 @@ struct Message {
   const char *read_if_zero = nullptr;
   /// The fields of the record that the message is or begins with; else the arguments' own hold.
   std::span<const Field> record{};
+  std::string_view record_type{};  ///< its C type; empty when the public header has none
 
   constexpr std::span<const Part> parts() const { return {part_room.data(), part_count}; }
 

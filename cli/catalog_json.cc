@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <span>
 
-#include "box/wire/status.h"
 #include "catalog/catalog.h"
 #include "catalog/message_fields.h"
 #include "cli/input/argument_forms.h"
@@ -19,6 +18,7 @@ using catalog::Address;
 using catalog::Argument;
 using catalog::Family;
 using catalog::Field;
+using catalog::Layout;
 using catalog::Message;
 using catalog::MessageField;
 using catalog::Operation;
@@ -148,8 +148,8 @@ ordered_json modules_of(const Address &address) {
   return modules;
 }
 
-const Family &family_of(const Operation &operation) {
-  auto families = catalog::families();
+const Family &family_of(const Operation &operation, const Layout &layout) {
+  auto families = layout.families();
   return *std::find_if(families.begin(), families.end(), [&operation](const Family &family) {
     const Operation *first = family.operations.data();
     return &operation >= first && &operation < first + family.operations.size();
@@ -167,23 +167,21 @@ void add_records(const Operation &operation, ordered_json &records) {
   }
 }
 
-ordered_json statuses_json() {
-  ordered_json statuses = ordered_json::array();
-  for (uint16_t status = 0; status <= static_cast<uint16_t>(box::Status::kOffline); ++status) {
-    statuses.push_back({{"status", status}, {"text", box::status_text(status)}});
-  }
-  return statuses;
+ordered_json statuses_json(const Layout &layout) {
+  return list_of(layout.statuses(), [](const auto &named) {
+    return ordered_json{{"status", named.first}, {"text", named.second}};
+  });
 }
 
 }  // namespace
 
-ordered_json operation_json(const Operation &operation) {
+ordered_json operation_json(const Operation &operation, const Layout &layout) {
   const Address &address = operation.address;
   auto if_sent = [&address](uint32_t number) {
     return address.sends() ? ordered_json(number) : ordered_json();
   };
   return {{"name", operation.name},
-          {"family", family_of(operation).title},
+          {"family", family_of(operation, layout).title},
           {"summary", operation.summary},
           {"message_type", if_sent(address.message_type)},
           {"modules", modules_of(address)},
@@ -197,17 +195,17 @@ ordered_json operation_json(const Operation &operation) {
           {"reply", message_json(operation, operation.reply)}};
 }
 
-ordered_json catalog_json(std::string_view word) {
+ordered_json catalog_json(std::string_view word, const Layout &layout) {
   require_listed(word);
   ordered_json families = ordered_json::array();
   ordered_json operations = ordered_json::array();
   ordered_json records = ordered_json::array();
-  for (const Family &family : catalog::families()) {
+  for (const Family &family : layout.families()) {
     ordered_json names = ordered_json::array();
     for (const Operation &operation : family.operations) {
       if (!is_about(operation, word)) continue;
       names.push_back(operation.name);
-      operations.push_back(operation_json(operation));
+      operations.push_back(operation_json(operation, layout));
       add_records(operation, records);
     }
     if (!names.empty()) families.push_back({{"title", family.title}, {"operations", names}});
@@ -223,7 +221,7 @@ ordered_json catalog_json(std::string_view word) {
                           [](const catalog::Module &module) {
                             return ordered_json{{"module", module.number}, {"name", module.name}};
                           })},
-      {"statuses", statuses_json()},
+      {"statuses", statuses_json(layout)},
       {"families", families},
       {"records", records},
       {"operations", operations}};

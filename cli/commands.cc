@@ -7,10 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "base/table.h"
 #include "base/text.h"
 #include "catalog/catalog.h"
 #include "cli/catalog_json.h"
 #include "cli/completion.h"
+#include "cli/layout/layouts.h"
+#include "cli/layout/writer.h"
 #include "cli/manual.h"
 #include "cli/output/format.h"
 #include "cli/text/error.h"
@@ -21,6 +24,7 @@
 
 namespace olt::cli {
 
+using catalog::Layout;
 using catalog::Operation;
 using nlohmann::ordered_json;
 
@@ -60,12 +64,13 @@ std::string only_word(Arguments words) {
 
 void run_list(Session &session, Arguments words) {
   std::string word = only_word(words);
-  print(session.wants_json() ? json_line(catalog_json(word)) : list_text(word));
+  print(session.wants_json() ? json_line(catalog_json(word, session.layout())) : list_text(word));
 }
 
 void run_help(Session &session, Arguments words) {
   std::string name = only_word(words);
-  print(session.wants_json() ? json_line(help_json(name)) : help_text(name));
+  print(session.wants_json() ? json_line(help_json(name, session.layout()))
+                             : help_text(name, session.layout()));
 }
 
 Words words_of_help(Arguments words) {
@@ -76,10 +81,10 @@ void run_shell_within(Session & /*session*/, Arguments /*words*/) {
   wrong_usage("shell: not possible here; expected the command line 'oltctl shell', alone");
 }
 
-void run_completion(Session & /*session*/, Arguments words) {
+void run_completion(Session &session, Arguments words) {
   std::string shell = only_word(words);
   if (shell != "bash") wrong_usage("completion: '{}' given; expected bash", printable(shell));
-  print(bash_completion(commands(), option_names()));
+  print(bash_completion(commands(), option_names(), session.layout()));
 }
 
 Words words_of_completion(Arguments words) {
@@ -113,6 +118,60 @@ std::string details_of_walk() {
   return "  Names the readers when it is given none.\n"
          "  Example: walk process_onu_portdownrate\n" +
          readers_text();
+}
+
+// layout
+
+/// Where a layout is, or why it cannot be used.
+std::string place_of(const FoundLayout &layout) {
+  if (layout.path.empty()) return "built in";
+  return printable(layout.error.empty() ? layout.path : layout.error);
+}
+
+void print_layouts(Session &session) {
+  std::vector<TableRow> table = {{"name", "place"}};
+  ordered_json list = ordered_json::array();
+  for (const FoundLayout &layout : found_layouts()) {
+    table.push_back({printable(layout.name), place_of(layout)});
+    list.push_back({{"name", layout.name},
+                    {"file", layout.path.empty() ? ordered_json() : ordered_json(layout.path)},
+                    {"error", layout.error.empty() ? ordered_json() : ordered_json(layout.error)}});
+  }
+  print(session.wants_json() ? json_line({{"version", kJsonVersion}, {"layouts", list}})
+                             : table_text(table));
+}
+
+void run_layout(Session &session, Arguments words) {
+  std::string verb = words.size() > 1 ? words[1] : "";
+  Arguments rest = words.subspan(std::min<size_t>(2, words.size()));
+  size_t most = verb == "list" ? 0 : 1;
+  if (rest.size() > most) {
+    wrong_usage("layout {}: '{}' is one argument too many; expected {}", printable(verb),
+                printable(rest[most]), most == 0 ? "none" : "at most one");
+  }
+  if (verb == "list") {
+    print_layouts(session);
+  } else if (verb == "check") {
+    if (rest.empty()) wrong_usage("layout check: no file is given; expected one");
+    print(fmt::format("{}: the layout {}\n", printable(rest[0]), read_layout(rest[0]).name()));
+  } else if (verb == "show") {
+    print(layout_text(rest.empty() ? session.layout() : *layout_named(rest[0])));
+  } else {
+    wrong_usage("layout: '{}' given; expected list, check or show", printable(verb));
+  }
+}
+
+Words words_of_layout(Arguments words) {
+  if (words.size() == 1) return {"list", "check", "show"};
+  return words.size() == 2 && words[1] == "show" ? Words{"box", "none"} : Words{};
+}
+
+std::string details_of_layout() {
+  return "  A layout says what the bytes of records, statuses and tables mean. --layout or the\n"
+         "  environment variable OLT_LAYOUT chooses one: box, none, a name that 'layout list' "
+         "shows,\n"
+         "  or a file. 'layout show' prints it as such a file, the one in use without a name.\n"
+         "  Example: layout show box\n";
 }
 
 // fault, counters
@@ -220,6 +279,9 @@ constexpr Command kCommands[] = {
     {"config", "config export [FILE]\nconfig import FILE\nconfig diff [FILE] FILE",
      "Writes, reads and compares the box's configuration as JSON", run_config, words_of_config,
      details_of_config},
+    {"layout", "layout list\nlayout check FILE\nlayout show [NAME|FILE]",
+     "Lists, checks and shows layouts: what bytes mean", run_layout, words_of_layout,
+     details_of_layout},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash",
      "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,
@@ -307,12 +369,12 @@ void run_line(Session &session, std::span<const std::string> words) {
   if (const Command *command = find_command(words[0])) {
     command->run(session, words);
   } else {
-    session.run_operation(operation_named(words[0]), words.subspan(1));
+    session.run_operation(operation_named(words[0], session.layout()), words.subspan(1));
   }
 }
 
-const Operation &operation_named(const std::string &name) {
-  if (const Operation *operation = catalog::find(name)) return *operation;
+const Operation &operation_named(const std::string &name, const Layout &layout) {
+  if (const Operation *operation = layout.find(name)) return *operation;
   Words names = near_names(name);
   if (!names.empty()) {
     wrong_usage("oltctl: there is no operation '{}'; did you mean {}?", printable(name),
@@ -326,10 +388,19 @@ const Operation &operation_named(const std::string &name) {
               printable(name));
 }
 
-std::string help_text(const std::string &name) {
+std::string help_text(const std::string &name, const Layout &layout) {
   if (name.empty()) return overview();
   if (const Command *command = find_command(name)) return help_of(*command);
-  return help_of(operation_named(name));
+  return help_of(operation_named(name, layout));
+}
+
+ordered_json help_json(const std::string &name, const Layout &layout) {
+  if (name.empty()) return commands_json();
+  ordered_json object = {{"version", kJsonVersion}};
+  const Command *command = find_command(name);
+  object.update(command != nullptr ? json_of(*command)
+                                   : operation_json(operation_named(name, layout), layout));
+  return object;
 }
 
 ordered_json help_json(const std::string &name) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 
+#include "catalog/layout.h"
 #include "catalog/operation.h"
 #include "cli/command.h"
 #include "cli/session.h"
@@ -22,11 +23,17 @@ const Command *find_command(const std::string &name);
 void run_line(Session &session, std::span<const std::string> words);
 
 /// The operation of that name. Throws Error, which suggests near names.
-const catalog::Operation &operation_named(const std::string &name);
+const catalog::Operation &operation_named(const std::string &name,
+                                          const catalog::Layout &layout = catalog::Layout::box());
 
 /// What an operation or a command takes and does, with an example; of all commands without a name.
 /// Throws Error.
-std::string help_text(const std::string &name);
+std::string help_text(const std::string &name,
+                      const catalog::Layout &layout = catalog::Layout::box());
+
+/// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
+nlohmann::ordered_json help_json(const std::string &name,
+                                 const catalog::Layout &layout = catalog::Layout::box());
 
 /// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
 nlohmann::ordered_json help_json(const std::string &name);

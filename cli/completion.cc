@@ -30,9 +30,10 @@ Words words_after(const Command &command, std::span<const std::string> words) {
   return command.next_words == nullptr ? Words{} : command.next_words(words);
 }
 
-Words next_words(std::span<const Command> commands, std::span<const std::string> before) {
+Words next_words(std::span<const Command> commands, std::span<const std::string> before,
+                 const catalog::Layout &layout) {
   if (before.empty()) return first_words(commands);
-  if (const Operation *operation = catalog::find(before[0])) return argument_names(*operation);
+  if (const Operation *operation = layout.find(before[0])) return argument_names(*operation);
   for (const Command &command : commands) {
     if (command.name == before[0]) return words_after(command, before);
   }
@@ -55,9 +56,9 @@ std::string branches(const Command &command) {
   return text;
 }
 
-std::string branches(std::span<const Command> commands) {
+std::string branches(std::span<const Command> commands, const catalog::Layout &layout) {
   std::string text = branch("''", first_words(commands));
-  for (const Family &family : catalog::families()) {
+  for (const Family &family : layout.families()) {
     for (const Operation &operation : family.operations) {
       Words names = argument_names(operation);
       if (!names.empty()) text += branch(fmt::format("{0}|{0}' '*", operation.name), names);
@@ -135,18 +136,18 @@ Words first_words(std::span<const Command> commands) {
 }
 
 Words candidates(std::span<const Command> commands, std::span<const std::string> before,
-                 std::string_view prefix) {
-  Words words = next_words(commands, before);
+                 std::string_view prefix, const catalog::Layout &layout) {
+  Words words = next_words(commands, before, layout);
   std::erase_if(words, [prefix](const std::string &word) { return !word.starts_with(prefix); });
   return words;
 }
 
-std::string bash_completion(std::span<const Command> commands,
-                            std::span<const OptionName> options) {
+std::string bash_completion(std::span<const Command> commands, std::span<const OptionName> options,
+                            const catalog::Layout &layout) {
   std::string head = replaced(kBashHead, "@options@", long_names(options));
   head = replaced(head, "@directories@", pattern_of(options, "DIR"));
   head = replaced(head, "@files@", pattern_of(options, "FILE"));
-  return head + branches(commands) + kBashTail;
+  return head + branches(commands, layout) + kBashTail;
 }
 
 }  // namespace olt::cli

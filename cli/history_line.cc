@@ -45,8 +45,8 @@ bool gives_secret(std::string_view word, const Operation &operation) {
 }
 
 /// Whether a word gives a secret, or words follow the name of an operation that takes one.
-bool may_hold_secret(std::span<const std::string> words) {
-  for (const catalog::Family &family : catalog::families()) {
+bool may_hold_secret(std::span<const std::string> words, const catalog::Layout &layout) {
+  for (const catalog::Family &family : layout.families()) {
     for (const Operation &operation : family.operations) {
       if (!has_secret(operation)) continue;
       auto named = std::find(words.begin(), words.end(), operation.name);
@@ -79,12 +79,13 @@ std::optional<std::string> operation_line(const Operation &operation,
 
 }  // namespace
 
-std::optional<std::string> history_line(std::span<const std::string> words) {
+std::optional<std::string> history_line(std::span<const std::string> words,
+                                        const catalog::Layout &layout) {
   if (find_command(words[0]) != nullptr) {
-    if (may_hold_secret(words)) return std::nullopt;
+    if (may_hold_secret(words, layout)) return std::nullopt;
     return join_words(words);
   }
-  const Operation *operation = catalog::find(words[0]);
+  const Operation *operation = layout.find(words[0]);
   if (operation == nullptr) return std::nullopt;
   try {
     return operation_line(*operation, words);

@@ -6,12 +6,15 @@
 #include <span>
 #include <string>
 
+#include "catalog/layout.h"
+
 namespace olt::cli {
 
 /// The line with '-' instead of secrets, so that it asks for them when it is used again.
 /// Nothing when the line may hold a secret elsewhere: in a record given as a whole, after a word
 /// that is no known operation, or in the words of a command.
-std::optional<std::string> history_line(std::span<const std::string> words);
+std::optional<std::string> history_line(std::span<const std::string> words,
+                                        const catalog::Layout &layout = catalog::Layout::box());
 
 }  // namespace olt::cli
 

@@ -57,6 +57,13 @@ std::string run_dir(const std::string &box) {
   return directory != nullptr ? directory : "";
 }
 
+/// Which layout: --layout, else the environment, else the box's.
+std::string layout_of(const std::string &layout) {
+  if (!layout.empty()) return layout;
+  const char *name = std::getenv("OLT_LAYOUT");
+  return name != nullptr && *name != '\0' ? name : "box";
+}
+
 std::vector<std::string> words_of(const CLI::App &app) {
   std::vector<std::string> words = app.remaining();
   for (const std::string &word : words) {
@@ -121,6 +128,10 @@ void define_options(CLI::App &app, Given &given) {
       ->type_name("FILE");
   app.add_flag("--adopt", box.adopt,
                "Embedded box, config import: keep what fits another topology");
+  app.add_option("--layout", given.options.layout,
+                 "What bytes mean: 'box', 'none', or a layout by its name or file;\n"
+                 "default: the one that OLT_LAYOUT names, else box")
+      ->type_name("FILE");
   app.add_flag("--json", given.json, "Results as JSON, one object a line");
   app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
   app.add_flag("--show-secrets", given.options.detail.secrets, "Show passwords in results");
@@ -169,6 +180,7 @@ std::optional<Options> parse_options(int argc, const char *const *argv,
   if (given.json) options.format = Format::kJson;
   options.words = words_of(app);
   options.box.run_dir = run_dir(given.box);
+  options.layout = layout_of(options.layout);
   check(options);
   return options;
 }

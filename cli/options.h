@@ -15,6 +15,7 @@ struct Options {
   Format format = Format::kText;
   bool trace = false;
   Detail detail;
+  std::string layout;  ///< a name or a file
   BoxOptions box;
   std::optional<std::string> script;  ///< "-" for standard input
   std::vector<std::string> words;     ///< the command

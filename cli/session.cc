@@ -9,6 +9,7 @@
 #include "cli/call/exchanges.h"
 #include "cli/call/result_text.h"
 #include "cli/input/argument_parser.h"
+#include "cli/layout/layouts.h"
 #include "cli/output/listing_reader.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
@@ -36,7 +37,15 @@ void write_files(const Call &call) {
 
 Session::Session(const Options &options)
     : options_(options), box_(options.box), formatter_(make_formatter(options.format)) {
-  watch_exchanges(options.trace);
+  watch_exchanges(false);
+}
+
+const catalog::Layout &Session::layout() {
+  if (layout_ == nullptr) {
+    layout_ = layout_named(options_.layout);
+    watch_exchanges(options_.trace, catalog::wire_secrets(layout_->families()));
+  }
+  return *layout_;
 }
 
 void Session::run_operation(const Operation &operation, std::span<const std::string> words) {
@@ -60,13 +69,14 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
   }
   print(formatter_->result(result));
   if (result.failed()) {
-    fail("{} failed: {}{}", operation.name, describe_result(operation, code), box_.advice(code));
+    fail("{} failed: {}{}", operation.name, describe_result(operation, code, layout()),
+         box_.advice(code));
   }
   if (unread) throw Error(*unread);
 }
 
 void Session::run_walk(const std::string &reader) {
-  Walk walk(box_, reader, options_.detail);
+  Walk walk(box_, layout(), reader, options_.detail);
   bool has_rows = false;
   try {
     while (auto row = walk.next()) {
@@ -128,6 +138,7 @@ void Session::run_config_diff(const std::string &from, const std::string &to) {
 }
 
 void Session::run_control(const ControlRequest &request) {
+  layout();  // before the first exchange, which may be traced
   box_.open();
   print(formatter_->control(request["command"], ask_box(request)));
 }

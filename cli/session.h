@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "catalog/layout.h"
 #include "catalog/operation.h"
 #include "cli/box/access.h"
 #include "cli/box/control_client.h"
@@ -30,6 +31,9 @@ class Session {
   /// Prints how the second configuration differs from the first; without a first, from the box's.
   void run_config_diff(const std::string &from, const std::string &to);
 
+  /// The one that the options name, read when it is first needed.
+  const catalog::Layout &layout();
+
   bool wants_json() const { return options_.format == Format::kJson; }
 
   /// Keeps what the embedded box holds.
@@ -39,6 +43,7 @@ class Session {
 
  private:
   const Options &options_;
+  std::shared_ptr<const catalog::Layout> layout_;
   Access box_;
   std::unique_ptr<Formatter> formatter_;
 };

@@ -62,13 +62,19 @@ class Signals {
   sigset_t open_{};
 };
 
+/// What the editor's functions need.
+struct Context {
+  Signals signals;
+  const catalog::Layout &layout;
+};
+
 /// Reads one character for the editor.
 int read_key(EditLine *editor, wchar_t *key) {
-  Signals *signals = nullptr;
-  el_get(editor, EL_CLIENTDATA, &signals);
+  Context *context = nullptr;
+  el_get(editor, EL_CLIENTDATA, &context);
   std::mbstate_t state{};
   char byte = 0;
-  while (signals->wait_for_key() && read(STDIN_FILENO, &byte, 1) == 1) {
+  while (context->signals.wait_for_key() && read(STDIN_FILENO, &byte, 1) == 1) {
     size_t length = std::mbrtowc(key, &byte, 1, &state);
     if (length <= 1) return 1;
     if (length == static_cast<size_t>(-1)) state = {};
@@ -108,11 +114,13 @@ std::vector<std::string> words_before_cursor(const LineInfo *line) {
 }
 
 unsigned char complete(EditLine *editor, int /*key*/) {
+  Context *context = nullptr;
+  el_get(editor, EL_CLIENTDATA, &context);
   std::vector<std::string> words = words_before_cursor(el_line(editor));
   if (words.empty()) return CC_REFRESH_BEEP;
   std::string prefix = words.back();
   words.pop_back();
-  std::vector<std::string> found = candidates(commands(), words, prefix);
+  std::vector<std::string> found = candidates(commands(), words, prefix, context->layout);
   if (found.empty()) return CC_REFRESH_BEEP;
   std::string rest = common_beginning(found).substr(prefix.size());
   if (found.size() == 1 && !found.front().ends_with('=')) rest += ' ';
@@ -166,8 +174,9 @@ class LineHistory {
 
 class Editor {
  public:
-  explicit Editor(LineHistory &lines) : editor_(el_init("oltctl", stdin, stdout, stderr)) {
-    el_set(editor_, EL_CLIENTDATA, &signals_);
+  Editor(LineHistory &lines, const catalog::Layout &layout)
+      : context_{{}, layout}, editor_(el_init("oltctl", stdin, stdout, stderr)) {
+    el_set(editor_, EL_CLIENTDATA, &context_);
     el_set(editor_, EL_GETCFN, read_key);
     el_set(editor_, EL_PROMPT, prompt);
     el_set(editor_, EL_EDITOR, "emacs");
@@ -201,7 +210,7 @@ class Editor {
   }
 
  private:
-  Signals signals_;
+  Context context_;
   EditLine *editor_;
 };
 
@@ -216,7 +225,8 @@ bool take_line(Session &session, LineHistory &lines, const std::string &line) {
     std::vector<std::string> words = split_words(line);
     if (words.empty()) return true;
     if (is_end(words)) return false;
-    if (std::optional<std::string> remembered = history_line(words)) lines.add(*remembered);
+    if (std::optional<std::string> remembered = history_line(words, session.layout()))
+      lines.add(*remembered);
     run_line(session, words);
   } catch (const Error &error) {
     fmt::print(stderr, "{}\n", error.what());
@@ -234,7 +244,7 @@ void run_shell(Session &session) {
   }
   std::setlocale(LC_CTYPE, "");
   LineHistory lines;
-  Editor editor(lines);
+  Editor editor(lines, session.layout());
   bool goes_on = true;
   while (goes_on) {
     std::optional<std::string> line = editor.line();

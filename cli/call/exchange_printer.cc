@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/text.h"
-#include "catalog/catalog.h"
 
 namespace olt::cli {
 
@@ -16,9 +15,9 @@ namespace {
 constexpr size_t kMostShown = 256;
 
 /// Everything in requests and replies of the type that may be a secret.
-std::vector<Hidden> hidden_in(uint32_t message_type) {
+std::vector<Hidden> hidden_in(uint32_t message_type, std::span<const catalog::WireSecret> secrets) {
   std::vector<Hidden> hidden;
-  for (const catalog::WireSecret &secret : catalog::wire_secrets()) {
+  for (const catalog::WireSecret &secret : secrets) {
     if (secret.message_type == message_type) {
       hidden.push_back({secret.offset, secret.length, secret.stride});
     }
@@ -45,8 +44,8 @@ std::string answer_text(const olt_exchange &exchange) {
 
 }  // namespace
 
-std::string trace_text(const olt_exchange &exchange) {
-  std::vector<Hidden> hidden = hidden_in(exchange.message_type);
+std::string trace_text(const olt_exchange &exchange, std::span<const catalog::WireSecret> secrets) {
+  std::vector<Hidden> hidden = hidden_in(exchange.message_type, secrets);
   return fmt::format("> type {} to module {}, {} bytes\n{}< {} after {:.3f} ms\n{}",
                      exchange.message_type, exchange.module, exchange.request_length,
                      dump(exchange.request, exchange.request_length, hidden), answer_text(exchange),

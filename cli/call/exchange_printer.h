@@ -2,14 +2,17 @@
 #ifndef OLT_CLI_CALL_EXCHANGE_PRINTER_H
 #define OLT_CLI_CALL_EXCHANGE_PRINTER_H
 
+#include <span>
 #include <string>
 
+#include "catalog/catalog.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {
 
-/// The lines for one exchange. Every place where its type may carry a secret is masked.
-std::string trace_text(const olt_exchange &exchange);
+/// The lines for one exchange, with its secrets masked.
+std::string trace_text(const olt_exchange &exchange,
+                       std::span<const catalog::WireSecret> secrets = catalog::wire_secrets());
 
 }  // namespace olt::cli
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "cli/call/exchange_printer.h"
 
@@ -17,14 +18,17 @@ void remember(void * /*context*/, const olt_exchange *exchange) {
 
 void remember_and_show(void *context, const olt_exchange *exchange) {
   remember(context, exchange);
-  std::string text = trace_text(*exchange);
+  const auto &secrets = *static_cast<const std::vector<catalog::WireSecret> *>(context);
+  std::string text = trace_text(*exchange, secrets);
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
 }  // namespace
 
-void watch_exchanges(bool trace) {
-  olt_watch_exchanges(trace ? remember_and_show : remember, nullptr);
+void watch_exchanges(bool trace, std::vector<catalog::WireSecret> secrets) {
+  static std::vector<catalog::WireSecret> kept;
+  kept = std::move(secrets);
+  olt_watch_exchanges(trace ? remember_and_show : remember, &kept);
 }
 
 uint32_t last_reply_length() {

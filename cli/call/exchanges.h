@@ -3,12 +3,15 @@
 #define OLT_CLI_CALL_EXCHANGES_H
 
 #include <cstdint>
+#include <vector>
+
+#include "catalog/catalog.h"
 
 namespace olt::cli {
 
 /// Starts to remember the length of each reply and, with trace, to show each exchange on standard
-/// error when it ends.
-void watch_exchanges(bool trace);
+/// error when it ends, with those places masked.
+void watch_exchanges(bool trace, std::vector<catalog::WireSecret> secrets = {});
 
 /// Bytes in the reply of this thread's last exchange. Some operations hand out a copy of a reply
 /// without its length.

@@ -2,26 +2,29 @@
 
 #include <fmt/format.h>
 
-#include "box/wire/status.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {
+
+using catalog::Layout;
 
 namespace {
 
 constexpr int32_t kNotBuilt = -1;
 
-/// Modules define their statuses; only those of the simulated box are known.
-std::string status_of_module(uint16_t status) {
-  return fmt::format("status {} (oltbox: {})", status, box::status_text(status));
+std::string status_of_module(uint16_t status, const Layout &layout) {
+  if (layout.statuses().empty()) return fmt::format("status {}", status);
+  auto found = layout.statuses().find(status);
+  return fmt::format("status {} ({}: {})", status, layout.status_source(),
+                     found == layout.statuses().end() ? "unknown status" : found->second);
 }
 
-std::string reason_of_exchange(int32_t result) {
+std::string reason_of_exchange(int32_t result, const Layout &layout) {
   ResultParts parts = take_apart(result);
   if (!parts.status) return "the request could not be built";
-  if (!parts.transport) return status_of_module(*parts.status);
+  if (!parts.transport) return status_of_module(*parts.status, layout);
   if (*parts.status == 0) return *parts.transport;
-  return fmt::format("{}, {}", *parts.transport, status_of_module(*parts.status));
+  return fmt::format("{}, {}", *parts.transport, status_of_module(*parts.status, layout));
 }
 
 std::string with_reason(int32_t result, const std::string &reason) {
@@ -39,15 +42,16 @@ ResultParts take_apart(int32_t result) {
   return parts;
 }
 
-std::string describe_result(const catalog::Operation &operation, int32_t result) {
+std::string describe_result(const catalog::Operation &operation, int32_t result,
+                            const Layout &layout) {
   if (result == kNotBuilt) return with_reason(result, operation.outcome.minus_one);
-  if (operation.address.sends()) return with_reason(result, reason_of_exchange(result));
+  if (operation.address.sends()) return with_reason(result, reason_of_exchange(result, layout));
   bool is_named = result == -2 && operation.outcome.minus_two != nullptr;
   return with_reason(result, is_named ? operation.outcome.minus_two : "the device failed");
 }
 
-std::string describe_result(int32_t result) {
-  return with_reason(result, reason_of_exchange(result));
+std::string describe_result(int32_t result, const Layout &layout) {
+  return with_reason(result, reason_of_exchange(result, layout));
 }
 
 }  // namespace olt::cli

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "catalog/layout.h"
 #include "catalog/operation.h"
 
 namespace olt::cli {
@@ -19,10 +20,11 @@ struct ResultParts {
 ResultParts take_apart(int32_t result);
 
 /// What the result means for that operation.
-std::string describe_result(const catalog::Operation &operation, int32_t result);
+std::string describe_result(const catalog::Operation &operation, int32_t result,
+                            const catalog::Layout &layout = catalog::Layout::box());
 
 /// "result 5 (0x00000005): status 5 (oltbox: exists already)"
-std::string describe_result(int32_t result);
+std::string describe_result(int32_t result, const catalog::Layout &layout = catalog::Layout::box());
 
 }  // namespace olt::cli
 

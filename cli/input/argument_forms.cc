@@ -150,6 +150,10 @@ void read_ids(Call &call, size_t place, std::string_view text) {
 }
 
 std::string expected_entries(const Argument &argument) {
+  if (argument.fields.empty()) {
+    return fmt::format("entries of {} bytes as HEX, separated by ';', or @FILE with one a line",
+                       argument.size);
+  }
   std::vector<std::string> fields;
   for (const Field &field : argument.fields) {
     if (field.role == Role::kReserved) continue;
@@ -161,8 +165,12 @@ std::string expected_entries(const Argument &argument) {
       fmt::join(fields, ", "), argument.size);
 }
 
-std::string example_entries(const Argument & /*argument*/) {
-  return "'mac=02:00:00:00:00:01;loid=site-17 password=-'";
+std::string example_entries(const Argument &argument) {
+  if (argument.fields.empty()) return to_hex(Bytes(argument.size, 1));
+  const Field &first =
+      *std::find_if(argument.fields.begin(), argument.fields.end(),
+                    [](const Field &field) { return field.role != catalog::Role::kReserved; });
+  return fmt::format("{}={}", first.name, form_of(first.kind).example(first));
 }
 
 void read_entry_list(Call &call, size_t place, std::string_view text) {

@@ -689,6 +689,9 @@ Bytes parse_records(const Field &field, std::string_view text) {
     records.insert(records.end(), bytes.begin(), bytes.end());
     rest.remove_prefix(std::min(end + (is_record ? 2 : 1), rest.size()));
   }
+  if (field.width == Field::kToTheEnd) return records;
+  if (records.size() > field.width) throw BadValue("{} given", counted(records.size(), "byte"));
+  records.resize(field.width);
   return records;
 }
 

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
 #include "base/text.h"
-#include "box/wire/records.h"
-#include "box/wire/status.h"
-#include "catalog/catalog.h"
+#include "catalog/layout.h"
 #include "cli/call/result_text.h"
 #include "cli/text/error.h"
 
@@ -17,24 +16,23 @@ namespace olt::cli {
 using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
+using catalog::Layout;
 using catalog::Operation;
 using catalog::Role;
 
 namespace {
 
-constexpr auto kNoMoreRows = static_cast<int32_t>(box::Status::kNotFound);
-/// Where a record of a table without targets says which row is wanted.
-constexpr size_t kSelectorAt = offsetof(box::VlanRow, selector);
-
 bool is_target(const Argument &argument) {
   return argument.form == FieldKind::kOnt;
 }
 
-/// Says in the call's first argument which row it reads.
-void select(Call &call, box::RowSelector selector) {
-  size_t offset = is_target(call.operation().arguments()[0]) ? offsetof(box::OntTarget, target_kind)
-                                                             : kSelectorAt;
-  call.set_bytes(0, offset, {reinterpret_cast<const uint8_t *>(&selector), sizeof selector});
+/// What a layout says of walks, if it does.
+template <typename Value>
+Value said(const Layout &layout, const std::optional<Value> &value, const char *member,
+           const char *meaning) {
+  if (value) return *value;
+  wrong_usage("walk: the layout {} does not say {}; expected '{}' in it, or the layout box",
+              layout.name(), meaning, member);
 }
 
 /// Whether a column says something about the row, and nothing that its index says already.
@@ -46,11 +44,15 @@ bool is_column(const Argument &argument, const NamedValue &value, const NamedVal
 
 }  // namespace
 
-Walk::Walk(Access &box, const std::string &reader, const Detail &detail)
+Walk::Walk(Access &box, const Layout &layout, const std::string &reader, const Detail &detail)
     : box_(box),
+      layout_(layout),
       reader_(reader_named(reader)),
       detail_(detail),
-      step_(*catalog::find(reader_.stepper)) {
+      selection_(said(layout, layout.row_selection(), "row_selection", "how rows are selected")),
+      end_of_table_(
+          said(layout, layout.end_of_table(), "end_of_table", "which status ends a table")),
+      step_(*layout.find(reader_.stepper)) {
   box.open();
 }
 
@@ -61,21 +63,28 @@ std::optional<NamedValues> Walk::next() {
     add_columns(row, step_);
     return row;
   }
-  Call read(*catalog::find(reader_.name));
+  Call read(*layout_.find(reader_.name));
   read.set_bytes(0, 0, step_.bytes(0));
-  select(read, box::kThisRow);
+  select(read, selection_.this_row);
   check(read.operation(), read.make());
   add_columns(row, read);
   return row;
 }
 
+/// Says in the call's first argument which row it reads.
+void Walk::select(Call &call, uint32_t row) const {
+  bool is_of_target = is_target(call.operation().arguments()[0]);
+  size_t offset = is_of_target ? selection_.target_offset : selection_.record_offset;
+  call.set_bytes(0, offset, {reinterpret_cast<const uint8_t *>(&row), sizeof row});
+}
+
 /// @return whether there is a row after the last one.
 bool Walk::step() {
-  select(step_, box::kNextRow);
+  select(step_, selection_.next_row);
   ByteView named = step_.bytes(0);
   Bytes before(named.begin(), named.end());
   int32_t result = step_.make();
-  if (result == kNoMoreRows) return false;
+  if (result == end_of_table_) return false;
   check(step_.operation(), result);
   if (std::equal(before.begin(), before.end(), named.begin())) {
     fail("walk: {} returns the same row again; expected the next one", reader_.stepper);
@@ -85,26 +94,23 @@ bool Walk::step() {
 
 void Walk::check(const Operation &operation, int32_t result) const {
   if (result == 0) return;
-  fail("{} failed: {}{}", operation.name, describe_result(operation, result), box_.advice(result));
+  fail("{} failed: {}{}", operation.name, describe_result(operation, result, layout_),
+       box_.advice(result));
 }
 
+/// The part of an ONU is called what it is in this table.
 NamedValues Walk::index() const {
   if (!is_target(step_.operation().arguments()[0])) return {};
-  ByteView target = step_.bytes(0);
   NamedValues index;
-  auto add = [&](const char *name, uint32_t offset) {
-    ByteView word = target.subspan(offset, sizeof(uint32_t));
-    Field field = {.name = name,
-                   .offset = offset,
-                   .width = sizeof(uint32_t),
-                   .kind = FieldKind::kNumber,
-                   .role = Role::kRowName};
-    index.push_back({field, {word.begin(), word.end()}});
-  };
-  add("slot", offsetof(box::OntTarget, slot));
-  add("interface", offsetof(box::OntTarget, interface));
-  add("onu", offsetof(box::OntTarget, onu));
-  if (reader_.part != nullptr) add(reader_.part, offsetof(box::OntTarget, part));
+  for (Field field : layout_.target_fields()) {
+    if (field.role != Role::kRowName) continue;
+    if (std::string_view(field.name) == "part") {
+      if (reader_.part == nullptr) continue;
+      field.name = reader_.part;
+    }
+    ByteView bytes = step_.bytes(0).subspan(field.offset, field.width);
+    index.push_back({detail_.raw ? without_meaning(field) : field, {bytes.begin(), bytes.end()}});
+  }
   return index;
 }
 

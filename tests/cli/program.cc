@@ -6,7 +6,8 @@ namespace olt::test {
 
 std::vector<std::string> private_environment(const Folder &folder) {
   unsetenv("OLT_RUN_DIR");
-  return {"XDG_STATE_HOME=" + folder.path(), "TERM=dumb"};
+  unsetenv("OLT_LAYOUT");
+  return {"XDG_STATE_HOME=" + folder.path(), "XDG_CONFIG_HOME=" + folder.path(), "TERM=dumb"};
 }
 
 Finished Oltctl::operator()(const std::vector<std::string> &arguments,

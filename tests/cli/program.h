@@ -10,7 +10,8 @@
 
 namespace olt::test {
 
-/// What a child's environment has on top of this process's, from which OLT_RUN_DIR is removed.
+/// What a child's environment has on top of this process's, from which OLT_RUN_DIR and
+/// OLT_LAYOUT are removed.
 std::vector<std::string> private_environment(const Folder &folder);
 
 /// A state folder, and oltctl runs that share it.

@@ -179,7 +179,7 @@ constexpr Field kInner[] = {
 };
 
 TEST(FieldForms, RecordsFollowEachOther) {
-  Field parts = field(FieldKind::kRecords, 12);
+  Field parts = field(FieldKind::kRecords, Field::kToTheEnd);
   parts.record = kInner;
   parts.record_size = 6;
   EXPECT_EQ(text(parts,
@@ -198,6 +198,9 @@ TEST(FieldForms, RecordsFollowEachOther) {
   EXPECT_EQ(hex(parts, R"([{"colour":"green","data":"0a0b"}])"), "020000000a0b");
   EXPECT_EQ(error_of(parts, "{colour=green"), "'{colour=green' given");
   EXPECT_EQ(error_of(parts, "{size=3}"), "there is no field 'size'");
+  parts.width = 12;
+  EXPECT_EQ(hex(parts, "{colour=green data=0a0b}"), "020000000a0b000000000000");
+  EXPECT_EQ(error_of(parts, "{colour=5} {colour=5} {colour=5}"), "18 bytes given");
 }
 
 /// Bytes that the field can have: any, but after the zero of a text only zeros.

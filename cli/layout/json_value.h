@@ -1,0 +1,55 @@
+/// JSON whose mistakes are reported with their place.
+#ifndef OLT_CLI_LAYOUT_JSON_VALUE_H
+#define OLT_CLI_LAYOUT_JSON_VALUE_H
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace olt::cli {
+
+/// Parses a document. Throws BadInput for what is not JSON, names a member twice, or nests deeper
+/// than that.
+nlohmann::ordered_json parse_json(std::string_view text, size_t deepest);
+
+/// A value and where it is. All functions throw BadInput when it is not what they return.
+class JsonValue {
+ public:
+  JsonValue(const nlohmann::ordered_json &json, std::string place)
+      : json_(&json), place_(std::move(place)) {}
+
+  /// "PLACE: what; expected WHAT". Throws BadInput.
+  [[noreturn]] void refuse(const std::string &what, const std::string &expected) const;
+  /// The same with what is given.
+  [[noreturn]] void refuse(const std::string &expected) const;
+
+  uint32_t number(uint32_t least, uint32_t most) const;
+  bool flag() const;
+  std::string text() const;
+
+  /// Refuses an object with other members.
+  void take_only(std::initializer_list<const char *> names) const;
+  /// A member that may be missing, and one that may not.
+  std::optional<JsonValue> find(const char *name) const;
+  JsonValue at(const char *name) const;
+
+  void each_member(const std::function<void(const std::string &, const JsonValue &)> &take) const;
+  void each_element(const std::function<void(const JsonValue &)> &take) const;
+
+ private:
+  void require_object() const;
+  JsonValue member(const std::string &name, const nlohmann::ordered_json &json) const;
+
+  const nlohmann::ordered_json *json_;
+  std::string place_;  ///< a JSON pointer
+};
+
+}  // namespace olt::cli
+
+#endif
