@@ -142,8 +142,8 @@ Words candidates(std::span<const Command> commands, std::span<const std::string>
   return words;
 }
 
-std::string bash_completion(std::span<const Command> commands,
-                            std::span<const OptionName> options, const catalog::Layout &layout) {
+std::string bash_completion(std::span<const Command> commands, std::span<const OptionName> options,
+                            const catalog::Layout &layout) {
   std::string head = replaced(kBashHead, "@options@", long_names(options));
   head = replaced(head, "@directories@", pattern_of(options, "DIR"));
   head = replaced(head, "@files@", pattern_of(options, "FILE"));
