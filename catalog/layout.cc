@@ -85,6 +85,20 @@ void set_meanings(Operation &operation, const Message &message) {
   }
 }
 
+void set_fields(Operation &operation, std::string_view name, std::span<const Field> fields) {
+  for (Argument &argument : std::span(operation.argument_room).first(operation.argument_count)) {
+    if (!is_called(operation, argument, name) || !extent_of(argument)) continue;
+    forget_examples(operation);
+    argument.is_word() ? set_meaning(argument, fields.front()) : give(argument, fields);
+  }
+  for (Message *message : {&operation.request, &operation.reply}) {
+    if (message->record_type != name) continue;
+    message->record = fields;
+    forget_examples(operation);
+    set_meanings(operation, *message);
+  }
+}
+
 }  // namespace
 
 const Layout &Layout::box() {
@@ -180,24 +194,9 @@ std::optional<Extent> Layout::extent_of(std::string_view name) const {
 void Layout::set_fields(std::string_view name, std::vector<Field> fields) {
   std::span<const Field> kept = keep(std::move(fields));
   for (std::vector<Operation> &operations : operations_) {
-    for (Operation &operation : operations) set_fields(operation, name, kept);
+    for (Operation &operation : operations) catalog::set_fields(operation, name, kept);
   }
   if (name == name_of_type<olt_ont_target>()) target_fields_ = kept;
-}
-
-void Layout::set_fields(Operation &operation, std::string_view name,
-                        std::span<const Field> fields) {
-  for (Argument &argument : std::span(operation.argument_room).first(operation.argument_count)) {
-    if (!is_called(operation, argument, name) || !catalog::extent_of(argument)) continue;
-    forget_examples(operation);
-    argument.is_word() ? set_meaning(argument, fields.front()) : give(argument, fields);
-  }
-  for (Message *message : {&operation.request, &operation.reply}) {
-    if (message->record_type != name) continue;
-    message->record = fields;
-    forget_examples(operation);
-    set_meanings(operation, *message);
-  }
 }
 
 void Layout::set_statuses(std::map<uint16_t, std::string> statuses) {

@@ -83,7 +83,6 @@ class Layout {
  private:
   Layout();
   void forget_meanings();
-  void set_fields(Operation &operation, std::string_view name, std::span<const Field> fields);
 
   std::string name_;
   std::deque<std::string> texts_;

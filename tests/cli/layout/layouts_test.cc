@@ -274,6 +274,14 @@ TEST_F(Layouts, GiveTheCatalogItsFields) {
   EXPECT_TRUE(holds(list.output, R"({"status":5,"text":"busy"})"));
 }
 
+TEST_F(Layouts, LeaveTheCatalogsFormAsItIs) {
+  for (const char *layout : {"none", "acme"}) {
+    std::string file =
+        oltctl_.folder().write("list.json", oltctl_({"--layout", layout, "--json", "list"}).output);
+    EXPECT_EQ(run({JSONSCHEMA, "-i", file, CATALOG_SCHEMA}).status, 0) << layout;
+  }
+}
+
 TEST_F(Layouts, GiveCompletionItsFields) {
   std::string all = oltctl_({"--layout", "acme", "completion", "bash"}).output;
   EXPECT_TRUE(holds(all, "network= mode= reserved_01= address= ")) << all;

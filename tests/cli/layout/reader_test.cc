@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/bad_input.h"
+#include "cli/history_line.h"
 #include "cli/layout/writer.h"
 
 namespace olt::test {
@@ -383,6 +386,16 @@ TEST(LayoutMeanings, OneArgumentsRecordHoldsAgainstThatOfItsType) {
                R"("olt_onu_info":[{"name":"onu","offset":0,"width":4,"kind":"number"}]})"));
   EXPECT_STREQ(layout.find("process_snmp_onubasicinfo")->arguments()[1].fields[0].name, "onu");
   EXPECT_STREQ(layout.find("process_snmp_linkbasicinfo")->arguments()[1].fields[0].name, "link");
+}
+
+TEST(LayoutMeanings, SecretsStayOutOfTheHistory) {
+  Layout layout =
+      parse_layout(record("olt_system_network",
+                          R"({"name":"key","offset":0,"width":4,"kind":"padded","secret":true})"));
+  const std::vector<std::string> words = {"set_system_ipaddress", "key=abcd"};
+  EXPECT_EQ(olt::cli::history_line(words, layout), "set_system_ipaddress key=-");
+  EXPECT_EQ(olt::cli::history_line(std::vector<std::string>{"help", "key=abcd"}, layout),
+            std::nullopt);
 }
 
 TEST(LayoutMeanings, TheBaseHoldsWhereNothingIsSaid) {
