@@ -279,7 +279,7 @@ constexpr Command kCommands[] = {
     {"config", "config export [FILE]\nconfig import FILE\nconfig diff [FILE] FILE",
      "Writes, reads and compares the box's configuration as JSON", run_config, words_of_config,
      details_of_config},
-    {"layout", "layout list\nlayout check FILE\nlayout show [NAME|FILE]",
+    {"layout", "layout list\nlayout check FILE\nlayout show [LAYOUT]",
      "Lists, checks and shows layouts: what bytes mean", run_layout, words_of_layout,
      details_of_layout},
     {"counters", "counters", "Shows what has happened in the box", run_counters},

@@ -1,5 +1,5 @@
-/// What a program under emulation reports to the plugin that counts its instructions: by prctl with the
-/// option kTell, which the kernel does not know, and a second argument that says what.
+/// What a program under emulation reports to the plugin that counts its instructions: by prctl with
+/// the option kTell, which the kernel does not know, and a second argument that says what.
 #ifndef OLT_BENCH_INSTRUCTIONS_PARTS_H
 #define OLT_BENCH_INSTRUCTIONS_PARTS_H
 

@@ -38,9 +38,10 @@ void plant(TestBox &box) {
   expect(kSetVoiceAccount,
          target_with(target(1, 2, 1), record(kVoiceAccountSize, {{16, text("VOICEsecret")}})));
   expect(kSetSipConfig, target_with(target(1, 2), filled(kSipConfigSize, "SIPsecret")));
-  expect(kWanConnection,
-         target_with(target(1, 2), record(kWanConnectionSize,
-                                          {{0, word(1)}, {4, word(1)}, {16, text("PPPOEsecret")}})));
+  expect(
+      kWanConnection,
+      target_with(target(1, 2), record(kWanConnectionSize,
+                                       {{0, word(1)}, {4, word(1)}, {16, text("PPPOEsecret")}})));
 }
 
 /// The secrets that the text shows, as characters or in hex.

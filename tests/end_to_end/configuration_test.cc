@@ -21,8 +21,7 @@ TEST(Configuration, MovesFromOneBoxToAnother) {
     box.start();
     ASSERT_EQ(box.oltctl({"add_user_level", "operator", "sesame", "1", "2"}).status, 0);
     ASSERT_EQ(box.oltctl({"add_vlan_list", "vlans=10,20-25"}).status, 0);
-    ASSERT_EQ(
-        box.oltctl({"set_voip_useraccount", "ont=1/2/3:1", "account=0:6162"}).status, 0);
+    ASSERT_EQ(box.oltctl({"set_voip_useraccount", "ont=1/2/3:1", "account=0:6162"}).status, 0);
     Finished exported = box.oltctl({"config", "export", file, "--show-secrets"});
     ASSERT_EQ(exported.status, 0) << exported.errors;
     text = read_file(file);
