@@ -3,6 +3,7 @@
 #ifndef OLT_CATALOG_FIELDS_H
 #define OLT_CATALOG_FIELDS_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -85,8 +86,18 @@ constexpr Field records(const char *name, uint32_t offset, std::span<const Field
           .offset = offset,
           .width = Field::kToTheEnd,
           .kind = FieldKind::kRecords,
-          .record = fields,
-          .record_size = sizeof(Record)};
+          .record_size = sizeof(Record),
+          .record = fields};
+}
+
+/// The fields of a record, and more of them after it.
+template <size_t count, typename... More>
+constexpr std::array<Field, count + sizeof...(More)> extended(const Field (&fields)[count],
+                                                              More... more) {
+  std::array<Field, count + sizeof...(More)> all{};
+  Field *end = std::copy(fields, fields + count, all.data());
+  ((*end++ = more), ...);
+  return all;
 }
 
 /// Whether the fields follow each other without gaps and fill the record.

@@ -57,12 +57,12 @@ struct Field {
   FieldKind kind;
   Role role = Role::kPlain;
   bool secret = false;
+  uint8_t decimals = 0;                 ///< digits of a number after the point
   uint32_t most = UINT32_MAX;           ///< the largest number that is taken
+  uint32_t record_size = 0;             ///< bytes of each of kRecords
   std::span<const ValueName> values{};  ///< of numbers and flags that have names
   const char *unit = nullptr;           ///< of a number: "kbit/s"
-  uint8_t decimals = 0;                 ///< digits of a number after the point
   std::span<const Field> record{};      ///< the fields of each of kRecords
-  uint32_t record_size = 0;             ///< their bytes
 
   /// Bytes that a text in the field may have.
   constexpr uint32_t longest_text() const { return kind == FieldKind::kText ? width - 1 : width; }
@@ -115,10 +115,10 @@ struct Argument {
             .width = is_input_text ? most + 1 : size,
             .kind = form,
             .secret = secret,
+            .decimals = decimals,
             .most = most,
             .values = values,
-            .unit = unit,
-            .decimals = decimals};
+            .unit = unit};
   }
 
   constexpr bool is_word() const {

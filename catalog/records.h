@@ -140,16 +140,9 @@ inline constexpr Field kDescribedVlanFields[] = {
 };
 static_assert(fill<box::DescribedVlan>(kDescribedVlanFields));
 
-inline constexpr Field kIgmpProxyDumpFields[] = {
-    named(kOffOn, OLT_FIELD(box::IgmpProxy, enabled)),
-    in_unit("s", OLT_FIELD(box::IgmpProxy, query_interval)),
-    in_unit("s", OLT_FIELD(box::IgmpProxy, response_time)),
-    OLT_FIELD(box::IgmpProxy, robustness),
-    in_unit("s", OLT_FIELD(box::IgmpProxy, last_member_query_interval)),
-    named(kOffOn, OLT_FIELD(box::IgmpProxy, fast_leave)),
-    {"ranges", sizeof(box::IgmpProxy), sizeof(uint32_t), FieldKind::kNumber},
-    records<box::VlanElement>("vlans", box::kIgmpProxyDumpHead, kVlanElementFields),
-};
+inline constexpr auto kIgmpProxyDumpFields = extended(
+    kIgmpProxyFields, Field{"ranges", sizeof(box::IgmpProxy), sizeof(uint32_t), FieldKind::kNumber},
+    records<box::VlanElement>("vlans", box::kIgmpProxyDumpHead, kVlanElementFields));
 
 inline constexpr Field kPortMacFields[] = {
     row_name(OLT_FIELD(box::PortMac, slot)),

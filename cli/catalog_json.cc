@@ -30,7 +30,7 @@ namespace {
 
 // In the order of the enumerations.
 constexpr const char *kOrigins[] = {"argument", "constant", "zeros", "any"};
-constexpr const char *kRoles[] = {"plain", "reserved", "selector", "row-name"};
+constexpr const char *kRoles[] = {"plain", "reserved", "selector", "row_name"};
 constexpr const char *kDirections[] = {"in", "out", "in-out"};
 
 template <typename Enumeration>

@@ -64,6 +64,7 @@ void Call::set_vlans(size_t place, std::vector<olt_vlan_node> vlans) {
 int32_t Call::make() {
   std::vector<void *> slots;
   for (size_t place = 0; place < values_.size(); ++place) add_slots(place, slots);
+  ExchangesOf exchanges(operation_);
   int32_t result = operation_.call(slots.data());
   measure_outputs(result);
   return result;

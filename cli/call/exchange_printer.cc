@@ -2,12 +2,21 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
 #include "base/text.h"
+#include "catalog/message_fields.h"
+#include "cli/text/field_forms.h"
 
 namespace olt::cli {
+
+using catalog::Field;
+using catalog::FieldKind;
+using catalog::Message;
+using catalog::Operation;
+using catalog::Role;
 
 namespace {
 
@@ -36,6 +45,43 @@ std::string dump(const void *data, size_t length, std::vector<Hidden> hidden) {
   return text;
 }
 
+bool has_secret(const Field &field) {
+  return field.secret || std::any_of(field.record.begin(), field.record.end(), has_secret);
+}
+
+/// "  slot=1 port=2": what the dump does not say. Empty when there is nothing.
+std::string fields_text(const Operation &operation, const Message &message, ByteView bytes) {
+  std::string text;
+  for (const catalog::MessageField &placed : fields_of(operation, message)) {
+    Field field = placed.field;
+    if (field.kind == FieldKind::kBytes || field.role == Role::kReserved) continue;
+    if (field.offset + field.width > bytes.size()) continue;
+    if (field.width == Field::kToTheEnd) {
+      field.width = static_cast<uint32_t>(bytes.size() - field.offset);
+    }
+    ByteView value = bytes.subspan(field.offset, field.width);
+    text += fmt::format(" {}={}", field.name,
+                        has_secret(field) ? "**" : form_of(field.kind).text(field, value));
+  }
+  return text.empty() ? "" : fmt::format(" {}\n", text);
+}
+
+ByteView bytes_at(const void *data, size_t length) {
+  return {static_cast<const uint8_t *>(data), length};
+}
+
+std::string request_fields(const Operation *operation, const olt_exchange &exchange) {
+  if (operation == nullptr) return "";
+  return fields_text(*operation, operation->request,
+                     bytes_at(exchange.request, exchange.request_length));
+}
+
+std::string reply_fields(const Operation *operation, const olt_exchange &exchange) {
+  bool is_answered = exchange.result == OLT_TRANSPORT_OK && exchange.status == 0;
+  if (operation == nullptr || !is_answered) return "";
+  return fields_text(*operation, operation->reply, bytes_at(exchange.reply, exchange.reply_length));
+}
+
 std::string answer_text(const olt_exchange &exchange) {
   if (exchange.result != OLT_TRANSPORT_OK) return olt_transport_text(exchange.result);
   if (exchange.no_reply != 0) return fmt::format("status {}", exchange.status);
@@ -44,13 +90,15 @@ std::string answer_text(const olt_exchange &exchange) {
 
 }  // namespace
 
-std::string trace_text(const olt_exchange &exchange, std::span<const catalog::WireSecret> secrets) {
+std::string trace_text(const olt_exchange &exchange, std::span<const catalog::WireSecret> secrets,
+                       const Operation *operation) {
   std::vector<Hidden> hidden = hidden_in(exchange.message_type, secrets);
-  return fmt::format("> type {} to module {}, {} bytes\n{}< {} after {:.3f} ms\n{}",
-                     exchange.message_type, exchange.module, exchange.request_length,
-                     dump(exchange.request, exchange.request_length, hidden), answer_text(exchange),
-                     static_cast<double>(exchange.elapsed_ns) / 1e6,
-                     dump(exchange.reply, exchange.reply_length, hidden));
+  return fmt::format(
+      "> type {} to module {}, {} bytes\n{}{}< {} after {:.3f} ms\n{}{}", exchange.message_type,
+      exchange.module, exchange.request_length,
+      dump(exchange.request, exchange.request_length, hidden), request_fields(operation, exchange),
+      answer_text(exchange), static_cast<double>(exchange.elapsed_ns) / 1e6,
+      dump(exchange.reply, exchange.reply_length, hidden), reply_fields(operation, exchange));
 }
 
 }  // namespace olt::cli

@@ -6,13 +6,16 @@
 #include <string>
 
 #include "catalog/catalog.h"
+#include "catalog/operation.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {
 
-/// The lines for one exchange, with its secrets masked.
+/// The lines for one exchange, with its secrets masked. Fields are named when the operation is
+/// known.
 std::string trace_text(const olt_exchange &exchange,
-                       std::span<const catalog::WireSecret> secrets = catalog::wire_secrets());
+                       std::span<const catalog::WireSecret> secrets = catalog::wire_secrets(),
+                       const catalog::Operation *operation = nullptr);
 
 }  // namespace olt::cli
 

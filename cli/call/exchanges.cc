@@ -11,6 +11,7 @@ namespace olt::cli {
 namespace {
 
 thread_local uint32_t reply_length = 0;
+thread_local const catalog::Operation *current = nullptr;
 
 void remember(void * /*context*/, const olt_exchange *exchange) {
   reply_length = exchange->reply_length;
@@ -19,7 +20,7 @@ void remember(void * /*context*/, const olt_exchange *exchange) {
 void remember_and_show(void *context, const olt_exchange *exchange) {
   remember(context, exchange);
   const auto &secrets = *static_cast<const std::vector<catalog::WireSecret> *>(context);
-  std::string text = trace_text(*exchange, secrets);
+  std::string text = trace_text(*exchange, secrets, current);
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
 }
 
@@ -29,6 +30,14 @@ void watch_exchanges(bool trace, std::vector<catalog::WireSecret> secrets) {
   static std::vector<catalog::WireSecret> kept;
   kept = std::move(secrets);
   olt_watch_exchanges(trace ? remember_and_show : remember, &kept);
+}
+
+ExchangesOf::ExchangesOf(const catalog::Operation &operation) {
+  current = &operation;
+}
+
+ExchangesOf::~ExchangesOf() {
+  current = nullptr;
 }
 
 uint32_t last_reply_length() {

@@ -159,7 +159,7 @@ TEST(CatalogJson, KnowsAWordInARecordOfZeros) {
                                    "20 60 zeros null null null false false null"}));
   Lines all = fields(request);
   ASSERT_EQ(all.size(), 19U);
-  EXPECT_EQ(all[0], "0 4 slot number row-name null false null slot");
+  EXPECT_EQ(all[0], "0 4 slot number row_name null false null slot");
   EXPECT_EQ(all[4], "16 4 port_enable number plain null false null port_enable");
   EXPECT_EQ(all[5], "20 4 link_speed number plain Mbit/s false null null");
   EXPECT_EQ(all[18], "76 4 max_link number plain null false null null");
@@ -179,7 +179,7 @@ TEST(CatalogJson, KnowsConstantsAndTexts) {
   EXPECT_EQ(fields(operation("add_user_level")["request"]),
             (Lines{"0 4 user_op number selector null false null null",
                    "4 4 user_index number plain null false null null",
-                   "8 32 user_name text row-name null false null name",
+                   "8 32 user_name text row_name null false null name",
                    "40 32 user_password text plain null true null password",
                    "72 4 level_a number plain null false null level_a",
                    "76 4 level_b number plain null false null level_b"}));
@@ -207,8 +207,8 @@ TEST(CatalogJson, KnowsWhatARecordKeepsOfItsReply) {
 TEST(CatalogJson, KnowsListsAfterAHead) {
   const json &request = operation("add_authallowed_mac")["request"];
   EXPECT_EQ(parts(request).back(), "80 null argument entries 0 null false false null");
-  EXPECT_EQ(fields(request), (Lines{"0 4 slot number row-name null false null iface_a",
-                                    "4 4 interface number row-name null false null iface_b",
+  EXPECT_EQ(fields(request), (Lines{"0 4 slot number row_name null false null iface_a",
+                                    "4 4 interface number row_name null false null iface_b",
                                     "8 28 reserved_08 bytes reserved null false null null",
                                     "36 4 auth_mode number plain null false null null",
                                     "40 40 reserved_28 bytes reserved null false null null",
@@ -223,13 +223,13 @@ TEST(CatalogJson, KnowsATargetWithATail) {
             (Lines{"0 88 argument ont 0 null false false null",
                    "88 32 argument interface_name 0 null true true any"}));
   EXPECT_EQ(fields(operation("set_ont_iptv_profile")["request"]),
-            (Lines{"0 12 target ont row-name null false null ont",
+            (Lines{"0 12 target ont row_name null false null ont",
                    "12 4 target_kind number selector null false null ont",
-                   "16 4 part number row-name null false null ont",
+                   "16 4 part number row_name null false null ont",
                    "20 8 reserved_14 bytes reserved null false null ont",
-                   "28 6 mac mac row-name null false null ont",
+                   "28 6 mac mac row_name null false null ont",
                    "34 2 reserved_22 bytes reserved null false null ont",
-                   "36 4 mac_word number row-name null false null ont",
+                   "36 4 mac_word number row_name null false null ont",
                    "40 48 reserved_28 bytes reserved null false null ont",
                    "88 32 profile padded plain null false null profile"}));
   const json &strip = operation("process_onu_portstrip");

@@ -166,6 +166,8 @@ TEST(OltctlRun, TracesOnStandardErrorWithoutSecrets) {
                     "  0020  00 00 00 00 00 00 00 00 ** ** ** ** ** ** ** **  ........********\n"
                     "  0030  ** ** ** ** ** ** ** ** ** ** ** ** ** ** ** **  ****************\n"
                     "  0040  ** ** ** ** ** ** ** ** 01 00 00 00 02 00 00 00  ********........\n"
+                    "  user_op=add user_index=0 user_name=operator user_password=** level_a=1 "
+                    "level_b=2\n"
                     "< status 0 after "))
       << traced.errors;
   Finished next = oltctl({"--trace", "--show-secrets", "get_system_next_user", "user_name=admin"});

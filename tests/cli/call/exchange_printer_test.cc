@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string>
 
+#include "catalog/catalog.h"
+
 namespace olt::test {
 
 namespace {
@@ -29,6 +31,33 @@ TEST(Trace, ShowsBothWaysByteByByte) {
             "  0000  61 62                                            ab\n"
             "< status 0, 2 bytes after 1.235 ms\n"
             "  0000  02 01                                            ..\n");
+}
+
+TEST(Trace, NamesTheFieldsOfAnOperation) {
+  const auto *sets = olt::catalog::find("set_port_enable");
+  std::string request = std::string("\x01\0\0\0\x02\0\0\0", 8) + std::string(72, '\0');
+  std::string text = trace_text(exchange(14, request, ""), {}, sets);
+  EXPECT_NE(text.find("\n  slot=1 port=2 sfp_module=0 port_enable=off link_speed=0 Mbit/s "),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find(" max_link=0\n< status 0, 0 bytes after"), std::string::npos) << text;
+
+  const auto *reads = olt::catalog::find("get_card_updatestatus");
+  text = trace_text(exchange(61, "", std::string("\x2a\0\0\0", 4)), {}, reads);
+  EXPECT_TRUE(text.ends_with("\n  value=42 %\n")) << text;
+}
+
+TEST(Trace, NamesNoFieldWithASecret) {
+  std::string user(80, '\0');
+  user.replace(8, 3, "bob").replace(40, 3, "SSS");
+  const auto *adds = olt::catalog::find("add_user_level");
+  std::string text = trace_text(exchange(10, user, ""), {}, adds);
+  EXPECT_NE(text.find(" user_name=bob user_password=** level_a=0"), std::string::npos) << text;
+
+  std::string entries = std::string(80, '\0') + std::string(44, 'S');
+  const auto *allows = olt::catalog::find("add_authallowed_loid");
+  text = trace_text(exchange(110, entries, ""), olt::catalog::wire_secrets(), allows);
+  EXPECT_NE(text.find(" entries=**\n"), std::string::npos) << text;
 }
 
 TEST(Trace, ShowsHowAnExchangeFailed) {

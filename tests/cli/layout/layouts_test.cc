@@ -254,6 +254,7 @@ TEST_F(AcmesModule, HasSecretsThatTracesMask) {
   EXPECT_TRUE(holds(set.errors, "  0000  01 00 00 00 00 00 00 00 00 00 00 00 ** ** ** **"))
       << set.errors;
   EXPECT_FALSE(holds(set.errors, "61 62 63 64"));
+  EXPECT_TRUE(holds(set.errors, "\n  mode=fixed ")) << set.errors;
 }
 
 TEST_F(Layouts, GiveTheHelpItsFields) {
