@@ -14,7 +14,7 @@ namespace {
 using namespace olt::bench;
 
 constexpr Turns kTurns{.warm_up = 1000, .rounds = 40, .calls = 500};
-constexpr double kMostAboveBare = 1.15;
+constexpr double kMaxAboveBare = 1.15;
 
 std::vector<Times> measure_all(const Contenders &contenders) {
   std::vector<std::function<void()>> sides;
@@ -43,7 +43,7 @@ void measure(Report &report) {
     report.add({.name = contenders[i]->name(),
                 .against = bare_name,
                 .unit = "us",
-                .goal = {.of = Goal::Of::kRatioAtMost, .limit = kMostAboveBare}},
+                .goal = {.of = Goal::Of::kRatioAtMost, .limit = kMaxAboveBare}},
                times[i], bare);
   }
   for (std::size_t i = 3; i < contenders.size(); ++i) {

@@ -39,8 +39,9 @@ std::optional<Topology> remembered_topology(const Options &options, const StateD
     auto data = read_state_file(state, name);
     if (!data) continue;
     topology.emplace();
-    Archive archive(*data);
-    archive.object("topology", [&] { topology->describe(archive); });
+    look_into_state(state, name, *data, [&](Archive &archive) {
+      archive.object("topology", [&] { topology->describe(archive); });
+    });
   }
   return topology;
 }

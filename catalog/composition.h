@@ -205,7 +205,7 @@ class Builder {
 };
 
 /// Which arguments are in a message.
-using Wanted = std::array<bool, Operation::kMostArguments>;
+using Wanted = std::array<bool, Operation::kMaxArguments>;
 
 constexpr void append(Message &message, std::span<const Argument> arguments, size_t argument) {
   message.append({.origin = Origin::kArgument,

@@ -58,7 +58,7 @@ struct Field {
   Role role = Role::kPlain;
   bool secret = false;
   uint8_t decimals = 0;                 ///< digits of a number after the point
-  uint32_t most = UINT32_MAX;           ///< the largest number that is taken
+  uint32_t max = UINT32_MAX;            ///< the largest number that is taken
   uint32_t record_size = 0;             ///< bytes of each of kRecords
   std::span<const ValueName> values{};  ///< of numbers and flags that have names
   const char *unit = nullptr;           ///< of a number: "kbit/s"
@@ -91,7 +91,7 @@ struct Argument {
   uint32_t size;   ///< bytes of a value, item or block's head; 0 for a text that is taken
   FieldKind form;  ///< of a value as a whole
   std::span<const Field> fields;  ///< of a record, item or block; empty when it is opaque
-  uint32_t most;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
+  uint32_t max;  ///< value of a word; bytes of a text, of a VLAN's description or of a buffer
   bool secret;
   bool optional;                          ///< zero when left out
   std::span<const ValueName> values{};    ///< of a number that has names
@@ -112,11 +112,11 @@ struct Argument {
     bool is_input_text = form == FieldKind::kText && size == 0;
     return {.name = name,
             .offset = 0,
-            .width = is_input_text ? most + 1 : size,
+            .width = is_input_text ? max + 1 : size,
             .kind = form,
             .secret = secret,
             .decimals = decimals,
-            .most = most,
+            .max = max,
             .values = values,
             .unit = unit};
   }
@@ -139,7 +139,7 @@ struct Argument {
 
   /// Bytes that the description of a VLAN may have; 0 where none is taken.
   constexpr uint32_t described_bytes() const {
-    return kind == Kind::kVlans && most != UINT32_MAX ? most : 0;
+    return kind == Kind::kVlans && max != UINT32_MAX ? max : 0;
   }
 };
 
@@ -176,7 +176,7 @@ struct Outcome {
 };
 
 struct Operation {
-  static constexpr size_t kMostArguments = 6;
+  static constexpr size_t kMaxArguments = 6;
 
   const char *name;
   Address address;
@@ -184,7 +184,7 @@ struct Operation {
   /// Calls the function. A slot per parameter: the address of a value, else the pointer itself.
   int32_t (*call)(void *const *slots);
   size_t argument_count = 0;
-  std::array<Argument, kMostArguments> argument_room{};
+  std::array<Argument, kMaxArguments> argument_room{};
   Outcome outcome{};
   Message request{};
   Message reply{};

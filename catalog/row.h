@@ -24,7 +24,7 @@ struct Mark {
   constexpr Mark(const char *argument) : name(argument) {}
 
   const char *name;
-  uint32_t most = UINT32_MAX;
+  uint32_t max = UINT32_MAX;
   bool is_secret = false;
   bool is_optional = false;
   std::optional<Direction> direction{};
@@ -40,8 +40,8 @@ struct Mark {
 
 /// A text of at most that many bytes, a word up to that value: what the library or the record
 /// takes.
-constexpr Mark up_to(uint32_t most, Mark mark) {
-  mark.most = most;
+constexpr Mark up_to(uint32_t max, Mark mark) {
+  mark.max = max;
   return mark;
 }
 
@@ -221,7 +221,7 @@ constexpr Argument argument(const Parameter &parameter, const Mark &mark) {
           .size = mark.size != 0 ? mark.size : parameter.size,
           .form = mark.form.value_or(parameter.form),
           .fields = mark.fields.empty() ? parameter.fields : mark.fields,
-          .most = mark.most,
+          .max = mark.max,
           .secret = mark.is_secret,
           .optional = mark.is_optional,
           .values = mark.values,

@@ -43,8 +43,8 @@ ordered_json or_null(const char *text) {
 }
 
 /// Where no limit is set, null.
-ordered_json limit(uint32_t most) {
-  return most == UINT32_MAX ? ordered_json() : ordered_json(most);
+ordered_json limit(uint32_t max) {
+  return max == UINT32_MAX ? ordered_json() : ordered_json(max);
 }
 
 /// Null up to the end of the message.
@@ -75,7 +75,7 @@ ordered_json field_json(const Field &field) {
           {"role", name_of(kRoles, field.role)},
           {"unit", or_null(field.unit)},
           {"decimals", field.decimals},
-          {"most", limit(field.most)},
+          {"max", limit(field.max)},
           {"values", list_of(field.values, value_json)},
           {"secret", field.secret},
           {"record", record}};
@@ -103,7 +103,7 @@ ordered_json argument_json(const Argument &argument) {
           {"record",
            argument.record_name.empty() ? ordered_json() : ordered_json(argument.record_name)},
           {"unit", or_null(argument.unit)},
-          {"most", limit(argument.most)},
+          {"max", limit(argument.max)},
           {"values", list_of(argument.values, value_json)},
           {"secret", argument.secret},
           {"optional", argument.is_input() && argument.may_be_left_out()}};

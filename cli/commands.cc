@@ -33,7 +33,7 @@ namespace {
 using Arguments = std::span<const std::string>;
 using Words = std::vector<std::string>;
 
-constexpr size_t kMostSuggestions = 3;
+constexpr size_t kMaxSuggestions = 3;
 
 /// The words that describe a fault, as the box takes them.
 struct FaultWord {
@@ -144,10 +144,10 @@ void print_layouts(Session &session) {
 void run_layout(Session &session, Arguments words) {
   std::string verb = words.size() > 1 ? words[1] : "";
   Arguments rest = words.subspan(std::min<size_t>(2, words.size()));
-  size_t most = verb == "list" ? 0 : 1;
-  if (rest.size() > most) {
+  size_t max = verb == "list" ? 0 : 1;
+  if (rest.size() > max) {
     wrong_usage("layout {}: '{}' is one argument too many; expected {}", printable(verb),
-                printable(rest[most]), most == 0 ? "none" : "at most one");
+                printable(rest[max]), max == 0 ? "none" : "at most one");
   }
   if (verb == "list") {
     print_layouts(session);
@@ -189,10 +189,10 @@ std::optional<uint32_t> fault_id(const std::string &word) {
 void run_fault(Session &session, Arguments words) {
   std::string verb = words.size() > 1 ? words[1] : "";
   Arguments rest = words.subspan(std::min<size_t>(2, words.size()));
-  size_t most = verb == "clear" ? 1 : 0;
-  if ((verb == "list" || verb == "clear") && rest.size() > most) {
-    wrong_usage("fault {}: '{}' is one argument too many; expected {}", verb, printable(rest[most]),
-                most == 0 ? "none" : "at most one");
+  size_t max = verb == "clear" ? 1 : 0;
+  if ((verb == "list" || verb == "clear") && rest.size() > max) {
+    wrong_usage("fault {}: '{}' is one argument too many; expected {}", verb, printable(rest[max]),
+                max == 0 ? "none" : "at most one");
   }
   if (verb == "add") {
     session.run_control(fault_add_request(rest));
@@ -234,8 +234,8 @@ void run_counters(Session &session, Arguments words) {
 void run_config(Session &session, Arguments words) {
   std::string verb = words.size() > 1 ? words[1] : "";
   Arguments files = words.subspan(std::min<size_t>(2, words.size()));
-  auto require = [&](size_t least, size_t most, const char *expected) {
-    if (files.size() >= least && files.size() <= most) return;
+  auto require = [&](size_t min, size_t max, const char *expected) {
+    if (files.size() >= min && files.size() <= max) return;
     wrong_usage("config {}: {} given; expected {}", verb, counted(files.size(), "file"), expected);
   };
   if (verb == "export") {
@@ -315,7 +315,7 @@ Words near_names(const std::string &name) {
   std::sort(near.begin(), near.end());
   Words names;
   for (auto &[changes, candidate] : near) {
-    if (names.size() < kMostSuggestions) names.push_back(std::move(candidate));
+    if (names.size() < kMaxSuggestions) names.push_back(std::move(candidate));
   }
   return names;
 }

@@ -42,7 +42,7 @@ using olt::fuzz::Request;
 using olt::fuzz::require;
 using Words = std::vector<std::string>;
 
-constexpr size_t kMostWords = 12;
+constexpr size_t kMaxWords = 12;
 constexpr char kFile[] = "\n# a comment\n10\n20-25\n";
 
 /// A folder with one file, named f; nobody answers when a password is asked for.
@@ -66,7 +66,7 @@ void keep_to_folder(std::string &word) {
 
 Words words_in(std::string_view text) {
   Words words;
-  while (!text.empty() && words.size() < kMostWords) {
+  while (!text.empty() && words.size() < kMaxWords) {
     std::string word(text.substr(0, text.find('\n')));
     text.remove_prefix(std::min(word.size() + 1, text.size()));
     // A word of a command line ends with its zero.

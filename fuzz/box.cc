@@ -15,15 +15,15 @@ using olt::fuzz::MessageRow;
 using olt::fuzz::SmallBox;
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kMostOperations = 64;
+constexpr size_t kMaxOperations = 64;
 constexpr size_t kLongestRequest = 4096;
 constexpr std::chrono::seconds kStep{7};
 
 /// How a request is composed, in the bits of a byte.
 enum Composition : uint8_t {
-  kLeastLength = 0,
+  kMinLength = 0,
   kMoreThanLeast = 1,
-  kMostLength = 2,
+  kMaxLength = 2,
   kAnyLength = 3,
   kPatches = 4,        ///< words at offsets, instead of bytes from the start
   kFromLastReply = 8,  ///< over the last reply instead of over zeros
@@ -35,7 +35,7 @@ class Sequence {
 
   void run() {
     bool persists = (input_.u8() & 1) != 0;
-    for (size_t i = 0; i < kMostOperations && !input_.empty(); ++i) step();
+    for (size_t i = 0; i < kMaxOperations && !input_.empty(); ++i) step();
     box_.require_counters();
     if (persists) box_.require_persistence();
     SmallBox::require_listings();
@@ -71,11 +71,11 @@ class Sequence {
 
   size_t length(const MessageRow &row, uint8_t how) {
     switch (how & kAnyLength) {
-      case kLeastLength:
+      case kMinLength:
         return row.request.min;
       case kMoreThanLeast:
         return row.request.min + input_.u8();
-      case kMostLength:
+      case kMaxLength:
         return std::min(row.request.max, kLongestRequest);
       default:
         return std::min<size_t>(input_.u16(), kLongestRequest);

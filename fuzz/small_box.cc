@@ -20,7 +20,7 @@ namespace {
 
 constexpr uint32_t kSave = 8;
 constexpr uint32_t kCommand = 1;
-constexpr size_t kMostInReply = 65'535;
+constexpr size_t kMaxInReply = 65'535;
 constexpr auto kLastStatus = static_cast<uint16_t>(Status::kOffline);
 
 constexpr char kTopology[] =
@@ -144,7 +144,7 @@ void SmallBox::require_answer(uint32_t module, uint32_t type, size_t length, con
   rule(answer.status <= kLastStatus, "a status is one of the documented");
   rule(status != Status::kInternal, "the box never fails");
   rule(status != Status::kStorage, "the box can write where there is room");
-  rule(answer.reply.size() <= kMostInReply, "a reply fits into 16 bits of length");
+  rule(answer.reply.size() <= kMaxInReply, "a reply fits into 16 bits of length");
   rule(status == Status::kOk || answer.reply.empty(), "a refused request has no reply");
   rule(answer.action == Answer::Action::kSend && answer.delay_ms == 0,
        "without faults every request is answered at once");

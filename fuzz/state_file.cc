@@ -32,7 +32,7 @@ using olt::fuzz::SmallBox;
 using olt::test::kReboot;
 using olt::test::kRestoreDefaults;
 
-constexpr size_t kMostEdits = 16;
+constexpr size_t kMaxEdits = 16;
 
 /// The two files of a box in which many things are set: each request that may set something is
 /// made with a few bytes everywhere, and with small words.
@@ -112,7 +112,7 @@ void edit(Json &document, Input &input) {
 
 std::string edited(const std::string &sample, Input &input) {
   Json document = Json::parse(to_json_text(unseal(sample), olt::box::Secrets::kShown));
-  for (size_t i = 0; i < kMostEdits && !input.empty(); ++i) edit(document, input);
+  for (size_t i = 0; i < kMaxEdits && !input.empty(); ++i) edit(document, input);
   std::string text = document.dump(1, ' ', false, Json::error_handler_t::replace);
   try {
     return seal(from_json_text(text));

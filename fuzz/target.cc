@@ -67,8 +67,8 @@ uint32_t Input::u32() {
   return low | uint32_t{u16()} << 16;
 }
 
-std::span<const uint8_t> Input::bytes(size_t most) {
-  std::span<const uint8_t> taken = data_.first(std::min(most, data_.size()));
+std::span<const uint8_t> Input::bytes(size_t max) {
+  std::span<const uint8_t> taken = data_.first(std::min(max, data_.size()));
   data_ = data_.subspan(taken.size());
   return taken;
 }

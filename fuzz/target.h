@@ -30,7 +30,7 @@ class Input {
   uint16_t u16();
   uint32_t u32();
   /// At most so many bytes.
-  std::span<const uint8_t> bytes(size_t most);
+  std::span<const uint8_t> bytes(size_t max);
   std::span<const uint8_t> rest() { return bytes(data_.size()); }
   std::string_view text();
 

@@ -20,8 +20,8 @@ bool is_name(const std::string &text) {
   return plain && !text.empty() && text.size() <= 31;
 }
 
-bool is_within(uint64_t value, uint64_t least, uint64_t most) {
-  return value >= least && value <= most;
+bool is_within(uint64_t value, uint64_t min, uint64_t max) {
+  return value >= min && value <= max;
 }
 
 void require_limits(const Topology &topology) {

@@ -13,9 +13,9 @@ die() {
 
 [ $# -eq 3 ] || die "wrong arguments; expected BUILD_DIR TARGET_BUILD_DIR RESULTS_FILE"
 build=$1 target_build=$2 results=$3
-most_instructions=1.5 # of the straight lines
-most_text=0.4
-most_stack=600
+max_instructions=1.5 # of the straight lines
+max_text=0.4
+max_stack=600
 # A rendering that was once written by hand, in C, one operation after the other.
 hand_written_text=41216
 hand_written_file=54892
@@ -86,10 +86,10 @@ stripped() {
 }
 
 row() { # NAME VALUE UNIT AGAINST AGAINST_VALUE [MOST]
-  awk -v OFS='\t' -v name="$1" -v value="$2" -v unit="$3" -v against="$4" -v other="$5" -v most="${6:-}" 'BEGIN {
+  awk -v OFS='\t' -v name="$1" -v value="$2" -v unit="$3" -v against="$4" -v other="$5" -v max="${6:-}" 'BEGIN {
     ratio = value / other
     print "row", name, value, "-", unit, against, sprintf("%.3f", ratio), "-", "-",
-      (most == "" ? "-" : "ratio <= " most), (most == "" ? "-" : ratio <= most ? "yes" : "no")
+      (max == "" ? "-" : "ratio <= " max), (max == "" ? "-" : ratio <= max ? "yes" : "no")
   }'
 }
 
@@ -106,9 +106,9 @@ sums() { # PLACE COUNTS [MOST]
 
 stack_row() {
   local account met=yes
-  account=$(scripts/stack.sh "$target_build" "$most_stack") || met=no
+  account=$(scripts/stack.sh "$target_build" "$max_stack") || met=no
   echo "bench: $account" >&2
-  awk -v OFS='\t' -v met=$met -v most="$most_stack" '/^stack: at most/ {
+  awk -v OFS='\t' -v met=$met -v most="$max_stack" '/^stack: at most/ {
     print "row", "stack at most, target", $4, "-", "bytes", "-", "-", "-", "-", "p50 <= " most " bytes", met
   }' <<<"$account"
 }
@@ -122,10 +122,10 @@ count_both "$target_build" "$target_counts" qemu-mipsel -L /usr/mipsel-linux-gnu
 count_both "$build" "$host_counts" "qemu-$(uname -m)"
 
 {
-  sums target "$target_counts" "$most_instructions"
+  sums target "$target_counts" "$max_instructions"
   sums host "$host_counts"
-  row "text, target" "$(text "$library")" bytes "straight line" "$(text "$straight_line")" "$most_text"
-  row "text, target" "$(text "$library")" bytes "written by hand" "$hand_written_text" "$most_text"
+  row "text, target" "$(text "$library")" bytes "straight line" "$(text "$straight_line")" "$max_text"
+  row "text, target" "$(text "$library")" bytes "written by hand" "$hand_written_text" "$max_text"
   row "stripped file, target" "$(stripped "$library")" bytes "straight line" "$(stripped "$straight_line")"
   row "stripped file, target" "$(stripped "$library")" bytes "written by hand" "$hand_written_file"
   stack_row

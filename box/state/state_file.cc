@@ -27,6 +27,14 @@ std::optional<std::string> read_state_file(const StateDirectory &state, const st
   return naming(state, name, [&] { return std::string(unseal(*file)); });
 }
 
+void look_into_state(const StateDirectory &state, const std::string &name, std::string_view data,
+                     const std::function<void(Archive &)> &describe) {
+  naming(state, name, [&] {
+    Archive archive(data);
+    describe(archive);
+  });
+}
+
 std::vector<std::string> take_state(const StateDirectory &state, const std::string &name,
                                     std::string_view data, Misfits misfits,
                                     const std::function<void(Archive &)> &describe) {

@@ -22,6 +22,11 @@ std::optional<std::string> read_state_file(const StateDirectory &state, const st
 
 enum class Misfits { kRefuse, kLeaveOut };
 
+/// Lets the function read some members of the archive of the file. Throws StorageFailure with one
+/// line, which names the file.
+void look_into_state(const StateDirectory &state, const std::string &name, std::string_view data,
+                     const std::function<void(Archive &)> &describe);
+
 /// Lets the function read the archive of the file. @return why each element that did not fit was
 /// left out. Throws StorageFailure with one line, which names the file.
 std::vector<std::string> take_state(const StateDirectory &state, const std::string &name,

@@ -91,7 +91,7 @@ void Call::add_slots(size_t place, std::vector<void *> &slots) {
       slots.push_back(&value.vlans);
       break;
     case Kind::kBuffer:
-      value.bytes.resize(std::min(argument.most, word(values_[place + 1].bytes)));
+      value.bytes.resize(std::min(argument.max, word(values_[place + 1].bytes)));
       slots.push_back(value.bytes.data());
       break;
     case Kind::kBlock:

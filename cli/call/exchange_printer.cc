@@ -21,7 +21,7 @@ using catalog::Role;
 namespace {
 
 /// Enough for every fixed request and most replies.
-constexpr size_t kMostShown = 256;
+constexpr size_t kMaxShown = 256;
 
 /// Everything in requests and replies of the type that may be a secret.
 std::vector<Hidden> hidden_in(uint32_t message_type, std::span<const catalog::WireSecret> secrets) {
@@ -40,8 +40,8 @@ std::string dump(const void *data, size_t length, std::vector<Hidden> hidden) {
   std::string_view whole(static_cast<const char *>(data), length);
   size_t piece = whole.find(kPiece);
   if (piece != std::string_view::npos) hidden.push_back({piece + kPiece.size(), length, 0});
-  std::string text = hex_dump(as_bytes(whole.substr(0, kMostShown)), hidden);
-  if (length > kMostShown) text += fmt::format("  ... {} more bytes\n", length - kMostShown);
+  std::string text = hex_dump(as_bytes(whole.substr(0, kMaxShown)), hidden);
+  if (length > kMaxShown) text += fmt::format("  ... {} more bytes\n", length - kMaxShown);
   return text;
 }
 

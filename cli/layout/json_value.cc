@@ -16,7 +16,7 @@ using nlohmann::ordered_json;
 
 namespace {
 
-constexpr size_t kMostShown = 40;
+constexpr size_t kMaxShown = 40;
 
 std::string pointer_part(std::string_view key) {
   std::string text;
@@ -35,7 +35,7 @@ std::string shown_value(const ordered_json &json) {
   std::string text = json.is_string()
                          ? json.get<std::string>()
                          : json.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-  if (text.size() > kMostShown) text = text.substr(0, kMostShown) + "...";
+  if (text.size() > kMaxShown) text = text.substr(0, kMaxShown) + "...";
   return fmt::format("'{}'", printable(text));
 }
 
@@ -146,11 +146,10 @@ void JsonValue::refuse(const std::string &expected) const {
   refuse(shown_value(*json_) + " given", expected);
 }
 
-uint32_t JsonValue::number(uint32_t least, uint32_t most) const {
-  if (!json_->is_number_unsigned() || json_->get<uint64_t>() < least ||
-      json_->get<uint64_t>() > most) {
-    refuse(least == most ? fmt::to_string(least)
-                         : fmt::format("a number from {} to {}", least, most));
+uint32_t JsonValue::number(uint32_t min, uint32_t max) const {
+  if (!json_->is_number_unsigned() || json_->get<uint64_t>() < min ||
+      json_->get<uint64_t>() > max) {
+    refuse(min == max ? fmt::to_string(min) : fmt::format("a number from {} to {}", min, max));
   }
   return json_->get<uint32_t>();
 }

@@ -29,7 +29,7 @@ class JsonValue {
   /// The same with what is given.
   [[noreturn]] void refuse(const std::string &expected) const;
 
-  uint32_t number(uint32_t least, uint32_t most) const;
+  uint32_t number(uint32_t min, uint32_t max) const;
   bool flag() const;
   std::string text() const;
 

@@ -34,7 +34,7 @@ constexpr uint32_t kVersion = 1;
 constexpr size_t kDeepest = 8;
 constexpr size_t kLongestName = 31;
 constexpr size_t kLongestText = 63;
-constexpr uint32_t kMostDecimals = 9;
+constexpr uint32_t kMaxDecimals = 9;
 /// Messages are no longer than that.
 constexpr uint32_t kLongestBlock = UINT16_MAX;
 constexpr std::string_view kReserved = "reserved_";
@@ -144,12 +144,12 @@ std::string short_text(const JsonValue &value) {
 }
 
 /// A number that is a member's name.
-uint32_t number_in_name(const std::string &name, const JsonValue &value, uint32_t least,
-                        uint32_t most) {
-  std::optional<uint32_t> number = number_in(name, most);
-  if (!number || *number < least) {
+uint32_t number_in_name(const std::string &name, const JsonValue &value, uint32_t min,
+                        uint32_t max) {
+  std::optional<uint32_t> number = number_in(name, max);
+  if (!number || *number < min) {
     value.refuse(fmt::format("'{}' is no such number", printable(name)),
-                 fmt::format("a number from {} to {}", least, most));
+                 fmt::format("a number from {} to {}", min, max));
   }
   return *number;
 }
@@ -296,7 +296,7 @@ void Reader::take_form(const JsonValue &value, Field &field) {
   }
   if (std::optional<JsonValue> decimals = value.find("decimals")) {
     require_kind(*decimals, field, {FieldKind::kSigned});
-    field.decimals = static_cast<uint8_t>(decimals->number(0, kMostDecimals));
+    field.decimals = static_cast<uint8_t>(decimals->number(0, kMaxDecimals));
   }
   if (std::optional<JsonValue> values = value.find("values")) {
     require_kind(*values, field, {FieldKind::kNumber, FieldKind::kFlags});
@@ -318,12 +318,12 @@ void Reader::take_form(const JsonValue &value, Field &field) {
 }
 
 std::span<const ValueName> Reader::values_in(const JsonValue &values, const Field &field) {
-  uint32_t most = field.width < 4 ? (uint32_t{1} << 8 * field.width) - 1 : UINT32_MAX;
-  uint32_t least = field.kind == FieldKind::kFlags ? 1 : 0;
+  uint32_t max = field.width < 4 ? (uint32_t{1} << 8 * field.width) - 1 : UINT32_MAX;
+  uint32_t min = field.kind == FieldKind::kFlags ? 1 : 0;
   std::vector<ValueName> named;
   std::set<std::string> names;
   values.each_member([&](const std::string &key, const JsonValue &value) {
-    uint32_t number = number_in_name(key, value, least, most);
+    uint32_t number = number_in_name(key, value, min, max);
     std::string name = identifier(value, "-_.");
     // No flags at all are "none".
     if (field.kind == FieldKind::kFlags && name == "none") value.refuse("another name");

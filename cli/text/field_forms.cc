@@ -64,7 +64,7 @@ Bytes bytes_of(const Numbers &numbers, size_t width, size_t all) {
 
 uint32_t largest(const Field &field) {
   uint32_t largest = field.width < kWord ? (uint32_t{1} << 8 * field.width) - 1 : UINT32_MAX;
-  return std::min(field.most, largest);
+  return std::min(field.max, largest);
 }
 
 Numbers parse_numbers(std::string_view text, char separator) {
@@ -340,12 +340,12 @@ std::string example_duration(const Field & /*field*/) {
   return "1h30m";
 }
 
-uint32_t duration_in(std::string_view text, uint32_t most) {
+uint32_t duration_in(std::string_view text, uint32_t max) {
   uint64_t seconds = 0;
   for (std::string_view rest = text; !rest.empty();) {
     size_t letter = rest.find_first_of("dhms");
     size_t end = std::min(letter, rest.size());
-    uint32_t count = parse_number(rest.substr(0, end), most);
+    uint32_t count = parse_number(rest.substr(0, end), max);
     uint32_t unit = 1;
     for (const TimeUnit &known : kTimeUnits) {
       if (end < rest.size() && rest[end] == known.letter) unit = known.seconds;
@@ -353,7 +353,7 @@ uint32_t duration_in(std::string_view text, uint32_t most) {
     seconds += uint64_t{count} * unit;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
-  if (text.empty() || seconds > most) throw BadValue("'{}' given", printable(text));
+  if (text.empty() || seconds > max) throw BadValue("'{}' given", printable(text));
   return static_cast<uint32_t>(seconds);
 }
 
@@ -390,14 +390,14 @@ std::string ranges_text(const Numbers &numbers) {
   return text.empty() ? "none" : text;
 }
 
-Numbers parse_ranges(std::string_view text, uint32_t most) {
+Numbers parse_ranges(std::string_view text, uint32_t max) {
   Numbers numbers;
   for (const Item &item : split_items(text == "none" ? "" : text, ',')) {
     std::string_view range = item.text;
     size_t dash = range.find('-');
-    uint32_t first = parse_number(range.substr(0, dash), most);
+    uint32_t first = parse_number(range.substr(0, dash), max);
     uint32_t last =
-        dash == std::string_view::npos ? first : parse_number(range.substr(dash + 1), most);
+        dash == std::string_view::npos ? first : parse_number(range.substr(dash + 1), max);
     if (last < first) throw BadValue("'{}' ends before it begins", printable(range));
     for (uint64_t number = first; number <= last; ++number) {
       numbers.push_back(static_cast<uint32_t>(number));
@@ -911,8 +911,8 @@ Bytes parse_hex(std::string_view text) {
   return *bytes;
 }
 
-uint32_t parse_number(std::string_view text, uint32_t most) {
-  std::optional<uint32_t> number = number_in(text, most);
+uint32_t parse_number(std::string_view text, uint32_t max) {
+  std::optional<uint32_t> number = number_in(text, max);
   if (number) return *number;
   bool is_number = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
   throw BadValue("'{}' {}", printable(text), is_number ? "is too large" : "given");

@@ -60,7 +60,7 @@ catalog::Field without_meaning(catalog::Field field);
 Bytes parse_hex(std::string_view text);
 
 /// A number up to the limit. Throws BadValue.
-uint32_t parse_number(std::string_view text, uint32_t most);
+uint32_t parse_number(std::string_view text, uint32_t max);
 
 /// The bytes when they are as many as expected. Throws BadValue.
 Bytes of_size(size_t size, Bytes bytes);

@@ -65,12 +65,12 @@ std::error_code replace(const std::string &path, const struct stat *replaced, By
 
 }  // namespace
 
-std::string read_file(const std::string &path, size_t most, std::error_code &error) {
+std::string read_file(const std::string &path, size_t max, std::error_code &error) {
   std::string content;
   Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   char bytes[64 * 1024];
   ssize_t count = file.is_open() ? read(file.get(), bytes, sizeof bytes) : -1;
-  while (count > 0 && content.size() + static_cast<size_t>(count) <= most) {
+  while (count > 0 && content.size() + static_cast<size_t>(count) <= max) {
     content.append(bytes, static_cast<size_t>(count));
     count = read(file.get(), bytes, sizeof bytes);
   }

@@ -14,7 +14,7 @@ namespace olt::cli {
 
 /// Reads a file of at most that many bytes; a longer one is EFBIG. The error, if any, says why
 /// nothing is returned.
-std::string read_file(const std::string &path, size_t most, std::error_code &error);
+std::string read_file(const std::string &path, size_t max, std::error_code &error);
 
 /// Writes a file whole or not at all, with the mode of the file that it replaces, of which only the
 /// permissions in mask remain. Anything but a regular file is written in place.

@@ -9,7 +9,7 @@
 namespace olt::cli {
 
 /// A decimal or 0x number from 0 to most.
-std::optional<uint32_t> number_in(std::string_view text, uint32_t most);
+std::optional<uint32_t> number_in(std::string_view text, uint32_t max);
 
 }  // namespace olt::cli
 

@@ -4,6 +4,9 @@
 # The change is a sed command that is applied to headers and sources.
 set -euo pipefail
 
+# A compiler cache may give objects whose debug information names another folder.
+unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
+
 source=$1
 work=$2
 rm -rf "$work"

@@ -118,7 +118,7 @@ class Experiment {
     }
     for (size_t i = 0; i < size; ++i) memory.bytes.push_back(next());
     if (argument.form == FieldKind::kText && argument.is_input()) {
-      size_t length = std::min<size_t>(variant_.text, argument.most);
+      size_t length = std::min<size_t>(variant_.text, argument.max);
       std::fill(memory.bytes.begin() + static_cast<ptrdiff_t>(length), memory.bytes.end(), 0);
     }
   }

@@ -79,7 +79,7 @@ Lines fields(const json &message) {
 
 Lines arguments(const std::string &name) {
   return lines(operation(name)["arguments"],
-               {"name", "direction", "passed", "size", "kind", "record", "most", "secret"});
+               {"name", "direction", "passed", "size", "kind", "record", "max", "secret"});
 }
 
 // Facts.

@@ -143,7 +143,7 @@ TEST(CatalogRow, DeducesKindsDirectionsAndSizes) {
   EXPECT_EQ(arguments[0].kind, Kind::kValue);
   EXPECT_EQ(arguments[0].form, FieldKind::kText);
   EXPECT_EQ(arguments[0].direction, Direction::kIn);
-  EXPECT_EQ(arguments[0].most, 31U);
+  EXPECT_EQ(arguments[0].max, 31U);
   EXPECT_FALSE(arguments[0].secret);
   EXPECT_TRUE(arguments[1].secret);
   EXPECT_EQ(arguments[2].form, FieldKind::kNumber);

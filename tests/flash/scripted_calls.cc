@@ -41,10 +41,10 @@ class Script {
 };
 
 ssize_t scripted_read(ScriptedCalls &script, int descriptor, void *buffer, size_t length) {
-  const size_t most = std::min(length, script.contents.size());
+  const size_t max = std::min(length, script.contents.size());
   const int64_t result =
       script.take("read" + decimal(descriptor) + decimal(static_cast<int64_t>(length)),
-                  static_cast<int64_t>(most));
+                  static_cast<int64_t>(max));
   if (result > 0) std::memcpy(buffer, script.contents.data(), static_cast<size_t>(result));
   return static_cast<ssize_t>(result);
 }

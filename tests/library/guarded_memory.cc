@@ -11,7 +11,7 @@ namespace olt::test {
 namespace {
 
 constexpr uint8_t kCanary = 0xC5;
-constexpr size_t kLeastCanaries = 64;
+constexpr size_t kMinCanaries = 64;
 
 size_t page_size() {
   return static_cast<size_t>(sysconf(_SC_PAGESIZE));
@@ -41,7 +41,7 @@ GuardedMemory::~GuardedMemory() {
 void GuardedMemory::place(size_t size, size_t alignment, size_t remainder) {
   if (mapping_ != nullptr) munmap(mapping_, mapping_size_);
   size_t page = page_size();
-  size_t inner = (size + alignment + kLeastCanaries + page - 1) / page * page;
+  size_t inner = (size + alignment + kMinCanaries + page - 1) / page * page;
   mapping_size_ = inner + 2 * page;
   mapping_ = map(mapping_size_);
   mprotect(mapping_ + page, inner, PROT_READ | PROT_WRITE);

@@ -222,7 +222,7 @@ TEST(Listing, TheOldestMakeRoomForTheBytesOfTheNext) {
 TEST(Listing, ManyStayWithinTheLimit) {
   Folder folder;
   box::Listings listings(folder.path(), {}, 10'000);
-  uintmax_t most = 0;
+  uintmax_t max = 0;
   for (size_t i = 0; i < 500; ++i) {
     listings.write("log", std::string(i * 37 % 1500, 'x'));
     uintmax_t total = 0;
@@ -230,9 +230,9 @@ TEST(Listing, ManyStayWithinTheLimit) {
       total += entry.file_size();
     }
     ASSERT_LE(total, 10'000U) << i;
-    most = std::max(most, total);
+    max = std::max(max, total);
   }
-  EXPECT_GT(most, 9'000U);
+  EXPECT_GT(max, 9'000U);
 }
 
 TEST(Listing, ThoseOfEarlierBoxesCountAndOtherFilesDoNot) {

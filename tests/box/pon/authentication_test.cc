@@ -186,7 +186,7 @@ TEST(AllowList, LengthsAndInterfacesAreChecked) {
                         kAllowMacs, kDisallowMacs}) {
     EXPECT_EQ(box.status(type, Bytes(kInterfaceSize - 1)), kBadLength) << type;
     EXPECT_EQ(box.status(type, Bytes(kInterfaceSize + kAuthEntrySize - 1)), kBadLength) << type;
-    EXPECT_EQ(box.status(type, Bytes(kInterfaceSize + kAuthEntrySize * (kMostAuthEntries + 1))),
+    EXPECT_EQ(box.status(type, Bytes(kInterfaceSize + kAuthEntrySize * (kMaxAuthEntries + 1))),
               kBadLength)
         << type;
     EXPECT_EQ(change(box, type, 3, {}), kNotFound) << type;
@@ -197,7 +197,7 @@ TEST(AllowList, LengthsAndInterfacesAreChecked) {
 TEST(AllowList, HoldsUpTo16384Entries) {
   SmallPon box;
   Bytes request = interface_record(1);
-  for (uint32_t i = 0; i < kMostAuthEntries; ++i) {
+  for (uint32_t i = 0; i < kMaxAuthEntries; ++i) {
     Bytes entry = record(kAuthEntrySize, {{0, hex("02 00")}, {2, word(i)}});
     request.insert(request.end(), entry.begin(), entry.end());
   }

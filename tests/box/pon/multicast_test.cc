@@ -60,7 +60,7 @@ TEST(PortMulticastVlans, BadRequestsChangeNothing) {
   EXPECT_EQ(change(box, kDeletePortMulticastVlans, hex("6400 ffff")), kBadValue);
   EXPECT_EQ(change(box, kDeletePortMulticastVlans, hex("6400 6500")), kNotFound);
   EXPECT_EQ(change(box, kAddPortMulticastVlans, hex("2c01 00")), kBadLength);
-  EXPECT_EQ(change(box, kAddPortMulticastVlans, Bytes(2 * (kMostVlans + 1))), kBadLength);
+  EXPECT_EQ(change(box, kAddPortMulticastVlans, Bytes(2 * (kMaxVlans + 1))), kBadLength);
   EXPECT_EQ(change(box, kAddPortMulticastVlans, hex("2c01"), 3), kNotFound);
   EXPECT_EQ(change(box, kDeletePortMulticastVlans, hex("6400"), 0), kNotFound);
   EXPECT_EQ(box.status(kClearPortMulticastVlans, target(1, 2, 0)), kNotFound);

@@ -328,6 +328,7 @@ std::string complaint_about(const std::string &from, const std::string &to) {
   std::string line = complaint(box);
   EXPECT_FALSE(holds(line, "planted-secret")) << line;
   std::string place = (box.options.state_dir / "saved.state").string() + ": ";
+  EXPECT_TRUE(line.starts_with(place) && line.ends_with(kAdvice)) << line;
   if (!line.starts_with(place) || !line.ends_with(kAdvice)) return line;
   return line.substr(place.size(), line.size() - place.size() - sizeof kAdvice + 1);
 }
@@ -336,6 +337,8 @@ TEST(Storage, ValuesAreCheckedAsOnTheWire) {
   const std::string kUsers = "/configuration/system-users/users";
   EXPECT_EQ(complaint_about("\"configuration\"", "\"konfiguration\""),
             "/configuration: is missing");
+  EXPECT_EQ(complaint_about("\"topology\": {", "\"topology\": 7, \"other\": {"),
+            "/topology: is 7; expected an object");
   EXPECT_EQ(complaint_about("\"level_a\": 1", "\"level_a\": \"1\""),
             kUsers + "/0/level_a: is \"1\"; expected an integer from 0 to 4294967295");
   EXPECT_EQ(complaint_about("\"operator\"", "\"\""),

@@ -122,11 +122,10 @@ TEST(Vlans, ListsOfBrokenLengthAreRefused) {
   TestBox box;
   for (uint32_t type : {kAddVlans, kDeleteVlans, kDeleteVlanDescriptions}) {
     EXPECT_EQ(box.status(type, hex("0a0000")), kBadLength) << type;
-    EXPECT_EQ(box.status(type, Bytes(kVlanSize * (kMostVlans + 1), 1)), kBadLength) << type;
+    EXPECT_EQ(box.status(type, Bytes(kVlanSize * (kMaxVlans + 1), 1)), kBadLength) << type;
   }
   EXPECT_EQ(box.status(kDescribeVlans, Bytes(kDescribedVlanSize - 1, 1)), kBadLength);
-  EXPECT_EQ(box.status(kDescribeVlans, Bytes(kDescribedVlanSize * (kMostVlans + 1), 1)),
-            kBadLength);
+  EXPECT_EQ(box.status(kDescribeVlans, Bytes(kDescribedVlanSize * (kMaxVlans + 1), 1)), kBadLength);
   EXPECT_EQ(box.status(kListVlans, Bytes(kVlanQuerySize - 1)), kBadLength);
   EXPECT_EQ(box.status(kListVlans, Bytes(kVlanQuerySize + 4)), kBadLength);
   EXPECT_EQ(box.status(kListVlans, record(kVlanQuerySize + 3, {{0, word(1)}})), kBadLength);

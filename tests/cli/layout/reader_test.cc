@@ -305,7 +305,7 @@ bool same_value(const olt::catalog::ValueName &a, const olt::catalog::ValueName 
 
 bool same(const Field &a, const Field &b) {
   return std::string_view(a.name) == b.name && a.offset == b.offset && a.width == b.width &&
-         a.kind == b.kind && a.role == b.role && a.secret == b.secret && a.most == b.most &&
+         a.kind == b.kind && a.role == b.role && a.secret == b.secret && a.max == b.max &&
          all_same(a.values, b.values, same_value) && or_empty(a.unit) == or_empty(b.unit) &&
          a.decimals == b.decimals && a.record_size == b.record_size &&
          all_same(a.record, b.record, [](const Field &x, const Field &y) { return same(x, y); });

@@ -217,7 +217,7 @@ Bytes some_bytes(const Field &field, std::minstd_rand &random) {
     uint32_t value = field.values[random() % field.values.size()].value;
     memcpy(bytes.data(), &value, width);
   }
-  if (field.kind == FieldKind::kNumber && field.most < UINT32_MAX) bytes.assign(width, 0);
+  if (field.kind == FieldKind::kNumber && field.max < UINT32_MAX) bytes.assign(width, 0);
   return bytes;
 }
 
