@@ -126,14 +126,18 @@ void start_from(const char *name, const std::string &content) {
   SmallBox::write_state(olt::box::kSavedFile, samples().saved);
   SmallBox::write_state(olt::box::kRunningFile, samples().kept);
   SmallBox::write_state(name, content);
+  auto require_refusal = [&](std::string_view line, std::string_view expected) {
+    olt::fuzz::require_line(line);
+    require(line.find(expected) != std::string_view::npos, "a refusal says what it is about", line);
+    require(SmallBox::read_state(name) == content, "a file that is refused stays as it is");
+  };
   try {
     SmallBox box(SmallBox::Start::kGoOn);
     box.require_persistence();
   } catch (const olt::box::StorageFailure &failure) {
-    olt::fuzz::require_line(failure.what());
-    require(std::string_view(failure.what()).find(name) != std::string_view::npos,
-            "a complaint about a file names it", failure.what());
-    require(SmallBox::read_state(name) == content, "a file that is refused stays as it is");
+    require_refusal(failure.what(), name);
+  } catch (const olt::BadInput &refusal) {
+    require_refusal(refusal.what(), "was made with another topology");
   }
 }
 
