@@ -12,7 +12,7 @@ box=
 calls=0
 
 finish() {
-  [ -z "$box" ] || kill -KILL "$box" 2>/dev/null || true
+  [ -z "$box" ] || ! kill -0 "$box" 2>/dev/null || kill -KILL "$box"
   rm -rf "$home"
 }
 trap finish EXIT

@@ -16,8 +16,8 @@ namespace olt::cli {
 /// nothing is returned.
 std::string read_file(const std::string &path, size_t max, std::error_code &error);
 
-/// Writes a file whole or not at all, with the mode of the file that it replaces, of which only the
-/// permissions in mask remain. Anything but a regular file is written in place.
+/// Replaces a file at once, or leaves it unchanged on failure. The new file gets the old one's
+/// permissions, except those that mask lacks. A device or a pipe is written in place.
 std::error_code write_file(const std::string &path, ByteView bytes, mode_t mask = 07777);
 
 /// Writes to standard output. Throws Error when that fails.

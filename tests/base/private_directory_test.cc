@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -198,8 +199,27 @@ TEST_F(PrivateDirectoryTest, RefusesAnotherUsersDirectory) {
   as_user(kAttacker, [&] { expect_refused(path, "cannot be used: Permission denied"); });
 }
 
+// In a user namespace that knows this user alone, "/" belongs to a stranger.
+TEST_F(PrivateDirectoryTest, RefusesParentsOfAUserItDoesNotKnow) {
+  constexpr int kNoNamespace = 77;
+  pid_t child = fork();
+  if (child == 0) {
+    if (unshare(CLONE_NEWUSER) != 0) _exit(kNoNamespace);
+    EXPECT_NE(geteuid(), 0U);
+    expect_refused(base_ + "/run", ": \"/\" belongs to user ");
+    EXPECT_FALSE(fs::exists(base_ + "/run"));
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kNoNamespace) {
+    GTEST_SKIP() << "the system allows no user namespaces";
+  }
+  EXPECT_EQ(status, 0);
+}
+
 TEST_F(PrivateDirectoryTest, RefusesAnotherUsersParentsAndLinks) {
-  if (geteuid() != 0) GTEST_SKIP() << "only root can give files to another user";
+  if (geteuid() != 0) GTEST_SKIP() << "needs root: files and links of two other users";
   std::string theirs = make("theirs", 0755, kAttacker);
   expect_refused(theirs + "/run", "\"" + theirs + "\" belongs to user 54322; expected root or ");
   as_user(kUser, [&] { expect_refused(theirs + "/run", "belongs to user 54322"); });

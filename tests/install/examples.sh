@@ -9,8 +9,7 @@ work=$(mktemp -d)
 box=
 
 finish() {
-  [ -z "$box" ] || kill "$box" 2>/dev/null || true
-  wait
+  [ -z "$box" ] || ! kill -0 "$box" 2>/dev/null || kill -KILL "$box"
   rm -rf "$work"
 }
 trap finish EXIT
@@ -70,3 +69,8 @@ for folder in "$work/with_make" "$work/with_cmake"; do
   alone "$folder/vlan_report" "$work/run" 7 4094 | diff -u "$work/expected" -
 done
 expect 'mac = 02:00:00:00:00:01' "$prefix/bin/oltctl" get_olt_mac
+
+# On SIGTERM, the box ends with exit status 0.
+kill "$box"
+wait "$box"
+box=

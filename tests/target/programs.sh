@@ -14,7 +14,7 @@ export OLT_RUN_DIR=$folder/run
 box=$!
 
 finish() {
-  [ -z "$box" ] || kill -KILL "$box"
+  [ -z "$box" ] || ! kill -0 "$box" 2>/dev/null || kill -KILL "$box"
   rm -rf "$folder"
 }
 trap finish EXIT
