@@ -46,7 +46,7 @@ std::optional<Topology> remembered_topology(const Options &options, const StateD
   return topology;
 }
 
-std::string text_of(Topology topology) {
+std::string topology_text(Topology topology) {
   Archive archive;
   topology.describe(archive);
   return to_json_line(archive.take());
@@ -58,11 +58,11 @@ Topology choose_topology(const Options &options, const StateDirectory &state) {
   auto remembered = remembered_topology(options, state);
   if (options.topology_file.empty()) return remembered.value_or(Topology());
   Topology given = load_topology(options.topology_file);
-  if (remembered && !options.adopt && text_of(given) != text_of(*remembered)) {
+  if (remembered && !options.adopt && topology_text(given) != topology_text(*remembered)) {
     throw BadInput(fmt::format(
         "{}: the state in {} was made with another topology, {}; expected that one or none, --fresh"
         " to forget the state, or --adopt to keep what fits",
-        options.topology_file.string(), options.state_dir.string(), text_of(*remembered)));
+        options.topology_file.string(), options.state_dir.string(), topology_text(*remembered)));
   }
   return given;
 }
@@ -124,11 +124,11 @@ std::vector<std::string> Simulator::import_configuration(std::string_view json, 
   Topology given;
   Archive archive(data);
   archive.object("topology", [&] { given.describe(archive); });
-  if (misfits == Misfits::kRefuse && text_of(given) != text_of(topology_)) {
+  if (misfits == Misfits::kRefuse && topology_text(given) != topology_text(topology_)) {
     throw BadInput(fmt::format(
         "/topology: is another one than that of the box, {}; expected that one, or --adopt to keep"
         " what fits",
-        text_of(topology_)));
+        topology_text(topology_)));
   }
   {
     SharedState state(topology_, clock_());

@@ -37,9 +37,9 @@ constexpr const char *kExamples =
     "\n"
     "Exit status: 0 done, 1 the operation failed, 2 wrong usage.";
 
-class Layout : public CLI::Formatter {
+class HelpLayout : public CLI::Formatter {
  public:
-  explicit Layout(std::string commands) : commands_(std::move(commands)) {}
+  explicit HelpLayout(std::string commands) : commands_(std::move(commands)) {}
 
   std::string make_usage(const CLI::App * /*app*/, std::string /*name*/) const override {
     return kUsage + commands_;
@@ -161,7 +161,7 @@ std::optional<Options> parse_options(int argc, const char *const *argv,
   CLI::App app;
   Given given;
   app.allow_extras();
-  app.formatter(std::make_shared<Layout>(commands));
+  app.formatter(std::make_shared<HelpLayout>(commands));
   app.footer(kExamples);
   define_options(app, given);
   try {

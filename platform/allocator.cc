@@ -39,8 +39,8 @@ struct Watch {
   size_t kept_bytes = 0;
 };
 
-constinit std::mutex lock;
-[[maybe_unused]] const int registered = hold_across_fork<lock>();
+constinit std::mutex blocks_lock;
+[[maybe_unused]] const int blocks_registered = hold_across_fork<blocks_lock>();
 
 // Never destroyed: blocks are released up to the very end of the process.
 Watch &watch() {
@@ -74,7 +74,7 @@ void *allocate_watched(uint32_t size, const char *tag, int line) {
   std::memset(start, kGuardByte, kGuardSize);
   std::memset(data + size, kGuardByte, kGuardSize);
   try {
-    std::lock_guard guard(lock);
+    std::lock_guard guard(blocks_lock);
     watch().blocks[data] = {.tag = name(tag), .line = line, .size = size};
   } catch (const std::bad_alloc &) {
     std::free(start);
@@ -100,7 +100,7 @@ void keep_back(Watch &all, unsigned char *data, Block &block) {
 
 void release_watched(void *pointer, const char *tag, int line) {
   auto *data = static_cast<unsigned char *>(pointer);
-  std::lock_guard guard(lock);
+  std::lock_guard guard(blocks_lock);
   Watch &all = watch();
   auto found = all.blocks.find(data);
   if (found == all.blocks.end()) {
@@ -140,7 +140,7 @@ std::atomic<Mode> mode{Mode::kUndecided};
 bool watching() {
   Mode now = mode.load(std::memory_order_acquire);
   if (now == Mode::kUndecided) {
-    std::lock_guard guard(lock);
+    std::lock_guard guard(blocks_lock);
     now = mode.load(std::memory_order_relaxed);
     if (now == Mode::kUndecided) {
       now = read_switch() ? Mode::kWatching : Mode::kPlain;
@@ -158,7 +158,7 @@ struct Unreleased {
 // A destructor of the library: it runs after those of the programs and libraries that use it.
 [[gnu::destructor]] void report_unreleased() {
   if (mode.load() != Mode::kWatching) return;
-  std::lock_guard guard(lock);
+  std::lock_guard guard(blocks_lock);
   std::map<std::string, Unreleased> by_tag;
   for (const auto &[data, block] : watch().blocks) {
     if (!block.released) {

@@ -23,8 +23,8 @@ struct Replies {
   unsigned wrong_releases = 0;
 };
 
-constinit std::mutex lock;
-[[maybe_unused]] const int registered = hold_across_fork<lock>();
+constinit std::mutex replies_lock;
+[[maybe_unused]] const int replies_registered = hold_across_fork<replies_lock>();
 
 // Never destroyed: threads may still be in an exchange while the process exits.
 Replies &replies() {
@@ -39,7 +39,7 @@ ReplyBlock make_reply_block(size_t length) {
 }
 
 uint32_t hand_out(ReplyBlock reply) {
-  std::lock_guard guard(lock);
+  std::lock_guard guard(replies_lock);
   Replies &all = replies();
   do {
     ++all.last_handle;
@@ -52,7 +52,7 @@ uint32_t hand_out(ReplyBlock reply) {
 
 void IPC_Free(uint32_t reply_handle) {
   using namespace olt::platform;
-  std::lock_guard guard(lock);
+  std::lock_guard guard(replies_lock);
   Replies &all = replies();
   if (all.held.erase(reply_handle) == 0) {
     char message[96];

@@ -18,7 +18,7 @@ constexpr size_t kKept = 1024;
 constexpr std::string_view kSuffix = ".txt";
 
 /// The number in KIND-NUMBER.txt; nothing if the name has another form.
-std::optional<uint32_t> number_in(std::string_view name) {
+std::optional<uint32_t> listing_number(std::string_view name) {
   size_t dash = name.find('-');
   if (dash == 0 || dash == std::string_view::npos || !name.ends_with(kSuffix)) return std::nullopt;
   std::string_view kind = name.substr(0, dash);
@@ -49,7 +49,7 @@ void Listings::find_files(const Descriptor &directory) {
   for (const std::filesystem::directory_iterator end; !error && entries != end;
        entries.increment(error)) {
     std::string name = entries->path().filename().string();
-    auto number = number_in(name);
+    auto number = listing_number(name);
     if (!number) continue;
     last_number = std::max(last_number, *number);
     struct stat found {};

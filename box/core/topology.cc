@@ -11,7 +11,7 @@ namespace olt::box {
 
 namespace {
 
-constexpr size_t kMaxText = 31;
+constexpr size_t kMaxTopologyText = 31;
 
 /// Describes a member that may be missing.
 void optional_number(Archive &archive, std::string_view key, uint32_t &value, NumberRange range) {
@@ -20,7 +20,7 @@ void optional_number(Archive &archive, std::string_view key, uint32_t &value, Nu
 
 void describe_text(Archive &archive, std::string_view key, std::string &value) {
   if (!archive.has(key)) return;
-  archive.text(key, value, kMaxText);
+  archive.text(key, value, kMaxTopologyText);
   if (value.empty() || value != printable_ascii(value)) {
     archive.refuse(key, "1 to 31 printable ASCII characters");
   }
@@ -46,7 +46,7 @@ void describe_hardware(Archive &archive, PortHardware &hardware) {
   }
   if (archive.has("duplex")) {
     std::string duplex = hardware.full_duplex ? "full" : "half";
-    archive.text("duplex", duplex, kMaxText);
+    archive.text("duplex", duplex, kMaxTopologyText);
     if (duplex != "full" && duplex != "half") archive.refuse("duplex", R"("full" or "half")");
     hardware.full_duplex = duplex == "full";
   }

@@ -9,7 +9,7 @@ namespace olt::box {
 namespace {
 
 /// Longer than the text of every second id.
-constexpr size_t kMaxText = 16'384;
+constexpr size_t kMaxSetText = 16'384;
 
 std::string range_text(IdRange range) {
   return range.first == range.last ? fmt::to_string(range.first)
@@ -119,7 +119,7 @@ std::vector<std::string> ids_to_cells(const IdSet &ids, size_t width) {
 
 void describe_ids(Archive &archive, std::string_view key, IdSet &ids) {
   std::string text = ids_to_text(ids);
-  archive.text(key, text, kMaxText);
+  archive.text(key, text, kMaxSetText);
   if (!archive.is_reading()) return;
   auto read = ids_from_text(text);
   if (!read) archive.refuse(key, "numbers up to 4094 as in \"1,20-25\"");

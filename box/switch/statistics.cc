@@ -29,8 +29,8 @@ Traffic traffic_of(uint64_t octets) {
 
 /// About one per cent of the link's capacity, slightly more for higher port numbers.
 uint64_t octets_received(const EthernetPort &port, TimePoint now) {
-  auto milliseconds = static_cast<uint64_t>(port.counted(now).count());
-  uint64_t full_load = milliseconds * port.hardware().speed * 125;
+  auto elapsed = static_cast<uint64_t>(port.counted(now).count());
+  uint64_t full_load = elapsed * port.hardware().speed * 125;
   return full_load / 100 * (10 + port.number()) / 10;
 }
 

@@ -12,7 +12,7 @@ namespace olt::box {
 namespace {
 
 constexpr size_t kMaxUsers = 32;
-constexpr size_t kMaxText = sizeof(UserRecord::user_name) - 1;
+constexpr size_t kMaxUserText = sizeof(UserRecord::user_name) - 1;
 constexpr ByteRange kPassword = {offsetof(UserRecord, user_password),
                                  offsetof(UserRecord, level_a)};
 
@@ -46,11 +46,11 @@ class SystemUsers final : public Family {
 
   void configuration(Archive &archive) override {
     archive.list("users", users_, kMaxUsers, [&](User &user) {
-      archive.text("name", user.name, kMaxText);
+      archive.text("name", user.name, kMaxUserText);
       if (archive.is_reading() && !is_new_name(user.name)) {
         archive.refuse("name", "a name, each once");
       }
-      archive.text("password", user.password, kMaxText);
+      archive.text("password", user.password, kMaxUserText);
       archive.number("level_a", user.level_a);
       archive.number("level_b", user.level_b);
     });

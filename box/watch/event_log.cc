@@ -7,7 +7,7 @@ namespace olt::box {
 namespace {
 
 constexpr size_t kCapacity = 256;
-constexpr size_t kMaxText = 200;
+constexpr size_t kMaxEventText = 200;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ std::string_view level_name(Level level) {
 
 void EventLog::record(Level level, uint32_t module, std::string_view text) {
   if (events_.size() == kCapacity) events_.pop_front();
-  events_.push_back({clock_(), level, module, printable_ascii(text).substr(0, kMaxText)});
+  events_.push_back({clock_(), level, module, printable_ascii(text).substr(0, kMaxEventText)});
 }
 
 void EventLog::describe(Archive &archive) {
@@ -28,7 +28,7 @@ void EventLog::describe(Archive &archive) {
     archive.moment("time", event.time);
     archive.number("level", level, {0, static_cast<uint64_t>(Level::kDebug)});
     archive.number("module", event.module);
-    archive.text("text", event.text, kMaxText);
+    archive.text("text", event.text, kMaxEventText);
     event.level = static_cast<Level>(level);
     event.text = printable_ascii(event.text);
   });

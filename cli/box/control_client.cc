@@ -24,7 +24,7 @@ constexpr uint32_t kControlTimeout = 10;
 /// Reading and taking a large configuration takes a few seconds.
 constexpr uint32_t kTransferTimeout = 120;
 /// Fits into a request even if each of its bytes takes two in JSON.
-constexpr size_t kPiece = 32'000;
+constexpr size_t kPieceSize = 32'000;
 
 /// The word as the box takes it: "type=" with an operation's name gets its message type.
 std::string without_operation(const std::string &word) {
@@ -119,14 +119,14 @@ ordered_json import_configuration(std::string_view text, bool adopts) {
                             {"offset", 0},
                             {"length", text.size()},
                             {"adopt", adopts},
-                            {"piece", bytes_to_utf8(text.substr(0, kPiece))}};
-  for (size_t offset = kPiece;; offset += kPiece) {
+                            {"piece", bytes_to_utf8(text.substr(0, kPieceSize))}};
+  for (size_t offset = kPieceSize;; offset += kPieceSize) {
     ordered_json reply = ask(request, kTransferTimeout);
     if (offset >= text.size()) return reply;
     request = {{"command", request["command"]},
                {"offset", offset},
                {"import", reply.value("import", 0)},
-               {"piece", bytes_to_utf8(text.substr(offset, kPiece))}};
+               {"piece", bytes_to_utf8(text.substr(offset, kPieceSize))}};
   }
 }
 

@@ -29,7 +29,6 @@ using catalog::ValueName;
 
 namespace {
 
-constexpr uint32_t kVersion = 1;
 /// An object of values in a field in a list of records in a field in a list of fields.
 constexpr size_t kDeepest = 8;
 constexpr size_t kLongestName = 31;
@@ -410,7 +409,7 @@ Layout parse_layout(std::string_view text) {
   JsonValue document(json, "");
   document.take_only(
       {"version", "name", "base", "records", "statuses", "end_of_table", "row_selection"});
-  document.at("version").number(kVersion, kVersion);
+  document.at("version").number(kLayoutVersion, kLayoutVersion);
   JsonValue named = document.at("name");
   std::string name = identifier(named, "-_.");
   if (name == Layout::box().name() || name == Layout::contract().name()) {

@@ -19,7 +19,6 @@ using nlohmann::ordered_json;
 
 namespace {
 
-constexpr int kVersion = 1;
 
 ordered_json fields_json(std::span<const Field> fields);
 
@@ -91,7 +90,7 @@ std::string layout_text(const Layout &layout) {
     }
   }
   std::string text =
-      fmt::format("{{\n  \"version\": {},\n  \"name\": {},\n  \"records\": {}", kVersion,
+      fmt::format("{{\n  \"version\": {},\n  \"name\": {},\n  \"records\": {}", kLayoutVersion,
                   ordered_json(layout.name()).dump(), records_text(records));
   auto add = [&text](const char *name, const ordered_json &value) {
     text += fmt::format(",\n  \"{}\": {}", name, value.dump());
