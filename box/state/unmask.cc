@@ -18,8 +18,8 @@ namespace {
 
 constexpr size_t kMaxDepth = 32;
 
-/// Keys of members, each with a zero behind it; for an element of a list the values that it is
-/// found by.
+/// The way from the root to a value: the keys of members, and for elements of lists the values that
+/// identify them. Each ends with a zero.
 using Place = std::string;
 using Keys = std::vector<std::string_view>;
 
@@ -32,8 +32,8 @@ std::string text_of(const CborReader::Value &value) {
   return value.kind == Kind::kText ? std::string(value.data) : std::to_string(value.number);
 }
 
-/// The keys of the members that an element is found by.
-Keys finding_keys(CborReader element) {
+/// The keys of the members that identify an element.
+Keys identifying_keys(CborReader element) {
   Keys keys;
   if (element.next().kind != Kind::kMap) return keys;
   for (;;) {
@@ -48,8 +48,8 @@ Keys finding_keys(CborReader element) {
   return keys;
 }
 
-/// Their values in an element.
-Place found_by(CborReader element, const Keys &keys) {
+/// The values of these members in an element.
+Place identity(CborReader element, const Keys &keys) {
   std::vector<std::string> values(keys.size());
   if (element.next().kind == Kind::kMap) {
     for (;;) {
@@ -68,42 +68,42 @@ Place found_by(CborReader element, const Keys &keys) {
   return place;
 }
 
-/// Passes all values of an archive that are neither lists nor maps, with their places.
-class Passage {
+/// Visits each value of an archive that is neither a list nor a map.
+class Visit {
  public:
-  /// What a list's elements are found by, given the place of the list and its first element.
+  /// The keys that identify the elements of a list, given its place and its first element.
   using KeysOf = std::function<Keys(const Place &list, const CborReader &first)>;
   using OnValue = std::function<void(const Place &place, const CborReader::Value &value,
                                      size_t begin, size_t end)>;
 
-  Passage(std::string_view archive, KeysOf keys_of, OnValue on_value)
+  Visit(std::string_view archive, KeysOf keys_of, OnValue on_value)
       : reader_(archive), keys_of_(std::move(keys_of)), on_value_(std::move(on_value)) {}
 
-  void run() { pass(0); }
+  void run() { visit(0); }
 
  private:
-  void pass(size_t depth) {
+  void visit(size_t depth) {
     if (depth > kMaxDepth) throw BadInput("nests deeper than state does");
     size_t begin = reader_.position();
     CborReader::Value value = reader_.next();
     if (value.kind == Kind::kMap) {
-      pass_members(depth);
+      visit_members(depth);
     } else if (value.kind == Kind::kList) {
-      pass_elements(depth);
+      visit_elements(depth);
     } else {
       on_value_(place_, value, begin, reader_.position());
     }
   }
 
-  void pass_members(size_t depth) {
+  void visit_members(size_t depth) {
     for (;;) {
       CborReader::Value key = reader_.next();
       if (key.kind == Kind::kEnd) return;
-      pass_within(std::string(key.data) + '\0', depth);
+      visit_within(std::string(key.data) + '\0', depth);
     }
   }
 
-  void pass_elements(size_t depth) {
+  void visit_elements(size_t depth) {
     Keys keys = keys_of_(place_, reader_);
     for (;;) {
       CborReader next = reader_;
@@ -111,14 +111,14 @@ class Passage {
         reader_ = next;
         return;
       }
-      pass_within(found_by(reader_, keys), depth);
+      visit_within(identity(reader_, keys), depth);
     }
   }
 
-  void pass_within(const Place &part, size_t depth) {
+  void visit_within(const Place &part, size_t depth) {
     size_t length = place_.size();
     place_ += part;
-    pass(depth + 1);
+    visit(depth + 1);
     place_.resize(length);
   }
 
@@ -133,16 +133,18 @@ class Passage {
 std::string unmask(std::string_view archive, std::string_view present) {
   std::map<Place, Keys> keys;
   std::map<Place, std::string_view> secrets;
-  Passage(
+  Visit(
       present,
-      [&](const Place &list, const CborReader &first) { return keys[list] = finding_keys(first); },
+      [&](const Place &list, const CborReader &first) {
+        return keys[list] = identifying_keys(first);
+      },
       [&](const Place &place, const CborReader::Value &value, size_t begin, size_t end) {
         if (value.is_secret) secrets[place] = present.substr(begin, end - begin);
       })
       .run();
   std::string unmasked;
   size_t done = 0;
-  Passage(
+  Visit(
       archive,
       [&](const Place &list, const CborReader & /*first*/) {
         auto known = keys.find(list);

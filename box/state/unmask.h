@@ -7,10 +7,10 @@
 
 namespace olt::box {
 
-/// An archive from JSON in which each masked secret is replaced by the one that stands at the same
-/// place of the present archive. A mask for which there is none stays. An element of a list is
-/// found by the members that it has before its first secret, as a user's name; one without a secret
-/// of its own by its first member. Throws BadInput when the archive nests too deep.
+/// Replaces each masked secret of an archive with the secret at the same place of the present
+/// archive; without one, the mask stays. The members before its first secret identify an element of
+/// a list (a user's name); without a secret of its own, its first member does. Throws BadInput when
+/// the archive nests too deep.
 std::string unmask(std::string_view archive, std::string_view present);
 
 }  // namespace olt::box

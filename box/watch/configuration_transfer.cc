@@ -24,7 +24,7 @@ uint32_t offset_in(Archive &command) {
   return offset;
 }
 
-/// Throws BadInput unless the command goes on with what the number stands for.
+/// Throws BadInput unless the command continues the transfer with this number.
 void require_number(Archive &command, std::string_view key, uint32_t number) {
   uint32_t asked = 0;
   command.number(key, asked);

@@ -13,7 +13,7 @@
 
 namespace olt::box {
 
-/// What the box does with its configuration.
+/// How the box's configuration is read and replaced.
 struct ConfigurationAccess {
   /// The configuration as an archive.
   std::function<std::string()> read;
@@ -22,23 +22,21 @@ struct ConfigurationAccess {
   std::function<std::vector<std::string>(std::string_view json, Misfits misfits)> take;
 };
 
-/// One export and one import at a time. The first piece begins a new one, which ends the one
-/// before: a client that then goes on with the old number gets an error. Both functions throw
-/// BadInput.
+/// One export and one import at a time. A first piece begins a new transfer and ends the one
+/// before: a client that continues the old one gets an error. Both functions throw BadInput.
 class ConfigurationTransfer {
  public:
   explicit ConfigurationTransfer(ConfigurationAccess access) : access_(std::move(access)) {}
 
-  /// Answers with the piece at the command's offset. At offset 0 the configuration is read.
+  /// Answers with the piece at the command's offset. At offset 0, reads the configuration first.
   void send(Archive &command, Archive &reply);
-  /// Adds a piece. The last one has the box take the configuration.
+  /// Adds a piece. After the last one, the box takes the configuration.
   void receive(Archive &command, Archive &reply);
 
  private:
-  /// What one of them is at: its number, and the whole text or what has come of it.
-  struct Text {
+  struct Transfer {
     uint32_t number = 0;
-    std::string text;
+    std::string text;  ///< of an import, what was received so far
   };
 
   void begin_export(Archive &command, size_t offset);
@@ -46,8 +44,8 @@ class ConfigurationTransfer {
   void finish_import(Archive &reply);
 
   ConfigurationAccess access_;
-  Text export_;
-  Text import_;
+  Transfer export_;
+  Transfer import_;
   uint32_t import_length_ = 0;
   Misfits misfits_ = Misfits::kRefuse;
 };

@@ -18,7 +18,7 @@ using nlohmann::json;
 
 namespace {
 
-/// As much as a box takes.
+/// The most that a box accepts.
 constexpr size_t kMaxFile = size_t{64} << 20;
 
 std::string read_standard_input(std::error_code &error) {
@@ -39,7 +39,7 @@ bool is_mask(const json &value) {
   return value.is_string() && value.get_ref<const std::string &>() == box::kMask;
 }
 
-/// Whether the values are the same, as far as the texts tell.
+/// Whether the values are equal. A masked secret equals any other.
 bool same(const json &one, const json &other, bool secret) {
   if (secret && (is_mask(one) || is_mask(other))) return true;
   if (one.type() != other.type() || !one.is_structured()) return one == other;
@@ -91,7 +91,7 @@ class Comparison {
     }
   }
 
-  /// What is alike at both ends is passed over, so that one more element is one difference.
+  /// Skips equal elements at both ends, so that one inserted element is one difference.
   void compare_elements(const json &first, const json &second, const std::string &place,
                         bool secret) {
     size_t begin = 0;

@@ -14,11 +14,11 @@
 
 namespace olt::cli {
 
-/// Parses a document. Throws BadInput for what is not JSON, names a member twice, or nests deeper
-/// than that.
+/// Parses a document. Throws BadInput for text that is not JSON, names a member twice, or nests too
+/// deep.
 nlohmann::ordered_json parse_json(std::string_view text, size_t deepest);
 
-/// A value and where it is. All functions throw BadInput when it is not what they return.
+/// A value and its place. All functions throw BadInput when the value is of another type.
 class JsonValue {
  public:
   JsonValue(const nlohmann::ordered_json &json, std::string place)
@@ -26,7 +26,7 @@ class JsonValue {
 
   /// "PLACE: what; expected WHAT". Throws BadInput.
   [[noreturn]] void refuse(const std::string &what, const std::string &expected) const;
-  /// The same with what is given.
+  /// The same; "what" shows the value.
   [[noreturn]] void refuse(const std::string &expected) const;
 
   uint32_t number(uint32_t min, uint32_t max) const;
@@ -35,7 +35,7 @@ class JsonValue {
 
   /// Refuses an object with other members.
   void take_only(std::initializer_list<const char *> names) const;
-  /// A member that may be missing, and one that may not.
+  /// An optional member and a required one.
   std::optional<JsonValue> find(const char *name) const;
   JsonValue at(const char *name) const;
 

@@ -29,12 +29,12 @@ using catalog::ValueName;
 
 namespace {
 
-/// An object of values in a field in a list of records in a field in a list of fields.
+/// The deepest: values, in a field, in a list, in a record, in a field, in a list.
 constexpr size_t kDeepest = 8;
 constexpr size_t kLongestName = 31;
 constexpr size_t kLongestText = 63;
 constexpr uint32_t kMaxDecimals = 9;
-/// Messages are no longer than that.
+/// The longest message.
 constexpr uint32_t kLongestBlock = UINT16_MAX;
 constexpr std::string_view kReserved = "reserved_";
 
@@ -174,7 +174,7 @@ class Reader {
   Layout take() { return std::move(layout_); }
 
  private:
-  /// A field, and where it is given.
+  /// A field and its place in the document.
   struct Given {
     Field field;
     JsonValue value;
@@ -192,7 +192,7 @@ class Reader {
   Layout layout_;
 };
 
-/// What one kind takes and another does not.
+/// Refuses a member that only fields of these kinds may have.
 void require_kind(const JsonValue &member, const Field &field,
                   std::initializer_list<FieldKind> kinds) {
   if (std::find(kinds.begin(), kinds.end(), field.kind) != kinds.end()) return;
@@ -214,7 +214,7 @@ void Reader::take_records(const JsonValue &records) {
     described.emplace_back(name, fields_in(list, *extent, false));
     if (extent->word != nullptr) require_word(list, described.back().second.front(), *extent);
   });
-  // What is said of one argument holds against what is said of its type.
+  // An argument's own description overrides that of its type.
   std::stable_partition(described.begin(), described.end(),
                         [](const auto &record) { return record.first.starts_with("olt_"); });
   for (auto &[name, fields] : described) layout_.set_fields(name, std::move(fields));
@@ -236,9 +236,9 @@ std::vector<Field> Reader::fields_in(const JsonValue &list, const Extent &extent
     }
     given.push_back({field, value});
   });
-  bool is_told = std::any_of(given.begin(), given.end(),
-                             [](const Given &one) { return one.field.role != Role::kReserved; });
-  if (!is_told) list.refuse("no field is named", "one at least that is not reserved");
+  bool names_any = std::any_of(given.begin(), given.end(),
+                               [](const Given &one) { return one.field.role != Role::kReserved; });
+  if (!names_any) list.refuse("no field is named", "one at least that is not reserved");
   return without_gaps(std::move(given), extent);
 }
 
@@ -252,7 +252,7 @@ Field Reader::field_in(const JsonValue &value, const Extent &extent, bool is_inn
   JsonValue name = value.at("name");
   JsonValue offset = value.at("offset");
   uint32_t end = extent.is_open || extent.size == 0 ? kLongestBlock : extent.size;
-  // Blocks with a head are as long as the head at least.
+  // A block with a head is at least as long as the head.
   if (extent.is_open && extent.size != 0) end = extent.size + 1;
   Field field{.name = layout_.keep(identifier(name, "_")),
               .offset = offset.number(0, end - 1),
@@ -275,7 +275,7 @@ Field Reader::field_in(const JsonValue &value, const Extent &extent, bool is_inn
   return field;
 }
 
-/// What is in each of the records. They are as long as their fields unless a size is given.
+/// Reads the fields of repeated records. Without a size, a record ends with its last field.
 void Reader::take_record(const JsonValue &value, Field &field) {
   std::optional<JsonValue> record = value.find("record");
   if (record) require_kind(*record, field, {FieldKind::kRecords});

@@ -5,6 +5,7 @@
 
 #include <string_view>
 
+#include "cli/layout/reader.h"
 #include "cli/text/field_forms.h"
 
 namespace olt::cli {
@@ -18,7 +19,6 @@ using catalog::Role;
 using nlohmann::ordered_json;
 
 namespace {
-
 
 ordered_json fields_json(std::span<const Field> fields);
 
