@@ -12,6 +12,15 @@ namespace olt::catalog {
 
 namespace {
 
+constexpr ImagePieces kBoxPieces = {.head_size = sizeof(box::UpdatePiece),
+                                    .length_offset = offsetof(box::UpdatePiece, total),
+                                    .position_offset = offsetof(box::UpdatePiece, offset),
+                                    .piece_size = 65'536,
+                                    .max_size = box::kMaxImage,
+                                    .progress_offset = offsetof(box::UpdateProgress, progress),
+                                    .complete = box::kUpdateComplete,
+                                    .failed = box::kUpdateFailed};
+
 bool is_block(const Argument &argument) {
   return argument.kind == Kind::kBlock || argument.kind == Kind::kReplyBlock;
 }
@@ -124,6 +133,8 @@ Layout::Layout()
                       .record_offset = offsetof(box::VlanRow, selector),
                       .this_row = box::kThisRow,
                       .next_row = box::kNextRow}),
+      olt_update_(kBoxPieces),
+      onu_update_(kBoxPieces),
       target_fields_(kBoxTargetFields) {
   for (uint16_t status = 0; status <= static_cast<uint16_t>(box::Status::kOffline); ++status) {
     statuses_[status] = box::status_text(status);
@@ -136,6 +147,8 @@ Layout::Layout(std::string name, const Layout &base)
       status_source_(base.status_source_),
       end_of_table_(base.end_of_table_),
       row_selection_(base.row_selection_),
+      olt_update_(base.olt_update_),
+      onu_update_(base.onu_update_),
       target_fields_(base.target_fields_) {
   for (const Family &family : base.families_) {
     operations_.emplace_back(family.operations.begin(), family.operations.end());
@@ -147,6 +160,8 @@ void Layout::forget_meanings() {
   statuses_.clear();
   end_of_table_.reset();
   row_selection_.reset();
+  olt_update_.reset();
+  onu_update_.reset();
   target_fields_ = kNamedFieldsOf<olt_ont_target>;
   std::map<std::string_view, std::span<const Field>> named;
   for (std::vector<Operation> &operations : operations_) {

@@ -24,6 +24,18 @@ struct RowSelection {
   uint32_t next_row;
 };
 
+/// The pieces in which a firmware image is sent, and how the modules say how far an update is.
+struct ImagePieces {
+  uint32_t head_size;        ///< bytes in front of those of the image
+  uint32_t length_offset;    ///< of the word in the head with the image's length
+  uint32_t position_offset;  ///< of the word in the head with the piece's offset in the image
+  uint32_t piece_size;       ///< bytes of the image in every piece but the last
+  uint32_t max_size;         ///< of an image
+  uint32_t progress_offset;  ///< of the word in the answer with the progress
+  uint32_t complete;         ///< the progress of a complete update
+  uint32_t failed;           ///< the progress of a failed one
+};
+
 /// The bytes that a layout may describe under one name.
 struct Extent {
   uint32_t size = 0;           ///< of a record; of a block, those that it has at least
@@ -55,6 +67,8 @@ class Layout {
   const std::string &status_source() const { return status_source_; }
   std::optional<uint16_t> end_of_table() const { return end_of_table_; }
   const std::optional<RowSelection> &row_selection() const { return row_selection_; }
+  const std::optional<ImagePieces> &olt_update() const { return olt_update_; }
+  const std::optional<ImagePieces> &onu_update() const { return onu_update_; }
   /// Fields of an ONT's record; those that name a row are the index of a table.
   std::span<const Field> target_fields() const { return target_fields_; }
 
@@ -69,6 +83,8 @@ class Layout {
   void set_statuses(std::map<uint16_t, std::string> statuses);
   void set_end_of_table(uint16_t status) { end_of_table_ = status; }
   void set_row_selection(const RowSelection &selection) { row_selection_ = selection; }
+  void set_olt_update(const ImagePieces &pieces) { olt_update_ = pieces; }
+  void set_onu_update(const ImagePieces &pieces) { onu_update_ = pieces; }
 
   // Texts and lists that fields point to live as long as the layout.
 
@@ -94,6 +110,8 @@ class Layout {
   std::string status_source_;
   std::optional<uint16_t> end_of_table_;
   std::optional<RowSelection> row_selection_;
+  std::optional<ImagePieces> olt_update_;
+  std::optional<ImagePieces> onu_update_;
   std::span<const Field> target_fields_;
 };
 

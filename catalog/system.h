@@ -115,7 +115,7 @@ inline constexpr Operation kFirmwareUpdate[] = {
     example("request=040000000000000001020304",
             OLT_OPERATION(do_handle_epon_updatestream_onu, within(60, 64),
                           "Sends a piece of an ONU firmware update",
-                          {laid_out("update_piece", kUpdatePieceFields, "request"),
+                          {laid_out("onu_update_piece", kUpdatePieceFields, "request"),
                            laid_out("update_answer", kUpdateAnswerFields,
                                     sized(sizeof(box::UpdateProgress), "answer"))})),
     OLT_OPERATION(get_card_updatestatus, 61, "Reads the progress of the card's firmware update",

@@ -2,6 +2,7 @@
 #ifndef OLT_CATALOG_VALUE_NAMES_H
 #define OLT_CATALOG_VALUE_NAMES_H
 
+#include "box/wire/records.h"
 #include "catalog/operation.h"
 
 namespace olt::catalog {
@@ -15,7 +16,7 @@ inline constexpr ValueName kReadWrite[] = {{0, "read"}, {1, "write"}};
 inline constexpr ValueName kUserOperations[] = {
     {0, "look-up"}, {1, "add"}, {2, "delete"}, {3, "modify"}};
 inline constexpr ValueName kUpdateProgress[] = {
-    {0, "idle"}, {100, "complete"}, {0x80000001, "failed"}};
+    {0, "idle"}, {box::kUpdateComplete, "complete"}, {box::kUpdateFailed, "failed"}};
 inline constexpr ValueName kLogLevels[] = {{0, "emergency"}, {1, "alert"},   {2, "critical"},
                                            {3, "error"},     {4, "warning"}, {5, "notice"},
                                            {6, "info"},      {7, "debug"}};

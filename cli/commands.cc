@@ -266,6 +266,35 @@ std::string details_of_config() {
          "  Example: config export site.json\n";
 }
 
+// update
+
+const UpdateTarget &target_named(const std::string &name) {
+  for (const UpdateTarget &target : update_targets()) {
+    if (target.name == name) return target;
+  }
+  wrong_usage("update: '{}' given; expected olt or onu", printable(name));
+}
+
+void run_update(Session &session, Arguments words) {
+  const UpdateTarget &target = target_named(words.size() > 1 ? words[1] : "");
+  if (words.size() < 3) wrong_usage("update {}: no file is given; expected one", target.name);
+  session.run_update(target, words[2], words.subspan(3));
+}
+
+Words words_of_update(Arguments words) {
+  return words.size() == 1 ? Words{"olt", "onu"} : Words{};
+}
+
+std::string details_of_update() {
+  return "  Sends the image in pieces, shows how far it is, and follows the update to its end. "
+         "Asks "
+         "first\n"
+         "  at a terminal unless --yes is given. Ctrl-C ends it between two pieces. FIELD=VALUE "
+         "sets a\n"
+         "  field in the head of each piece where the layout has one.\n"
+         "  Example: --yes update olt image.bin\n";
+}
+
 constexpr Command kCommands[] = {
     {"list", "list [WORD]", "Lists the operations, or those about WORD", run_list},
     {"help", "help [OPERATION]", "Says what an operation takes, with an example", run_help,
@@ -282,6 +311,9 @@ constexpr Command kCommands[] = {
     {"layout", "layout list\nlayout check FILE\nlayout show [LAYOUT]",
      "Lists, checks and shows layouts: what bytes mean", run_layout, words_of_layout,
      details_of_layout},
+    {"update", "update olt FILE [FIELD=VALUE...]\nupdate onu FILE [FIELD=VALUE...]",
+     "Updates the firmware of the OLT or of ONUs from a file", run_update, words_of_update,
+     details_of_update},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash",
      "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,

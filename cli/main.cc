@@ -71,6 +71,7 @@ int main(int argc, char **argv) {
     return olt::cli::kDone;
   } catch (const Error &error) {
     report(error);
+    olt::cli::end_by_noted_signal();
     return error.status();
   } catch (const std::exception &error) {
     static_cast<void>(std::fprintf(stderr, "oltctl: %s\n", error.what()));

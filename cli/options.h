@@ -14,6 +14,7 @@ namespace olt::cli {
 struct Options {
   Format format = Format::kText;
   bool trace = false;
+  bool yes = false;  ///< answers questions
   Detail detail;
   std::string layout;  ///< a name or a file
   BoxOptions box;

@@ -13,6 +13,8 @@
 #include "cli/output/listing_reader.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
+#include "cli/text/question.h"
+#include "cli/update/display.h"
 #include "cli/walk/walk.h"
 
 namespace olt::cli {
@@ -135,6 +137,26 @@ void Session::run_config_diff(const std::string &from, const std::string &to) {
     print(differences_text(differences));
   }
   if (!differences.empty()) fail("config diff: {}", counted(differences.size(), "difference"));
+}
+
+void Session::run_update(const UpdateTarget &target, const std::string &path,
+                         std::span<const std::string> fields) {
+  Update update(target, layout(), path, fields);
+  bool asks = !options_.yes && !options_.script && can_confirm();
+  if (asks && !confirm(fmt::format("update {}: {} of {} replace the firmware. Go on?", target.name,
+                                   counted(update.image().size(), "byte"), printable(path)))) {
+    fail("update {}: not confirmed, nothing was sent; expected y, or --yes", target.name);
+  }
+  box_.open();
+  std::unique_ptr<UpdateDisplay> display =
+      make_update_display(options_.format, target.name, update.image().size());
+  try {
+    update.run(box_, *display);
+  } catch (const Error &error) {
+    display->failed(error, update.sent());
+    throw;
+  }
+  display->complete();
 }
 
 void Session::run_control(const ControlRequest &request) {

@@ -12,6 +12,7 @@
 #include "cli/box/control_client.h"
 #include "cli/options.h"
 #include "cli/output/format.h"
+#include "cli/update/update.h"
 
 namespace olt::cli {
 
@@ -23,6 +24,10 @@ class Session {
 
   void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
   void run_walk(const std::string &reader);
+  /// Sends a firmware image and follows the update to its end.
+  /// @param fields of the head of each piece, as FIELD=VALUE
+  void run_update(const UpdateTarget &target, const std::string &path,
+                  std::span<const std::string> fields);
   void run_control(const ControlRequest &request);
   /// Writes the box's configuration to a file; to standard output when the path is empty.
   void run_config_export(const std::string &path);

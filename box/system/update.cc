@@ -11,8 +11,6 @@ namespace olt::box {
 namespace {
 
 constexpr size_t kMaxPiece = size_t{16} * 1024 * 1024;
-constexpr uint32_t kMaxImage = 268'435'456;
-constexpr uint32_t kUpdateFailed = 0x80000001;
 
 /// A firmware image that arrives in pieces.
 class UpdateStream {
@@ -39,7 +37,7 @@ class UpdateStream {
   uint32_t progress() const {
     if (state_ == State::kIdle) return 0;
     if (state_ == State::kFailed) return kUpdateFailed;
-    if (state_ == State::kComplete) return 100;
+    if (state_ == State::kComplete) return kUpdateComplete;
     return std::clamp(static_cast<uint32_t>(uint64_t{received_} * 100 / total_), 1U, 99U);
   }
 

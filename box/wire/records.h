@@ -131,6 +131,10 @@ struct UpdateProgress {
 static_assert(sizeof(UpdateProgress) == 8);
 OLT_AT(UpdateProgress, progress, 4);
 
+inline constexpr uint32_t kMaxImage = 268'435'456;
+inline constexpr uint32_t kUpdateComplete = 100;
+inline constexpr uint32_t kUpdateFailed = 0x80000001;
+
 // Listings.
 
 /// Asks for a listing about an Ethernet port or a PON interface.

@@ -6,6 +6,16 @@ namespace olt::cli {
 
 namespace {
 
+std::atomic<bool> is_watched = false;
+std::atomic<bool> is_deferred = false;
+std::atomic<int> noted_signal = 0;
+
+/// @return whether the signal only had to be noted
+bool note(int signal) {
+  int none = 0;
+  return is_deferred && noted_signal.compare_exchange_strong(none, signal);
+}
+
 bool is_ignored(int signal) {
   struct sigaction action {};
   sigaction(signal, nullptr, &action);
@@ -27,6 +37,7 @@ EndSignals::EndSignals(std::function<void()> before_end) {
   sigemptyset(&signals_);
   for (int signal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&signals_, signal);
   pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
+  is_watched = true;
   thread_ = std::thread([this, before_end = std::move(before_end)] { wait(before_end); });
 }
 
@@ -35,6 +46,7 @@ EndSignals::~EndSignals() {
   // Wakes the thread.
   pthread_kill(thread_.native_handle(), SIGHUP);
   thread_.join();
+  is_watched = false;
   pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
 }
 
@@ -43,9 +55,29 @@ void EndSignals::wait(const std::function<void()> &before_end) const {
   do {
     sigwait(&signals_, &signal);
     if (is_over_) return;
-  } while (is_ignored(signal));
+  } while (is_ignored(signal) || note(signal));
   before_end();
   end_by(signal);
+}
+
+DeferredEnd::DeferredEnd() {
+  is_deferred = true;
+}
+
+DeferredEnd::~DeferredEnd() {
+  is_deferred = false;
+}
+
+bool DeferredEnd::is_due() const {
+  if (is_watched) return noted_signal != 0;
+  sigset_t pending;
+  sigpending(&pending);
+  return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||
+         sigismember(&pending, SIGHUP) == 1;
+}
+
+void end_by_noted_signal() {
+  if (noted_signal != 0) end_by(noted_signal);
 }
 
 }  // namespace olt::cli

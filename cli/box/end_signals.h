@@ -28,6 +28,22 @@ class EndSignals {
   std::thread thread_;
 };
 
+/// While it exists, the first such signal is only noted, so that work can end where it does no
+/// harm. A second one ends the program at once. There is one at a time, on the main thread.
+class DeferredEnd {
+ public:
+  DeferredEnd();
+  DeferredEnd(const DeferredEnd &) = delete;
+  DeferredEnd &operator=(const DeferredEnd &) = delete;
+  ~DeferredEnd();
+
+  /// Whether a signal has been noted, or is pending while no EndSignals exists.
+  bool is_due() const;
+};
+
+/// Ends the program by the signal that was noted, if one was.
+void end_by_noted_signal();
+
 }  // namespace olt::cli
 
 #endif

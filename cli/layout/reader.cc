@@ -17,6 +17,7 @@
 #include "cli/text/field_forms.h"
 #include "cli/text/number_text.h"
 #include "oltmgmt.h"
+#include "platform/olthost.h"
 
 namespace olt::cli {
 
@@ -158,6 +159,33 @@ std::string reserved_name(uint32_t offset) {
   return fmt::format("{}{:02x}", kReserved, offset);
 }
 
+// Firmware updates.
+
+catalog::ImagePieces pieces_in(const JsonValue &pieces) {
+  pieces.take_only({"head_size", "length_offset", "position_offset", "piece_size", "max_size",
+                    "progress_offset", "complete", "failed"});
+  constexpr uint32_t kWord = sizeof(uint32_t);
+  uint32_t head = pieces.at("head_size").number(2 * kWord, kLongestBlock);
+  catalog::ImagePieces read{
+      .head_size = head,
+      .length_offset = pieces.at("length_offset").number(0, head - kWord),
+      .position_offset = pieces.at("position_offset").number(0, head - kWord),
+      .piece_size = pieces.at("piece_size").number(1, OLT_REQUEST_LIMIT - head),
+      .max_size = pieces.at("max_size").number(1, UINT32_MAX),
+      .progress_offset = pieces.at("progress_offset").number(0, kLongestBlock - kWord),
+      .complete = pieces.at("complete").number(0, UINT32_MAX),
+      .failed = pieces.at("failed").number(0, UINT32_MAX)};
+  bool overlap = read.position_offset < read.length_offset + kWord &&
+                 read.length_offset < read.position_offset + kWord;
+  if (overlap) {
+    pieces.at("position_offset")
+        .refuse(fmt::format("an offset outside the word at {}, the image's length",
+                            read.length_offset));
+  }
+  if (read.failed == read.complete) pieces.at("failed").refuse("a number other than 'complete'");
+  return read;
+}
+
 // Fields.
 
 class Reader {
@@ -167,6 +195,8 @@ class Reader {
   void take_records(const JsonValue &records);
   void take_statuses(const JsonValue &statuses);
   void take_row_selection(const JsonValue &selection);
+  void take_olt_update(const JsonValue &pieces) { layout_.set_olt_update(pieces_in(pieces)); }
+  void take_onu_update(const JsonValue &pieces) { layout_.set_onu_update(pieces_in(pieces)); }
   void take_end_of_table(const JsonValue &status) {
     layout_.set_end_of_table(static_cast<uint16_t>(status.number(1, UINT16_MAX)));
   }
@@ -407,8 +437,8 @@ const Layout &base_of(const JsonValue &document) {
 Layout parse_layout(std::string_view text) {
   nlohmann::ordered_json json = parse_json(text, kDeepest);
   JsonValue document(json, "");
-  document.take_only(
-      {"version", "name", "base", "records", "statuses", "end_of_table", "row_selection"});
+  document.take_only({"version", "name", "base", "records", "statuses", "end_of_table",
+                      "row_selection", "olt_update", "onu_update"});
   document.at("version").number(kLayoutVersion, kLayoutVersion);
   JsonValue named = document.at("name");
   std::string name = identifier(named, "-_.");
@@ -420,6 +450,8 @@ Layout parse_layout(std::string_view text) {
   if (auto statuses = document.find("statuses")) reader.take_statuses(*statuses);
   if (auto status = document.find("end_of_table")) reader.take_end_of_table(*status);
   if (auto selection = document.find("row_selection")) reader.take_row_selection(*selection);
+  if (auto pieces = document.find("olt_update")) reader.take_olt_update(*pieces);
+  if (auto pieces = document.find("onu_update")) reader.take_onu_update(*pieces);
   return reader.take();
 }
 

@@ -65,6 +65,17 @@ void add_record(const Layout &layout, const Operation &operation, const Argument
   if (!records.contains(name)) records[name] = fields_json(argument.fields);
 }
 
+ordered_json pieces_json(const catalog::ImagePieces &pieces) {
+  return {{"head_size", pieces.head_size},
+          {"length_offset", pieces.length_offset},
+          {"position_offset", pieces.position_offset},
+          {"piece_size", pieces.piece_size},
+          {"max_size", pieces.max_size},
+          {"progress_offset", pieces.progress_offset},
+          {"complete", pieces.complete},
+          {"failed", pieces.failed}};
+}
+
 /// A line for each field.
 std::string records_text(const ordered_json &records) {
   std::string text;
@@ -107,6 +118,8 @@ std::string layout_text(const Layout &layout) {
                           {"this", selection->this_row},
                           {"next", selection->next_row}});
   }
+  if (const auto &pieces = layout.olt_update()) add("olt_update", pieces_json(*pieces));
+  if (const auto &pieces = layout.onu_update()) add("onu_update", pieces_json(*pieces));
   return text + "\n}\n";
 }
 

@@ -30,7 +30,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
-  EXPECT_EQ(candidates(Words{}, "").size(), operations + 9U);
+  EXPECT_EQ(candidates(Words{}, "").size(), operations + 10U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -135,7 +135,7 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   offered.erase(0, offered.find("options='--") + 9);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);
-  EXPECT_EQ(options.size(), 14U);
+  EXPECT_EQ(options.size(), 15U);
   EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
 }
 

@@ -2,6 +2,7 @@
 #include "cli/layout/reader.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <optional>
@@ -127,7 +128,7 @@ TEST(LayoutReader, RefusesWhatIsNoLayout) {
             "/name: 'a b' given; expected a letter, then at most 30 letters, digits or - _ .");
   EXPECT_EQ(error_of(document(R"("bass":"box")")),
             "/bass: there is no such member; expected version, name, base, records, statuses, "
-            "end_of_table, row_selection");
+            "end_of_table, row_selection, olt_update, onu_update");
   EXPECT_EQ(error_of(document(R"("base":"acme")")), "/base: 'acme' given; expected box or none");
   EXPECT_EQ(error_of(document(R"("records":[[[[[[[[[1]]]]]]]]])")),
             "/records/0/0/0/0/0/0/0: nests too deep; expected at most 8 levels");
@@ -281,6 +282,37 @@ TEST(LayoutReader, RefusesStatusesAndRowsThatAreWrong) {
             "/row_selection/next: '1' given; expected a number other than 'this'");
 }
 
+TEST(LayoutReader, RefusesPiecesThatCannotBe) {
+  auto error = [](const std::string &changed, const std::string &value) {
+    nlohmann::json pieces = {{"head_size", 8},    {"length_offset", 0}, {"position_offset", 4},
+                             {"piece_size", 100}, {"max_size", 1000},   {"progress_offset", 4},
+                             {"complete", 100},   {"failed", 101}};
+    pieces[changed] = nlohmann::json::parse(value);
+    return error_of(document(R"("onu_update":)" + pieces.dump()));
+  };
+  EXPECT_EQ(error("complete", "99"), "no error");
+  EXPECT_EQ(error("head_size", "7"),
+            "/onu_update/head_size: '7' given; expected a number from 8 to 65535");
+  EXPECT_EQ(error("length_offset", "5"),
+            "/onu_update/length_offset: '5' given; expected a number from 0 to 4");
+  EXPECT_EQ(error("position_offset", "3"),
+            "/onu_update/position_offset: '3' given; expected an offset outside the word at 0, the "
+            "image's length");
+  EXPECT_EQ(error("piece_size", "0"),
+            "/onu_update/piece_size: '0' given; expected a number from 1 to 16777208");
+  EXPECT_EQ(error("max_size", "0"),
+            "/onu_update/max_size: '0' given; expected a number from 1 to 4294967295");
+  EXPECT_EQ(error("progress_offset", "65532"),
+            "/onu_update/progress_offset: '65532' given; expected a number from 0 to 65531");
+  EXPECT_EQ(error("failed", "100"),
+            "/onu_update/failed: '100' given; expected a number other than 'complete'");
+  EXPECT_EQ(error("rest", "1"),
+            "/onu_update/rest: there is no such member; expected head_size, length_offset, "
+            "position_offset, piece_size, max_size, progress_offset, complete, failed");
+  EXPECT_EQ(error_of(document(R"("olt_update":{"head_size":8})")),
+            "/olt_update: 'length_offset' is missing; expected it");
+}
+
 TEST(LayoutReader, ShowsNoMoreOfAValueThanALineTakes) {
   EXPECT_EQ(error_of(R"({"version":")" + std::string(1000, 'x') + R"("})"),
             "/version: '" + std::string(40, 'x') + "...' given; expected 1");
@@ -339,6 +371,9 @@ TEST(LayoutMeanings, TheBoxsLayoutCanBeWrittenDown) {
   EXPECT_EQ(copy.row_selection()->record_offset, 0U);
   EXPECT_EQ(copy.row_selection()->this_row, 1U);
   EXPECT_EQ(copy.row_selection()->next_row, 2U);
+  EXPECT_EQ(copy.olt_update()->piece_size, 65536U);
+  EXPECT_EQ(copy.olt_update()->failed, 0x80000001U);
+  EXPECT_EQ(copy.onu_update()->position_offset, 4U);
   EXPECT_EQ(olt::cli::layout_text(parse_layout(text)), text);
 }
 
@@ -348,6 +383,8 @@ TEST(LayoutMeanings, NoneHasTheFieldsOfTheHeaderAlone) {
   EXPECT_TRUE(none.statuses().empty());
   EXPECT_FALSE(none.end_of_table());
   EXPECT_FALSE(none.row_selection());
+  EXPECT_FALSE(none.olt_update());
+  EXPECT_FALSE(none.onu_update());
   auto port = none.find("get_snmp_olt_port_status")->arguments()[0].fields;
   ASSERT_EQ(port.size(), 19U);
   EXPECT_STREQ(port[6].name, "link_duplex");
