@@ -223,28 +223,41 @@ TEST_F(UpdateOfTheBox, RedrawsOneLineOfATerminal) {
   ASSERT_EQ(oltctl_({"fault", "add", "type=64", "delay_ms=150"}).status, 0);
   Terminal terminal = at_terminal({"--yes", "update", "onu", image(262144)});
   EXPECT_TRUE(terminal.shows("\rupdate onu: 25 %, 64.0 KiB of 256.0 KiB, "));
-  EXPECT_TRUE(terminal.shows(" KiB/s, 1s left"));
+  EXPECT_TRUE(terminal.shows(" KiB/s, "));
+  EXPECT_TRUE(terminal.shows("s left"));
   EXPECT_TRUE(terminal.shows("\rupdate onu: 50 %, 128.0 KiB of 256.0 KiB, "));
   EXPECT_TRUE(terminal.shows("\rupdate onu: 75 %, 192.0 KiB of 256.0 KiB, "));
   EXPECT_TRUE(terminal.shows("\rupdate onu: 100 %, 256.0 KiB of 256.0 KiB, "));
   EXPECT_TRUE(terminal.shows(" KiB/s, 0s left"));
-  EXPECT_TRUE(terminal.shows("\r\nupdate onu: complete, 262144 bytes in 0."));
+  EXPECT_TRUE(terminal.shows("\r\nupdate onu: complete, 262144 bytes in "));
   EXPECT_EQ(terminal.end(), 0);
   EXPECT_EQ(std::count(terminal.transcript().begin(), terminal.transcript().end(), '\n'), 2);
+}
+
+/// Presses Ctrl-C during an update of ten pieces. @return how many of them the box has confirmed
+uint32_t interrupt(Terminal &terminal) {
+  EXPECT_TRUE(terminal.shows("update olt: 20 %")) << terminal.transcript();
+  terminal.type("\x03");
+  std::string before = "\r\nupdate olt: interrupted; the box has confirmed ";
+  EXPECT_TRUE(terminal.shows(before)) << terminal.transcript();
+  EXPECT_TRUE(terminal.shows(" of 655360 bytes; the next update starts from the beginning\r\n"))
+      << terminal.transcript();
+  std::string number = terminal.transcript().substr(terminal.transcript().find(before));
+  unsigned long bytes = std::stoul(number.substr(before.size()));
+  EXPECT_EQ(bytes % 65536, 0U);
+  EXPECT_GE(bytes, 131072U);
+  EXPECT_LT(bytes, 655360U);
+  return static_cast<uint32_t>(bytes / 65536);
 }
 
 TEST_F(UpdateOfTheBox, EndsBetweenTwoPiecesOnCtrlC) {
   ASSERT_EQ(oltctl_({"fault", "add", "type=11", "delay_ms=200"}).status, 0);
   Terminal terminal = at_terminal({"--yes", "update", "olt", image(655360)});
-  ASSERT_TRUE(terminal.shows("update olt: 20 %")) << terminal.transcript();
-  terminal.type("\x03");
-  EXPECT_TRUE(
-      terminal.shows("\r\nupdate olt: interrupted; the box has confirmed 196608 of 655360 "
-                     "bytes; the next update starts from the beginning\r\n"))
-      << terminal.transcript();
+  uint32_t pieces = interrupt(terminal);
   EXPECT_EQ(terminal.end(), 128 + SIGINT);
-  // The embedded box was kept: 3 of 10 pieces.
-  EXPECT_EQ(oltctl_({"get_card_updatestatus"}).output, "value = 30 %\n");
+  // The embedded box was kept.
+  EXPECT_EQ(oltctl_({"get_card_updatestatus"}).output,
+            "value = " + std::to_string(pieces * 10) + " %\n");
 }
 
 TEST_F(UpdateOfTheBox, InTheShellCtrlCEndsTheUpdateAlone) {
@@ -255,9 +268,7 @@ TEST_F(UpdateOfTheBox, InTheShellCtrlCEndsTheUpdateAlone) {
   shell.type("update olt " + file + "\r");
   ASSERT_TRUE(shell.shows("Go on? [y/N] ")) << shell.transcript();
   shell.type("y\r");
-  ASSERT_TRUE(shell.shows("update olt: 20 %")) << shell.transcript();
-  shell.type("\x03");
-  EXPECT_TRUE(shell.shows("update olt: interrupted; the box has confirmed 196608 of 655360 bytes"));
+  interrupt(shell);
   ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
   shell.type("exit\r");
   EXPECT_EQ(shell.end(), 0);
