@@ -12,6 +12,7 @@
 #include "base/text.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
+#include "oltmgmt.h"
 
 namespace olt::cli {
 

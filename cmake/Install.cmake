@@ -2,6 +2,8 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 install(TARGETS oltmgmt oltmgmt_static EXPORT oltmgmt)
 install(FILES include/oltmgmt.h include/oltplatform.h TYPE INCLUDE)
+install(DIRECTORY examples TYPE DOC
+  FILES_MATCHING PATTERN *.c PATTERN *.cc PATTERN CMakeLists.txt PATTERN Makefile)
 
 # For find_package(oltmgmt).
 set(OLT_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/oltmgmt)

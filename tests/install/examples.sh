@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Installs a build under a temporary prefix and moves it. Builds the examples against what was moved,
+# Installs a build under a temporary prefix and moves it. Builds the installed examples against it,
 # through pkg-config and through CMake's find_package. Runs them and the programs in an empty
 # environment: only the files may tell them where the libraries are.
-# usage: examples.sh BUILD_FOLDER EXAMPLES_FOLDER
+# usage: examples.sh BUILD_FOLDER SKELETON_CHECK
 set -euo pipefail
 
 work=$(mktemp -d)
@@ -38,11 +38,23 @@ for file in "$prefix"/bin/* "$prefix"/lib/*.so.?; do
   ! readelf -SW "$file" | grep -q ' \.symtab ' || fail "$file is not stripped"
 done
 
-cp -r "$2" "$work/with_make"
-PKG_CONFIG_PATH=$prefix/lib/pkgconfig make -C "$work/with_make" \
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+examples=$prefix/share/doc/oltmgmt/examples
+cp -r "$examples" "$work/with_make"
+make -C "$work/with_make" \
   CFLAGS='-Wall -Wextra -Werror' CXXFLAGS='-Wall -Wextra -Werror' >"$work/make.log"
-cmake -S "$2" -B "$work/with_cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+cmake -S "$examples" -B "$work/with_cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$work/with_cmake" >/dev/null
+
+# Without a box, over the skeleton of a platform library.
+for folder in "$work/with_make" "$work/with_cmake"; do
+  expect 02:00:5e:10:20:30 "$folder/mac_address_alone"
+done
+# shellcheck disable=SC2046
+"${CC:-cc}" -std=c11 -Wall -Wextra -Wpedantic -Wconversion -Werror "$2" \
+  "$examples/platform_skeleton.c" $(pkg-config --cflags --libs oltmgmt) \
+  -Wl,-rpath,"$prefix/lib" -pthread -o "$work/skeleton_check"
+expect 'all checks passed' "$work/skeleton_check"
 
 # Without exec, the job would be a shell of this script.
 (exec env -i OLT_RUN_DIR="$work/run" HOME="$work/home" "$prefix/bin/oltbox" --state-dir "$work/state" >"$work/output") &
