@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "cli/box/configuration.h"
+#include "cli/box/flash_progress.h"
 #include "cli/call/call.h"
 #include "cli/call/exchanges.h"
 #include "cli/call/result_text.h"
@@ -53,12 +54,15 @@ const catalog::Layout &Session::layout() {
 void Session::run_operation(const Operation &operation, std::span<const std::string> words) {
   Call call(operation);
   read_arguments(call, words);
+  std::optional<FlashProgress> progress;
   if (operation.address.sends()) {
     box_.open();
   } else {
     box_.open_flash(operation.name);
+    progress.emplace(operation.name);
   }
   int32_t code = call.make();
+  progress.reset();
   Result result = result_of(call, code, options_.detail);
   if (!result.failed()) write_files(call);
   std::optional<Error> unread;

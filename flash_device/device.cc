@@ -13,9 +13,6 @@ namespace olt::flash_device {
 
 namespace {
 
-constexpr uint32_t kErase = 0x80084D02;
-constexpr uint32_t kEraseBlock = 0x1000;
-
 class Lock {
  public:
   explicit Lock(pthread_mutex_t &mutex) : mutex_(mutex) { pthread_mutex_lock(&mutex_); }
@@ -204,7 +201,7 @@ int Device::control(int descriptor, uint32_t request, const void *argument) {
   if (fails(fault)) return fail(fault->error);
   const Opened *opened = find(descriptor);
   if (opened == nullptr) return fail(EBADF);
-  if (request != kErase) return fail(ENOTTY);
+  if (request != kEraseRequest) return fail(ENOTTY);
   EraseRequest erase_request{};
   memcpy(&erase_request, argument, sizeof erase_request);
   return erase(*opened, erase_request);

@@ -12,7 +12,9 @@
 
 namespace olt::flash_device {
 
-/// The argument of an erase request.
+/// The number of an erase request, what it must be a multiple of, and its argument.
+constexpr uint32_t kEraseRequest = 0x80084D02;
+constexpr uint32_t kEraseBlock = 0x1000;
 struct EraseRequest {
   uint32_t start;
   uint32_t length;

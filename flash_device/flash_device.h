@@ -28,6 +28,16 @@ bool redirect(const char *image, char (&error)[kErrorLength], const Options &opt
 /// From now on "/dev/mtd0" is the machine's own device again, as it is before any redirect.
 void off();
 
+enum class Activity { kRead, kErase, kWrite };
+
+/// @param done bytes of the call's total so far
+using Watcher = void (*)(void *context, Activity activity, size_t done, size_t total);
+
+/// From now on, a read, erase or write of more than 64 KiB of "/dev/mtd0", simulated or the
+/// machine's own, is made in parts, and the watcher is called after each. Only for descriptors that
+/// are opened from now on. Null ends it. Must not run while another thread uses the device.
+void watch(Watcher watcher, void *context);
+
 }  // namespace olt::flash_device
 
 #endif

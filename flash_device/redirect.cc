@@ -7,6 +7,7 @@
 #include "flash_device/device.h"
 #include "flash_device/flash_device.h"
 #include "flash_device/image.h"
+#include "flash_device/parts.h"
 
 namespace olt::flash_device {
 
@@ -41,6 +42,10 @@ bool redirect(const char *image, char (&error)[kErrorLength], const Options &opt
 
 void off() {
   device.detach();
+}
+
+void watch(Watcher watcher, void *context) {
+  parts.watch(watcher, context);
 }
 
 }  // namespace olt::flash_device

@@ -51,7 +51,7 @@ Progress::Progress(std::string title, uint64_t total)
       pace_(total) {}
 
 Progress::~Progress() {
-  if (columns_ != 0) fmt::print(stderr, "\n");
+  if (columns_ != 0) static_cast<void>(std::fputc('\n', stderr));
 }
 
 void Progress::show(uint64_t done) {
@@ -82,14 +82,15 @@ std::string Progress::line(uint64_t done) const {
 
 void Progress::write(const std::string &text) {
   std::string line = fmt::format("{}: {}", title_, text);
-  if (!is_terminal_) {
-    fmt::print(stderr, "{}\n", line);
-    return;
+  if (is_terminal_) {
+    line.resize(std::min(line.size(), room()));
+    size_t columns = std::exchange(columns_, line.size());
+    line = fmt::format("\r{:<{}}", line, columns);
+  } else {
+    line += '\n';
   }
-  line.resize(std::min(line.size(), room()));
-  size_t columns = std::exchange(columns_, line.size());
-  fmt::print(stderr, "\r{:<{}}", line, columns);
-  static_cast<void>(std::fflush(stderr));
+  // There is nowhere to report a failure to.
+  static_cast<void>(std::fputs(line.c_str(), stderr));
 }
 
 std::string size_text(uint64_t bytes) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/cli/program.h"
+#include "tests/cli/terminal.h"
 
 namespace olt::test {
 
@@ -145,6 +146,48 @@ TEST(Flash, IsNeverTheMachinesOwnByAccident) {
   EXPECT_EQ(real.status, 1);
   EXPECT_FALSE(std::filesystem::exists(oltctl.folder().path() + "/oltmgmt"));
   EXPECT_EQ(oltctl({"--real-flash", "get_olt_mac"}).status, 0);
+}
+
+/// Types a command of 150,000 bytes into a terminal and looks at what it shows.
+void expect_progress(const Oltctl &oltctl, std::vector<std::string> options,
+                     const std::vector<std::string> &more_environment) {
+  std::string file = oltctl.folder().write("large", std::string(150000, 'x'));
+  std::vector<std::string> environment = private_environment(oltctl.folder());
+  environment.insert(environment.end(), more_environment.begin(), more_environment.end());
+  options.insert(options.begin(), OLTCTL);
+  auto with = [&options](std::vector<std::string> words) {
+    words.insert(words.begin(), options.begin(), options.end());
+    return words;
+  };
+  Terminal save(with({"save_to_flash", "5", "@" + file}), environment);
+  EXPECT_TRUE(save.shows("\rsave_to_flash: erasing: 43 %, 64.0 KiB of 148.0 KiB, "));
+  EXPECT_TRUE(save.shows("\rsave_to_flash: erasing: 100 %, 148.0 KiB of 148.0 KiB, "));
+  EXPECT_TRUE(save.shows("\r\n\rsave_to_flash: writing: 43 %, 64.0 KiB of 146.5 KiB, "));
+  EXPECT_TRUE(save.shows("\rsave_to_flash: writing: 100 %, 146.5 KiB of 146.5 KiB, "));
+  EXPECT_TRUE(save.shows("0s left\r\nwritten = 150000\r\n")) << save.transcript();
+  EXPECT_EQ(save.end(), 0);
+  Terminal read(with({"read_from_flash", "5", "150000", "buffer=@" + file}), environment);
+  EXPECT_TRUE(read.shows("\rread_from_flash: reading: 100 %, 146.5 KiB of 146.5 KiB, "));
+  EXPECT_EQ(read.end(), 0);
+  EXPECT_EQ(read_file(file), std::string(150000, 'x'));
+}
+
+TEST(Flash, ShowsTheProgressOfLongTransfersAtATerminal) {
+  Oltctl oltctl;
+  expect_progress(oltctl, {}, {});
+  std::string file = oltctl.folder() / "large";
+  EXPECT_EQ(oltctl({"save_to_flash", "5", "@" + file}).errors, "");
+}
+
+// The preloaded device stands for one of the machine's own.
+TEST(Flash, ShowsTheProgressOfTheMachinesOwnToo) {
+#ifdef OLT_TEST_SANITIZED
+  GTEST_SKIP() << "sanitizers must be loaded before the device";
+#endif
+  Oltctl oltctl;
+  std::string image = oltctl.folder() / "own.img";
+  expect_progress(oltctl, {"--real-flash"}, {"LD_PRELOAD=" OLT_SHIM, "OLT_FLASH_IMAGE=" + image});
+  EXPECT_EQ(read_file(image).substr(0xC1000 + 149999, 2), "x\xff");
 }
 
 TEST(Flash, WrongUsageIsOneLineAndStatusTwo) {

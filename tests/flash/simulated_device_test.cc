@@ -12,7 +12,10 @@
 #include <array>
 #include <cstdio>
 #include <fstream>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "oltmgmt.h"
 #include "tests/flash/flash_image.h"
@@ -21,6 +24,7 @@ namespace olt::test {
 namespace {
 
 using testing::Each;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 int erase(int device, uint32_t start, uint32_t length) {
@@ -48,6 +52,60 @@ class SimulatedDevice : public testing::Test {
 TEST_F(SimulatedDevice, StartsBlank) {
   EXPECT_EQ(std::filesystem::file_size(image.path()), 4194304U);
   EXPECT_TRUE(image.bytes(0, 4194304) == Bytes(4194304, 0xff));
+}
+
+/// The calls of a watcher, as "activity done/total".
+class Watched {
+ public:
+  Watched() { flash_device::watch(take, this); }
+  Watched(const Watched &) = delete;
+  Watched &operator=(const Watched &) = delete;
+  ~Watched() { flash_device::watch(nullptr, nullptr); }
+
+  std::vector<std::string> calls() { return std::exchange(calls_, {}); }
+
+ private:
+  static void take(void *watched, flash_device::Activity activity, size_t done, size_t total) {
+    const char *names[] = {"read", "erase", "write"};
+    static_cast<Watched *>(watched)->calls_.push_back(names[static_cast<int>(activity)] +
+                                                      (" " + std::to_string(done)) + "/" +
+                                                      std::to_string(total));
+  }
+
+  std::vector<std::string> calls_;
+};
+
+TEST_F(SimulatedDevice, ShowsAWatcherThePartsOfLongCalls) {
+  const Bytes data = scattered(150000);
+  Bytes read(150000);
+  Watched watched;
+  ASSERT_EQ(save_to_flash(5, data.data(), 150000), 150000);
+  EXPECT_THAT(watched.calls(),
+              ElementsAre("erase 65536/151552", "erase 131072/151552", "erase 151552/151552",
+                          "write 65536/150000", "write 131072/150000", "write 150000/150000"));
+  EXPECT_TRUE(image.bytes(0xC1000, 150000) == data);
+  ASSERT_EQ(read_from_flash(5, read.data(), 150000), 150000);
+  EXPECT_THAT(watched.calls(),
+              ElementsAre("read 65536/150000", "read 131072/150000", "read 150000/150000"));
+  EXPECT_TRUE(read == data);
+  ASSERT_EQ(read_from_flash(5, read.data(), 65536), 65536);
+  ASSERT_EQ(save_to_flash(5, data.data(), 65536), 65536);
+  EXPECT_THAT(watched.calls(), ElementsAre());
+  flash_device::watch(nullptr, nullptr);
+  ASSERT_EQ(erase_to_flash(5, 0, 0), 0);
+  EXPECT_THAT(watched.calls(), ElementsAre());
+}
+
+TEST_F(SimulatedDevice, EndsACallInPartsWithThePartThatFails) {
+  const Bytes data = scattered(150000);
+  Bytes read(150000);
+  Watched watched;
+  image.restart("write:2:EIO read:2:short=100");
+  EXPECT_EQ(outcome(save_to_flash(5, data.data(), 150000)), "-1 EIO");
+  EXPECT_THAT(watched.calls(), ElementsAre("erase 65536/151552", "erase 131072/151552",
+                                           "erase 151552/151552", "write 65536/150000"));
+  EXPECT_EQ(read_from_flash(5, read.data(), 150000), 65636);
+  EXPECT_THAT(watched.calls(), ElementsAre("read 65536/150000", "read 65636/150000"));
 }
 
 TEST_F(SimulatedDevice, LeavesNoDraftBesideItsImage) {
