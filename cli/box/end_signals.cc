@@ -60,7 +60,7 @@ void EndSignals::wait(const std::function<void()> &before_end) const {
   end_by(signal);
 }
 
-DeferredEnd::DeferredEnd() {
+DeferredEnd::DeferredEnd() : is_watched_(is_watched) {
   is_deferred = true;
 }
 
@@ -69,7 +69,7 @@ DeferredEnd::~DeferredEnd() {
 }
 
 bool DeferredEnd::is_due() const {
-  if (is_watched) return noted_signal != 0;
+  if (is_watched_) return noted_signal != 0;
   sigset_t pending;
   sigpending(&pending);
   return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||

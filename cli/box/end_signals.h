@@ -39,6 +39,9 @@ class DeferredEnd {
 
   /// Whether a signal has been noted, or is pending while no EndSignals exists.
   bool is_due() const;
+
+ private:
+  bool is_watched_;  ///< by an EndSignals
 };
 
 /// Ends the program by the signal that was noted, if one was.

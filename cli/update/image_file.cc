@@ -21,7 +21,8 @@ ImageFile::ImageFile(std::string path, uint32_t max_size)
   if (!file_.is_open() || fstat(file_.get(), &status_) != 0) refuse(std::strerror(errno));
   if (!S_ISREG(status_.st_mode)) refuse("is not a regular file");
   if (status_.st_size == 0) refuse("is empty");
-  if (status_.st_size > max_size) refuse(fmt::format("has {} bytes", status_.st_size));
+  if (static_cast<uint64_t>(status_.st_size) > max_size)
+    refuse(fmt::format("has {} bytes", status_.st_size));
 }
 
 void ImageFile::read(uint32_t position, std::span<uint8_t> piece) const {
