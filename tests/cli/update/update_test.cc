@@ -234,6 +234,15 @@ TEST_F(UpdateOfTheBox, RedrawsOneLineOfATerminal) {
   EXPECT_EQ(std::count(terminal.transcript().begin(), terminal.transcript().end(), '\n'), 2);
 }
 
+TEST_F(UpdateOfTheBox, CutsTheLineOfANarrowTerminal) {
+  Terminal terminal(
+      {"/bin/sh", "-c", "stty cols 20; exec \"$0\" --yes update onu \"$1\"", OLTCTL, image(262144)},
+      private_environment(oltctl_.folder()));
+  EXPECT_TRUE(terminal.shows("\rupdate onu: 100 %, \r\nupdate onu: complete, 262144 bytes in "))
+      << terminal.transcript();
+  EXPECT_EQ(terminal.end(), 0);
+}
+
 /// Presses Ctrl-C during an update of ten pieces. @return how many of them the box has confirmed
 uint32_t interrupt(Terminal &terminal) {
   EXPECT_TRUE(terminal.shows("update olt: 20 %")) << terminal.transcript();
