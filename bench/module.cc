@@ -52,8 +52,8 @@ void PlatformCall::exchange() {
   uint16_t reply_length = 0;
   uint32_t handle = 0;
   uint16_t status = 0;
-  const int32_t result = platmsg_syn_result(116, kModule, request.data(), request.size(), &reply,
-                                            &reply_length, &handle, &status, 0, 10);
+  const int32_t result = function_(116, kModule, request.data(), request.size(), &reply,
+                                   &reply_length, &handle, &status, 0, 10);
   if (result != 0 || status != 0 || reply_length != kReplySize) {
     fail(std::string("an exchange failed: ") + olt_transport_text(result));
   }

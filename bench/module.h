@@ -4,6 +4,7 @@
 #define OLT_BENCH_MODULE_H
 
 #include "bench/contender.h"
+#include "oltplatform.h"
 
 namespace olt::bench {
 
@@ -18,9 +19,16 @@ class Module {
 
 class PlatformCall : public Contender {
  public:
+  using Function = decltype(&platmsg_syn_result);
+
+  explicit PlatformCall(Function function = platmsg_syn_result) : function_(function) {}
+
   std::string name() const override { return "platmsg_syn_result"; }
   void connect() override {}
   void exchange() override;
+
+ private:
+  Function function_;
 };
 
 /// get_olt_auth_mode sends 80 bytes, takes one word of the answer and releases it.

@@ -40,7 +40,10 @@ mkdir -p "$results"
 echo "bench: instructions" >&2
 bench/instructions/run.sh "$build" "$target_build" "$results/instructions.tsv"
 tables=("$results/instructions.tsv")
-for part in growth exchange box state command_line; do
+captures=$(mktemp -d "$results/captures-XXXXXX")
+trap 'rm -rf "$captures"' EXIT
+export OLT_CAPTURE="$captures/%p.pcapng"  # for the part that records
+for part in growth exchange capture box state command_line; do
   echo "bench: $part" >&2
   "$build/bench/bench_$part" "$results/$part.tsv"
   tables+=("$results/$part.tsv")

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Bytes on the target, per section and per exported function: the changes from abi/sizes.csv, and
+# Bytes on the target, per section and per exported function, and of the recorder: the changes from abi/sizes.csv, and
 # whether the goals in abi/size_goals.csv are reached.
 # usage: scripts/sizes.sh BUILD_FOLDER [--check | --update] [RECORDED GOALS]
 # --check shows only changes; it fails on any change and on an enforced goal that is not reached.
@@ -16,11 +16,13 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 measured=$work/sizes.csv
 mipsel-linux-gnu-strip -o "$work/stripped" "$library"
+mipsel-linux-gnu-strip -o "$work/trace" "$1/capture/libolttrace.so"
 {
   echo "name,bytes"
   mipsel-linux-gnu-size -A "$work/stripped" | awk '$1 ~ /^\./ {print $1 "," $2}'
   mipsel-linux-gnu-size -B "$work/stripped" | awk 'NR == 2 {print "total in memory," $4}'
   echo "stripped file,$(stat -c %s "$work/stripped")"
+  echo "stripped libolttrace.so,$(stat -c %s "$work/trace")"
   mipsel-linux-gnu-nm -D -S -t d --defined-only "$library" | awk '$3 == "T" {sub("@.*", "", $4); print $4 "," $2 + 0}' | sort
 } >"$measured"
 

@@ -1,0 +1,41 @@
+/// The pcapng file of this process. It grows by windows, which are mapped while they fill, so that
+/// an exchange is in the file as soon as it is over, without a system call. What a window does not
+/// hold yet is a block of padding: whenever the process is killed, the file ends with a whole
+/// block.
+#ifndef OLT_CAPTURE_TRACE_CAPTURE_FILE_H
+#define OLT_CAPTURE_TRACE_CAPTURE_FILE_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+/// Room for one exchange, and what numbers it.
+struct room {
+  uint8_t *at;   ///< a multiple of 4
+  uint32_t run;  ///< seconds since 1970 at this process's first exchange
+  uint32_t process;
+  uint32_t exchange;  ///< counts from 1
+  uint32_t lost;      ///< exchanges just before this one that are not recorded
+};
+
+/// Reads OLT_CAPTURE and OLT_CAPTURE_LIMIT. @return whether there is anything to record.
+bool set_up_capture(void);
+
+/// Takes room for that many bytes, a multiple of 4, for the calling thread alone. It must then
+/// commit the room, and cannot be cancelled until it has. @return whether there is room.
+bool take_room(uint32_t size, struct room *room);
+
+/// Makes readers see the room, which holds whole blocks except for the first 8 bytes. These are
+/// given here.
+void commit_room(uint32_t size, uint32_t first_block_type, uint32_t first_block_length);
+
+/// Cuts the padding off the file.
+void end_capture(void);
+
+/// In the child of a fork: forgets the parent's file.
+void leave_capture_to_parent(void);
+
+/// Ends the recording for good. The first time, prints one line to standard error, unless that
+/// could block or raise a signal.
+void stop_capture(const char *place, const char *reason);
+
+#endif

@@ -1,0 +1,170 @@
+// libolttrace in front of unmodified programs. What it records byte by byte, and what can go wrong
+// around it, is in tests/target/capture_check.cc.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "catalog/catalog.h"
+#include "catalog/message_fields.h"
+#include "tests/support/bytes.h"
+#include "tests/support/folder.h"
+#include "tests/support/program.h"
+
+namespace olt::test {
+namespace {
+
+using catalog::Field;
+
+constexpr size_t kRecordsOfList = 3;
+constexpr std::string_view kPlanted = "PLANT";
+
+std::vector<std::string> recording(const Folder &folder) {
+  return {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + folder / "%p.pcapng"};
+}
+
+/// The only capture in the folder.
+std::string capture_in(const Folder &folder) {
+  std::vector<std::string> paths;
+  for (const auto &entry : std::filesystem::directory_iterator(folder.path()))
+    if (entry.path().extension() == ".pcapng") paths.push_back(entry.path());
+  EXPECT_EQ(1U, paths.size());
+  return paths.size() == 1 ? read_file(paths[0]) : "";
+}
+
+/// Messages with something planted in every secret field, as capture_check takes them.
+class PlantedMessages {
+ public:
+  PlantedMessages() {
+    for (const catalog::Family &family : catalog::families()) {
+      for (const catalog::Operation &operation : family.operations) {
+        add(operation, operation.request);
+        add(operation, operation.reply);
+      }
+    }
+  }
+
+  const std::string &lines() const { return lines_; }
+  size_t planted() const { return planted_; }
+  const std::set<uint32_t> &types() const { return types_; }
+
+ private:
+  void add(const catalog::Operation &operation, const catalog::Message &message) {
+    std::string bytes(2'000, 'x');
+    size_t before = planted_;
+    for (const catalog::MessageField &placed : fields_of(operation, message)) {
+      if (placed.field.secret) plant(bytes, placed.field.offset);
+      for (const Field &inner : placed.field.record) {
+        for (size_t i = 0; inner.secret && i < kRecordsOfList; ++i)
+          plant(bytes, placed.field.offset + i * placed.field.record_size + inner.offset);
+      }
+    }
+    if (planted_ == before) return;
+    types_.insert(operation.address.message_type);
+    lines_ += fmt::format("{} ", operation.address.message_type);
+    for (char byte : bytes) lines_ += fmt::format("{:02x}", static_cast<uint8_t>(byte));
+    lines_ += '\n';
+  }
+
+  void plant(std::string &bytes, size_t offset) {
+    bytes.replace(offset, kPlanted.size(), kPlanted);
+    ++planted_;
+  }
+
+  std::string lines_;
+  size_t planted_ = 0;
+  std::set<uint32_t> types_;
+};
+
+size_t count_of(std::string_view part, const std::string &text) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+TEST(Recorder, MasksEverySecretOfEveryMessage) {
+  const PlantedMessages messages;
+  EXPECT_EQ((std::set<uint32_t>{10, 41, 56, 57, 62, 63, 108, 109, 110, 111, 112, 113}),
+            messages.types());
+  const Folder folder;
+  Finished ran = run({CAPTURE_CHECK, "given"}, recording(folder), messages.lines());
+  ASSERT_EQ(0, ran.status) << ran.output << ran.errors;
+  std::string capture = capture_in(folder);
+  EXPECT_EQ(0U, count_of(kPlanted, capture));
+  EXPECT_LE(messages.planted(), count_of("*****", capture));
+}
+
+TEST(Recorder, KeepsSecretsWhenAskedTo) {
+  const PlantedMessages messages;
+  const Folder folder;
+  std::vector<std::string> environment = recording(folder);
+  environment.emplace_back("OLT_CAPTURE_SECRETS=1");
+  Finished ran = run({CAPTURE_CHECK, "given"}, environment, messages.lines());
+  ASSERT_EQ(0, ran.status) << ran.output << ran.errors;
+  // The platform of capture_check replies with the request.
+  EXPECT_EQ(2 * messages.planted(), count_of(kPlanted, capture_in(folder)));
+}
+
+TEST(Recorder, NeedsOnlyTheCLibrary) {
+  Finished sections = run({OLT_READELF, "-dW", LIBOLTTRACE});
+  ASSERT_EQ(0, sections.status);
+  size_t needed = count_of("(NEEDED)", sections.output);
+  EXPECT_TRUE(holds(sections.output, "Shared library: [libc.so.6]")) << sections.output;
+  EXPECT_EQ(1U, needed) << sections.output;
+}
+
+TEST(Recorder, ChangesNothingWithoutACapture) {
+  Finished ran = run({CAPTURE_CHECK, "given"}, {"LD_PRELOAD=" LIBOLTTRACE}, "12 00\n");
+  EXPECT_EQ("2 passed, 0 failed\n", ran.output);
+  EXPECT_EQ("", ran.errors);
+}
+
+TEST(Recorder, SettingsThatItCannotUseAreOneLineAndNoCapture) {
+  const Folder folder;
+  struct Case {
+    std::vector<std::string> settings;
+    std::string line;
+  };
+  const Case cases[] = {
+      {{"OLT_CAPTURE=" + folder / "capture"},
+       "libolttrace: OLT_CAPTURE: no %p in the file's name; expected a path such as "
+       "/tmp/%p.pcapng\n"},
+      {{"OLT_CAPTURE=" + folder / "%p/capture"},
+       "libolttrace: OLT_CAPTURE: no %p in the file's name; expected a path such as "
+       "/tmp/%p.pcapng\n"},
+      {{"OLT_CAPTURE=/" + std::string(400, 'a') + "%p"},
+       "libolttrace: OLT_CAPTURE: File name too long\n"},
+      {{"OLT_CAPTURE=" + folder / "%p", "OLT_CAPTURE_LIMIT=1048575"},
+       "libolttrace: OLT_CAPTURE_LIMIT: not a limit; expected bytes, at least 1048576\n"},
+      {{"OLT_CAPTURE=" + folder / "%p", "OLT_CAPTURE_LIMIT=4M"},
+       "libolttrace: OLT_CAPTURE_LIMIT: not a limit; expected bytes, at least 1048576\n"},
+      {{"OLT_CAPTURE=" + folder / "%p", "OLT_CAPTURE_LIMIT=99999999999999999999"},
+       "libolttrace: OLT_CAPTURE_LIMIT: not a limit; expected bytes, at least 1048576\n"},
+  };
+  for (const Case &each : cases) {
+    std::vector<std::string> environment = each.settings;
+    environment.emplace_back("LD_PRELOAD=" LIBOLTTRACE);
+    Finished ran = run({CAPTURE_CHECK, "given"}, environment, "12 00\n");
+    EXPECT_EQ(each.line, ran.errors);
+    EXPECT_EQ(0, ran.status) << ran.output;
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  }
+}
+
+TEST(Recorder, RecordsAnUnmodifiedFrontEnd) {
+  const Folder folder;
+  std::vector<std::string> environment = recording(folder);
+  environment.push_back("XDG_STATE_HOME=" + folder / "state");
+  Finished ran = run({OLTCTL, "add_user_level", "someone", "hidden-word", "1", "2"}, environment);
+  ASSERT_EQ(0, ran.status) << ran.errors;
+  std::string capture = capture_in(folder);
+  EXPECT_TRUE(holds(capture, "someone"));
+  EXPECT_TRUE(holds(capture, "oltctl"));
+  EXPECT_FALSE(holds(capture, "hidden-word"));
+}
+
+}  // namespace
+}  // namespace olt::test
