@@ -7,8 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/bad_input.h"
 #include "base/table.h"
 #include "base/text.h"
+#include "capture/reader.h"
 #include "catalog/catalog.h"
 #include "cli/catalog_json.h"
 #include "cli/completion.h"
@@ -16,6 +18,7 @@
 #include "cli/layout/writer.h"
 #include "cli/manual.h"
 #include "cli/output/format.h"
+#include "cli/show/show.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
 #include "cli/text/items.h"
@@ -174,6 +177,31 @@ std::string details_of_layout() {
          "  Example: layout show box\n";
 }
 
+// show
+
+void run_show(Session &session, Arguments words) {
+  if (words.size() < 2) wrong_usage("show: no file is given; expected a capture");
+  ShownExchanges shown = shown_exchanges(words.subspan(2), session.layout());
+  try {
+    capture::Reader reader = capture::read_capture(words[1]);
+    show_capture(reader, shown, session.layout(), session.wants_json(), print);
+  } catch (const BadInput &error) {
+    fail("{}", error.what());
+  }
+}
+
+std::string details_of_show() {
+  return "  FILE is a capture of libolttrace. Of its exchanges, it prints those that fit all of\n"
+         "  operation=NAME, module=N, status=N or status=failed, from=TIME and to=TIME, with times "
+         "as\n"
+         "  2026-01-31T23:59:59Z.\n"
+         "  Example: show 1234.pcapng operation=get_olt_mac status=failed\n";
+}
+
+Words words_of_show(Arguments words) {
+  return words.size() == 1 ? Words{} : names_of_filters();
+}
+
 // fault, counters
 
 std::optional<uint32_t> fault_id(const std::string &word) {
@@ -314,6 +342,8 @@ constexpr Command kCommands[] = {
     {"update", "update olt FILE [FIELD=VALUE...]\nupdate onu FILE [FIELD=VALUE...]",
      "Updates the firmware of the OLT or of ONUs from a file", run_update, words_of_update,
      details_of_update},
+    {"show", "show FILE [NAME=VALUE...]", "Prints a capture of exchanges", run_show, words_of_show,
+     details_of_show},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash",
      "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,

@@ -1,0 +1,85 @@
+/// Reads captures; docs/capture.md has the format.
+#ifndef OLT_CAPTURE_READER_H
+#define OLT_CAPTURE_READER_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "base/text.h"
+
+namespace olt::capture {
+
+/// One of the two packets of an exchange.
+struct Packet {
+  bool is_answer = false;
+  bool no_reply = false;   ///< none was wanted
+  bool is_masked = false;  ///< each byte of a secret is '*'
+  uint64_t time = 0;       ///< nanoseconds since 1970
+  std::string program;     ///< empty when the section does not name it
+  uint32_t run = 0, process = 0, thread = 0, exchange = 0;
+  uint32_t module = 0, message_type = 0;
+  uint32_t timeout = 0;  ///< seconds
+  uint32_t lost = 0;     ///< exchanges just before this one
+  uint32_t result = 0;
+  uint16_t status = 0;
+  uint64_t duration = 0;       ///< nanoseconds
+  uint32_t record_length = 0;  ///< before the record was cut
+  Bytes record;
+
+  using Identity = std::tuple<uint32_t, uint32_t, uint32_t, uint32_t>;
+  Identity identity() const { return {run, process, thread, exchange}; }
+};
+
+/// Reads a pcapng file in order. Packets of other link types and blocks of other kinds are skipped.
+class Reader {
+ public:
+  /// Fills the buffer, or as much of it as there are bytes. @return how many. May throw BadInput.
+  using Source = std::function<size_t(uint8_t *buffer, size_t size)>;
+
+  /// The name is for error lines.
+  Reader(std::string name, Source source);
+
+  /// Nothing at the end. Throws BadInput with the place.
+  std::optional<Packet> next();
+
+ private:
+  struct Interface {
+    bool is_ours;
+    uint64_t ticks_per_second;
+  };
+
+  template <typename... Args>
+  [[noreturn]] void fail(const char *reason, Args... args) const;
+  bool read_block();
+  void read_whole(uint8_t *buffer, size_t size);
+  bool skip(size_t size);
+  void read_section();
+  void add_interface();
+  std::optional<Packet> packet() const;
+  std::optional<Packet> packet_of(ByteView payload, uint64_t time) const;
+  uint64_t nanoseconds(const Interface &interface, uint64_t ticks) const;
+  uint32_t word(size_t offset) const;
+
+  std::string name_;
+  Source source_;
+  uint64_t place_ = 0;  ///< of the block
+  uint64_t next_ = 0;   ///< of the one after it
+  uint32_t type_ = 0;
+  Bytes block_;
+  std::string program_;
+  std::vector<Interface> interfaces_;
+  bool has_section_ = false;
+  std::optional<uint64_t> foreign_;  ///< the place of the first packet that is not ours
+  bool has_packet_ = false;
+};
+
+/// Throws BadInput.
+Reader read_capture(const std::string &path);
+
+}  // namespace olt::capture
+
+#endif
