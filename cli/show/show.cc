@@ -152,13 +152,16 @@ bool has_status(const Exchange &exchange, uint32_t status) {
   return exchange.answer && exchange.answer->result == 0 && exchange.answer->status == status;
 }
 
-bool fits(const Exchange &exchange, std::span<const Operation *const> operations,
-          const ShownExchanges &shown) {
+/// Without a look at the operation.
+bool fits(const Exchange &exchange, const ShownExchanges &shown) {
   const Packet &packet = exchange.any();
   if (shown.module && packet.module != *shown.module) return false;
   if (shown.failed && !has_failed(exchange)) return false;
   if (shown.status && !has_status(exchange, *shown.status)) return false;
-  if (packet.time < shown.from || packet.time > shown.to) return false;
+  return packet.time >= shown.from && packet.time <= shown.to;
+}
+
+bool has_operation(std::span<const Operation *const> operations, const ShownExchanges &shown) {
   return !shown.operation ||
          std::any_of(operations.begin(), operations.end(), [&shown](const Operation *operation) {
            return operation->name == *shown.operation;
@@ -360,8 +363,9 @@ void show_capture(capture::Reader &reader, const ShownExchanges &shown, const La
   std::vector<catalog::WireSecret> secrets = catalog::wire_secrets(layout.families());
   Pairs pairs(reader);
   while (std::optional<Exchange> exchange = pairs.next()) {
+    if (!fits(*exchange, shown)) continue;
     std::vector<const Operation *> operations = operations_of(*exchange, layout);
-    if (!fits(*exchange, operations, shown)) continue;
+    if (!has_operation(operations, shown)) continue;
     print(as_json ? json_of(*exchange, operations, secrets)
                   : text_of(*exchange, operations, secrets));
   }

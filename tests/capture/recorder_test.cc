@@ -26,11 +26,16 @@ std::vector<std::string> recording(const Folder &folder) {
   return {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + folder / "%p.pcapng"};
 }
 
-/// The only capture in the folder.
-std::string capture_in(const Folder &folder) {
+std::vector<std::string> captures_in(const Folder &folder) {
   std::vector<std::string> paths;
   for (const auto &entry : std::filesystem::directory_iterator(folder.path()))
     if (entry.path().extension() == ".pcapng") paths.push_back(entry.path());
+  return paths;
+}
+
+/// The only capture in the folder.
+std::string capture_in(const Folder &folder) {
+  std::vector<std::string> paths = captures_in(folder);
   EXPECT_EQ(1U, paths.size());
   return paths.size() == 1 ? read_file(paths[0]) : "";
 }
@@ -164,6 +169,23 @@ TEST(Recorder, RecordsAnUnmodifiedFrontEnd) {
   EXPECT_TRUE(holds(capture, "someone"));
   EXPECT_TRUE(holds(capture, "oltctl"));
   EXPECT_FALSE(holds(capture, "hidden-word"));
+  Finished shown = run({OLTCTL, "show", captures_in(folder)[0]});
+  EXPECT_EQ(0, shown.status) << shown.errors;
+  EXPECT_TRUE(holds(shown.output, " add_user_level\n")) << shown.output;
+  EXPECT_TRUE(holds(shown.output, " user_name=someone user_password=** level_a=1 level_b=2\n"))
+      << shown.output;
+}
+
+TEST(Recorder, OltctlReadsWhatKilledProcessesLeave) {
+  const Folder folder;
+  ASSERT_EQ(0, run({CAPTURE_CHECK, "kill"}, recording(folder)).status);
+  std::vector<std::string> paths = captures_in(folder);
+  EXPECT_LE(19U, paths.size());  // the first may be killed before its first exchange
+  for (const std::string &path : paths) {
+    Finished shown = run({OLTCTL, "show", path, "module=99"});
+    EXPECT_EQ(0, shown.status) << shown.errors;
+    EXPECT_EQ("", shown.output);
+  }
 }
 
 }  // namespace
