@@ -252,7 +252,7 @@ std::string masked_hex(ByteView record, uint32_t message_type, Secrets secrets) 
     if (secret.message_type != message_type) continue;
     Hidden hidden = {secret.offset, secret.length, secret.stride};
     for (size_t i = 0; i < record.size(); ++i)
-      if (hidden.covers(i)) text.replace(2 * i, 2, "**");
+      if (hidden.covers(i)) std::fill_n(text.begin() + static_cast<ptrdiff_t>(2 * i), 2, '*');
   }
   return text;
 }
