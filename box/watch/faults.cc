@@ -57,6 +57,10 @@ std::string fault_from_words(std::string_view text) {
     fault.text(key);
     if (auto number = number_in(value)) {
       fault.number(*number);
+    } else if (key == "type") {
+      throw BadInput(fmt::format(
+          R"(type: is "{}"; expected a message type; 'oltctl help OPERATION' shows an operation's)",
+          printable_ascii(value)));
     } else {
       fault.text(printable_ascii(value));
     }
@@ -123,7 +127,9 @@ std::string fault_from_text(std::string_view text) {
     check_effect(read);
     return fault;
   } catch (const BadInput &error) {
-    throw BadInput(fmt::format(R"(fault "{}": {})", printable_ascii(text), error.what()));
+    std::string_view line = error.what();
+    if (line.starts_with('/')) line.remove_prefix(1);  // a word is no place in a document
+    throw BadInput(fmt::format(R"(fault "{}": {})", printable_ascii(text), line));
   }
 }
 
@@ -135,6 +141,11 @@ Fault read_fault(Archive &order) {
 
 uint32_t FaultTable::arm(Fault fault) {
   check_effect(fault);
+  if (faults_.size() >= kMaxFaults) {
+    auto used_up = std::find_if(faults_.begin(), faults_.end(),
+                                [](const Fault &old) { return old.is_used_up(); });
+    if (used_up != faults_.end()) faults_.erase(used_up);
+  }
   if (faults_.size() >= kMaxFaults) {
     throw BadInput(
         fmt::format("{} faults are armed already; expected one to be cleared first", kMaxFaults));

@@ -25,6 +25,8 @@ struct Fault {
   uint64_t seen = 0;
   uint64_t applied = 0;
 
+  /// Whether the next matching request comes after the last one that it applies to.
+  bool is_used_up() const { return count != 0 && seen >= from && seen - from + 1 >= count; }
   /// A fault that only delays lets the request be handled.
   bool replaces_handling() const { return status != 0 || action != Answer::Action::kSend; }
 };
@@ -40,6 +42,7 @@ Fault read_fault(Archive &order);
 
 class FaultTable {
  public:
+  /// Forgets the oldest fault that is used up when there is no room.
   /// @return the fault's id, never used before. Throws BadInput when it has no effect, or there are
   /// too many.
   uint32_t arm(Fault fault);

@@ -69,6 +69,23 @@ ordered_json ask(const ControlRequest &request, uint32_t timeout) {
   return reply;
 }
 
+/// Says of a fault which operations' requests it affects, and that it does those to any module.
+void name_operations(ordered_json &fault) {
+  ordered_json named;
+  for (const auto &[key, value] : fault.items()) {
+    named[key] = key == "module" && value == 0 ? ordered_json("any") : value;
+    if (key != "type") continue;
+    named["operations"] = ordered_json::array();
+    for (const catalog::Family &family : catalog::families()) {
+      for (const catalog::Operation &operation : family.operations) {
+        bool sends_it = operation.address.sends() && operation.address.message_type == value;
+        if (sends_it) named["operations"].push_back(operation.name);
+      }
+    }
+  }
+  fault = named;
+}
+
 }  // namespace
 
 ControlRequest fault_add_request(std::span<const std::string> words) {
@@ -96,7 +113,11 @@ ControlRequest counters_request() {
 }
 
 ordered_json ask_box(const ControlRequest &request) {
-  return ask(request, kControlTimeout);
+  ordered_json reply = ask(request, kControlTimeout);
+  if (reply.contains("faults")) {
+    for (ordered_json &fault : reply["faults"]) name_operations(fault);
+  }
+  return reply;
 }
 
 std::string export_configuration(bool with_secrets) {

@@ -87,7 +87,10 @@ std::string cell_named(std::string_view name, const NamedValues &columns) {
 
 // Replies of the box's own controls.
 
+/// A list of names has commas between them.
 std::string scalar_text(const ordered_json &value) {
+  if (value.is_array())
+    return fmt::format("{}", fmt::join(value.get<std::vector<std::string>>(), ","));
   return value.is_string() ? printable(value.get<std::string>()) : printable(value.dump());
 }
 

@@ -136,8 +136,11 @@ TEST(OltctlRun, FaultsAreListedAndCleared) {
             "id = 1\n");
   ASSERT_EQ(oltctl({"fault", "add", "type=7", "status=0xffff"}).output, "id = 2\n");
   std::string list = oltctl({"fault", "list"}).output;
-  EXPECT_TRUE(holds(list, "  id=1 module=22 type=83 ")) << list;
-  EXPECT_TRUE(holds(list, " type=7 status=65535 ")) << list;
+  EXPECT_TRUE(holds(list, "  id=1 module=22 type=83 operations=set_system_loglevel ")) << list;
+  EXPECT_TRUE(holds(list, " module=any type=7 operations=do_reboot_system status=65535 ")) << list;
+  EXPECT_TRUE(
+      holds(oltctl({"--json", "fault", "list"}).output,
+            R"("module":"any","type":7,"operations":["do_reboot_system"],"status":65535,)"));
   EXPECT_EQ(oltctl({"fault", "clear", "1"}).output, "cleared = 1\n");
   Finished gone = oltctl({"fault", "clear", "1"});
   EXPECT_EQ(gone.status, 1);
@@ -265,10 +268,10 @@ TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
 TEST(OltctlRun, FaultsAreReadAsTheBoxReadsThem) {
   // The words of the message are the box's.
   const Wrong wrongs[] = {
-      {{"fault", "add"}, "/type"},
+      {{"fault", "add"}, ": type: is missing"},
       {{"fault", "add", "12"}, "\"12\""},
-      {{"fault", "add", "type=12", "status=65536"}, "/status"},
-      {{"fault", "add", "type=12", "action=explode"}, "/action"},
+      {{"fault", "add", "type=12", "status=65536"}, ": status: is 65536"},
+      {{"fault", "add", "type=12", "action=explode"}, ": action: is "},
       {{"fault", "add", "type=12", "type=13"}, "type is given twice"},
       {{"fault", "add", "type=12", "kind=12", "status=1"}, "kind"},
       {{"fault", "add", "type=12"}, "no effect"},

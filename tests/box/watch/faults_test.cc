@@ -143,6 +143,31 @@ TEST(Faults, AreNoMoreThan256) {
   EXPECT_EQ(list.substr(0, 12), R"({"ok":true,")");
 }
 
+TEST(Faults, ThatAreUsedUpMakeRoom) {
+  TestBox box;
+  const std::string once = R"({"command":"fault_add","fault":{"type":12,"status":5,"count":1}})";
+  const std::string later =
+      R"({"command":"fault_add","fault":{"type":12,"status":5,"from":3,"count":2}})";
+  EXPECT_EQ(box.command(once), R"({"ok":true,"id":1})");
+  EXPECT_EQ(box.command(later), R"({"ok":true,"id":2})");
+  for (int id = 3; id <= 256; ++id) {
+    EXPECT_EQ(
+        box.command(R"({"command":"fault_add","fault":{"type":53,"status":5}})").substr(0, 10),
+        R"({"ok":true)");
+  }
+  EXPECT_EQ(box.command(once).substr(0, 11), R"({"ok":false)");
+  EXPECT_EQ(box.status(kGetOltMac), 5U);  // the first fault is used up
+  EXPECT_EQ(box.command(once), R"({"ok":true,"id":257})");
+  EXPECT_EQ(box.command(once).substr(0, 11), R"({"ok":false)");
+  EXPECT_EQ(box.status(kGetOltMac), 5U);  // so is 257
+  EXPECT_EQ(box.status(kGetOltMac), 5U);  // 2 applies once more
+  EXPECT_EQ(box.command(once), R"({"ok":true,"id":258})");
+  EXPECT_EQ(box.command(once).substr(0, 11), R"({"ok":false)");
+  std::string list = box.command(R"({"command":"fault_list"})");
+  EXPECT_EQ(list.find(R"({"id":1,)"), std::string::npos);
+  EXPECT_NE(list.find(R"({"id":2,)"), std::string::npos);
+}
+
 TEST(Faults, CanBeArmedByText) {
   TestBox box;
   box.options.faults = {"type=12 status=5 from=2 count=1", "type=0x21 silence module=2",
@@ -157,11 +182,11 @@ TEST(Faults, CanBeArmedByText) {
 
 TEST(Faults, MistakesInTextsGetOneLine) {
   const std::pair<const char *, const char *> kMistakes[] = {
-      {"", "fault \"\": /type: is missing"},
-      {"status=5", "fault \"status=5\": /type: is missing"},
+      {"", "fault \"\": type: is missing"},
+      {"status=5", "fault \"status=5\": type: is missing"},
       {"type=twelve status=5",
-       "fault \"type=twelve status=5\": /type: is \"twelve\"; expected an integer from 0 to "
-       "4294967295"},
+       "fault \"type=twelve status=5\": type: is \"twelve\"; expected a message type; 'oltctl help "
+       "OPERATION' shows an operation's"},
       {"type=12",
        "fault \"type=12\": the fault has no effect; expected a status, a delay_ms, or the "
        "action silence or drop"},
@@ -169,20 +194,20 @@ TEST(Faults, MistakesInTextsGetOneLine) {
        "fault \"type=12 loud\": \"loud\" is not understood; expected KEY=VALUE, "
        "silence or drop"},
       {"type=12 action=loud",
-       "fault \"type=12 action=loud\": /action: is \"loud\"; expected "
+       "fault \"type=12 action=loud\": action: is \"loud\"; expected "
        "status, silence or drop"},
       {"type=12 status=65536",
-       "fault \"type=12 status=65536\": /status: is 65536; expected an "
+       "fault \"type=12 status=65536\": status: is 65536; expected an "
        "integer from 0 to 65535"},
       {"type=12 status=-1",
-       "fault \"type=12 status=-1\": /status: is \"-1\"; expected an integer from 0 to 65535"},
+       "fault \"type=12 status=-1\": status: is \"-1\"; expected an integer from 0 to 65535"},
       {"type=12 status=5 status=6",
        "fault \"type=12 status=5 status=6\": status is given twice; expected once"},
       {"type=12 statsu=5",
-       "fault \"type=12 statsu=5\": /statsu: is unknown; expected one of module, type, status, "
+       "fault \"type=12 statsu=5\": statsu: is unknown; expected one of module, type, status, "
        "delay_ms, action, from, count"},
       {"type=12 status=5 from=0",
-       "fault \"type=12 status=5 from=0\": /from: is 0; expected an "
+       "fault \"type=12 status=5 from=0\": from: is 0; expected an "
        "integer from 1 to 4294967295"},
       {"type=12 silence status=5",
        "fault \"type=12 silence status=5\": the status is never sent; expected it "
@@ -191,13 +216,13 @@ TEST(Faults, MistakesInTextsGetOneLine) {
        "fault \"type=12 silence delay_ms=5\": the answer that is delayed is never sent; "
        "expected delay_ms without silence"},
       {"type=12 delay_ms=600001",
-       "fault \"type=12 delay_ms=600001\": /delay_ms: is 600001; expected an integer from 0 to "
+       "fault \"type=12 delay_ms=600001\": delay_ms: is 600001; expected an integer from 0 to "
        "600000"},
       {"type=12 status=5 module=1000",
-       "fault \"type=12 status=5 module=1000\": /module: is 1000; expected an integer from 0 "
+       "fault \"type=12 status=5 module=1000\": module: is 1000; expected an integer from 0 "
        "to 255"},
       {"type=12 \x01\xFF=5",
-       "fault \"type=12 \\x01\\xff=5\": /\\x01\\xff: is unknown; expected one of module, type, "
+       "fault \"type=12 \\x01\\xff=5\": \\x01\\xff: is unknown; expected one of module, type, "
        "status, "
        "delay_ms, action, from, count"},
   };
