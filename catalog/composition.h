@@ -287,6 +287,20 @@ constexpr void adopt_meanings(Operation &operation, const Message &message,
   }
 }
 
+/// A word takes what its place in the request holds. A module has a byte for its number.
+constexpr void adopt_limits(Operation &operation) {
+  for (const Part &part : operation.request.parts()) {
+    Argument &argument = operation.argument_room[part.argument];
+    if (part.origin != Origin::kArgument || !argument.is_word()) continue;
+    if (!part.reaches_the_end() && part.width < argument.size) {
+      argument.max = std::min(argument.max, (uint32_t{1} << (8 * part.width)) - 1);
+    }
+  }
+  if (operation.address.module == Address::kNamedByCaller) {
+    operation.argument_room[0].max = UINT8_MAX;
+  }
+}
+
 }  // namespace olt::catalog
 
 #endif

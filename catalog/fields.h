@@ -39,6 +39,12 @@ constexpr Field secret(Field field) {
   return field;
 }
 
+/// A field that is never empty: one that reads back empty is not known.
+constexpr Field required(Field field) {
+  field.required = true;
+  return field;
+}
+
 constexpr Field padded(Field field) {
   field.kind = FieldKind::kPadded;
   return field;

@@ -25,9 +25,11 @@ inline constexpr Operation kOntVoice[] = {
     OLT_OPERATION(show_ont_faxmode, 139, "Lists the fax mode of an ONT", {"ont", "name"}),
     OLT_OPERATION(show_ont_sipconfiguration, 140, "Lists the SIP configuration of an ONT",
                   {"ont", "name"}),
-    OLT_OPERATION(set_ont_fax, 141, "Sets the fax mode of an ONT", {"ont", "fax_mode"}),
-    OLT_OPERATION(set_ont_sipconfiguration, 142, "Sets the SIP configuration of an ONT",
-                  {"ont", "sip_config"}),
+    sets("fax_mode", "process_snmpvoip_faxmode",
+         OLT_OPERATION(set_ont_fax, 141, "Sets the fax mode of an ONT", {"ont", "fax_mode"})),
+    sets("sip_config", "process_snmp_onusipparaminfo",
+         OLT_OPERATION(set_ont_sipconfiguration, 142, "Sets the SIP configuration of an ONT",
+                       {"ont", "sip_config"})),
     OLT_OPERATION(
         banding_ont_voipinterface, 143, "Binds an ONT's voice service to a WAN interface",
         {"ont", up_to(kInterfaceName, "interface_name")},
@@ -35,18 +37,20 @@ inline constexpr Operation kOntVoice[] = {
                     Origin::kAny, {})),
     OLT_OPERATION(show_ont_bandinginterface, 144,
                   "Lists the WAN interface of an ONT's voice service", {"ont", "name"}),
-    OLT_OPERATION(set_voip_useraccount, 136, "Sets the voice user account of an ONT",
-                  {"ont", "account"}),
+    sets("account", "show_voip_useraccount",
+         OLT_OPERATION(set_voip_useraccount, 136, "Sets the voice user account of an ONT",
+                       {"ont", "account"})),
 };
 
 inline constexpr Operation kOntWan[] = {
-    OLT_OPERATION(deal_wan_connection, 145,
-                  "Creates, changes or deletes a WAN connection of an ONT",
-                  {"ont", "wan_connection"}),
+    sets("wan_connection", "process_snmp_hguwaninfo",
+         OLT_OPERATION(deal_wan_connection, 145,
+                       "Creates, changes or deletes a WAN connection of an ONT",
+                       {"ont", "wan_connection"})),
     OLT_OPERATION(show_ont_wanconnection, 146, "Lists the WAN connections of an ONT",
                   {"ont", "name"}),
-    OLT_OPERATION(do_ont_configuration, 147, "Starts a configuration action on an ONT",
-                  {"ont", named(kConfigurationActions, "config_action")}),
+    destructive(OLT_OPERATION(do_ont_configuration, 147, "Starts a configuration action on an ONT",
+                              {"ont", named(kConfigurationActions, "config_action")})),
 };
 
 inline constexpr Operation kIptv[] = {
@@ -73,12 +77,10 @@ inline constexpr Operation kIptv[] = {
           OLT_OPERATION(clear_ont_iptv_profile, 156, "Detaches the IPTV profile from an ONT",
                         {"ont"})),
     OLT_OPERATION(add_iptv_user_channel, 162, "Adds a channel for a single user",
-                  {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"},
-                  in_memory<box::UserChannelRecord>()),
+                  {"user_address", "c", "a", "b", "d"}, in_memory<box::UserChannelRecord>()),
     after("add_iptv_user_channel user_address=02:00:00:00:00:01 c=1 a=1 b=1 d=1",
           OLT_OPERATION(delete_iptv_user_channel, 163, "Deletes a channel of a single user",
-                        {"user_address", up_to(UINT16_MAX, "c"), "a", up_to(UINT16_MAX, "b"), "d"},
-                        in_memory<box::UserChannelRecord>())),
+                        {"user_address", "c", "a", "b", "d"}, in_memory<box::UserChannelRecord>())),
 };
 
 }  // namespace olt::catalog

@@ -57,6 +57,7 @@ struct Field {
   FieldKind kind;
   Role role = Role::kPlain;
   bool secret = false;
+  bool required = false;                ///< empty, it is not known
   uint8_t decimals = 0;                 ///< digits of a number after the point
   uint32_t max = UINT32_MAX;            ///< the largest number that is taken
   uint32_t record_size = 0;             ///< bytes of each of kRecords
@@ -121,6 +122,12 @@ struct Argument {
             .unit = unit};
   }
 
+  /// A record that is sent as it is, and is neither an address nor a text.
+  constexpr bool is_sent_record() const {
+    return kind == Kind::kValue && is_input() && !record_type.empty() && form != FieldKind::kOnt &&
+           form != FieldKind::kMac && form != FieldKind::kPadded;
+  }
+
   constexpr bool is_word() const {
     return kind == Kind::kValue && size == sizeof(uint32_t) && record_type.empty();
   }
@@ -175,6 +182,19 @@ struct Outcome {
   const char *count = nullptr;  ///< results above 0 are success, too, and count this
 };
 
+/// Where the present values are of what an operation sets.
+struct Present {
+  const char *getter = nullptr;  ///< the operation that reads them; null: none does
+  const char *what = nullptr;    ///< the argument that is set, or the field of one
+  bool steps = false;  ///< each call of the getter reads the row after the one it is given
+};
+
+/// A text that an operation reports when it could read nothing.
+struct Fallback {
+  const char *text = nullptr;
+  const char *probe = nullptr;  ///< the command that fails, too, in that case
+};
+
 struct Operation {
   static constexpr size_t kMaxArguments = 6;
 
@@ -186,6 +206,10 @@ struct Operation {
   size_t argument_count = 0;
   std::array<Argument, kMaxArguments> argument_room{};
   Outcome outcome{};
+  Present present{};
+  bool takes_all = false;    ///< all fields of its records must be given
+  bool destructive = false;  ///< ends or removes what cannot be brought back by another operation
+  Fallback fallback{};
   Message request{};
   Message reply{};
   const char *example = nullptr;        ///< its arguments; null: one of each argument's own
@@ -194,6 +218,7 @@ struct Operation {
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};
   }
+  constexpr bool sets_present() const { return present.getter != nullptr; }
   constexpr bool succeeded(int32_t result) const {
     return result == 0 || (outcome.count != nullptr && result > 0);
   }

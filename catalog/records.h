@@ -15,7 +15,7 @@ inline constexpr Field kUserFields[] = {
     selector(named(kUserOperations, OLT_FIELD(olt_user, user_op))),
     OLT_FIELD(olt_user, user_index),
     row_name(OLT_FIELD(olt_user, user_name)),
-    secret(OLT_FIELD(olt_user, user_password)),
+    required(secret(OLT_FIELD(olt_user, user_password))),
     OLT_FIELD(olt_user, level_a),
     OLT_FIELD(olt_user, level_b),
 };

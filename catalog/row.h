@@ -262,6 +262,7 @@ struct Binding<Function> {
       operation.request = request_of(operation, request);
       operation.reply = reply_of(operation, reply);
       adopt_meanings(operation, operation.request, request.record);
+      adopt_limits(operation);
       adopt_meanings(operation, operation.reply, reply.record);
     }
     return operation;
@@ -290,6 +291,36 @@ struct Binding<Function> {
 /// The row, with an outcome other than the common one.
 constexpr Operation with(Outcome outcome, Operation operation) {
   operation.outcome = outcome;
+  return operation;
+}
+
+/// The row of an operation that sets what the getter reads: an argument, or the field of one. The
+/// getter's inputs are those of the same names, and what names a row.
+constexpr Operation sets(const char *what, const char *getter, Operation operation) {
+  operation.present = {getter, what};
+  return operation;
+}
+
+/// The same with a getter that reads the row after the one it is given.
+constexpr Operation sets_row(const char *what, const char *getter, Operation operation) {
+  operation.present = {getter, what, true};
+  return operation;
+}
+
+/// The row of an operation that sets what no other reads: all fields must be given.
+constexpr Operation takes_all(Operation operation) {
+  operation.takes_all = true;
+  return operation;
+}
+
+constexpr Operation destructive(Operation operation) {
+  operation.destructive = true;
+  return operation;
+}
+
+/// The row, with a text that it reports where the probe fails.
+constexpr Operation falls_back(const char *text, const char *probe, Operation operation) {
+  operation.fallback = {text, probe};
   return operation;
 }
 

@@ -190,6 +190,9 @@ ordered_json operation_json(const Operation &operation, const Layout &layout) {
            {{"minus_one", operation.outcome.minus_one},
             {"minus_two", or_null(operation.outcome.minus_two)},
             {"count", or_null(operation.outcome.count)}}},
+          {"reads_before", or_null(operation.present.getter)},
+          {"takes_all", operation.takes_all},
+          {"destructive", operation.destructive},
           {"arguments", list_of(operation.arguments(), argument_json)},
           {"request", message_json(operation, operation.request)},
           {"reply", message_json(operation, operation.reply)}};

@@ -91,6 +91,24 @@ std::string address_text(const Address &address) {
   return fmt::format("\nSends message type {} to {}.\n", address.message_type, module);
 }
 
+/// What becomes of fields that are not given, and whether it asks.
+std::string rules_text(const Operation &operation) {
+  std::string text;
+  if (operation.sets_present()) {
+    text += fmt::format(
+        "\nWhat is not given stays as it is: {} reads it before. --zero sends zeros instead.\n"
+        "At a terminal it shows the change and asks; --yes answers.\n",
+        operation.present.getter);
+  }
+  if (operation.takes_all) {
+    text +=
+        "\nAll fields must be given, since no operation reads them. --zero sends zeros for the"
+        " others.\n";
+  }
+  if (operation.destructive) text += "\nAt a terminal it asks before it acts; --yes answers.\n";
+  return text;
+}
+
 std::string example_of(const Field &field) {
   return fmt::format(" {}={}", field.name, form_of(field.kind).example(field));
 }
@@ -175,7 +193,7 @@ void require_listed(std::string_view word) {
 std::string help_of(const Operation &operation) {
   return fmt::format("{}\n  {}.\n", signature(operation), operation.summary) +
          section("Arguments", operation, &Argument::is_input, input_text) +
-         section("Results", operation, &Argument::is_output, output_text) +
+         section("Results", operation, &Argument::is_output, output_text) + rules_text(operation) +
          address_text(operation.address) + example(operation);
 }
 

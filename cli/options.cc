@@ -140,6 +140,8 @@ void define_options(CLI::App &app, Given &given) {
                "Show reserved fields, and those that say what was asked for");
   app.add_flag("--raw", given.options.detail.raw, "Show numbers and hex instead of names");
   app.add_flag("--yes", given.options.yes, "Answer yes to questions before a call");
+  app.add_flag("--zero", given.options.zero,
+               "Send zeros for fields that are not given, instead of what they are now");
   app.add_flag("--real-flash", box.real_flash, "Flash operations use this machine's own /dev/mtd0");
 }
 

@@ -14,7 +14,8 @@ namespace olt::cli {
 struct Options {
   Format format = Format::kText;
   bool trace = false;
-  bool yes = false;  ///< answers questions
+  bool yes = false;   ///< answers questions
+  bool zero = false;  ///< zeros for what is not given, whatever is there
   Detail detail;
   std::string layout;  ///< a name or a file
   BoxOptions box;

@@ -2,6 +2,8 @@
 
 #include <optional>
 #include <system_error>
+#include <utility>
+#include <variant>
 
 #include "base/text.h"
 #include "cli/box/configuration.h"
@@ -9,12 +11,15 @@
 #include "cli/call/call.h"
 #include "cli/call/exchanges.h"
 #include "cli/call/result_text.h"
+#include "cli/confirmation.h"
 #include "cli/input/argument_parser.h"
+#include "cli/input/present_values.h"
 #include "cli/layout/layouts.h"
 #include "cli/output/listing_reader.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
 #include "cli/text/question.h"
+#include "cli/text/words.h"
 #include "cli/update/display.h"
 #include "cli/walk/walk.h"
 
@@ -24,6 +29,18 @@ using catalog::Operation;
 using nlohmann::ordered_json;
 
 namespace {
+
+/// What a module that refused bytes of any length expected of them, for the end of an error line.
+std::string expected_streams(const Result &result) {
+  if (take_apart(result.reason).transport) return "";
+  for (const catalog::Argument &argument : result.operation.arguments()) {
+    if (argument.kind != catalog::Kind::kStream || argument.fields.empty()) continue;
+    std::vector<std::string_view> names;
+    for (const catalog::Field &field : argument.fields) names.emplace_back(field.name);
+    return fmt::format("; expected {} to hold {}", argument.name, fmt::join(names, ", "));
+  }
+  return "";
+}
 
 /// Writes the outputs for which a file was given.
 void write_files(const Call &call) {
@@ -51,19 +68,55 @@ const catalog::Layout &Session::layout() {
   return *layout_;
 }
 
-void Session::run_operation(const Operation &operation, std::span<const std::string> words) {
-  Call call(operation);
-  read_arguments(call, words);
-  std::optional<FlashProgress> progress;
+Session::Consent Session::consent_in(std::vector<std::string> &words) const {
+  Consent consent{options_.yes, options_.zero};
+  if (std::erase(words, "--yes") > 0) consent.yes = true;
+  if (std::erase(words, "--zero") > 0) consent.zero = true;
+  return consent;
+}
+
+std::optional<Changes> Session::prepare(Call &call, const Consent &consent) {
+  const Operation &operation = call.operation();
+  bool asks = !options_.script && can_confirm();
+  if (!consent.zero) require_all_fields(call);
+  if (operation.destructive && asks && !consent.yes) confirm_act(operation);
   if (operation.address.sends()) {
     box_.open();
   } else {
     box_.open_flash(operation.name);
-    progress.emplace(operation.name);
   }
+  if (!operation.sets_present() || consent.zero) return std::nullopt;
+  std::optional<SetBytes> set = keep_present_values(call, layout());
+  if (!set) return std::nullopt;
+  Changes changes = changes_of(call, set->place, set->before, options_.detail);
+  if (asks) confirm_changes(operation, changes, consent.yes);
+  return changes;
+}
+
+bool Session::fell_back(const Result &result) {
+  const catalog::Fallback &fallback = result.operation.fallback;
+  if (fallback.text == nullptr || result.failed()) return false;
+  const auto &value = std::get<NamedValue>(result.outputs.front().content);
+  if (value.text() != fallback.text) return false;
+  std::vector<std::string> probe = split_words(fallback.probe);
+  Call call(*layout().find(probe[0]));
+  read_arguments(call, std::span(probe).subspan(1));
+  return !call.operation().succeeded(call.make());
+}
+
+void Session::run_operation(const Operation &operation, std::span<const std::string> given) {
+  std::vector<std::string> words(given.begin(), given.end());
+  Consent consent = consent_in(words);
+  Call call(operation);
+  read_arguments(call, words);
+  std::optional<Changes> changes = prepare(call, consent);
+  std::optional<FlashProgress> progress;
+  if (!operation.address.sends()) progress.emplace(operation.name);
   int32_t code = call.make();
   progress.reset();
   Result result = result_of(call, code, options_.detail);
+  result.changes = std::move(changes);
+  result.is_fallback = fell_back(result);
   if (!result.failed()) write_files(call);
   std::optional<Error> unread;
   if (result.listing) {
@@ -75,8 +128,15 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
   }
   print(formatter_->result(result));
   if (result.failed()) {
-    fail("{} failed: {}{}", operation.name, describe_result(operation, code, layout()),
-         box_.advice(code));
+    fail("{} failed: {}{}{}", operation.name,
+         describe_result(operation, code, result.reason, layout()), box_.advice(result.reason),
+         expected_streams(result));
+  }
+  if (result.is_fallback) {
+    fmt::print(stderr,
+               "{}: the flash cannot be read, {} is the library's fallback; expected a device with "
+               "a board record\n",
+               operation.name, operation.fallback.text);
   }
   if (unread) throw Error(*unread);
 }

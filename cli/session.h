@@ -3,13 +3,16 @@
 #define OLT_CLI_SESSION_H
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "catalog/layout.h"
 #include "catalog/operation.h"
 #include "cli/box/access.h"
 #include "cli/box/control_client.h"
+#include "cli/call/call.h"
 #include "cli/options.h"
 #include "cli/output/format.h"
 #include "cli/update/update.h"
@@ -47,6 +50,18 @@ class Session {
   void close_for_good() { box_.close_for_good(); }
 
  private:
+  struct Consent {
+    bool yes;
+    bool zero;
+  };
+  /// What the options say, and words of a line that are such options, which it takes out.
+  Consent consent_in(std::vector<std::string> &words) const;
+  /// Opens the box, completes the call, and asks.
+  /// @return what it changes, if the present values were read
+  std::optional<Changes> prepare(Call &call, const Consent &consent);
+  /// Whether the result only says that nothing could be read.
+  bool fell_back(const Result &result);
+
   const Options &options_;
   std::shared_ptr<const catalog::Layout> layout_;
   Access box_;

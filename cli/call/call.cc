@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "cli/call/exchanges.h"
 #include "platform/olthost.h"
 
 namespace olt::cli {
@@ -16,6 +15,9 @@ namespace {
 /// Some operations copy texts out of a reply without a length check: room for all that a reply can
 /// hold, after what they fill.
 constexpr size_t kRoomAfterOutput = OLT_REPLY_LIMIT;
+
+/// The result of some operations when their exchange failed.
+constexpr int32_t kNotSaid = -1;
 
 size_t room(const Argument &argument) {
   if (argument.kind != Kind::kValue) return 0;
@@ -50,7 +52,31 @@ Call::~Call() {
 }
 
 void Call::set_bytes(size_t place, size_t offset, ByteView bytes) {
-  std::copy(bytes.begin(), bytes.end(), values_[place].bytes.data() + offset);
+  Value &value = values_[place];
+  std::copy(bytes.begin(), bytes.end(), value.bytes.data() + offset);
+  if (value.given.size() < offset + bytes.size()) value.given.resize(offset + bytes.size());
+  for (size_t i = 0; i < bytes.size(); ++i) value.given[offset + i] = true;
+}
+
+bool Call::is_given(size_t place, size_t offset, size_t count) const {
+  const std::vector<bool> &given = values_[place].given;
+  for (size_t at = offset; at < offset + count; ++at) {
+    if (at >= given.size() || !given[at]) return false;
+  }
+  return true;
+}
+
+bool Call::is_any_given(size_t place, size_t offset, size_t count) const {
+  for (size_t at = offset; at < offset + count; ++at) {
+    if (is_given(place, at, 1)) return true;
+  }
+  return false;
+}
+
+void Call::fill_in(size_t place, size_t offset, ByteView bytes) {
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    if (!is_given(place, offset + i, 1)) values_[place].bytes[offset + i] = bytes[i];
+  }
 }
 
 void Call::set_vlans(size_t place, std::vector<olt_vlan_node> vlans) {
@@ -66,8 +92,15 @@ int32_t Call::make() {
   for (size_t place = 0; place < values_.size(); ++place) add_slots(place, slots);
   ExchangesOf exchanges(operation_);
   int32_t result = operation_.call(slots.data());
+  exchange_ = last_exchange();
   measure_outputs(result);
   return result;
+}
+
+int32_t Call::reason(int32_t result) const {
+  if (result != kNotSaid || !exchange_) return result;
+  int32_t ended = exchange_->transport | exchange_->status;
+  return ended != 0 ? ended : result;
 }
 
 void Call::add_slots(size_t place, std::vector<void *> &slots) {
@@ -111,7 +144,7 @@ void Call::measure_outputs(int32_t result) {
     const Argument &argument = operation_.arguments()[place];
     if (argument.kind == Kind::kBuffer) value.length = static_cast<uint32_t>(std::max(result, 0));
     if (value.block == nullptr) continue;
-    if (argument.kind == Kind::kReplyBlock) value.length = last_reply_length();
+    if (argument.kind == Kind::kReplyBlock && exchange_) value.length = exchange_->reply_length;
     if (argument.kind == Kind::kHeadedBlock) {
       value.length = headed_length(value.block, argument.size);
     }

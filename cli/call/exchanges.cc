@@ -10,11 +10,12 @@ namespace olt::cli {
 
 namespace {
 
-thread_local uint32_t reply_length = 0;
+thread_local std::optional<ExchangeEnd> last;
 thread_local const catalog::Operation *current = nullptr;
 
 void remember(void * /*context*/, const olt_exchange *exchange) {
-  reply_length = exchange->reply_length;
+  bool is_answered = exchange->result == OLT_TRANSPORT_OK;
+  last = {exchange->result, is_answered ? exchange->status : uint16_t{0}, exchange->reply_length};
 }
 
 void remember_and_show(void *context, const olt_exchange *exchange) {
@@ -34,14 +35,15 @@ void watch_exchanges(bool trace, std::vector<catalog::WireSecret> secrets) {
 
 ExchangesOf::ExchangesOf(const catalog::Operation &operation) {
   current = &operation;
+  last.reset();
 }
 
 ExchangesOf::~ExchangesOf() {
   current = nullptr;
 }
 
-uint32_t last_reply_length() {
-  return reply_length;
+std::optional<ExchangeEnd> last_exchange() {
+  return last;
 }
 
 }  // namespace olt::cli

@@ -3,6 +3,7 @@
 #define OLT_CLI_CALL_EXCHANGES_H
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "catalog/catalog.h"
@@ -23,9 +24,17 @@ class ExchangesOf {
   ~ExchangesOf();
 };
 
-/// Bytes in the reply of this thread's last exchange. Some operations hand out a copy of a reply
-/// without its length.
-uint32_t last_reply_length();
+/// How an exchange ended.
+struct ExchangeEnd {
+  int32_t transport = 0;  ///< enum olt_transport_result
+  uint16_t status = 0;    ///< 0 where none came
+  /// Some operations hand out a copy of a reply without its length.
+  uint32_t reply_length = 0;
+};
+
+/// This thread's last exchange since it began to make those of an operation; nothing if it made
+/// none.
+std::optional<ExchangeEnd> last_exchange();
 
 }  // namespace olt::cli
 

@@ -21,9 +21,9 @@ std::string status_of_module(uint16_t status, const Layout &layout) {
 
 std::string reason_of_exchange(int32_t result, const Layout &layout) {
   ResultParts parts = take_apart(result);
-  if (!parts.status) return "the request could not be built";
+  if (result == kNotBuilt) return "the request could not be built";
   if (!parts.transport) return status_of_module(*parts.status, layout);
-  if (*parts.status == 0) return *parts.transport;
+  if (!parts.status) return *parts.transport;
   return fmt::format("{}, {}", *parts.transport, status_of_module(*parts.status, layout));
 }
 
@@ -38,12 +38,14 @@ ResultParts take_apart(int32_t result) {
   if (result == kNotBuilt) return parts;
   auto bits = static_cast<uint32_t>(result);
   if (bits > UINT16_MAX) parts.transport = olt_transport_text(result);
-  parts.status = static_cast<uint16_t>(bits);
+  auto status = static_cast<uint16_t>(bits);
+  if (status != 0 || !parts.transport) parts.status = status;
   return parts;
 }
 
-std::string describe_result(const catalog::Operation &operation, int32_t result,
+std::string describe_result(const catalog::Operation &operation, int32_t result, int32_t reason,
                             const Layout &layout) {
+  if (reason != result) return with_reason(result, reason_of_exchange(reason, layout));
   if (result == kNotBuilt) return with_reason(result, operation.outcome.minus_one);
   if (operation.address.sends()) return with_reason(result, reason_of_exchange(result, layout));
   bool is_named = result == -2 && operation.outcome.minus_two != nullptr;

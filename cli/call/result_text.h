@@ -14,13 +14,14 @@ namespace olt::cli {
 /// The parts of a result: the transport result in the upper half, the module's status in the lower.
 struct ResultParts {
   std::optional<std::string> transport;  ///< why the exchange failed
-  std::optional<uint16_t> status;        ///< nothing when no request could be built
+  std::optional<uint16_t> status;        ///< nothing when none came
 };
 
 ResultParts take_apart(int32_t result);
 
 /// What the result means for that operation.
-std::string describe_result(const catalog::Operation &operation, int32_t result,
+/// @param reason Call::reason() of the result
+std::string describe_result(const catalog::Operation &operation, int32_t result, int32_t reason,
                             const catalog::Layout &layout = catalog::Layout::box());
 
 /// "result 5 (0x00000005): status 5 (oltbox: exists already)"

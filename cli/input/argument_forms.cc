@@ -21,6 +21,8 @@ using catalog::Role;
 namespace {
 
 constexpr uint32_t kLongestStream = OLT_REQUEST_LIMIT;
+/// Slot, interface, ONU, kind of target and UNI port.
+constexpr size_t kTargetWords = 5;
 
 const Argument &argument_at(const Call &call, size_t place) {
   return call.operation().arguments()[place];
@@ -73,13 +75,27 @@ void patch(Call &call, size_t place, std::string_view text) {
   }
 }
 
+/// The bytes that a text in the form of its kind says; those that follow are left out.
+Bytes said(const Field &whole, std::string_view text) {
+  Bytes bytes = parse_field(whole, text);
+  size_t count = bytes.size();
+  if (whole.kind == FieldKind::kNumbers) {
+    auto commas = static_cast<size_t>(std::count(text.begin(), text.end(), ','));
+    count = (commas + 1) * sizeof(uint32_t);
+  } else if (whole.kind == FieldKind::kOnt) {
+    count = kTargetWords * sizeof(uint32_t);
+  }
+  bytes.resize(std::min(bytes.size(), count));
+  return bytes;
+}
+
 void read_value(Call &call, size_t place, std::string_view text) {
   Field whole = argument_at(call, place).whole();
   const FieldForm &form = form_of(whole.kind);
   if (form.fits != nullptr && text.starts_with('@')) {
     call.set_bytes(place, 0, of_size(whole.width, file(text.substr(1))));
   } else if (form.fits == nullptr || form.fits(text)) {
-    call.set_bytes(place, 0, parse_field(whole, text));
+    call.set_bytes(place, 0, said(whole, text));
   } else if (text.find(':') == std::string_view::npos) {
     call.set_bytes(place, 0, of_size(whole.width, parse_hex(text)));
   } else {
@@ -89,8 +105,11 @@ void read_value(Call &call, size_t place, std::string_view text) {
 
 // Bytes of any length.
 
-std::string expected_stream(const Argument & /*argument*/) {
-  return "bytes as HEX or @FILE";
+std::string expected_stream(const Argument &argument) {
+  std::vector<std::string_view> names;
+  for (const Field &field : argument.fields) names.emplace_back(field.name);
+  return fmt::format("bytes as HEX or @FILE{}{}", names.empty() ? "" : ": ",
+                     fmt::join(names, ", "));
 }
 
 std::string example_stream(const Argument &argument) {

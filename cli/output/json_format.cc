@@ -32,6 +32,16 @@ ordered_json or_null(const std::optional<Content> &content) {
   return content ? ordered_json(*content) : ordered_json();
 }
 
+ordered_json json_of(const Changes &changes) {
+  ordered_json list = ordered_json::array();
+  for (const Change &change : changes) {
+    list.push_back({{"field", change.before.name()},
+                    {"before", change.before.json()},
+                    {"after", change.after.json()}});
+  }
+  return list;
+}
+
 ordered_json json_of(const std::optional<Listing> &listing) {
   if (!listing) return nullptr;
   return {{"name", listing->name}, {"text", or_null(listing->text)}};
@@ -50,7 +60,7 @@ class JsonFormatter : public Formatter {
   std::string result(const Result &result) override {
     const catalog::Operation &operation = result.operation;
     ResultParts parts;
-    if (operation.address.sends()) parts = take_apart(result.code);
+    if (operation.address.sends()) parts = take_apart(result.reason);
     ordered_json object = {
         {"version", kJsonVersion},
         {"operation", operation.name},
@@ -64,6 +74,8 @@ class JsonFormatter : public Formatter {
     for (const Output &output : result.outputs) {
       object["outputs"][std::string(output.name)] = json_of(output);
     }
+    if (result.changes) object["changes"] = json_of(*result.changes);
+    if (result.is_fallback) object["fallback"] = true;
     return json_line(object);
   }
 

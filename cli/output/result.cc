@@ -1,5 +1,7 @@
 #include "cli/output/result.h"
 
+#include <utility>
+
 namespace olt::cli {
 
 using catalog::Argument;
@@ -41,10 +43,15 @@ Output output_of(const Call &call, size_t place, const Detail &detail) {
   return {argument.name, std::move(values)};
 }
 
+/// Without what follows a text.
+std::string unmasked(const NamedValue &value) {
+  return form_of(value.field.kind).text(value.field, value.bytes);
+}
+
 }  // namespace
 
 std::string NamedValue::text() const {
-  return is_masked ? kMask : form_of(field.kind).text(field, bytes);
+  return is_masked ? kMask : unmasked(*this);
 }
 
 nlohmann::ordered_json NamedValue::json() const {
@@ -52,7 +59,7 @@ nlohmann::ordered_json NamedValue::json() const {
 }
 
 Result result_of(const Call &call, int32_t code, const Detail &detail) {
-  Result result{call.operation(), code, {}, {}};
+  Result result{call.operation(), code, call.reason(code), {}, {}, {}};
   if (result.failed()) return result;
   for (size_t place = 0; place < call.operation().argument_count; ++place) {
     const Argument &argument = call.operation().arguments()[place];
@@ -63,6 +70,18 @@ Result result_of(const Call &call, int32_t code, const Detail &detail) {
     }
   }
   return result;
+}
+
+Changes changes_of(const Call &call, size_t place, ByteView before, const Detail &detail) {
+  const Argument &argument = call.operation().arguments()[place];
+  NamedValues old_values = values_of(argument, before, detail);
+  NamedValues new_values = values_of(argument, call.bytes(place), detail);
+  Changes changes;
+  for (size_t i = 0; i < old_values.size(); ++i) {
+    if (unmasked(old_values[i]) == unmasked(new_values[i])) continue;
+    changes.push_back({std::move(old_values[i]), std::move(new_values[i])});
+  }
+  return changes;
 }
 
 NamedValues values_of(const Argument &argument, ByteView bytes, const Detail &detail) {

@@ -52,17 +52,30 @@ struct Listing {
   std::optional<std::string> text;  ///< once it could be read
 };
 
+/// What a call makes of a field, or of an argument without fields.
+struct Change {
+  NamedValue before;
+  NamedValue after;
+};
+using Changes = std::vector<Change>;
+
 struct Result {
   const catalog::Operation &operation;
-  int32_t code;  ///< what the operation returned
+  int32_t code;    ///< what the operation returned
+  int32_t reason;  ///< Call::reason() of it
   std::vector<Output> outputs;
   std::optional<Listing> listing;
+  std::optional<Changes> changes;  ///< if the present values were read before the call
+  bool is_fallback = false;        ///< nothing could be read
 
   bool failed() const { return !operation.succeeded(code); }
 };
 
 /// Outputs only when the call succeeded.
 Result result_of(const Call &call, int32_t code, const Detail &detail);
+
+/// How an argument differs from its bytes before.
+Changes changes_of(const Call &call, size_t place, ByteView before, const Detail &detail);
 
 /// The fields of an output; the whole as one value when it has none.
 NamedValues values_of(const catalog::Argument &argument, ByteView bytes, const Detail &detail);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 namespace olt::cli {
@@ -20,6 +21,13 @@ bool confirm(std::string_view question) {
     fmt::print(stderr, "\n");
   }
   return answer == "y" || answer == "yes";
+}
+
+std::string coloured(Colour colour, std::string_view text) {
+  const char *none = std::getenv("NO_COLOR");
+  bool is_plain = (none != nullptr && *none != '\0') || isatty(STDERR_FILENO) == 0;
+  if (is_plain) return std::string(text);
+  return fmt::format("\x1b[{}m{}\x1b[0m", static_cast<int>(colour), text);
 }
 
 }  // namespace olt::cli

@@ -66,7 +66,7 @@ std::optional<NamedValues> Walk::next() {
   Call read(*layout_.find(reader_.name));
   read.set_bytes(0, 0, step_.bytes(0));
   select(read, selection_.this_row);
-  check(read.operation(), read.make());
+  check(read, read.make());
   add_columns(row, read);
   return row;
 }
@@ -85,17 +85,18 @@ bool Walk::step() {
   Bytes before(named.begin(), named.end());
   int32_t result = step_.make();
   if (result == end_of_table_) return false;
-  check(step_.operation(), result);
+  check(step_, result);
   if (std::equal(before.begin(), before.end(), named.begin())) {
     fail("walk: {} returns the same row again; expected the next one", reader_.stepper);
   }
   return true;
 }
 
-void Walk::check(const Operation &operation, int32_t result) const {
+void Walk::check(const Call &call, int32_t result) const {
   if (result == 0) return;
-  fail("{} failed: {}{}", operation.name, describe_result(operation, result, layout_),
-       box_.advice(result));
+  int32_t reason = call.reason(result);
+  fail("{} failed: {}{}", call.operation().name,
+       describe_result(call.operation(), result, reason, layout_), box_.advice(reason));
 }
 
 /// The part of an ONU is called what it is in this table.

@@ -30,7 +30,7 @@ class Walk {
   bool step();
   NamedValues index() const;
   void add_columns(NamedValues &row, const Call &call) const;
-  void check(const catalog::Operation &operation, int32_t result) const;
+  void check(const Call &call, int32_t result) const;
 
   const Access &box_;
   const catalog::Layout &layout_;

@@ -135,7 +135,7 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   offered.erase(0, offered.find("options='--") + 9);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);
-  EXPECT_EQ(options.size(), 15U);
+  EXPECT_EQ(options.size(), 16U);
   EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
 }
 

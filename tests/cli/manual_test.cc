@@ -107,6 +107,22 @@ TEST(Manual, SaysWhatAnOperationTakes) {
             "  oltctl set_system_loglevel value=debug\n");
 }
 
+TEST(Manual, SaysWhatBecomesOfFieldsThatAreNotGiven) {
+  EXPECT_NE(help_text("set_rstp_config")
+                .find("\nWhat is not given stays as it is: get_rstp_config reads it before. --zero "
+                      "sends zeros instead.\n"
+                      "At a terminal it shows the change and asks; --yes answers.\n"
+                      "\n"
+                      "Sends message type 172 to module 2.\n"),
+            std::string::npos);
+  EXPECT_NE(help_text("process_olt_port_mac")
+                .find("\nAll fields must be given, since no operation reads them. --zero sends "
+                      "zeros for the others.\n"
+                      "\n"
+                      "Sends message type 55 to module 2.\n"),
+            std::string::npos);
+}
+
 TEST(Manual, ShowsTheShortFormsOfArguments) {
   EXPECT_EQ(help_text("add_ont_port_muticastvlan"),
             "add_ont_port_muticastvlan ont vlans\n"
@@ -149,6 +165,8 @@ TEST(Manual, SaysWhatWorksOnTheFlash) {
             "  unused_a        a number; 0 when left out\n"
             "  unused_b        a number; 0 when left out\n"
             "\n"
+            "At a terminal it asks before it acts; --yes answers.\n"
+            "\n"
             "Works on the flash device and sends nothing: with the embedded box on a simulated\n"
             "device, with --real-flash on this machine's /dev/mtd0.\n"
             "\n"
@@ -164,6 +182,8 @@ TEST(Manual, SaysWhatComesBack) {
             "do_reboot_system\n"
             "  Reboots the box.\n"
             "\n"
+            "At a terminal it asks before it acts; --yes answers.\n"
+            "\n"
             "Sends message type 7 to module 2.\n"
             "\n"
             "Example:\n"
@@ -173,7 +193,7 @@ TEST(Manual, SaysWhatComesBack) {
             "  Lists one module's use of memory.\n"
             "\n"
             "Arguments:\n"
-            "  module          a number\n"
+            "  module          a number from 0 to 255\n"
             "\n"
             "Results:\n"
             "  name            the name of a listing, followed by its text\n"
@@ -187,10 +207,12 @@ TEST(Manual, SaysWhatComesBack) {
             "  Sends a piece of an OLT firmware update.\n"
             "\n"
             "Arguments:\n"
-            "  request         bytes as HEX or @FILE\n"
+            "  request         bytes as HEX or @FILE: total, offset, image\n"
             "\n"
             "Results:\n"
             "  answer          the reply's fields\n"
+            "\n"
+            "At a terminal it asks before it acts; --yes answers.\n"
             "\n"
             "Sends message type 11 to module 2.\n"
             "\n"

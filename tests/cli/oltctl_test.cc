@@ -125,6 +125,47 @@ TEST(OltctlRun, ALostExchangeSaysHow) {
   EXPECT_EQ(failed.errors.substr(0, 55), "get_olt_mac failed: result 196608 (0x00030000): the mod");
   EXPECT_TRUE(holds(failed.output, R"("result":196608,"failed":true,"transport":")"))
       << failed.output;
+  EXPECT_TRUE(holds(failed.output, R"(","status":null,"outputs":{})")) << failed.output;
+}
+
+TEST(OltctlRun, AResultOfMinusOneSaysWhy) {
+  Oltctl oltctl;
+  const std::vector<std::string> call = {"set_ont_port_alarmsetting", "1/2/3:44", "1"};
+  EXPECT_EQ(oltctl(call).errors,
+            "set_ont_port_alarmsetting failed: result -1 (0xffffffff): status 4 (oltbox: not "
+            "found)\n");
+  EXPECT_EQ(oltctl({"--json", call[0], call[1], call[2]}).output,
+            R"({"version":1,"operation":"set_ont_port_alarmsetting","result":-1,"failed":true,)"
+            R"("transport":null,"status":4,"outputs":{},"listing":null})"
+            "\n");
+  ASSERT_EQ(oltctl({"fault", "add", "type=set_ont_port_alarmsetting", "drop"}).status, 0);
+  Finished dropped = oltctl({"--json", call[0], call[1], call[2]});
+  EXPECT_TRUE(holds(dropped.output, R"("result":-1,"failed":true,"transport":"the module)"))
+      << dropped.output;
+  EXPECT_TRUE(holds(dropped.output, R"(","status":null,)")) << dropped.output;
+  EXPECT_EQ(dropped.errors.substr(0, 64),
+            "set_ont_port_alarmsetting failed: result -1 (0xffffffff): the mo");
+  EXPECT_EQ(oltctl({"--json", "get_snmp_olt_port_status", "slot=2", "port=3"}).errors,
+            "get_snmp_olt_port_status failed: result -1 (0xffffffff): slot or port is out of "
+            "range\n");
+}
+
+TEST(OltctlRun, TextsAreTexts) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"add_ont_description", "1/2/3", "description=Smith house"}).status, 0);
+  EXPECT_TRUE(
+      holds(oltctl({"process_snmp_onubasicinfo", "1/2/3"}).output, "description = Smith house\n"));
+  EXPECT_EQ(oltctl({"add_ont_description", "1/2/4", "0a0b"}).status, 0);
+  EXPECT_TRUE(holds(oltctl({"process_snmp_onubasicinfo", "1/2/4"}).output, "description = 0a0b\n"));
+  EXPECT_EQ(oltctl({"set_ont_port_description", "1/2/3:1", "Kitchen: left, 2nd"}).status, 0);
+}
+
+TEST(OltctlRun, AnImageWithoutAHeadSaysWhatIsMissing) {
+  Oltctl oltctl;
+  std::string image = oltctl.folder().write("image", "not a piece");
+  EXPECT_EQ(oltctl({"do_handle_epon_updatestream", "@" + image}).errors,
+            "do_handle_epon_updatestream failed: result 3 (0x00000003): status 3 (oltbox: bad "
+            "value); expected request to hold total, offset, image\n");
 }
 
 TEST(OltctlRun, FaultsAreListedAndCleared) {

@@ -113,11 +113,13 @@ TEST_F(Shell, AsksForAMissingPasswordWithoutEcho) {
   at_prompt(shell, "modify_user_level user_name=bob user_password=- level_a=5\r");
   ASSERT_TRUE(shell.shows("user_password: "));
   shell.type("other\r");
+  ASSERT_TRUE(shell.shows("Send it? [y/N] "));
+  shell.type("y\r");
   at_prompt(shell, "exit\r");
   EXPECT_EQ(shell.end(), 0);
   EXPECT_FALSE(holds(shell.transcript(), "s3cret")) << shell.transcript();
   EXPECT_FALSE(holds(shell.transcript(), "other")) << shell.transcript();
-  EXPECT_EQ(oltctl({"get_user_level", "bob", "other"}).output, "level_a = 5\nlevel_b = 0\n");
+  EXPECT_EQ(oltctl({"get_user_level", "bob", "other"}).output, "level_a = 5\nlevel_b = 4\n");
 }
 
 TEST_F(Shell, OneCommandAsksOnATerminal) {

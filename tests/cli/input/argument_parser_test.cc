@@ -226,16 +226,17 @@ TEST(Records, ATextFieldReplacesAllOfAnEarlierText) {
 TEST(Streams, AreTakenAsHexOrFromAFile) {
   const auto &stream = *olt::catalog::find("do_handle_epon_updatestream");
   EXPECT_EQ(error_for(stream, {}),
-            "do_handle_epon_updatestream: request is missing; expected bytes as HEX or @FILE");
+            "do_handle_epon_updatestream: request is missing; expected bytes as HEX or "
+            "@FILE: total, offset, image");
   EXPECT_EQ(
       error_for(stream, {"request=xyz"}),
       "do_handle_epon_updatestream: request: 'xyz' is not pairs of hex digits; expected bytes "
-      "as HEX or @FILE");
+      "as HEX or @FILE: total, offset, image");
   EXPECT_EQ(error_for(stream, {"request="}), "no error");
   EXPECT_EQ(
       error_for(stream, {"request=@/dev/zero"}),
       "do_handle_epon_updatestream: request: cannot read '/dev/zero': File too large; expected "
-      "bytes as HEX or @FILE");
+      "bytes as HEX or @FILE: total, offset, image");
 }
 
 }  // namespace
