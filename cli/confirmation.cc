@@ -14,7 +14,7 @@ namespace {
 
 void require_yes(const catalog::Operation &operation, const std::string &question) {
   if (confirm(question)) return;
-  fail("{}: not confirmed, nothing was sent; expected y, or --yes", operation.name);
+  fail("{}: not confirmed, nothing was done; expected y, or --yes", operation.name);
 }
 
 }  // namespace

@@ -144,7 +144,7 @@ void Call::measure_outputs(int32_t result) {
     const Argument &argument = operation_.arguments()[place];
     if (argument.kind == Kind::kBuffer) value.length = static_cast<uint32_t>(std::max(result, 0));
     if (value.block == nullptr) continue;
-    if (argument.kind == Kind::kReplyBlock && exchange_) value.length = exchange_->reply_length;
+    if (argument.kind == Kind::kReplyBlock) value.length = reply_length();
     if (argument.kind == Kind::kHeadedBlock) {
       value.length = headed_length(value.block, argument.size);
     }

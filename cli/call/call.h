@@ -47,6 +47,9 @@ class Call {
   /// Why the call failed: the result, or, of a result that does not say, that of its exchange.
   int32_t reason(int32_t result) const;
 
+  /// Bytes in the reply of the call's last exchange; 0 without one.
+  uint32_t reply_length() const { return exchange_ ? exchange_->reply_length : 0; }
+
   /// A value, buffer or block.
   ByteView bytes(size_t place) const;
   const std::string &file(size_t place) const { return values_[place].file; }

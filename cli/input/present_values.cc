@@ -219,12 +219,22 @@ class Reader {
   void make(Call &call) const { check(call, call.make()); }
 
   void check(const Call &call, int32_t result) const {
-    if (result == 0) return;
+    if (result != 0) {
+      refuse(fmt::format("failed: {}",
+                         describe_result(getter_, result, call.reason(result), layout_)));
+    }
+    // The library does not say how much of a reply there was.
+    uint32_t expected = getter_.reply.fixed_length();
+    if (call.reply_length() < expected) {
+      refuse(fmt::format("reads {}, not {}", counted(call.reply_length(), "byte"), expected));
+    }
+  }
+
+  [[noreturn]] void refuse(const std::string &reason) const {
     fail(
-        "{}: the present values cannot be read: {} failed: {}; expected --zero to send zeros for "
-        "what is not given",
-        call_.operation().name, getter_.name,
-        describe_result(getter_, result, call.reason(result), layout_));
+        "{}: the present values cannot be read: {} {}; expected --zero to send zeros for what is "
+        "not given",
+        call_.operation().name, getter_.name, reason);
   }
 
   const Call &call_;

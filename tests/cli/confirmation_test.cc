@@ -52,7 +52,7 @@ TEST_F(Confirmation, SendsNothingWithoutAYes) {
     ASSERT_TRUE(asked.shows("Send it? [y/N] ")) << asked.transcript();
     asked.type(answer);
     EXPECT_TRUE(
-        asked.shows("set_rstp_config: not confirmed, nothing was sent; expected y, or --yes\r\n"))
+        asked.shows("set_rstp_config: not confirmed, nothing was done; expected y, or --yes\r\n"))
         << asked.transcript();
     EXPECT_EQ(asked.end(), 1);
   }
@@ -109,7 +109,7 @@ TEST_F(Confirmation, AsksBeforeWhatCannotBeTakenBack) {
       << no.transcript();
   no.type("n\r");
   EXPECT_TRUE(
-      no.shows("default_system_config: not confirmed, nothing was sent; expected y, or "
+      no.shows("default_system_config: not confirmed, nothing was done; expected y, or "
                "--yes\r\n"))
       << no.transcript();
   EXPECT_EQ(no.end(), 1);

@@ -12,6 +12,7 @@
 #include "catalog/catalog.h"
 #include "cli/call/exchanges.h"
 #include "cli/input/argument_parser.h"
+#include "cli/input/present_values.h"
 #include "cli/output/format.h"
 #include "cli/text/error.h"
 #include "platform/olthost.h"
@@ -203,6 +204,42 @@ TEST_F(Requests, CarryAddressesWordsAndNames) {
                 zeros(16));
   EXPECT_EQ(request_of({"show_iptv_byprofile", std::string(32, 'p')}),
             "161 7070707070707070707070707070707070707070707070707070707070707070");
+}
+
+TEST_F(Requests, KeepWhatWasReadAndRefuseAShortReply) {
+  auto keep = [this](const Words &words) {
+    requests_.clear();
+    Call call(*olt::catalog::find(words[0]));
+    olt::cli::read_arguments(call, std::span(words).subspan(1));
+    olt::cli::keep_present_values(call, olt::catalog::Layout::box());
+    call.make();
+    return requests_;
+  };
+  reply_ = std::string("\x01\0\0\0\x3c\0\0\0\x0a\0\0\0\x02\0\0\0\x01\0\0\0\x01\0\0\0", 24);
+  EXPECT_EQ(keep({"set_igmpproxy_config", "robustness=3"}), (Words{"151 ",
+                                                                   "152 01000000"
+                                                                   "3c000000"
+                                                                   "0a000000"
+                                                                   "03000000"
+                                                                   "01000000"
+                                                                   "01000000"}));
+  EXPECT_EQ(keep({"set_igmpproxy_config", "config=0,9"}), (Words{"151 ",
+                                                                 "152 00000000"
+                                                                 "09000000"
+                                                                 "0a000000"
+                                                                 "02000000"
+                                                                 "01000000"
+                                                                 "01000000"}));
+  reply_.resize(23);
+  try {
+    keep({"set_igmpproxy_config", "robustness=3"});
+    ADD_FAILURE();
+  } catch (const olt::cli::Error &error) {
+    EXPECT_STREQ(error.what(),
+                 "set_igmpproxy_config: the present values cannot be read: get_igmpproxy_config "
+                 "reads 23 bytes, not 24; expected --zero to send zeros for what is not given");
+  }
+  EXPECT_EQ(requests_, Words{"151 "});
 }
 
 TEST_F(Requests, AreNotSentWhenAnItemIsWrong) {
