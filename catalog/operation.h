@@ -207,13 +207,13 @@ struct Operation {
   std::array<Argument, kMaxArguments> argument_room{};
   Outcome outcome{};
   Present present{};
-  bool takes_all = false;    ///< all fields of its records must be given
-  bool destructive = false;  ///< ends or removes what cannot be brought back by another operation
   Fallback fallback{};
   Message request{};
   Message reply{};
   const char *example = nullptr;        ///< its arguments; null: one of each argument's own
   const char *example_after = nullptr;  ///< commands that the example needs, a line each
+  bool takes_all = false;               ///< all fields of its records must be given
+  bool destructive = false;  ///< ends or removes what cannot be brought back by another operation
 
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};

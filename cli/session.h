@@ -25,7 +25,7 @@ class Session {
 
   // All of these throw Error.
 
-  void run_operation(const catalog::Operation &operation, std::span<const std::string> words);
+  void run_operation(const catalog::Operation &operation, std::span<const std::string> given);
   void run_walk(const std::string &reader);
   /// Sends a firmware image and follows the update to its end.
   /// @param fields of the head of each piece, as FIELD=VALUE

@@ -16,7 +16,6 @@ namespace olt::cli {
 
 using catalog::Argument;
 using catalog::Field;
-using catalog::FieldKind;
 using catalog::Layout;
 using catalog::Operation;
 using catalog::Part;
@@ -48,12 +47,12 @@ ByteView bytes_of(const Call &call, size_t place, const Field &field) {
 
 /// Whether the module sees what the caller's record has in that field.
 bool is_sent(const Operation &operation, size_t place, const Field &field) {
-  for (const Part &part : operation.request.parts()) {
+  auto parts = operation.request.parts();
+  return std::any_of(parts.begin(), parts.end(), [place, &field](const Part &part) {
     bool is_of_argument = part.origin == catalog::Origin::kArgument && part.argument == place;
-    if (!is_of_argument || field.offset < part.from) continue;
-    if (part.reaches_the_end() || field.offset < part.from + part.width) return true;
-  }
-  return false;
+    bool ends_after = part.reaches_the_end() || field.offset < part.from + part.width;
+    return is_of_argument && field.offset >= part.from && ends_after;
+  });
 }
 
 /// The fields that are not given, or the bytes of a record without fields.

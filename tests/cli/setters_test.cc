@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <set>
 #include <sstream>
 #include <string>
@@ -28,10 +29,9 @@ void each_operation(Function fn) {
 }
 
 bool sends_record(const Operation &operation) {
-  for (const Argument &argument : operation.arguments()) {
-    if (argument.is_sent_record()) return true;
-  }
-  return false;
+  auto arguments = operation.arguments();
+  return std::any_of(arguments.begin(), arguments.end(),
+                     [](const Argument &argument) { return argument.is_sent_record(); });
 }
 
 TEST(Setters, EachThatSendsARecordSaysWhatBecomesOfTheRest) {
