@@ -3,7 +3,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS oltmgmt oltmgmt_static EXPORT oltmgmt)
 install(FILES include/oltmgmt.h include/oltplatform.h TYPE INCLUDE)
 install(DIRECTORY examples TYPE DOC
-  FILES_MATCHING PATTERN *.c PATTERN *.cc PATTERN CMakeLists.txt PATTERN Makefile)
+  FILES_MATCHING PATTERN *.c PATTERN *.cc PATTERN *.h PATTERN CMakeLists.txt PATTERN Makefile)
 
 # For find_package(oltmgmt).
 set(OLT_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/oltmgmt)
@@ -15,7 +15,7 @@ install(FILES ${PROJECT_BINARY_DIR}/oltmgmtConfigVersion.cmake DESTINATION ${OLT
 # For pkg-config. The files locate the prefix from their own place, so that it can be moved.
 set(OLT_PC_FOLDER ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 string(REGEX REPLACE "[^/]+" ".." OLT_PREFIX_FROM_PC ${OLT_PC_FOLDER})
-foreach(library oltmgmt oltplatform)
+foreach(library oltmgmt oltmock oltplatform)
   if(TARGET ${library})
     configure_file(cmake/${library}.pc.in ${library}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${OLT_PC_FOLDER})

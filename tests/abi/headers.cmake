@@ -24,7 +24,7 @@ foreach(compiler gcc clang)
       set(warnings ${${compiler}_warnings} ${${compiler}_cxx_warnings})
     endif()
     # Included twice, as in programs with many files.
-    foreach(header oltmgmt oltplatform)
+    foreach(header oltmgmt oltmock oltplatform)
       add_test(NAME abi.header.${header}.${compiler}.${standard}
         COMMAND ${OLT_TEST_${compiler}} -x ${language} -std=${standard} ${warnings}
           -I ${include_dir} -include ${header}.h

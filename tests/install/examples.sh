@@ -41,6 +41,7 @@ done
 export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
 examples=$prefix/share/doc/oltmgmt/examples
 cp -r "$examples" "$work/with_make"
+cp -r "$examples" "$work/faulty"
 make -C "$work/with_make" \
   CFLAGS='-Wall -Wextra -Werror' CXXFLAGS='-Wall -Wextra -Werror' >"$work/make.log"
 cmake -S "$examples" -B "$work/with_cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
@@ -81,6 +82,31 @@ for folder in "$work/with_make" "$work/with_cmake"; do
   alone "$folder/vlan_report" "$work/run" 7 4094 | diff -u "$work/expected" -
 done
 expect 'mac = 02:00:00:00:00:01' "$prefix/bin/oltctl" get_olt_mac
+
+# The tests of a front end with the mock pass, and fail with a front end that switches off another
+# port. CMake has said which frameworks are not installed.
+sed -i 's/set_port_enable(slot, port,/set_port_enable(slot, port + 1,/' "$work/faulty/mock/idle_port.c"
+cmake -S "$work/faulty" -B "$work/faulty_build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >"$work/frameworks"
+cmake --build "$work/faulty_build" >/dev/null
+for name in googletest cmocka check; do
+  ! grep "examples/mock/$name.* is skipped" "$work/frameworks" || continue
+  test=mock/idle_port_$name
+  alone "$work/with_cmake/$test" >"$work/test_output" 2>&1 || fail "$test: $(cat "$work/test_output")"
+  ! alone "$work/faulty_build/$test" >"$work/test_output" 2>&1 || fail "$test misses a wrong port"
+  grep -q '^  port: 4 sent; expected 3' "$work/test_output" || fail "$test: $(cat "$work/test_output")"
+done
+
+cat >"$work/plain.c" <<'END'
+#include <oltmgmt.h>
+#include <oltmock.h>
+int main(void) {
+  olt_mock_expect("save_system_config", "");
+  return save_system_config() != 0 || olt_mock_finish() != 0;
+}
+END
+read -ra flags < <(pkg-config --cflags --libs oltmgmt oltmock)
+"${CC:-cc}" -std=c11 -Wall -Wextra -Werror "$work/plain.c" -o "$work/plain" "${flags[@]}" "-Wl,-rpath,$prefix/lib"
+alone "$work/plain" || fail "a program with the mock fails"
 
 # On SIGTERM, the box ends with exit status 0.
 kill "$box"
