@@ -14,8 +14,8 @@
 /// OLT_MOCK_UNEXPECTED. ___MALLOC returns zeroed blocks; log_log writes to standard error.
 ///
 /// Fields are written as words NAME=VALUE, with the names and forms that oltctl uses: an argument
-/// of the operation, or a field of its record or message ("oltctl help OPERATION", "oltctl list
-/// --json"). A word with blanks needs quotes: entries='{mac=02:00:00:00:00:01 loid=a}'. Repeated
+/// of the operation, or a field of its record or message ("oltctl help OPERATION", "oltctl --json
+/// list"). A word with blanks needs quotes: entries='{mac=02:00:00:00:00:01 loid=a}'. Repeated
 /// records are {FIELD=VALUE ...} {...}. Where a name stands for two fields, ARGUMENT.FIELD names
 /// one. Texts given here are copied.
 ///

@@ -57,6 +57,11 @@ struct NamedField : MessageField {
   const char *message_name;
 };
 
+std::string qualified_name(const NamedField &placed) {
+  if (placed.argument == nullptr) return placed.field.name;
+  return fmt::format("{}.{}", placed.argument->name, placed.field.name);
+}
+
 /// A field that is an argument without fields of its own has the argument's name.
 std::vector<NamedField> named_fields(const Operation &operation, const Message &message) {
   std::vector<NamedField> fields;
@@ -140,7 +145,7 @@ Bytes parse_list(const Field &field, const Argument &argument, std::string_view 
   }
   if (argument.kind == Kind::kVlans) return vlan_records(argument, text);
   if (argument.kind == Kind::kIds) return vlan_ids(text);
-  return cli::parse_field(field, text.find('=') == text.npos ? text : in_braces(text));
+  return cli::parse_field(field, text.find('=') == std::string_view::npos ? text : in_braces(text));
 }
 
 /// What parse_value() takes.
@@ -158,7 +163,7 @@ Bytes parse_value(const Field &field, const Argument *argument, std::string_view
   const cli::FieldForm &form = cli::form_of(field.kind);
   bool is_hex = form.fits != nullptr && !form.fits(text) && field.width != Field::kToTheEnd;
   if (!is_hex) return cli::parse_field(field, text);
-  if (text.find(':') != text.npos) return patched(field, text);
+  if (text.find(':') != std::string_view::npos) return patched(field, text);
   return cli::of_size(field.width, cli::parse_hex(text));
 }
 
@@ -234,14 +239,12 @@ class WordReader {
     const Argument *owner = find_argument(name);
     const NamedField *found = nullptr;
     for (const NamedField &placed : fields_) {
-      bool is_qualified = placed.argument != nullptr &&
-                          name == fmt::format("{}.{}", placed.argument->name, placed.field.name);
       bool is_other = owner != nullptr && placed.argument != owner;
       bool is_called = name == placed.field.name || name == placed.message_name;
-      if (!is_qualified && (!is_called || is_other)) continue;
+      if (name != qualified_name(placed) && (!is_called || is_other)) continue;
       if (found != nullptr) {
-        refuse(operation_, "{} stands for two fields; expected {}.{} or {}.{}", name,
-               found->argument->name, name, placed.argument->name, name);
+        refuse(operation_, "{} stands for two fields; expected {} or {}", name,
+               qualified_name(*found), qualified_name(placed));
       }
       found = &placed;
     }

@@ -86,8 +86,8 @@ struct Reporter {
 /// front ends call returns what is wrong, or null. Such texts live until finish().
 class Mock {
  public:
-  Expectation *expect(const char *operation, const char *fields);
-  Expectation *expect_bytes(const char *operation, ByteView request);
+  Expectation *expect(const char *name, const char *fields);
+  Expectation *expect_bytes(const char *name, ByteView request);
   void answer(Expectation &expectation, const char *fields);
   void answer_bytes(Expectation &expectation, ByteView reply);
   void set_times(Expectation &expectation, uint32_t min, uint32_t max);

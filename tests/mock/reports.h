@@ -17,8 +17,6 @@ namespace olt::test {
 class MockTest : public testing::Test {
  protected:
   MockTest() { olt_mock_on_failure(keep, this); }
-  MockTest(const MockTest &) = delete;
-  MockTest &operator=(const MockTest &) = delete;
   ~MockTest() override {
     olt_mock_finish();
     olt_mock_on_failure(nullptr, nullptr);

@@ -123,6 +123,49 @@ TEST_F(MockSweep, ReportsCallsInWordsThatCanBeExpected) {
   }
 }
 
+/// Each name with values of every wrong kind: they are read, or refused in one line that begins
+/// with the operation.
+TEST_F(MockSweep, RefusesBadValuesInOneLine) {
+  constexpr const char *kValues[] = {"",          "{",
+                                     "}",         "{}",
+                                     "{=}",       "[",
+                                     "[1",        "\"",
+                                     "'{a=b}'",   "99999999999",
+                                     "-",         ":",
+                                     "0:",        ":1",
+                                     ",",         "1-",
+                                     "-1",        "1;2",
+                                     "none",      "\\x1",
+                                     "1/2/3/4/5", "a=b;c=d",
+                                     "@",         "0x",
+                                     "1:2:",      "'a b'",
+                                     "1.2.3.4.5", "4294967295:00",
+                                     "00000",     "01020304050607"};
+  size_t refused = 0;
+  for (const Words &call : sample_calls()) {
+    const catalog::Operation &operation = *catalog::find(call[0]);
+    for (const catalog::Argument &argument : operation.arguments()) {
+      for (const char *value : kValues) {
+        std::string word = std::string(argument.name) + '=' + value;
+        SCOPED_TRACE(call[0] + ' ' + word);
+        olt_mock_expect(call[0].c_str(), word.c_str());
+        std::string report = taken();
+        olt_mock_expectation *expectation = olt_mock_expect(call[0].c_str(), "");
+        olt_mock_answer(expectation, word.c_str());
+        std::string report_of_answer = taken();
+        for (const std::string &line : {report, report_of_answer}) {
+          if (line.empty()) continue;
+          EXPECT_TRUE(line.starts_with(call[0] + ": ")) << line;
+          EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << line;
+          ++refused;
+        }
+        finish();
+      }
+    }
+  }
+  EXPECT_GT(refused, 1000U);
+}
+
 }  // namespace
 
 }  // namespace olt::test
