@@ -10,12 +10,12 @@ namespace olt::box {
 
 void Report::section(std::string heading, std::vector<std::string> columns) {
   Rule rule = columns.empty() ? Rule::kNone : Rule::kBelowFirst;
-  sections_.push_back({std::move(heading), {}, rule});
+  content_.sections.push_back({std::move(heading), {}, rule});
   if (rule == Rule::kBelowFirst) row(std::move(columns));
 }
 
 void Report::row(std::vector<std::string> cells) {
-  sections_.back().rows.push_back(std::move(cells));
+  content_.sections.back().table.push_back(std::move(cells));
 }
 
 void Report::dump(std::span<const uint8_t> bytes) {
@@ -23,14 +23,6 @@ void Report::dump(std::span<const uint8_t> bytes) {
     auto part = bytes.subspan(offset, std::min<size_t>(16, bytes.size() - offset));
     row({fmt::format("{:04x}", offset), to_hex(part), characters(part)});
   }
-}
-
-std::string Report::text() const {
-  std::string text = title_ + '\n' + std::string(title_.size(), '=') + '\n';
-  for (const Section &section : sections_) {
-    text += '\n' + section.heading + '\n' + table_text(section.rows, section.rule);
-  }
-  return text;
 }
 
 }  // namespace olt::box

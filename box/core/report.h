@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "base/table.h"
+#include "base/listing.h"
 
 namespace olt::box {
 
 /// A text with a title and sections; each section is a table with aligned columns.
 class Report {
  public:
-  explicit Report(std::string title) : title_(std::move(title)) {}
+  explicit Report(std::string title) : content_{std::move(title), {}} {}
 
   /// Begins a section, to which the following rows belong. Columns need no headings.
   void section(std::string heading, std::vector<std::string> columns = {});
@@ -22,17 +22,10 @@ class Report {
   /// Rows of 16 bytes: offset, hex, characters.
   void dump(std::span<const uint8_t> bytes);
 
-  std::string text() const;
+  std::string text() const { return listing_text(content_); }
 
  private:
-  struct Section {
-    std::string heading;
-    std::vector<TableRow> rows;
-    Rule rule;
-  };
-
-  std::string title_;
-  std::vector<Section> sections_;
+  ListingContent content_;
 };
 
 }  // namespace olt::box
