@@ -69,6 +69,12 @@ typedef void (*olt_watcher)(void *context, const struct olt_exchange *exchange);
 /// it. Set it while no other thread is in an exchange.
 void olt_watch_exchanges(olt_watcher watcher, void *context);
 
+/// Releases the replies that this thread has received and that nobody has released. Some operations
+/// of liboltmgmt never release theirs; a tool that makes many calls keeps its size by calling this
+/// after each. Their handles are unknown afterwards.
+/// @return how many there were
+uint32_t olt_release_replies(void);
+
 /// Returns a stream socket connected to the module, or -1 with errno (ECONNREFUSED or ENOENT:
 /// nothing serves it).
 typedef int (*olt_connector)(void *context, uint32_t module);

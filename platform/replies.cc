@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <mutex>
+#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -16,9 +17,14 @@ namespace {
 
 constexpr size_t kSmallestBlock = 256;
 
+struct HeldReply {
+  ReplyBlock block;
+  std::thread::id receiver;
+};
+
 /// Handles are consecutive, so that a released one stays unknown for four billion replies.
 struct Replies {
-  std::unordered_map<uint32_t, ReplyBlock> held;
+  std::unordered_map<uint32_t, HeldReply> held;
   uint32_t last_handle = 0;
   unsigned wrong_releases = 0;
 };
@@ -44,7 +50,7 @@ uint32_t hand_out(ReplyBlock reply) {
   do {
     ++all.last_handle;
   } while (all.last_handle == 0 || all.held.contains(all.last_handle));
-  all.held.emplace(all.last_handle, std::move(reply));
+  all.held.emplace(all.last_handle, HeldReply{std::move(reply), std::this_thread::get_id()});
   return all.last_handle;
 }
 
@@ -61,4 +67,13 @@ void IPC_Free(uint32_t reply_handle) {
                   static_cast<unsigned>(reply_handle), ++all.wrong_releases);
     log_log(kErrorLevel, "IPC_Free", __LINE__, message);
   }
+}
+
+uint32_t olt_release_replies() {
+  using namespace olt::platform;
+  std::lock_guard guard(replies_lock);
+  return static_cast<uint32_t>(
+      std::erase_if(replies().held, [here = std::this_thread::get_id()](const auto &reply) {
+        return reply.second.receiver == here;
+      }));
 }

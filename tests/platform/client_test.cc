@@ -587,6 +587,29 @@ TEST_F(ServedClient, AnUnknownOrReleasedHandleIsReported) {
   EXPECT_EQ(exchange_bytes(2, kEcho, text("twice")), text("twice"));
 }
 
+void release_what_is_kept() {
+  Exchanged kept = exchange(2, kEcho, text("kept"));
+  Exchanged released = exchange(2, kEcho, text("released"));
+  IPC_Free(released.handle);
+  std::thread([] {
+    EXPECT_EQ(olt_release_replies(), 0u);
+    exchange(2, kEcho, text("one"));
+    exchange(2, kEcho, text("two"));
+    EXPECT_EQ(olt_release_replies(), 2u);
+  }).join();
+  EXPECT_EQ(kept.bytes(), text("kept"));
+  EXPECT_EQ(olt_release_replies(), 1u);
+  EXPECT_EQ(olt_release_replies(), 0u);
+  testing::internal::CaptureStderr();
+  IPC_Free(kept.handle);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("is unknown or already released"),
+            std::string::npos);
+}
+
+TEST_F(ServedClient, AThreadReleasesWhatItHasKept) {
+  std::thread(release_what_is_kept).join();
+}
+
 TEST_F(Client, FailuresLeakNoDescriptor) {
   size_t before = open_descriptors();
   for (int i = 0; i < 50; ++i) EXPECT_EQ(exchange(2, kEcho, {}).result, kNoModule);
