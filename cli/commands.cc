@@ -24,6 +24,7 @@
 #include "cli/text/items.h"
 #include "cli/text/number_text.h"
 #include "cli/walk/readers.h"
+#include "cli/watch_command.h"
 
 namespace olt::cli {
 
@@ -98,16 +99,18 @@ Words words_of_completion(Arguments words) {
 
 ordered_json readers_json() {
   ordered_json list = ordered_json::array();
-  for (const std::string &name : reader_names()) {
-    list.push_back({{"name", name}, {"summary", catalog::find(name)->summary}});
+  for (const Reader &reader : readers()) {
+    list.push_back({{"name", reader.name},
+                    {"short_name", reader.short_name},
+                    {"summary", catalog::find(reader.name)->summary}});
   }
   return {{"version", kJsonVersion}, {"readers", list}};
 }
 
 void run_walk(Session &session, Arguments words) {
-  std::string reader = only_word(words);
-  if (!reader.empty()) {
-    session.run_walk(reader);
+  Query query(words.subspan(1));
+  if (!query.reader().empty()) {
+    session.run_walk(std::move(query));
   } else {
     print(session.wants_json() ? json_line(readers_json()) : help_text("walk"));
   }
@@ -118,8 +121,11 @@ Words words_of_walk(Arguments words) {
 }
 
 std::string details_of_walk() {
-  return "  Names the readers when it is given none.\n"
-         "  Example: walk process_onu_portdownrate\n" +
+  return "  Names the readers when it is given none. COLUMN=VALUE keeps the rows that have the\n"
+         "  value; --columns A,B shows these columns, in this order; --sort A,B sorts by them, "
+         "and\n"
+         "  --reverse turns the order round.\n"
+         "  Example: walk onus interface=2 state=up --columns onu,mac --sort mac\n" +
          readers_text();
 }
 
@@ -331,8 +337,11 @@ constexpr Command kCommands[] = {
     {"fault", "fault add NAME=VALUE...\nfault list\nfault clear [ID]",
      "Has the box refuse a request, answer late or not at all", run_fault, words_of_fault,
      details_of_fault},
-    {"walk", "walk [READER]", "Prints all rows of the table of which READER reads one", run_walk,
+    {"walk", "walk [READER] [COLUMN=VALUE...] [OPTION...]", "Prints the rows of a table", run_walk,
      words_of_walk, details_of_walk},
+    {"watch", "watch OPERATION [ARGUMENT...] [+ OPERATION...] [OPTION...]",
+     "Calls operations again and again, and shows what changes", run_watch, words_of_watch,
+     details_of_watch},
     {"config", "config export [FILE]\nconfig import FILE\nconfig diff [FILE] FILE",
      "Writes, reads and compares the box's configuration as JSON", run_config, words_of_config,
      details_of_config},

@@ -4,6 +4,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <sstream>
@@ -65,8 +66,14 @@ std::string layout_of(const std::string &layout) {
   return name != nullptr && *name != '\0' ? name : "box";
 }
 
+/// Commands that read their own options.
+bool has_options(const std::string &command) {
+  return command == "walk" || command == "watch";
+}
+
 std::vector<std::string> words_of(const CLI::App &app) {
   std::vector<std::string> words = app.remaining();
+  if (!words.empty() && has_options(words[0])) return words;
   for (const std::string &word : words) {
     if (word.size() > 1 && word.starts_with('-')) {
       wrong_usage(
@@ -111,8 +118,26 @@ struct Given {
   Options options;
   std::string box;
   std::string script;
+  std::optional<std::string> format;
   bool json = false;
 };
+
+Format format_of(const Given &given) {
+  if (!given.format) return given.json ? Format::kJson : Format::kText;
+  const auto *found =
+      std::find_if(kFormats.begin(), kFormats.end(),
+                   [&given](const FormatName &format) { return format.name == *given.format; });
+  if (found == kFormats.end()) {
+    wrong_usage("oltctl: there is no format '{}'; expected text, json or csv",
+                printable(*given.format));
+  }
+  auto format = static_cast<Format>(found - kFormats.begin());
+  if (given.json && format != Format::kJson) {
+    wrong_usage("oltctl: both --json and --format {} are given; expected one of them",
+                *given.format);
+  }
+  return format;
+}
 
 void define_options(CLI::App &app, Given &given) {
   BoxOptions &box = given.options.box;
@@ -133,7 +158,9 @@ void define_options(CLI::App &app, Given &given) {
                  "What bytes mean: 'box', 'none', or a layout by its name or file;\n"
                  "default: the one that OLT_LAYOUT names, else box")
       ->type_name("FILE");
-  app.add_flag("--json", given.json, "Results as JSON, one object a line");
+  app.add_option("--format", given.format, "Results as text, json or csv; default: text")
+      ->type_name("FORMAT");
+  app.add_flag("--json", given.json, "Short for --format json: one object a line");
   app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
   app.add_flag("--show-secrets", given.options.detail.secrets, "Show passwords in results");
   app.add_flag("--all", given.options.detail.all,
@@ -181,7 +208,7 @@ std::optional<Options> parse_options(int argc, const char *const *argv,
   }
   Options options = std::move(given.options);
   if (app.count("--file") > 0) options.script = given.script;
-  if (given.json) options.format = Format::kJson;
+  options.format = format_of(given);
   options.words = words_of(app);
   options.box.run_dir = run_dir(given.box);
   options.layout = layout_of(options.layout);

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "base/text.h"
 #include "cli/box/configuration.h"
@@ -141,19 +142,38 @@ void Session::run_operation(const Operation &operation, std::span<const std::str
   if (unread) throw Error(*unread);
 }
 
-void Session::run_walk(const std::string &reader) {
-  Walk walk(box_, layout(), reader, options_.detail);
+void Session::run_walk(Query query) {
+  Walk walk(box_, layout(), query.reader(), options_.detail);
+  query.check(walk.columns(), options_.detail);
+  std::vector<NamedValues> kept;
   bool has_rows = false;
   try {
     while (auto row = walk.next()) {
+      if (!query.takes(*row)) continue;
       has_rows = true;
-      print(formatter_->row(reader, *row));
+      if (query.sorts()) {
+        kept.push_back(std::move(*row));
+      } else {
+        print(formatter_->row(walk.reader(), query.shown(*row)));
+      }
     }
   } catch (const Error &) {
-    if (has_rows) print(formatter_->end_of_rows());
+    if (has_rows) print_rows(walk.reader(), query, kept);
     throw;
   }
+  print_rows(walk.reader(), query, kept);
+}
+
+/// Prints rows that had to be kept, and what the format prints at the end.
+void Session::print_rows(const std::string &reader, const Query &query,
+                         std::vector<NamedValues> &kept) {
+  query.sort(kept);
+  for (const NamedValues &row : kept) print(formatter_->row(reader, query.shown(row)));
   print(formatter_->end_of_rows());
+}
+
+void Session::run_watch(const WatchPlan &plan) {
+  Watch(box_, layout(), options_.detail, options_.format).run(plan);
 }
 
 void Session::run_config_export(const std::string &path) {

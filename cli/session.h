@@ -16,6 +16,8 @@
 #include "cli/options.h"
 #include "cli/output/format.h"
 #include "cli/update/update.h"
+#include "cli/walk/query.h"
+#include "cli/watch/watch.h"
 
 namespace olt::cli {
 
@@ -26,11 +28,13 @@ class Session {
   // All of these throw Error.
 
   void run_operation(const catalog::Operation &operation, std::span<const std::string> given);
-  void run_walk(const std::string &reader);
   /// Sends a firmware image and follows the update to its end.
   /// @param fields of the head of each piece, as FIELD=VALUE
   void run_update(const UpdateTarget &target, const std::string &path,
                   std::span<const std::string> fields);
+  void run_walk(Query query);
+  /// Calls operations again and again.
+  void run_watch(const WatchPlan &plan);
   void run_control(const ControlRequest &request);
   /// Writes the box's configuration to a file; to standard output when the path is empty.
   void run_config_export(const std::string &path);
@@ -42,12 +46,16 @@ class Session {
   /// The one that the options name, read when it is first needed.
   const catalog::Layout &layout();
 
-  bool wants_json() const { return options_.format == Format::kJson; }
+  Format format() const { return options_.format; }
+  bool wants_json() const { return format() == Format::kJson; }
 
   /// Keeps what the embedded box holds.
   void close() { box_.close(); }
   /// The same from another thread, when the program is about to end.
-  void close_for_good() { box_.close_for_good(); }
+  void close_for_good() {
+    box_.close_for_good();
+    Screen::leave();
+  }
 
  private:
   struct Consent {
@@ -61,6 +69,7 @@ class Session {
   std::optional<Changes> prepare(Call &call, const Consent &consent);
   /// Whether the result only says that nothing could be read.
   bool fell_back(const Result &result);
+  void print_rows(const std::string &reader, const Query &query, std::vector<NamedValues> &kept);
 
   const Options &options_;
   std::shared_ptr<const catalog::Layout> layout_;

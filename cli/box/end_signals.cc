@@ -69,7 +69,10 @@ DeferredEnd::~DeferredEnd() {
 }
 
 bool DeferredEnd::is_due() const {
-  if (is_watched_) return noted_signal != 0;
+  return is_watched_ ? noted_signal != 0 : has_pending_end();
+}
+
+bool has_pending_end() {
   sigset_t pending;
   sigpending(&pending);
   return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1 ||

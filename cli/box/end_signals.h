@@ -44,6 +44,9 @@ class DeferredEnd {
   bool is_watched_;  ///< by an EndSignals
 };
 
+/// Whether such a signal is pending, as it may be while no EndSignals exists.
+bool has_pending_end();
+
 /// Ends the program by the signal that was noted, if one was.
 void end_by_noted_signal();
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/olthost.h"
 
@@ -42,6 +43,12 @@ uint32_t word(const Bytes &bytes) {
 Call::Call(const catalog::Operation &operation) : operation_(operation) {
   for (const Argument &argument : operation.arguments()) {
     values_.emplace_back().bytes.resize(room(argument));
+  }
+}
+
+Call::Call(const Call &other) : operation_(other.operation_), values_(other.values_) {
+  for (size_t place = 0; place < values_.size(); ++place) {
+    set_vlans(place, std::move(values_[place].nodes));
   }
 }
 
@@ -94,6 +101,7 @@ int32_t Call::make() {
   int32_t result = operation_.call(slots.data());
   exchange_ = last_exchange();
   measure_outputs(result);
+  olt_release_replies();  // those that the operation keeps
   return result;
 }
 

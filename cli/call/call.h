@@ -19,7 +19,8 @@ class Call {
  public:
   /// All arguments start as zeros and empty texts.
   explicit Call(const catalog::Operation &operation);
-  Call(const Call &) = delete;
+  /// The same arguments. The other one must not have been made.
+  Call(const Call &other);
   Call &operator=(const Call &) = delete;
   ~Call();
 

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -12,13 +13,16 @@
 
 namespace olt::cli {
 
-enum class Format { kText, kJson };
+enum class Format { kText, kJson, kCsv };
 
 /// The version that every JSON object carries.
 inline constexpr int kJsonVersion = 1;
 
 /// The object on one line. Bytes that are not UTF-8 become U+FFFD.
 std::string json_line(const nlohmann::ordered_json &object);
+
+/// What a call brought, as --json prints it.
+nlohmann::ordered_json result_json(const Result &result);
 
 /// Everything that commands print, each as text that ends with a newline, or empty. docs/oltctl.md
 /// describes the formats.
@@ -38,10 +42,20 @@ class Formatter {
 
 std::unique_ptr<Formatter> make_text_formatter();
 std::unique_ptr<Formatter> make_json_formatter();
+std::unique_ptr<Formatter> make_csv_formatter();
+
+/// How a format is asked for, and what makes its formatter.
+struct FormatName {
+  const char *name;
+  std::unique_ptr<Formatter> (*make)();
+};
+
+/// In the order of Format.
+inline constexpr std::array<FormatName, 3> kFormats = {
+    {{"text", make_text_formatter}, {"json", make_json_formatter}, {"csv", make_csv_formatter}}};
 
 inline std::unique_ptr<Formatter> make_formatter(Format format) {
-  constexpr std::unique_ptr<Formatter> (*kMakers[])() = {make_text_formatter, make_json_formatter};
-  return kMakers[static_cast<size_t>(format)]();
+  return kFormats[static_cast<size_t>(format)].make();
 }
 
 }  // namespace olt::cli

@@ -84,6 +84,18 @@ Changes changes_of(const Call &call, size_t place, ByteView before, const Detail
   return changes;
 }
 
+std::vector<Field> shown_fields(const Argument &argument, const Detail &detail) {
+  std::vector<Field> fields;
+  for (const Field &field : argument.fields) {
+    if (is_shown(field, detail)) fields.push_back(field);
+  }
+  if (argument.fields.empty()) fields.push_back(argument.whole());
+  for (Field &field : fields) {
+    if (detail.raw) field = without_meaning(field);
+  }
+  return fields;
+}
+
 NamedValues values_of(const Argument &argument, ByteView bytes, const Detail &detail) {
   if (!has_fields(argument, bytes)) {
     Field whole = argument.whole();

@@ -77,6 +77,9 @@ Result result_of(const Call &call, int32_t code, const Detail &detail);
 /// How an argument differs from its bytes before.
 Changes changes_of(const Call &call, size_t place, ByteView before, const Detail &detail);
 
+/// The fields of an output that are shown; the whole as one field when it has none.
+std::vector<catalog::Field> shown_fields(const catalog::Argument &argument, const Detail &detail);
+
 /// The fields of an output; the whole as one value when it has none.
 NamedValues values_of(const catalog::Argument &argument, ByteView bytes, const Detail &detail);
 

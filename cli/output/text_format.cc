@@ -1,10 +1,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "base/table.h"
 #include "cli/output/format.h"
+#include "cli/output/terminal_size.h"
 
 namespace olt::cli {
 
@@ -146,7 +148,9 @@ class TextFormatter : public Formatter {
 
   std::string end_of_rows() override {
     std::vector<TableRow> table = std::exchange(table_, {});
-    return table.empty() ? "no rows\n" : table_text(table);
+    if (table.empty()) return "no rows\n";
+    std::optional<TerminalSize> terminal = terminal_size();
+    return terminal ? table_text_within(table, terminal->columns) : table_text(table);
   }
 
   std::string control(const std::string & /*command*/, const ordered_json &reply) override {

@@ -18,44 +18,51 @@ constexpr const char *kVoiceLines = "process_snmpvoip_faxmode";
 constexpr const char *kUniPorts = "process_onu_portmuticastmaxgroup";
 
 constexpr Reader kReaders[] = {
-    {"process_snmp_onubasicinfo", kOnus},
-    {"process_snmp_linkbasicinfo", kOnus},
-    {"process_snmp_onuglobalinfo", kOnus},
-    {"process_snmp_iadinfo", kOnus},
-    {"process_snmp_onusipparaminfo", "process_snmp_onusipparaminfo"},
-    {"process_snmp_onusipuserinfo", kVoiceLines, "line"},
-    {"process_snmpvoip_faxmode", "process_snmpvoip_faxmode", "line"},
-    {"process_voip_linestatus", kVoiceLines, "line"},
-    {"process_snmp_hguwaninfo", kOnus},
-    {"process_snmp_hguvoipbandinginfo", kOnus},
-    {"process_onu_portinfo", kUniPorts, "port"},
-    {"process_onu_portpolicying", "process_onu_portpolicying", "port"},
-    {"process_onu_portdownrate", "process_onu_portdownrate", "port"},
-    {"process_onu_portvlanmode", "process_onu_portvlanmode", "port"},
-    {"process_onu_portstrip", "process_onu_portstrip", "port"},
-    {"process_onu_portmuticastvlan", "process_onu_portmuticastvlan", "port"},
-    {"process_onu_portmuticastmaxgroup", "process_onu_portmuticastmaxgroup", "port"},
-    {"process_snmp_iptv_profile", "process_snmp_iptv_profile"},
-    {"process_snmp_iptv_profile_channel", "process_snmp_iptv_profile_channel"},
-    {"process_snmp_vlan_id", "process_snmp_vlan_id"},
-    {"process_snmp_oltbasicport", "process_snmp_oltbasicport"},
-    {"process_snmp_oltauth", "process_snmp_oltauth"},
+    {"onus", "process_snmp_onubasicinfo", kOnus},
+    {"links", "process_snmp_linkbasicinfo", kOnus},
+    {"onu-parts", "process_snmp_onuglobalinfo", kOnus},
+    {"voice-services", "process_snmp_iadinfo", kOnus},
+    {"sip-settings", "process_snmp_onusipparaminfo", "process_snmp_onusipparaminfo"},
+    {"voice-accounts", "process_snmp_onusipuserinfo", kVoiceLines, "line"},
+    {"fax-modes", "process_snmpvoip_faxmode", "process_snmpvoip_faxmode", "line"},
+    {"voice-lines", "process_voip_linestatus", kVoiceLines, "line"},
+    {"wan-connections", "process_snmp_hguwaninfo", kOnus},
+    {"voice-bindings", "process_snmp_hguvoipbandinginfo", kOnus},
+    {"uni-ports", "process_onu_portinfo", kUniPorts, "port"},
+    {"uni-policing", "process_onu_portpolicying", "process_onu_portpolicying", "port"},
+    {"uni-rates", "process_onu_portdownrate", "process_onu_portdownrate", "port"},
+    {"uni-vlan-modes", "process_onu_portvlanmode", "process_onu_portvlanmode", "port"},
+    {"uni-strips", "process_onu_portstrip", "process_onu_portstrip", "port"},
+    {"uni-multicast-vlans", "process_onu_portmuticastvlan", "process_onu_portmuticastvlan", "port"},
+    {"uni-group-limits", "process_onu_portmuticastmaxgroup", "process_onu_portmuticastmaxgroup",
+     "port"},
+    {"iptv-profiles", "process_snmp_iptv_profile", "process_snmp_iptv_profile"},
+    {"iptv-channels", "process_snmp_iptv_profile_channel", "process_snmp_iptv_profile_channel"},
+    {"vlans", "process_snmp_vlan_id", "process_snmp_vlan_id"},
+    {"ports", "process_snmp_oltbasicport", "process_snmp_oltbasicport"},
+    {"auth", "process_snmp_oltauth", "process_snmp_oltauth"},
 };
 
 }  // namespace
 
+std::span<const Reader> readers() {
+  return kReaders;
+}
+
 const Reader &reader_named(const std::string &name) {
-  const auto *found = std::find_if(std::begin(kReaders), std::end(kReaders),
-                                   [&name](const Reader &reader) { return reader.name == name; });
-  if (found == std::end(kReaders)) {
-    wrong_usage("walk: there is no reader '{}'; expected one of: {}", printable(name),
-                fmt::join(reader_names(), ", "));
-  }
-  return *found;
+  const auto *found = std::find_if(
+      std::begin(kReaders), std::end(kReaders),
+      [&name](const Reader &reader) { return reader.short_name == name || reader.name == name; });
+  if (found != std::end(kReaders)) return *found;
+  std::vector<std::string> names;
+  for (const Reader &reader : kReaders) names.emplace_back(reader.short_name);
+  wrong_usage("walk: there is no table '{}'; expected one of: {}", printable(name),
+              fmt::join(names, ", "));
 }
 
 std::vector<std::string> reader_names() {
   std::vector<std::string> names;
+  for (const Reader &reader : kReaders) names.emplace_back(reader.short_name);
   for (const Reader &reader : kReaders) names.emplace_back(reader.name);
   return names;
 }
@@ -63,7 +70,8 @@ std::vector<std::string> reader_names() {
 std::string readers_text() {
   std::string text = "\nReaders:\n";
   for (const Reader &reader : kReaders) {
-    text += fmt::format("  {:<42}{}\n", reader.name, catalog::find(reader.name)->summary);
+    text += fmt::format("  {:<20} {:<34} {}\n", reader.short_name, reader.name,
+                        catalog::find(reader.name)->summary);
   }
   return text;
 }

@@ -36,10 +36,11 @@ Value said(const Layout &layout, const std::optional<Value> &value, const char *
 }
 
 /// Whether a column says something about the row, and nothing that its index says already.
-bool is_column(const Argument &argument, const NamedValue &value, const NamedValues &row) {
-  if (value.field.role == Role::kRowName && is_target(argument)) return false;
-  return std::none_of(row.begin(), row.end(),
-                      [&value](const NamedValue &column) { return column.name() == value.name(); });
+bool is_column(const Argument &argument, const Field &field, const std::vector<Field> &before) {
+  if (field.role == Role::kRowName && is_target(argument)) return false;
+  return std::none_of(before.begin(), before.end(), [&field](const Field &column) {
+    return std::string_view(column.name) == field.name;
+  });
 }
 
 }  // namespace
@@ -100,28 +101,51 @@ void Walk::check(const Call &call, int32_t result) const {
 }
 
 /// The part of an ONU is called what it is in this table.
-NamedValues Walk::index() const {
-  if (!is_target(step_.operation().arguments()[0])) return {};
-  NamedValues index;
+std::vector<Field> Walk::index_fields() const {
+  std::vector<Field> fields;
+  if (!is_target(step_.operation().arguments()[0])) return fields;
   for (Field field : layout_.target_fields()) {
     if (field.role != Role::kRowName) continue;
     if (std::string_view(field.name) == "part") {
       if (reader_.part == nullptr) continue;
       field.name = reader_.part;
     }
+    fields.push_back(detail_.raw ? without_meaning(field) : field);
+  }
+  return fields;
+}
+
+std::vector<Field> Walk::columns() const {
+  std::vector<Field> columns = index_fields();
+  for (const Argument &argument : layout_.find(reader_.name)->arguments()) {
+    if (!argument.is_output()) continue;
+    for (Field &field : shown_fields(argument, detail_)) {
+      if (is_column(argument, field, columns)) columns.push_back(field);
+    }
+  }
+  return columns;
+}
+
+NamedValues Walk::index() const {
+  NamedValues index;
+  for (const Field &field : index_fields()) {
     ByteView bytes = step_.bytes(0).subspan(field.offset, field.width);
-    index.push_back({detail_.raw ? without_meaning(field) : field, {bytes.begin(), bytes.end()}});
+    index.push_back({field, {bytes.begin(), bytes.end()}});
   }
   return index;
 }
 
 void Walk::add_columns(NamedValues &row, const Call &call) const {
+  std::vector<Field> before;
+  for (const NamedValue &column : row) before.push_back(column.field);
   for (size_t place = 0; place < call.operation().argument_count; ++place) {
     const Argument &argument = call.operation().arguments()[place];
     ByteView bytes = call.bytes(place);
     if (!argument.is_output() || bytes.empty()) continue;
     for (NamedValue &value : values_of(argument, bytes, detail_)) {
-      if (is_column(argument, value, row)) row.push_back(std::move(value));
+      if (!is_column(argument, value.field, before)) continue;
+      before.push_back(value.field);
+      row.push_back(std::move(value));
     }
   }
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalog/layout.h"
 #include "cli/box/access.h"
@@ -21,6 +22,12 @@ class Walk {
   /// are found.
   Walk(Access &box, const catalog::Layout &layout, const std::string &reader, const Detail &detail);
 
+  /// The operation that reads a row.
+  const char *reader() const { return reader_.name; }
+
+  /// The columns that rows have, those of the index first.
+  std::vector<catalog::Field> columns() const;
+
   /// The columns of the next row, those of the index first; nothing after the last row. Throws
   /// Error.
   std::optional<NamedValues> next();
@@ -28,6 +35,7 @@ class Walk {
  private:
   void select(Call &call, uint32_t row) const;
   bool step();
+  std::vector<catalog::Field> index_fields() const;
   NamedValues index() const;
   void add_columns(NamedValues &row, const Call &call) const;
   void check(const Call &call, int32_t result) const;

@@ -303,8 +303,9 @@ TEST(CatalogJson, WalkAloneListsReaders) {
   json readers = printed({"--json", "walk"});
   EXPECT_EQ(readers["version"], 1);
   EXPECT_EQ(readers["readers"].size(), 22U);
-  EXPECT_EQ(readers["readers"][0].dump(), R"({"name":"process_snmp_onubasicinfo",)"
-                                          R"("summary":"Reads the basic information of an ONU"})");
+  EXPECT_EQ(readers["readers"][0].dump(),
+            R"({"name":"process_snmp_onubasicinfo","short_name":"onus",)"
+            R"("summary":"Reads the basic information of an ONU"})");
 }
 
 TEST(CatalogJson, DocsShowEachKindWithItsJsonType) {

@@ -30,7 +30,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
-  EXPECT_EQ(candidates(Words{}, "").size(), operations + 10U);
+  EXPECT_EQ(candidates(Words{}, "").size(), operations + 11U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -55,7 +55,7 @@ TEST(Completion, OffersTheWordsOfACommand) {
   EXPECT_EQ(candidates(Words{"config", "export"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"help"}, "get_olt_m"), Words{"get_olt_mac"});
   EXPECT_EQ(candidates(Words{"walk"}, "process_snmp_v"), Words{"process_snmp_vlan_id"});
-  EXPECT_EQ(candidates(Words{"walk"}, "").size(), 22U);
+  EXPECT_EQ(candidates(Words{"walk"}, "").size(), 44U);
   EXPECT_EQ(candidates(Words{"walk", "process_snmp_vlan_id"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"completion"}, ""), Words{"bash"});
   EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});

@@ -19,8 +19,8 @@ constexpr int kPatienceMs = 20'000;
 }  // namespace
 
 Terminal::Terminal(const std::vector<std::string> &command,
-                   const std::vector<std::string> &environment) {
-  pid_ = forkpty(&terminal_, nullptr, nullptr, nullptr);
+                   const std::vector<std::string> &environment, winsize window) {
+  pid_ = forkpty(&terminal_, nullptr, nullptr, &window);
   if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "forkpty");
   if (pid_ == 0) execute(command, environment);
 }

@@ -2,6 +2,7 @@
 #ifndef OLT_TESTS_CLI_TERMINAL_H
 #define OLT_TESTS_CLI_TERMINAL_H
 
+#include <sys/ioctl.h>
 #include <sys/types.h>
 
 #include <string>
@@ -11,7 +12,9 @@ namespace olt::test {
 
 class Terminal {
  public:
-  Terminal(const std::vector<std::string> &command, const std::vector<std::string> &environment);
+  /// @param window its size; zeros for one that does not say its size
+  Terminal(const std::vector<std::string> &command, const std::vector<std::string> &environment,
+           winsize window = {});
   Terminal(const Terminal &) = delete;
   Terminal &operator=(const Terminal &) = delete;
   ~Terminal();

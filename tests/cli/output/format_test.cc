@@ -8,6 +8,7 @@
 
 #include "catalog/catalog.h"
 #include "catalog/row.h"
+#include "cli/text/error.h"
 #include "oltplatform.h"
 
 namespace olt::test {
@@ -17,6 +18,7 @@ namespace {
 using olt::catalog::Field;
 using olt::catalog::FieldKind;
 using olt::cli::Call;
+using olt::cli::make_csv_formatter;
 using olt::cli::make_json_formatter;
 using olt::cli::make_text_formatter;
 using olt::cli::NamedValue;
@@ -39,6 +41,11 @@ std::string text_of(const Call &call, int32_t code, const std::optional<std::str
 std::string json_of(const Call &call, int32_t code, const std::optional<std::string> &listing = {},
                     bool secrets = false) {
   return make_json_formatter()->result(shown(call, code, listing, secrets));
+}
+
+std::string csv_of(const Call &call, int32_t code, const std::optional<std::string> &listing = {},
+                   bool secrets = false) {
+  return make_csv_formatter()->result(shown(call, code, listing, secrets));
 }
 
 std::string outputs_of(const Call &call, int32_t code) {
@@ -158,7 +165,7 @@ TEST(Format, WritesTheListingBehindItsName) {
             R"("transport":null,"status":0,)"
             R"("outputs":{"name":"0123456789012345678901234567890\u001b"},)"
             R"("listing":{"name":"0123456789012345678901234567890\u001b","text":"one\n)"
-            "\xef\xbf\xbd\"}}\n");
+            "\xef\xbf\xbd\",\"title\":null,\"sections\":null}}\n");
 }
 
 TEST(Format, AFailureHasNoOutputs) {
@@ -225,6 +232,111 @@ TEST(Format, ALongCellIsCutBetweenCharacters) {
   auto text = make_text_formatter();
   text->row("reader", {value("name", FieldKind::kPadded, std::string(44, 'a') + "\xc3\xa9tail")});
   EXPECT_EQ(text->end_of_rows(), "name\n" + std::string(44, 'a') + "...\n");
+}
+
+constexpr char kTables[] =
+    "Statistics, \x1b\n"
+    "=============\n"
+    "\n"
+    "Link\n"
+    "State  up\n"
+    "\n"
+    "Counters, all\n"
+    "Counter  Sent\n"
+    "-------  -----\n"
+    "Octets   \"7\",\x1b\n";
+
+TEST(Format, JsonHasTheTablesOfAListing) {
+  Call call(kListing);
+  int32_t result = call.make();
+  EXPECT_EQ(nlohmann::ordered_json::parse(json_of(call, result, kTables))["listing"].dump(),
+            R"({"name":"0123456789012345678901234567890\u001b",)"
+            R"("text":"Statistics, \u001b\n=============\n\nLink\nState  up\n\nCounters, all\n)"
+            R"(Counter  Sent\n-------  -----\nOctets   \"7\",\u001b\n",)"
+            R"("title":"Statistics, \u001b","sections":[)"
+            R"({"heading":"Link","columns":null,"rows":[["State","up"]]},)"
+            R"({"heading":"Counters, all","columns":["Counter","Sent"],)"
+            R"("rows":[{"Counter":"Octets","Sent":"\"7\",\u001b"}]}]})");
+}
+
+TEST(Format, RowsAreArraysWhereColumnsShareAName) {
+  Call call(kListing);
+  std::string listing = json_of(call, call.make(), "t\n=\n\nh\na  a  b\n-  -  -\n1     3\n");
+  EXPECT_EQ(nlohmann::ordered_json::parse(listing)["listing"]["sections"].dump(),
+            R"([{"heading":"h","columns":["a","a","b"],"rows":[["1","","3"]]}])");
+}
+
+TEST(Format, CsvHasTheTablesOfAListingBelowEachOther) {
+  Call call(kListing);
+  int32_t result = call.make();
+  EXPECT_EQ(csv_of(call, result, kTables),
+            "Link,State,up\n"
+            "\n"
+            "section,Counter,Sent\n"
+            "\"Counters, all\",Octets,\"\"\"7\"\",\\x1b\"\n");
+  EXPECT_EQ(csv_of(call, result), "") << "it could not be read";
+  try {
+    csv_of(call, result, "one\ntwo");
+    ADD_FAILURE() << "no error";
+  } catch (const cli::Error &error) {
+    EXPECT_EQ(error.status(), 1);
+    EXPECT_STREQ(error.what(),
+                 "names_a_listing: the listing 0123456789012345678901234567890\\x1b is not made of "
+                 "tables; expected --format text or json");
+  }
+}
+
+TEST(Format, CsvHasALineOfNamesAndALineOfValues) {
+  Call call(kAllKinds);
+  int32_t result = call.make();
+  EXPECT_EQ(csv_of(call, result),
+            "word,mac,user_op,user_index,user_name,user_password,level_a,level_b,answer\n"
+            "4294967295,02:00:5e:10:00:01,look-up,3,bob,********,0,9,"
+            "3031323334353637383961626364656667\n");
+  EXPECT_NE(csv_of(call, result, {}, true).find(",bob,secret,"), std::string::npos);
+  EXPECT_EQ(csv_of(call, 5), "");
+  Call words(kWords);
+  result = words.make();
+  EXPECT_EQ(csv_of(words, result),
+            "rates,requested,granted,feature\n"
+            "\"10,20,4294967295\",\"1,2,3 kbit/s\",\"4,5 kbit/s\",\"0,0,0,0,0,0,0,0,0,0,0,1\"\n");
+}
+
+TEST(Format, CsvOfRowsBeginsWithTheirNames) {
+  NamedValue speed = value("speed", FieldKind::kNumber, std::string("\x0a\0\0\0", 4));
+  speed.field.unit = "Mbit/s";
+  NamedValues row = {speed, value("name", FieldKind::kPadded, "a,\"b\"\x1b"),
+                     value("empty", FieldKind::kPadded, ""),
+                     value("bytes", FieldKind::kBytes, std::string(60, '\xab'))};
+  auto csv = make_csv_formatter();
+  std::string hex;
+  for (int i = 0; i < 60; ++i) hex += "ab";
+  std::string line = "10,\"a,\"\"b\"\"\\x1b\",," + hex + '\n';
+  EXPECT_EQ(csv->row("reader", row), "speed,name,empty,bytes\n" + line);
+  EXPECT_EQ(csv->row("reader", row), line);
+  EXPECT_EQ(csv->end_of_rows(), "");
+  EXPECT_EQ(csv->row("reader", {speed}), "speed\n10\n");
+}
+
+TEST(Format, CsvOfARepliesTablesBelowEachOther) {
+  auto csv = make_csv_formatter();
+  nlohmann::ordered_json counters = {
+      {"counters",
+       {{"exchanges", 5},
+        {"server", {{"connections", 1}}},
+        {"messages", {{{"module", 2}, {"type", 12}}, {{"module", 18}, {"type", 3}}}}}}};
+  EXPECT_EQ(csv->control("counters", counters),
+            "exchanges,server.connections\n"
+            "5,1\n"
+            "\n"
+            "module,type\n"
+            "2,12\n"
+            "18,3\n");
+  EXPECT_EQ(csv->control("fault_list", {{"faults", nlohmann::ordered_json::array()}}), "");
+  EXPECT_EQ(csv->control("config_import", {{"left_out", {"/a\x1b", "/b,c"}}}),
+            "left_out\n"
+            "/a\\x1b\n"
+            "\"/b,c\"\n");
 }
 
 TEST(Format, RepliesOfTheBoxCannotCommandATerminal) {

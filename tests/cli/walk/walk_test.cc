@@ -9,6 +9,7 @@
 
 #include "platform/olthost.h"
 #include "tests/cli/program.h"
+#include "tests/cli/terminal.h"
 #include "tests/support/bytes.h"
 
 namespace olt::test {
@@ -201,27 +202,123 @@ TEST_F(Walk, AReaderThatDoesNotExistIsRefusedWithAllThatDo) {
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.output, "");
   EXPECT_TRUE(refused.errors.starts_with(
-      "walk: there is no reader 'get_olt_mac'; expected one of: process_snmp_onubasicinfo, "
-      "process_snmp_linkbasicinfo, "))
+      "walk: there is no table 'get_olt_mac'; expected one of: onus, links, onu-parts, "))
       << refused.errors;
-  EXPECT_TRUE(refused.errors.ends_with(", process_snmp_oltbasicport, process_snmp_oltauth\n"));
+  EXPECT_TRUE(refused.errors.ends_with(", iptv-channels, vlans, ports, auth\n"));
   EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1);
   EXPECT_EQ(oltctl({"walk", "process_snmp_oltauth", "more"}).errors,
-            "walk: 'more' is one argument too many; expected at most one\n");
+            "walk: 'more' given; expected COLUMN=VALUE or an option\n");
+}
+
+TEST_F(Walk, TablesHaveShortNames) {
+  EXPECT_EQ(oltctl({"walk", "uni-rates"}).output,
+            oltctl({"walk", "process_onu_portdownrate"}).output);
+  EXPECT_TRUE(oltctl({"--json", "walk", "vlans"})
+                  .output.starts_with(R"({"version":1,"reader":"process_snmp_vlan_id","row":)"));
+}
+
+TEST_F(Walk, ConditionsKeepTheRowsThatHaveTheValues) {
+  Finished kept = oltctl({"walk", "onus", "interface=0x2", "state=up", "--columns", "onu,mac"});
+  EXPECT_EQ(kept.status, 0) << kept.errors;
+  EXPECT_EQ(kept.output,
+            "onu  mac\n"
+            "1    02:20:02:00:01:01\n"
+            "2    02:20:02:00:02:01\n");
+  EXPECT_EQ(oltctl({"walk", "onus", "mac=02:20:01:00:02:01", "--columns=loid"}).output,
+            "loid\n"
+            "onu-1-1-2\n");
+  EXPECT_EQ(oltctl({"walk", "onus", "state=blocked"}).output, "no rows\n");
+  EXPECT_EQ(oltctl({"--json", "walk", "onus", "loid=onu-1-2-1", "--columns", "mac,slot"}).output,
+            R"({"version":1,"reader":"process_snmp_onubasicinfo",)"
+            R"("row":{"mac":"02:20:02:00:01:01","slot":1}})"
+            "\n");
+}
+
+TEST_F(Walk, RowsAreSortedByValue) {
+  for (const char *vlan : {"10", "9", "200"}) {
+    ASSERT_EQ(oltctl({"add_vlan_list", vlan}).status, 0);
+    ASSERT_EQ(oltctl({"add_vlan_descr_list", std::string(vlan) + ":v" + vlan}).status, 0);
+  }
+  EXPECT_EQ(oltctl({"walk", "vlans", "--columns", "vlan", "--sort", "vlan", "--reverse"}).output,
+            "vlan\n200\n10\n9\n1\n");
+  EXPECT_EQ(oltctl({"--format", "csv", "walk", "vlans", "--columns", "description,vlan", "--sort",
+                    "members,description"})
+                .output,
+            "description,vlan\n"
+            "v10,10\n"
+            "v200,200\n"
+            "v9,9\n"
+            "default,1\n");
+  EXPECT_TRUE(oltctl({"walk", "vlans", "--reverse"}).output.find("\n200 ") <
+              oltctl({"walk", "vlans", "--reverse"}).output.find("\n9 "));
+}
+
+TEST_F(Walk, AWrongQueryIsRefusedBeforeAnyRow) {
+  auto error = [this](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"walk", "vlans"});
+    Finished refused = oltctl(arguments);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.output, "");
+    return refused.errors;
+  };
+  std::string columns = "vlan, description, tagged_ports, untagged_ports, members\n";
+  EXPECT_EQ(error({"lan=1"}), "walk: there is no column 'lan'; expected one of: " + columns);
+  EXPECT_EQ(error({"--columns", "vlan,x"}),
+            "walk: there is no column 'x'; expected one of: " + columns);
+  EXPECT_EQ(error({"--sort=y"}), "walk: there is no column 'y'; expected one of: " + columns);
+  EXPECT_EQ(error({"vlan=x"}).substr(0, 32), "walk: vlan: 'x' given; expected ");
+  EXPECT_EQ(error({"--sort"}), "walk: --sort is empty; expected names of columns as a,b\n");
+  EXPECT_EQ(error({"--columns="}), "walk: --columns is empty; expected names of columns as a,b\n");
+  EXPECT_EQ(error({"--srt", "vlan"}),
+            "walk: there is no option '--srt'; expected --columns, --sort or --reverse\n");
+  EXPECT_EQ(error({"--reverse=1"}),
+            "walk: there is no option '--reverse=1'; expected --columns, --sort or --reverse\n");
+}
+
+TEST_F(Walk, ANarrowTerminalShowsABlockForEachRow) {
+  std::vector<std::string> command = {OLTCTL, "--topology", topology_,   "walk",
+                                      "onus", "onu=2",      "--columns", "mac,state,loid"};
+  Terminal narrow(command, private_environment(oltctl_.folder()), {24, 31, 0, 0});
+  EXPECT_EQ(narrow.end(), 0);
+  EXPECT_EQ(narrow.transcript(),
+            "mac    02:20:01:00:02:01\r\n"
+            "state  up\r\n"
+            "loid   onu-1-1-2\r\n"
+            "\r\n"
+            "mac    02:20:02:00:02:01\r\n"
+            "state  up\r\n"
+            "loid   onu-1-2-2\r\n");
+  Terminal wide(command, private_environment(oltctl_.folder()), {24, 35, 0, 0});
+  EXPECT_EQ(wide.end(), 0);
+  EXPECT_EQ(wide.transcript(),
+            "mac                state  loid\r\n"
+            "02:20:01:00:02:01  up     onu-1-1-2\r\n"
+            "02:20:02:00:02:01  up     onu-1-2-2\r\n");
+}
+
+TEST_F(Walk, TextIsAlignedByDisplayWidth) {
+  ASSERT_EQ(oltctl({"add_vlan_list", "10,11"}).status, 0);
+  ASSERT_EQ(oltctl({"add_vlan_descr_list", "10:\xe4\xb8\xad\xe6\x96\x87,11:caf\xc3\xa9"}).status,
+            0);
+  EXPECT_EQ(oltctl({"walk", "vlans", "--columns", "description,members"}).output,
+            "description  members\n"
+            "default      4\n"
+            "\xe4\xb8\xad\xe6\x96\x87         0\n"
+            "caf\xc3\xa9         0\n");
 }
 
 TEST_F(Walk, WithoutAReaderItNamesThem) {
   Finished named = oltctl({"walk"});
   EXPECT_EQ(named.status, 0) << named.errors;
-  EXPECT_EQ(named.output.substr(0, 14), "walk [READER]\n");
+  EXPECT_TRUE(named.output.starts_with("walk [READER] [COLUMN=VALUE...] [OPTION...]\n"));
   EXPECT_TRUE(holds(named.output,
                     "\nReaders:\n"
-                    "  process_snmp_onubasicinfo                 Reads the basic information of an "
-                    "ONU\n"))
+                    "  onus                 process_snmp_onubasicinfo          Reads the basic "
+                    "information of an ONU\n"))
       << named.output;
   EXPECT_TRUE(named.output.ends_with(
-      "  process_snmp_oltauth                      Reads a row of the ONU authentication "
-      "settings\n"));
+      "  auth                 process_snmp_oltauth               Reads a row of the ONU "
+      "authentication settings\n"));
   EXPECT_EQ(oltctl({"help", "walk"}).output, named.output);
 }
 
