@@ -69,7 +69,7 @@ FrameLine changed_line(const std::vector<std::string> &words,
 
 }  // namespace
 
-std::vector<FrameLine> Changes::next(std::string_view text) {
+std::vector<FrameLine> TextChanges::next(std::string_view text) {
   std::vector<std::string> lines = lines_in(text);
   std::vector<FrameLine> frame;
   for (const std::string &line : lines) {

@@ -19,7 +19,7 @@ struct FrameLine {
 };
 
 /// Compares each text with the one before it.
-class Changes {
+class TextChanges {
  public:
   /// The lines of the text. One that the last text had, too, at whatever place, is not changed; of
   /// others, the words differ that are not those of a line with the same first word. Nothing in the

@@ -99,7 +99,8 @@ Watch::Seen Watch::call(const Call &prepared, History &history) {
   const catalog::Operation &operation = result.operation;
   if (result.failed()) {
     seen.error = fmt::format("{} failed: {}{}", operation.name,
-                             describe_result(operation, code, layout_), box_.advice(code));
+                             describe_result(operation, code, result.reason, layout_),
+                             box_.advice(result.reason));
   }
   if (result.listing) {
     try {

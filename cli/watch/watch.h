@@ -39,7 +39,7 @@ class Watch {
   /// What is remembered of an item from one round to the next.
   struct History {
     Rates rates;
-    Changes changes;
+    TextChanges changes;
     std::optional<std::string> content;
   };
   /// A call of one round.

@@ -30,7 +30,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
-  EXPECT_EQ(candidates(Words{}, "").size(), operations + 11U);
+  EXPECT_EQ(candidates(Words{}, "").size(), operations + 12U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -135,7 +135,7 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   offered.erase(0, offered.find("options='--") + 9);
   offered.erase(offered.find('\''));
   std::set<std::string> options = options_in(offered);
-  EXPECT_EQ(options.size(), 16U);
+  EXPECT_EQ(options.size(), 17U);
   EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
 }
 

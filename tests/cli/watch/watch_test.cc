@@ -239,7 +239,7 @@ std::string marked(const std::vector<cli::FrameLine> &lines) {
 }
 
 TEST(WatchChanges, AreWordsOfLinesThatTheLastTextDidNotHave) {
-  cli::Changes changes;
+  cli::TextChanges changes;
   EXPECT_EQ(marked(changes.next("a  1  x\nb  2  x\n\n")), " a  1  x\n b  2  x\n \n");
   EXPECT_EQ(marked(changes.next("new one\nb  2  x\na    7  x\n")),
             "*[new] [one]\n"
