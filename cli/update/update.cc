@@ -134,8 +134,8 @@ void Update::send_piece(const Access &box) {
   int32_t result = call.make();
   if (result != 0) {
     stop(fmt::format("the piece at byte {} failed: {}", sent_,
-                     describe_result(call.operation(), result, layout_)),
-         box.advice(result));
+                     describe_result(call.operation(), result, call.reason(result), layout_)),
+         box.advice(call.reason(result)));
   }
   sent_ += length;
   std::optional<uint32_t> progress = word_at(call.bytes(1), pieces_.progress_offset);
@@ -157,9 +157,9 @@ void Update::follow(const Access &box, UpdateDisplay &display, const DeferredEnd
     Call call(operation);
     int32_t result = call.make();
     if (result != 0) {
-      stop(
-          fmt::format("{} failed: {}", operation.name, describe_result(operation, result, layout_)),
-          box.advice(result));
+      stop(fmt::format("{} failed: {}", operation.name,
+                       describe_result(operation, result, call.reason(result), layout_)),
+           box.advice(call.reason(result)));
     }
     uint32_t progress = *word_at(call.bytes(0), 0);
     if (progress == pieces_.complete) return;
