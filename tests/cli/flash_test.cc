@@ -159,7 +159,7 @@ void expect_progress(const Oltctl &oltctl, std::vector<std::string> options,
     words.insert(words.begin(), options.begin(), options.end());
     return words;
   };
-  Terminal save(with({"save_to_flash", "5", "@" + file}), environment);
+  Terminal save(with({"--yes", "save_to_flash", "5", "@" + file}), environment);
   EXPECT_TRUE(save.shows("\rsave_to_flash: erasing: 43 %, 64.0 KiB of 148.0 KiB, "));
   EXPECT_TRUE(save.shows("\rsave_to_flash: erasing: 100 %, 148.0 KiB of 148.0 KiB, "));
   EXPECT_TRUE(save.shows("\r\n\rsave_to_flash: writing: 43 %, 64.0 KiB of 146.5 KiB, "));
