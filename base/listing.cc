@@ -94,7 +94,7 @@ ListingSection section_of(std::string_view heading, Lines lines) {
 }  // namespace
 
 std::string listing_text(const ListingContent &content) {
-  std::string text = content.title + '\n' + std::string(content.title.size(), '=') + '\n';
+  std::string text = content.title + '\n' + std::string(display_width(content.title), '=') + '\n';
   for (const ListingSection &section : content.sections) {
     text += '\n' + section.heading + '\n' + table_text(section.table, section.rule);
   }

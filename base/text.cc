@@ -45,8 +45,17 @@ void append_line(std::string &dump, ByteView bytes, size_t begin, std::span<cons
   dump += '\n';
 }
 
-/// Bytes of the UTF-8 character at the front; 0 when there is none.
-size_t character_at_front(std::string_view text) {
+bool continues_character(char byte) {
+  return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
+}
+
+struct CodePoint {
+  size_t length = 0;  ///< in bytes; 0 when there is none
+  uint32_t code = 0;
+};
+
+/// The UTF-8 character at the front.
+CodePoint character_at_front(std::string_view text) {
   struct Form {
     uint8_t lead, mask;
     uint32_t min;
@@ -57,24 +66,28 @@ size_t character_at_front(std::string_view text) {
   for (size_t more = 0; more < std::size(kForms); ++more) {
     const Form &form = kForms[more];
     if ((lead & form.mask) != form.lead) continue;
-    if (text.size() <= more) return 0;
+    if (text.size() <= more) return {};
     uint32_t code = lead & static_cast<uint8_t>(~form.mask);
     for (char c : text.substr(1, more)) {
-      if ((static_cast<uint8_t>(c) & 0xC0) != 0x80) return 0;
+      if (!continues_character(c)) return {};
       code = code << 6 | (static_cast<uint8_t>(c) & 0x3F);
     }
     bool is_surrogate = code >= 0xD800 && code < 0xE000;
-    return code < form.min || code > 0x10FFFF || is_surrogate ? 0 : more + 1;
+    if (code < form.min || code > 0x10FFFF || is_surrogate) return {};
+    return {more + 1, code};
   }
-  return 0;
+  return {};
 }
 
-/// Control characters beyond ASCII take two bytes in UTF-8; one of them begins terminal commands,
-/// as escape does.
-bool is_control(std::string_view character) {
-  auto first = static_cast<uint8_t>(character[0]);
-  if (character.size() == 1) return first < 0x20 || first == 0x7F;
-  return first == 0xC2 && static_cast<uint8_t>(character[1]) < 0xA0;
+/// Control characters, separators of lines, and marks that turn the direction of text.
+bool commands_terminal(uint32_t code) {
+  constexpr struct {
+    uint32_t first, last;
+  } kRanges[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C},
+                 {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+  return std::any_of(std::begin(kRanges), std::end(kRanges), [code](const auto &range) {
+    return code >= range.first && code <= range.last;
+  });
 }
 
 }  // namespace
@@ -145,14 +158,14 @@ std::string characters(ByteView bytes) {
 std::string printable(std::string_view text) {
   std::string shown;
   while (!text.empty()) {
-    size_t length = character_at_front(text);
-    std::string_view character = text.substr(0, std::max<size_t>(length, 1));
-    if (length > 0 && !is_control(character)) {
-      shown += character;
+    auto [length, code] = character_at_front(text);
+    std::string_view bytes = text.substr(0, std::max<size_t>(length, 1));
+    if (length > 0 && !commands_terminal(code)) {
+      shown += bytes;
     } else {
-      for (char byte : character) shown += escaped(byte);
+      for (char byte : bytes) shown += escaped(byte);
     }
-    text.remove_prefix(character.size());
+    text.remove_prefix(bytes.size());
   }
   return shown;
 }

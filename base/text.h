@@ -42,8 +42,8 @@ std::optional<Bytes> from_hex_dump(std::string_view dump);
 /// The bytes as characters, those that are not printable ASCII as dots.
 std::string characters(ByteView bytes);
 
-/// The text with control characters, and bytes that are not UTF-8, written as \xNN, so that it
-/// cannot command a terminal.
+/// The text with control characters, those that change the direction or the line of text, and bytes
+/// that are not UTF-8, written as \xNN, so that it cannot command or mislead a terminal.
 std::string printable(std::string_view text);
 /// The same, but bytes beyond ASCII are also escaped: each byte of the result takes one column.
 std::string printable_ascii(std::string_view text);

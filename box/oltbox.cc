@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -18,6 +19,7 @@
 #include "base/folders.h"
 #include "base/line_writer.h"
 #include "box/box.h"
+#include "box/oltbox_options.h"
 
 namespace {
 
@@ -71,28 +73,32 @@ Arguments parse(int argc, char **argv, Console &console) {
   std::string topology;
   CLI::App app("The simulated OLT: serves its management modules until SIGTERM or SIGINT.",
                "oltbox");
-  app.set_version_flag("--version", std::string("oltbox ") + OLTMGMT_VERSION);
-  app.add_option("--run-dir", arguments.run_dir, "Directory of the sockets and the listings");
-  app.add_option("--state-dir", state_dir, "Directory of the saved configuration");
-  app.add_option("--topology", topology, "JSON file that says what the box is made of");
-  app.add_option("--group", arguments.group, "Group whose members may use the box too");
-  app.add_option("--fault", arguments.box.faults,
-                 "Fault to arm, such as \"type=12 status=5 from=2 count=3\"; may be repeated")
-      ->allow_extra_args(false);
-  app.add_flag("--trace", arguments.trace, "Print a line per exchange");
-  app.add_flag("--fresh", arguments.box.fresh, "Forget the saved configuration first");
-  app.add_flag("--adopt", arguments.box.adopt,
-               "Keep what fits of a configuration that was saved with another topology");
-  app.add_option("--pending-limit", arguments.pending_limit,
-                 "Most bytes that half-received requests may take together; default 64 MiB")
-      ->check(check_limit);
-  app.add_option("--listing-limit", arguments.box.listing_limit,
-                 "Most bytes that listings may take together; default 64 MiB")
-      ->check(check_limit);
+  using namespace olt::box::option;
+  auto add = [&app](const auto &option, auto &value) {
+    return app.add_option(option.name, value, option.summary)->type_name(option.value);
+  };
+  auto add_flag = [&app](const auto &option, bool &value) {
+    app.add_flag(option.name, value, option.summary);
+  };
+  app.set_help_flag(kHelp.name, kHelp.summary);
+  app.set_version_flag(kVersion.name, std::string("oltbox ") + OLTMGMT_VERSION, kVersion.summary);
+  add(kRunDir, arguments.run_dir);
+  add(kStateDir, state_dir);
+  add(kTopology, topology);
+  add(kGroup, arguments.group);
+  add(kFault, arguments.box.faults)->allow_extra_args(false);
+  add_flag(kTrace, arguments.trace);
+  add_flag(kFresh, arguments.box.fresh);
+  add_flag(kAdopt, arguments.box.adopt);
+  add(kPendingLimit, arguments.pending_limit)->check(check_limit);
+  add(kListingLimit, arguments.box.listing_limit)->check(check_limit);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {
-    std::exit(app.exit(request));
+    app.exit(request);
+    std::cout.flush();
+    if (!std::cout) throw std::runtime_error("cannot write the output");
+    std::exit(0);
   }
   if (arguments.run_dir.empty()) arguments.run_dir = default_run_dir();
   arguments.box.state_dir =

@@ -85,7 +85,7 @@ class OntIptv final : public OnuFamily {
   void describe_configuration(Report &report) const override {
     if (!iptv_.profiles.empty()) report.section("IPTV profiles");
     for (const auto &[name, channels] : iptv_.profiles) {
-      report.row({printable_ascii(name), counted(channels.size(), "channel")});
+      report.row({printable(name), counted(channels.size(), "channel")});
       for (const auto &[number, settings] : channels) {
         report.row({"", fmt::to_string(number), to_hex(settings)});
       }
@@ -154,7 +154,7 @@ class OntIptv final : public OnuFamily {
 
   Status list(Profile &profile, Reply &reply) {
     const auto &[name, channels] = profile;
-    Report report(fmt::format("IPTV profile {}", printable_ascii(name)));
+    Report report(fmt::format("IPTV profile {}", printable(name)));
     report.section(counted(channels.size(), "channel"), {"Channel", "Settings"});
     for (const auto &[number, settings] : channels) {
       report.row({fmt::to_string(number), to_hex(settings)});
@@ -251,7 +251,7 @@ class OntIptv final : public OnuFamily {
 
   void record(std::string_view profile, std::string_view what) {
     hardware_.events().record(Level::kNotice, kMainModule,
-                              fmt::format("IPTV profile {} {}", printable_ascii(profile), what));
+                              fmt::format("IPTV profile {} {}", printable(profile), what));
   }
 
   Hardware &hardware_;

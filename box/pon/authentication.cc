@@ -263,7 +263,7 @@ class PonAuthentication final : public Family {
     for (const AuthEntry &entry : list.entries()) {
       std::vector<std::string> cells;
       if (mac) cells.push_back(mac_text(entry.mac));
-      if (loid) cells.push_back(printable_ascii(text_of(entry.loid)));
+      if (loid) cells.push_back(printable(text_of(entry.loid)));
       if (loid) cells.emplace_back(entry.password[0] == '\0' ? "any" : "**");
       report.row(std::move(cells));
     }

@@ -105,7 +105,7 @@ std::string RecordTable::show(std::span<const uint8_t> record) const {
     case Shown::kWords:
       return words_text(record);
     case Shown::kText:
-      return printable_ascii(text_in(record));
+      return printable(text_in(record));
     case Shown::kCountedIds:
       return counted_ids_text(record);
     case Shown::kBytes:

@@ -1,18 +1,24 @@
 #include "box/state/files.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <fstream>
+#include <sstream>
+#include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "base/folders.h"
 #include "base/private_directory.h"
+#include "base/text.h"
 
 namespace olt::box {
 
@@ -33,6 +39,26 @@ void write_all(int fd, std::string_view content, const std::string &name) {
     if (count < 0 && errno != EINTR) fail(name);
     if (count > 0) content.remove_prefix(static_cast<size_t>(count));
   }
+}
+
+/// Who holds the lock on the directory, as far as the system says.
+std::string holder_of_lock(const Descriptor &directory) {
+  struct stat found {};
+  fstat(directory.get(), &found);
+  std::string device_and_inode =
+      fmt::format("{:02x}:{:02x}:{}", major(found.st_dev), minor(found.st_dev), found.st_ino);
+  std::ifstream locks("/proc/locks");
+  for (std::string line; std::getline(locks, line);) {
+    std::istringstream words(line);
+    std::string number, kind, strength, access, process, file;
+    words >> number >> kind >> strength >> access >> process >> file;
+    if (kind != "FLOCK" || file != device_and_inode) continue;
+    std::string program;
+    std::getline(std::ifstream("/proc/" + process + "/comm"), program);
+    return fmt::format("process {} ({})", process,
+                       program.empty() ? "its program is unknown" : printable_ascii(program));
+  }
+  return "another box";
 }
 
 /// Far more than any state takes.
@@ -146,8 +172,7 @@ StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::millisec
   while (flock(directory_.get(), LOCK_EX | LOCK_NB) != 0) {
     if (errno != EWOULDBLOCK && errno != EINTR) fail(path_.string());
     if (std::chrono::steady_clock::now() >= deadline) {
-      throw StorageFailure(path_.string() +
-                           ": another box uses this state directory; end it or name another one");
+      throw StateInUse(path_.string(), holder_of_lock(directory_));
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }

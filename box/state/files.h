@@ -42,10 +42,25 @@ struct Placement {
 void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
                   const Placement &placement);
 
+/// Another box uses the state directory.
+class StateInUse : public StorageFailure {
+ public:
+  StateInUse(const std::string &directory, const std::string &holder)
+      : StorageFailure(directory + ": " + holder +
+                       " uses this state directory; end it or name another one"),
+        holder_(holder) {}
+
+  /// "process 4711 (oltbox)", or "another box" when the system does not say which.
+  const std::string &holder() const { return holder_; }
+
+ private:
+  std::string holder_;
+};
+
 /// A directory of state files, locked while the object exists. Throws StorageFailure.
 class StateDirectory {
  public:
-  /// Waits up to patience for another box to end.
+  /// Waits up to patience for another box to end. Throws StateInUse when it does not.
   StateDirectory(std::filesystem::path path, std::chrono::milliseconds patience);
 
   /// The content; nothing if the file does not exist.

@@ -258,7 +258,7 @@ class SwitchVlan final : public Family {
     for (const auto &[vlan, text] : state_.descriptions) {
       if (text == *searched) vlans.set(vlan);
     }
-    return list(fmt::format("VLANs described as \"{}\"", printable_ascii(*searched)), vlans, reply);
+    return list(fmt::format("VLANs described as \"{}\"", printable(*searched)), vlans, reply);
   }
 
   Status list(std::string title, const IdSet &vlans, Reply &reply) {
@@ -281,7 +281,7 @@ class SwitchVlan final : public Family {
 
   std::string description_of(uint16_t vlan) const {
     auto found = state_.descriptions.find(vlan);
-    return found == state_.descriptions.end() ? "-" : printable_ascii(found->second);
+    return found == state_.descriptions.end() ? "-" : printable(found->second);
   }
 
   std::string ports_in(uint16_t vlan, Side side) const {

@@ -61,7 +61,7 @@ class SystemUsers final : public Family {
   void describe_configuration(Report &report) const override {
     report.section("Users", {"Index", "Name", "Password", "Level A", "Level B"});
     for (size_t i = 0; i < users_.size(); ++i) {
-      report.row({fmt::to_string(i), printable_ascii(users_[i].name), "**",
+      report.row({fmt::to_string(i), printable(users_[i].name), "**",
                   fmt::to_string(users_[i].level_a), fmt::to_string(users_[i].level_b)});
     }
   }

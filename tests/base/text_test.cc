@@ -62,6 +62,12 @@ TEST(BytesText, ControlCharactersAreSpelledOut) {
             "\\xc2\\x9b2J\\xc2\\x80\\xc2\\x9f\xC2\xA0\\xc2");
 }
 
+TEST(BytesText, MarksThatTurnTextOrEndLinesAreSpelledOut) {
+  EXPECT_EQ(printable("\xE2\x80\xAE \xE2\x81\xA6 \xD8\x9C \xE2\x80\xA8"),
+            "\\xe2\\x80\\xae \\xe2\\x81\\xa6 \\xd8\\x9c \\xe2\\x80\\xa8");
+  EXPECT_EQ(printable("\xE2\x80\x93 \xE2\x81\xAA"), "\xE2\x80\x93 \xE2\x81\xAA");
+}
+
 TEST(BytesText, BytesThatAreNotUtf8AreSpelledOut) {
   EXPECT_EQ(printable("\xff\xfe \x80"), "\\xff\\xfe \\x80");
   EXPECT_EQ(printable("\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"),

@@ -71,6 +71,8 @@ class Daemon {
     return status;
   }
 
+  pid_t pid() const { return pid_; }
+
   int kill(int signal) {
     ::kill(pid_, signal);
     return wait();
@@ -305,7 +307,7 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
   write_file(daemon.folder / "box.json", R"({"pon":{"interfaces":99}})");
   const std::pair<std::vector<std::string>, std::string> kMistakes[] = {
       {{"--frehs"}, "The following argument was not expected: --frehs"},
-      {{"--run-dir"}, "--run-dir: 1 required TEXT missing"},
+      {{"--run-dir"}, "--run-dir: 1 required DIR missing"},
       {{"--listing-limit", "0"},
        "--listing-limit: '0' given; expected a number of bytes from 1 to 4294967295"},
       {{"--listing-limit", "4294967296"},
@@ -364,8 +366,9 @@ TEST(Daemon, WaitsAWhileForAStateDirectoryInUse) {
   auto begin = steady_clock::now();
   EXPECT_EQ(second.run({"--run-dir", second.run_dir(), "--state-dir", daemon.folder / "state"}), 1);
   EXPECT_GE(steady_clock::now() - begin, 5s);
-  EXPECT_EQ(second.errors(), "oltbox: " + (daemon.folder / "state") +
-                                 ": another box uses this state directory; end it or name another "
+  EXPECT_EQ(second.errors(), "oltbox: " + (daemon.folder / "state") + ": process " +
+                                 std::to_string(daemon.pid()) +
+                                 " (oltbox) uses this state directory; end it or name another "
                                  "one\n");
 }
 

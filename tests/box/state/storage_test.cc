@@ -436,9 +436,11 @@ TEST(Storage, OneBoxAtATimeUsesADirectory) {
     box::StateDirectory second(box.options.state_dir, 60ms);
     ADD_FAILURE() << "two boxes use one directory";
   } catch (const box::StorageFailure &failure) {
-    EXPECT_EQ(failure.what(), box.options.state_dir.string() +
-                                  ": another box uses this state directory; end it or name "
-                                  "another one");
+    std::string program = read_file("/proc/self/comm");
+    program.pop_back();
+    EXPECT_EQ(failure.what(), box.options.state_dir.string() + ": process " +
+                                  std::to_string(getpid()) + " (" + program +
+                                  ") uses this state directory; end it or name another one");
   }
   EXPECT_GE(std::chrono::steady_clock::now() - begin, 60ms);
 
