@@ -8,8 +8,8 @@
 #include "catalog/catalog.h"
 #include "catalog/message_fields.h"
 #include "cli/input/argument_forms.h"
-#include "cli/manual.h"
 #include "cli/output/format.h"
+#include "cli/search.h"
 #include "cli/text/field_forms.h"
 
 namespace olt::cli {

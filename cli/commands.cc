@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <utility>
 #include <vector>
 
 #include "base/bad_input.h"
@@ -18,6 +17,7 @@
 #include "cli/layout/writer.h"
 #include "cli/manual.h"
 #include "cli/output/format.h"
+#include "cli/search.h"
 #include "cli/show/show.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
@@ -37,20 +37,19 @@ namespace {
 using Arguments = std::span<const std::string>;
 using Words = std::vector<std::string>;
 
-constexpr size_t kMaxSuggestions = 3;
-
 /// The words that describe a fault, as the box takes them.
 struct FaultWord {
   const char *name;
   const char *value;
   const char *summary;
 };
+constexpr const char *kFaultActions = "status|silence|drop";
 constexpr FaultWord kFaultWords[] = {
     {"type", "TYPE|OPERATION", "the message type of the requests; must be given"},
     {"module", "N", "their module; any when left out"},
     {"status", "N", "the status to answer with"},
     {"delay_ms", "N", "milliseconds to wait before the answer"},
-    {"action", "status|silence|drop", "silence never answers, drop closes the connection"},
+    {"action", kFaultActions, "silence never answers, drop closes the connection"},
     {"from", "N", "the first such request that it affects; 1 when left out"},
     {"count", "N", "how many it affects; 0, as when left out: all that follow"},
 };
@@ -85,14 +84,28 @@ void run_shell_within(Session & /*session*/, Arguments /*words*/) {
   wrong_usage("shell: not possible here; expected the command line 'oltctl shell', alone");
 }
 
-void run_completion(Session &session, Arguments words) {
+std::string details_of_shell() {
+  return "  Commands are those of the command line, without 'oltctl' and without options.\n"
+         "  Keys:\n"
+         "    Tab      completes operations, commands, arguments, values and @FILE\n"
+         "    ?        at the beginning of a word: what may come next; in the first word: what\n"
+         "             begins like it; in quotes and within other words a plain character\n"
+         "    Up       recalls an earlier line\n"
+         "    Ctrl-C   drops the line, or ends the command that runs\n"
+         "  Output that is longer than the screen is shown by $PAGER, else by less.\n";
+}
+
+void run_completion(Session & /*session*/, Arguments words) {
   std::string shell = only_word(words);
-  if (shell != "bash") wrong_usage("completion: '{}' given; expected bash", printable(shell));
-  print(bash_completion(commands(), option_names(), session.layout()));
+  const char *script = completion_script(shell);
+  if (script == nullptr) {
+    wrong_usage("completion: '{}' given; expected bash, zsh or fish", printable(shell));
+  }
+  print(script);
 }
 
 Words words_of_completion(Arguments words) {
-  return words.size() == 1 ? Words{"bash"} : Words{};
+  return words.size() == 1 ? Words{"bash", "zsh", "fish"} : Words{};
 }
 
 // walk
@@ -172,6 +185,7 @@ void run_layout(Session &session, Arguments words) {
 
 Words words_of_layout(Arguments words) {
   if (words.size() == 1) return {"list", "check", "show"};
+  if (words.size() == 2 && words[1] == "check") return {kAnyFile};
   return words.size() == 2 && words[1] == "show" ? Words{"box", "none"} : Words{};
 }
 
@@ -205,7 +219,7 @@ std::string details_of_show() {
 }
 
 Words words_of_show(Arguments words) {
-  return words.size() == 1 ? Words{} : names_of_filters();
+  return words.size() == 1 ? Words{kAnyFile} : names_of_filters();
 }
 
 // fault, counters
@@ -244,6 +258,14 @@ Words words_of_fault(Arguments words) {
   if (words[1] != "add") return {};
   Words names;
   for (const FaultWord &word : kFaultWords) names.push_back(fmt::format("{}=", word.name));
+  for (const Item &action : split_items(kFaultActions, '|')) {
+    names.push_back(fmt::format("action={}", action.text));
+  }
+  for (const catalog::Family &family : catalog::families()) {
+    for (const Operation &operation : family.operations) {
+      if (operation.address.sends()) names.push_back(fmt::format("type={}", operation.name));
+    }
+  }
   return names;
 }
 
@@ -287,7 +309,9 @@ void run_config(Session &session, Arguments words) {
 }
 
 Words words_of_config(Arguments words) {
-  return words.size() == 1 ? Words{"export", "import", "diff"} : Words{};
+  if (words.size() == 1) return {"export", "import", "diff"};
+  size_t max = words[1] == "diff" ? 3 : 2;
+  return words.size() <= max ? Words{kAnyFile} : Words{};
 }
 
 std::string details_of_config() {
@@ -316,7 +340,8 @@ void run_update(Session &session, Arguments words) {
 }
 
 Words words_of_update(Arguments words) {
-  return words.size() == 1 ? Words{"olt", "onu"} : Words{};
+  if (words.size() == 1) return {"olt", "onu"};
+  return words.size() == 2 ? Words{kAnyFile} : Words{};
 }
 
 std::string details_of_update() {
@@ -333,7 +358,8 @@ constexpr Command kCommands[] = {
     {"list", "list [WORD]", "Lists the operations, or those about WORD", run_list},
     {"help", "help [OPERATION]", "Says what an operation takes, with an example", run_help,
      words_of_help},
-    {"shell", "shell", "Takes operations from the terminal, one after the other", run_shell_within},
+    {"shell", "shell", "Takes operations from the terminal, one after the other", run_shell_within,
+     nullptr, details_of_shell},
     {"fault", "fault add NAME=VALUE...\nfault list\nfault clear [ID]",
      "Has the box refuse a request, answer late or not at all", run_fault, words_of_fault,
      details_of_fault},
@@ -354,42 +380,10 @@ constexpr Command kCommands[] = {
     {"show", "show FILE [NAME=VALUE...]", "Prints a capture of exchanges", run_show, words_of_show,
      details_of_show},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
-    {"completion", "completion bash",
-     "Prints the completion for bash: eval \"$(oltctl completion bash)\"", run_completion,
+    {"completion", "completion bash\ncompletion zsh\ncompletion fish",
+     "Prints the completion for a shell: eval \"$(oltctl completion bash)\"", run_completion,
      words_of_completion},
 };
-
-/// Letters to insert, drop or change to get from one word to the other.
-size_t distance(std::string_view from, std::string_view to) {
-  std::vector<size_t> row(to.size() + 1);
-  for (size_t j = 0; j <= to.size(); ++j) row[j] = j;
-  for (size_t i = 1; i <= from.size(); ++i) {
-    size_t diagonal = std::exchange(row[0], i);
-    for (size_t j = 1; j <= to.size(); ++j) {
-      size_t changed = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
-    }
-  }
-  return row[to.size()];
-}
-
-/// The nearest names of operations and commands, nearest first.
-Words near_names(const std::string &name) {
-  std::vector<std::pair<size_t, std::string>> near;
-  for (std::string &candidate : first_words(commands())) {
-    size_t changes = distance(lower(name), lower(candidate));
-    if (changes <= std::max<size_t>(2, name.size() / 4)) {
-      near.emplace_back(changes, std::move(candidate));
-    }
-  }
-  std::sort(near.begin(), near.end());
-  Words names;
-  for (auto &[changes, candidate] : near) {
-    if (names.size() < kMaxSuggestions) names.push_back(std::move(candidate));
-  }
-  return names;
-}
 
 ordered_json json_of(const Command &command) {
   ordered_json usage = ordered_json::array();
@@ -446,7 +440,13 @@ void run_line(Session &session, std::span<const std::string> words) {
 
 const Operation &operation_named(const std::string &name, const Layout &layout) {
   if (const Operation *operation = layout.find(name)) return *operation;
-  Words names = near_names(name);
+  if (name.starts_with("--")) {
+    wrong_usage("oltctl: {} is an option; expected it where oltctl is started, and a command here",
+                printable(name));
+  }
+  Words all = first_words(commands());
+  Words names = near_names(name, all);
+  if (names.empty() && !is_listed(name)) names = names_with_parts(name, all);
   if (!names.empty()) {
     wrong_usage("oltctl: there is no operation '{}'; did you mean {}?", printable(name),
                 fmt::join(names, " or "));
@@ -463,6 +463,13 @@ std::string help_text(const std::string &name, const Layout &layout) {
   if (name.empty()) return overview();
   if (const Command *command = find_command(name)) return help_of(*command);
   return help_of(operation_named(name, layout));
+}
+
+std::string shell_help_text() {
+  return overview() +
+         "exit, quit\n"
+         "  Ends the shell, as Ctrl-D does on an empty line\n" +
+         details_of_shell();
 }
 
 ordered_json help_json(const std::string &name, const Layout &layout) {

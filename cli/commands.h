@@ -31,6 +31,9 @@ const catalog::Operation &operation_named(const std::string &name,
 std::string help_text(const std::string &name,
                       const catalog::Layout &layout = catalog::Layout::box());
 
+/// All commands, and what else the shell takes.
+std::string shell_help_text();
+
 /// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
 nlohmann::ordered_json help_json(const std::string &name,
                                  const catalog::Layout &layout = catalog::Layout::box());

@@ -2,124 +2,176 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "box/oltbox_options.h"
 #include "catalog/catalog.h"
+#include "cli/commands.h"
+#include "cli/input/assignment.h"
+#include "cli/layout/layouts.h"
+#include "cli/options.h"
+#include "cli/text/error.h"
+#include "cli/text/words.h"
 
 namespace olt::cli {
 
 using catalog::Argument;
 using catalog::Family;
 using catalog::Field;
+using catalog::Layout;
 using catalog::Operation;
 
 namespace {
 
 using Words = std::vector<std::string>;
 
-Words argument_names(const Operation &operation) {
-  Words names;
-  for (const Argument &argument : operation.arguments()) {
-    if (!argument.takes_value()) continue;
-    names.push_back(fmt::format("{}=", argument.name));
-    for (const Field &field : argument.own_fields())
-      names.push_back(fmt::format("{}=", field.name));
+void add_values(Words &words, const std::string &before, const Field &field) {
+  for (const catalog::ValueName &value : field.values) {
+    words.push_back(fmt::format("{}{}", before, value.name));
   }
-  return names;
 }
 
-Words words_after(const Command &command, std::span<const std::string> words) {
-  return command.next_words == nullptr ? Words{} : command.next_words(words);
+void add_named(Words &words, const Field &field) {
+  std::string name = fmt::format("{}=", field.name);
+  words.push_back(name);
+  add_values(words, name, field);
+}
+
+/// The values of the argument that the next word without a name goes to.
+void add_values_of_next(Words &words, const Operation &operation,
+                        std::span<const std::string> before) {
+  try {
+    size_t place = next_place(operation, assign(operation, before));
+    if (place < operation.argument_count) {
+      add_values(words, "", operation.arguments()[place].whole());
+    }
+  } catch (const Error &) {
+    // Words that are wrong have nothing after them.
+  }
+}
+
+Words argument_words(const Operation &operation, std::span<const std::string> before) {
+  Words words;
+  for (const Argument &argument : operation.arguments()) {
+    if (!argument.takes_value()) continue;
+    add_named(words, argument.whole());
+    for (const Field &field : argument.own_fields()) add_named(words, field);
+  }
+  add_values_of_next(words, operation, before);
+  return words;
 }
 
 Words next_words(std::span<const Command> commands, std::span<const std::string> before,
-                 const catalog::Layout &layout) {
+                 const Layout &layout) {
   if (before.empty()) return first_words(commands);
-  if (const Operation *operation = layout.find(before[0])) return argument_names(*operation);
+  if (const Operation *operation = layout.find(before[0])) {
+    return argument_words(*operation, before.subspan(1));
+  }
   for (const Command &command : commands) {
-    if (command.name == before[0]) return words_after(command, before);
+    if (command.name == before[0] && command.next_words != nullptr) {
+      return command.next_words(before);
+    }
   }
   return {};
 }
 
-std::string branch(std::string_view pattern, const Words &words) {
-  return fmt::format("    {}) words='{}' ;;\n", pattern, fmt::join(words, " "));
+/// Leaves those that begin with the word; of named values the names alone until the word has one.
+void select(Words &words, std::string_view word) {
+  bool has_name = word.find('=') != std::string_view::npos;
+  std::erase_if(words, [&](const std::string &candidate) {
+    size_t equals = candidate.find('=');
+    bool is_value = equals < candidate.size() - 1;
+    return !candidate.starts_with(word) || (is_value && !has_name);
+  });
+  if (has_name) std::erase(words, word);
 }
 
-/// A command's branches: after its name, and after each word that others follow.
-std::string branches(const Command &command) {
-  Words words = words_after(command, Words{command.name});
-  if (words.empty()) return "";
-  std::string text = branch(command.name, words);
-  for (const std::string &word : words) {
-    Words more = words_after(command, Words{command.name, word});
-    if (!more.empty()) text += branch(fmt::format("'{} {}'*", command.name, word), more);
-  }
-  return text;
-}
-
-std::string branches(std::span<const Command> commands, const catalog::Layout &layout) {
-  std::string text = branch("''", first_words(commands));
-  for (const Family &family : layout.families()) {
-    for (const Operation &operation : family.operations) {
-      Words names = argument_names(operation);
-      if (!names.empty()) text += branch(fmt::format("{0}|{0}' '*", operation.name), names);
-    }
-  }
-  for (const Command &command : commands) text += branches(command);
-  return text;
-}
-
-constexpr const char *kBashHead =
-    R"(# Completion of oltctl for bash, printed by: oltctl completion bash
-_oltctl() {
-  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local line='' words='' i
-  local options='@options@'
-  case $previous in
-    @directories@) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
-    @files@) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
-    =) return ;;
-  esac
-  if [[ $current == -* ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
-    return
-  fi
-  for ((i = 1; i < COMP_CWORD; i++)); do
-    case ${COMP_WORDS[i]} in
-      @directories@ | @files@) ((i++)) ;;
-      -*) ;;
-      *) line+="${line:+ }${COMP_WORDS[i]}" ;;
-    esac
-  done
-  case $line in
-)";
-
-constexpr const char *kBashTail = R"(  esac
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-  if [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *= ]]; then compopt -o nospace; fi
-}
-complete -F _oltctl oltctl
-)";
-
-/// The options that take such a value, as a pattern of bash.
-std::string pattern_of(std::span<const OptionName> options, std::string_view value) {
-  Words names;
+/// The value that the option takes, such as "DIR"; empty when it takes none.
+std::string_view value_of(std::span<const OptionName> options, std::string_view name) {
   for (const OptionName &option : options) {
-    if (option.value == value) names.push_back(option.name);
+    if (option.name == name) return option.value;
   }
-  return fmt::format("{}", fmt::join(names, " | "));
+  return "";
 }
 
-std::string long_names(std::span<const OptionName> options) {
-  Words names;
+Completion path_of(std::string_view value, std::string_view before) {
+  Completion completion;
+  completion.before = before;
+  if (value == "DIR") completion.kind = Completion::Kind::kDirectories;
+  if (value == "FILE") completion.kind = Completion::Kind::kFiles;
+  return completion;
+}
+
+/// What an option or the value of one may become; nothing when the word is neither.
+/// @param before the words before it; options and their values are removed
+std::optional<Completion> complete_option(std::span<const OptionName> options, Words &before,
+                                          std::string_view word) {
+  Words operands;
+  for (size_t i = 0; i < before.size(); ++i) {
+    bool is_option = before[i].size() > 1 && before[i].starts_with('-');
+    if (!is_option) operands.push_back(before[i]);
+    if (value_of(options, before[i]).empty()) continue;
+    if (i + 1 == before.size()) return path_of(value_of(options, before[i]), "");
+    ++i;
+  }
+  before = std::move(operands);
+  if (!word.starts_with('-')) return std::nullopt;
+  size_t equals = word.find('=');
+  if (equals != std::string_view::npos) {
+    return path_of(value_of(options, word.substr(0, equals)), word.substr(0, equals + 1));
+  }
+  Completion completion;
   for (const OptionName &option : options) {
-    if (option.name.starts_with("--")) names.push_back(option.name);
+    if (option.name.starts_with("--")) completion.words.push_back(option.name);
   }
-  return fmt::format("{}", fmt::join(names, " "));
+  select(completion.words, word);
+  return completion;
 }
 
-std::string replaced(std::string text, std::string_view what, const std::string &by) {
-  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at)) {
-    text.replace(at, what.size(), by);
+std::vector<OptionName> oltbox_options() {
+  std::vector<OptionName> names;
+  for (const box::option::Option &option : box::option::kAll) {
+    std::string_view all = option.name;
+    names.push_back({std::string(all.substr(all.find("--"))), option.value});
+  }
+  return names;
+}
+
+/// The layout that the environment or the options name, the box's when it cannot be read.
+std::shared_ptr<const Layout> layout_for(std::span<const std::string> words) {
+  std::string name = layout_in_use("");
+  for (size_t i = 0; i + 1 < words.size(); ++i) {
+    if (words[i] == "--layout") name = words[i + 1];
+  }
+  try {
+    return layout_named(name);
+  } catch (const Error &) {
+    return layout_named("box");
+  }
+}
+
+/// What --help and list say of an operation or a command; empty for other words.
+std::string summary_of(const std::string &word, const Layout &layout) {
+  if (const Operation *operation = layout.find(word)) return operation->summary;
+  const Command *command = find_command(word);
+  return command == nullptr ? "" : command->summary;
+}
+
+std::string answer(const Completion &completion, const Layout &layout) {
+  if (completion.kind == Completion::Kind::kFiles) {
+    return fmt::format("files {}\n", completion.before);
+  }
+  if (completion.kind == Completion::Kind::kDirectories) {
+    return fmt::format("directories {}\n", completion.before);
+  }
+  std::string text = "words\n";
+  for (const std::string &word : completion.words) {
+    std::string summary = summary_of(word, layout);
+    text += summary.empty() ? word + '\n' : fmt::format("{}\t{}\n", word, summary);
   }
   return text;
 }
@@ -135,19 +187,44 @@ Words first_words(std::span<const Command> commands) {
   return words;
 }
 
-Words candidates(std::span<const Command> commands, std::span<const std::string> before,
-                 std::string_view prefix, const catalog::Layout &layout) {
-  Words words = next_words(commands, before, layout);
-  std::erase_if(words, [prefix](const std::string &word) { return !word.starts_with(prefix); });
+Completion complete_word(std::span<const Command> commands, std::span<const std::string> before,
+                         std::string_view word, const Layout &layout) {
+  size_t value = word.find('=') == std::string_view::npos ? 0 : word.find('=') + 1;
+  if (!before.empty() && word.substr(value).starts_with('@')) {
+    return path_of("FILE", word.substr(0, value + 1));
+  }
+  Completion completion;
+  completion.words = next_words(commands, before, layout);
+  if (completion.words == Words{kAnyFile}) return path_of("FILE", "");
+  select(completion.words, word);
+  return completion;
+}
+
+Words words_to_complete(std::string_view line) {
+  size_t begin = line.find_last_of(" \t");
+  begin = begin == std::string_view::npos ? 0 : begin + 1;
+  Words words;
+  try {
+    words = split_words(line.substr(0, begin));
+  } catch (const Error &) {
+    return {};
+  }
+  words.emplace_back(line.substr(begin));
   return words;
 }
 
-std::string bash_completion(std::span<const Command> commands, std::span<const OptionName> options,
-                            const catalog::Layout &layout) {
-  std::string head = replaced(kBashHead, "@options@", long_names(options));
-  head = replaced(head, "@directories@", pattern_of(options, "DIR"));
-  head = replaced(head, "@files@", pattern_of(options, "FILE"));
-  return head + branches(commands, layout) + kBashTail;
+std::string completion_answer(std::string_view line) {
+  Words before = words_to_complete(line);
+  if (before.size() < 2) return answer({}, Layout::box());
+  std::string word = std::move(before.back());
+  before.pop_back();
+  bool is_oltbox = std::filesystem::path(before[0]).filename() == "oltbox";
+  before.erase(before.begin());
+  std::shared_ptr<const Layout> layout = layout_for(before);
+  std::optional<Completion> completion =
+      complete_option(is_oltbox ? oltbox_options() : option_names(), before, word);
+  if (!completion && !is_oltbox) completion = complete_word(commands(), before, word, *layout);
+  return answer(completion.value_or(Completion()), *layout);
 }
 
 }  // namespace olt::cli

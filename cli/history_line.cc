@@ -94,4 +94,9 @@ std::optional<std::string> history_line(std::span<const std::string> words,
   }
 }
 
+std::string echoed_line(std::span<const std::string> words, const catalog::Layout &layout) {
+  if (std::optional<std::string> line = history_line(words, layout)) return *line;
+  return join_words(words.first(1)) + (words.size() > 1 ? " ..." : "");
+}
+
 }  // namespace olt::cli

@@ -1,4 +1,4 @@
-/// What the shell remembers of a line.
+/// What may be shown and kept of a line.
 #ifndef OLT_CLI_HISTORY_LINE_H
 #define OLT_CLI_HISTORY_LINE_H
 
@@ -15,6 +15,10 @@ namespace olt::cli {
 /// that is no known operation, or in the words of a command.
 std::optional<std::string> history_line(std::span<const std::string> words,
                                         const catalog::Layout &layout = catalog::Layout::box());
+
+/// The line as --echo shows it: what may hold a secret is left out.
+std::string echoed_line(std::span<const std::string> words,
+                        const catalog::Layout &layout = catalog::Layout::box());
 
 }  // namespace olt::cli
 

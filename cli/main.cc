@@ -4,14 +4,17 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
+#include <string_view>
 
 #include "cli/box/end_signals.h"
 #include "cli/commands.h"
+#include "cli/completion.h"
 #include "cli/options.h"
 #include "cli/script.h"
 #include "cli/session.h"
 #include "cli/shell.h"
 #include "cli/text/error.h"
+#include "cli/text/file.h"
 
 namespace {
 
@@ -36,9 +39,16 @@ bool is_shell(const Options &options) {
   return !options.script && options.words.size() == 1 && options.words[0] == "shell";
 }
 
+/// Ends the program as it would have ended without the embedded box.
+int end_without_reader() {
+  static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+  static_cast<void>(std::raise(SIGPIPE));
+  return olt::cli::kFailed;
+}
+
 void run(Session &session, const Options &options) {
   if (options.script) {
-    run_script(session, *options.script);
+    run_script(session, *options.script, options.echo, options.keep_going);
   } else if (is_shell(options)) {
     run_shell(session);
   } else {
@@ -52,7 +62,7 @@ void run(const Options &options) {
   if (!is_shell(options)) signals.emplace([&session] { keep(session); });
   try {
     run(session, options);
-  } catch (const Error &) {
+  } catch (...) {
     session.close();  // what earlier commands set is kept
     throw;
   }
@@ -65,6 +75,10 @@ int main(int argc, char **argv) {
   // A reader that goes away must not end the program before the embedded box is kept.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   try {
+    if (argc == 3 && std::string_view(argv[1]) == "__complete") {
+      olt::cli::print(olt::cli::completion_answer(argv[2]));
+      return olt::cli::kDone;
+    }
     std::optional<Options> options =
         olt::cli::parse_options(argc, argv, olt::cli::command_summaries());
     if (options) run(*options);
@@ -73,6 +87,8 @@ int main(int argc, char **argv) {
     report(error);
     olt::cli::end_by_noted_signal();
     return error.status();
+  } catch (const olt::cli::ReaderGone &) {
+    return end_without_reader();
   } catch (const std::exception &error) {
     static_cast<void>(std::fprintf(stderr, "oltctl: %s\n", error.what()));
     return olt::cli::kFailed;

@@ -3,13 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 
-#include "base/text.h"
 #include "catalog/catalog.h"
 #include "cli/input/argument_forms.h"
-#include "cli/text/error.h"
+#include "cli/search.h"
 #include "cli/text/field_forms.h"
 
 namespace olt::cli {
@@ -25,10 +23,6 @@ using catalog::Role;
 namespace {
 
 constexpr const char *kSecretToo = "; '-' reads it without echo";
-
-bool has(std::string_view text, std::string_view word) {
-  return lower(text).find(lower(word)) != std::string::npos;
-}
 
 std::string signature(const Operation &operation) {
   std::string text = operation.name;
@@ -170,39 +164,11 @@ std::string list_text(std::string_view word) {
   return text;
 }
 
-bool is_about(const Operation &operation, std::string_view word) {
-  return has(operation.name, word) || has(operation.summary, word);
-}
-
-bool is_listed(std::string_view word) {
-  for (const Family &family : catalog::families()) {
-    for (const Operation &operation : family.operations) {
-      if (is_about(operation, word)) return true;
-    }
-  }
-  return false;
-}
-
-void require_listed(std::string_view word) {
-  if (is_listed(word)) return;
-  wrong_usage(
-      "list: no operation has '{}' in its name or summary; expected another word, or none for all",
-      printable(word));
-}
-
 std::string help_of(const Operation &operation) {
   return fmt::format("{}\n  {}.\n", signature(operation), operation.summary) +
          section("Arguments", operation, &Argument::is_input, input_text) +
          section("Results", operation, &Argument::is_output, output_text) + rules_text(operation) +
          address_text(operation.address) + example(operation);
-}
-
-std::string lower(std::string_view text) {
-  std::string lowered(text);
-  for (char &character : lowered) {
-    character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-  }
-  return lowered;
 }
 
 }  // namespace olt::cli

@@ -9,21 +9,11 @@
 
 namespace olt::cli {
 
-/// Whether the word is in the operation's name or summary.
-bool is_about(const catalog::Operation &operation, std::string_view word);
-
-/// Whether there is an operation about the word.
-bool is_listed(std::string_view word);
-/// Throws Error when there is none.
-void require_listed(std::string_view word);
-
 /// Name and summary by family, of the operations about the word. Throws Error when there are none.
 std::string list_text(std::string_view word);
 
 /// What an operation takes and does, with an example.
 std::string help_of(const catalog::Operation &operation);
-
-std::string lower(std::string_view text);
 
 }  // namespace olt::cli
 

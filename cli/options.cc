@@ -59,13 +59,6 @@ std::string run_dir(const std::string &box) {
   return directory != nullptr ? directory : "";
 }
 
-/// Which layout: --layout, else the environment, else the box's.
-std::string layout_of(const std::string &layout) {
-  if (!layout.empty()) return layout;
-  const char *name = std::getenv("OLT_LAYOUT");
-  return name != nullptr && *name != '\0' ? name : "box";
-}
-
 /// Commands that read their own options.
 bool has_options(const std::string &command) {
   return command == "walk" || command == "watch";
@@ -101,6 +94,10 @@ void check(const Options &options) {
         "oltctl: --adopt is for the embedded box and for config import, but the box in {} is used;"
         " expected --box embedded beside it",
         box.run_dir);
+  }
+  if (!options.script && (options.echo || options.keep_going)) {
+    wrong_usage("oltctl: {} is for scripts; expected -f FILE beside it",
+                options.echo ? "--echo" : "--keep-going");
   }
   if (options.script && !options.words.empty()) {
     wrong_usage("oltctl: both -f {} and an operation are given; expected one of them",
@@ -152,6 +149,9 @@ void define_options(CLI::App &app, Given &given) {
       ->type_name("FILE");
   app.add_option("-f,--file", given.script, "Run one command per line; '-' reads standard input")
       ->type_name("FILE");
+  app.add_flag("--echo", given.options.echo, "Script: show each command on standard error");
+  app.add_flag("--keep-going", given.options.keep_going,
+               "Script: go on after a command that fails; exit with status 1 at the end");
   app.add_flag("--adopt", box.adopt,
                "Embedded box, config import: keep what fits another topology");
   app.add_option("--layout", given.options.layout,
@@ -187,6 +187,12 @@ std::vector<OptionName> option_names() {
   return names;
 }
 
+std::string layout_in_use(const std::string &given) {
+  if (!given.empty()) return given;
+  const char *name = std::getenv("OLT_LAYOUT");
+  return name != nullptr && *name != '\0' ? name : "box";
+}
+
 std::optional<Options> parse_options(int argc, const char *const *argv,
                                      const std::string &commands) {
   CLI::App app;
@@ -211,7 +217,7 @@ std::optional<Options> parse_options(int argc, const char *const *argv,
   options.format = format_of(given);
   options.words = words_of(app);
   options.box.run_dir = run_dir(given.box);
-  options.layout = layout_of(options.layout);
+  options.layout = layout_in_use(options.layout);
   check(options);
   return options;
 }

@@ -20,6 +20,8 @@ struct Options {
   std::string layout;  ///< a name or a file
   BoxOptions box;
   std::optional<std::string> script;  ///< "-" for standard input
+  bool echo = false;                  ///< of a script: each command, before it runs
+  bool keep_going = false;            ///< of a script: past commands that fail
   std::vector<std::string> words;     ///< the command
 };
 
@@ -30,6 +32,9 @@ struct OptionName {
 };
 
 std::vector<OptionName> option_names();
+
+/// Which layout: the given one, else the environment's, else the box's.
+std::string layout_in_use(const std::string &given);
 
 /// Reads the command line. Nothing when it asked for help or version, which is then printed.
 /// @param commands lines about each command, for the help

@@ -46,6 +46,8 @@ class Session {
   /// The one that the options name, read when it is first needed.
   const catalog::Layout &layout();
 
+  Access &box() { return box_; }
+
   Format format() const { return options_.format; }
   bool wants_json() const { return format() == Format::kJson; }
 

@@ -1,2 +1,2 @@
-# Loaded by bash-completion: the program prints its completion from its own catalog.
+# Loaded by bash-completion for oltctl and oltbox: oltctl prints the completion of both.
 eval "$(oltctl completion bash 2>/dev/null)"

@@ -24,6 +24,13 @@ class Access {
   /// box's simulated one, unless the own one was asked for. Throws Error.
   void open_flash(const char *operation);
 
+  /// "embedded", or the last part of the run directory.
+  std::string name() const;
+  /// Which box, for a person.
+  std::string description() const;
+  /// Opens the box. Throws Error when it does not start or nothing serves its main module.
+  void require_box();
+
   /// What to do about a box that is not there, for the end of an error line; else nothing.
   std::string advice(int32_t result) const;
 
@@ -38,11 +45,13 @@ class Access {
   std::filesystem::path listing_dir() const;
 
  private:
+  std::string expected_box() const;
   void forget_flash() const;
   void close_embedded();
 
   BoxOptions options_;
-  std::mutex mutex_;  ///< held while the embedded box starts or ends
+  bool is_chosen_ = false;  ///< exchanges go to the running box
+  std::mutex mutex_;        ///< held while the embedded box starts or ends
   std::optional<EmbeddedServer> embedded_;
   std::filesystem::path flash_image_;
 };

@@ -60,6 +60,24 @@ void EndSignals::wait(const std::function<void()> &before_end) const {
   end_by(signal);
 }
 
+HeldSignals::HeldSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (int signal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&signals, signal);
+  pthread_sigmask(SIG_BLOCK, &signals, &mask_before_);
+}
+
+HeldSignals::~HeldSignals() {
+  if (!is_watched) {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    timespec none{};
+    sigtimedwait(&interrupt, nullptr, &none);
+  }
+  pthread_sigmask(SIG_SETMASK, &mask_before_, nullptr);
+}
+
 DeferredEnd::DeferredEnd() : is_watched_(is_watched) {
   is_deferred = true;
 }

@@ -28,6 +28,19 @@ class EndSignals {
   std::thread thread_;
 };
 
+/// While it exists, the shell gets none of these signals: has_pending_end() reports them. A SIGINT
+/// that came meanwhile has then done its work.
+class HeldSignals {
+ public:
+  HeldSignals();
+  HeldSignals(const HeldSignals &) = delete;
+  HeldSignals &operator=(const HeldSignals &) = delete;
+  ~HeldSignals();
+
+ private:
+  sigset_t mask_before_{};
+};
+
 /// While it exists, the first such signal is only noted, so that work can end where it does no
 /// harm. A second one ends the program at once. There is one at a time, on the main thread.
 class DeferredEnd {
@@ -41,6 +54,7 @@ class DeferredEnd {
   bool is_due() const;
 
  private:
+  HeldSignals held_;
   bool is_watched_;  ///< by an EndSignals
 };
 

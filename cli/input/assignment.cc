@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
+#include <utility>
 
 #include "base/text.h"
 #include "cli/text/error.h"
@@ -69,8 +71,21 @@ std::vector<Target> targets(const Operation &operation, std::string_view name, b
   return found;
 }
 
+/// Says so when the name is a field of a list's items, which must be given together.
+void refuse_field_of_item(const Operation &operation, std::string_view name) {
+  for (const Argument &argument : operation.arguments()) {
+    if (!argument.is_list()) continue;
+    for (const Field &field : argument.fields) {
+      if (field.name != name) continue;
+      wrong_usage("{0}: '{1}' is a field of the items of {2}; expected {2}='{1}=... ...'",
+                  operation.name, name, argument.name);
+    }
+  }
+}
+
 Target resolve(const Operation &operation, std::string_view name, bool is_file) {
   std::vector<Target> found = targets(operation, name, is_file);
+  if (found.empty()) refuse_field_of_item(operation, name);
   if (found.empty()) {
     wrong_usage("{}: there is no argument '{}'; expected: {}", operation.name, name,
                 input_names(operation));
@@ -85,17 +100,50 @@ Target resolve(const Operation &operation, std::string_view name, bool is_file) 
 
 Target next_in_order(const Operation &operation, const std::vector<Assignment> &taken,
                      const std::string &word) {
-  for (size_t place = 0; place < operation.argument_count; ++place) {
-    bool is_taken = std::any_of(taken.begin(), taken.end(), [place](const Assignment &assignment) {
-      return assignment.place == place;
-    });
-    if (operation.arguments()[place].is_input() && !is_taken) return {place, nullptr};
-  }
+  size_t place = next_place(operation, taken);
+  if (place < operation.argument_count) return {place, nullptr};
   wrong_usage("{}: '{}' is one argument too many; expected: {}", operation.name, printable(word),
               input_names(operation));
 }
 
+bool is_taken(std::span<const Assignment> taken, size_t place) {
+  return std::any_of(taken.begin(), taken.end(),
+                     [place](const Assignment &assignment) { return assignment.place == place; });
+}
+
+/// Whether the argument and the one after it are the two numbers of an interface.
+bool begins_interface(std::span<const Argument> arguments, size_t place) {
+  constexpr std::pair<std::string_view, std::string_view> kNames[] = {{"slot", "port"},
+                                                                      {"iface_a", "iface_b"}};
+  if (place + 1 >= arguments.size()) return false;
+  const Argument &first = arguments[place];
+  const Argument &second = arguments[place + 1];
+  return first.is_word() && second.is_word() &&
+         std::any_of(std::begin(kNames), std::end(kNames), [&](const auto &names) {
+           return first.name == names.first && second.name == names.second;
+         });
+}
+
+/// Where the '/' of N/M is; npos when the word is something else.
+size_t slash_of_interface(std::string_view word) {
+  size_t slash = word.find('/');
+  if (slash == std::string_view::npos || slash == 0 || slash + 1 == word.size()) {
+    return std::string_view::npos;
+  }
+  bool is_interface = std::all_of(word.begin(), word.end(), [&](const char &character) {
+    return std::isdigit(static_cast<unsigned char>(character)) != 0 || &character == &word[slash];
+  });
+  return is_interface ? slash : std::string_view::npos;
+}
+
 }  // namespace
+
+size_t next_place(const Operation &operation, std::span<const Assignment> taken) {
+  for (size_t place = 0; place < operation.argument_count; ++place) {
+    if (operation.arguments()[place].is_input() && !is_taken(taken, place)) return place;
+  }
+  return operation.argument_count;
+}
 
 std::vector<Assignment> assign(const Operation &operation, std::span<const std::string> words) {
   std::vector<Assignment> assignments;
@@ -111,6 +159,13 @@ std::vector<Assignment> assign(const Operation &operation, std::span<const std::
                     target.field != nullptr ? target.field->name
                                             : operation.arguments()[target.place].name);
       }
+    }
+    size_t slash = name.empty() ? slash_of_interface(value) : std::string_view::npos;
+    if (slash != std::string_view::npos && begins_interface(operation.arguments(), target.place) &&
+        !is_taken(assignments, target.place + 1)) {
+      assignments.push_back({target.place, nullptr, i, value.substr(0, slash)});
+      assignments.push_back({target.place + 1, nullptr, i, value.substr(slash + 1)});
+      continue;
     }
     assignments.push_back({target.place, target.field, i, value});
   }

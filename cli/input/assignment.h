@@ -24,10 +24,13 @@ struct Assignment {
 };
 
 /// Assigns words by name (NAME=VALUE, FIELD=VALUE, ARGUMENT.FIELD=VALUE) or, for the others, by
-/// position. A word with an identifier before a '=' is always a named one. Throws Error. The
-/// values point into the words.
+/// position. A word N/M goes to two arguments that name an interface. A word with an identifier
+/// before a '=' is always a named one. Throws Error. The values point into the words.
 std::vector<Assignment> assign(const catalog::Operation &operation,
                                std::span<const std::string> words);
+
+/// The argument that the next word without a name goes to; the number of arguments without any.
+size_t next_place(const catalog::Operation &operation, std::span<const Assignment> taken);
 
 }  // namespace olt::cli
 

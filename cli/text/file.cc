@@ -14,6 +14,7 @@
 
 #include "base/descriptor.h"
 #include "cli/text/error.h"
+#include "cli/text/pager.h"
 
 namespace olt::cli {
 
@@ -93,7 +94,9 @@ std::error_code write_file(const std::string &path, ByteView bytes, mode_t mask)
 }
 
 void print(const std::string &text) {
+  if (show_in_pager(text)) return;
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+    if (errno == EPIPE) throw ReaderGone();
     fail("oltctl: cannot write the output: {}", std::strerror(errno));
   }
 }

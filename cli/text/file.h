@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <system_error>
 
@@ -20,7 +21,12 @@ std::string read_file(const std::string &path, size_t max, std::error_code &erro
 /// permissions, except those that mask lacks. A device or a pipe is written in place.
 std::error_code write_file(const std::string &path, ByteView bytes, mode_t mask = 07777);
 
-/// Writes to standard output. Throws Error when that fails.
+/// Nobody reads the standard output any more.
+struct ReaderGone : std::exception {
+  const char *what() const noexcept override { return "nobody reads the output"; }
+};
+
+/// Writes to standard output. Throws Error when that fails, and ReaderGone.
 void print(const std::string &text);
 
 }  // namespace olt::cli

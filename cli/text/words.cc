@@ -80,6 +80,12 @@ std::vector<std::string> split_words(std::string_view line) {
   return Splitter(line).split();
 }
 
+std::vector<std::string> command_words(std::string_view line) {
+  std::vector<std::string> words = split_words(line);
+  if (words.size() > 1 && words[0] == "oltctl") words.erase(words.begin());
+  return words;
+}
+
 std::string join_words(std::span<const std::string> words) {
   std::string line;
   for (const std::string &word : words) {

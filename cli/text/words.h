@@ -13,6 +13,9 @@ namespace olt::cli {
 /// character; # at the beginning of a word starts a comment. Throws Error for an open quote.
 std::vector<std::string> split_words(std::string_view line);
 
+/// The words of a command as somebody types or pastes it: without the program's name in front.
+std::vector<std::string> command_words(std::string_view line);
+
 /// Joins words to a line that split_words() splits into the same words.
 std::string join_words(std::span<const std::string> words);
 

@@ -54,6 +54,7 @@ Watch::Watch(Access &box, const catalog::Layout &layout, const Detail &detail, F
 
 void Watch::run(const WatchPlan &plan) {
   open(plan);
+  HeldSignals held;
   bool draws = format_ == Format::kText && isatty(STDOUT_FILENO) != 0;
   std::optional<Screen> screen;
   if (draws) screen.emplace();

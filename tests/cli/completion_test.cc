@@ -20,8 +20,14 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-Words candidates(const Words &before, std::string_view prefix) {
-  return olt::cli::candidates(olt::cli::commands(), before, prefix);
+using olt::cli::Completion;
+
+Completion completion(const Words &before, std::string_view word) {
+  return olt::cli::complete_word(olt::cli::commands(), before, word);
+}
+
+Words candidates(const Words &before, std::string_view word) {
+  return completion(before, word).words;
 }
 
 TEST(Completion, OffersOperationsAndCommandsFirst) {
@@ -44,6 +50,7 @@ TEST(Completion, OffersTheArgumentsOfAnOperation) {
             (Words{"iface_a=", "iface_b=", "entries="}));
   EXPECT_EQ(candidates(Words{"read_from_flash"}, ""), (Words{"region=", "buffer=", "length="}));
   EXPECT_EQ(candidates(Words{"get_olt_mac"}, ""), Words{});
+  EXPECT_EQ(candidates(Words{"set_system_loglevel"}, "v"), Words{"value="});
   EXPECT_EQ(candidates(Words{"no_such_operation"}, ""), Words{});
 }
 
@@ -52,17 +59,108 @@ TEST(Completion, OffersTheWordsOfACommand) {
   EXPECT_EQ(candidates(Words{"fault", "add"}, "d"), Words{"delay_ms="});
   EXPECT_EQ(candidates(Words{"fault", "list"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"config"}, ""), (Words{"export", "import", "diff"}));
-  EXPECT_EQ(candidates(Words{"config", "export"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"help"}, "get_olt_m"), Words{"get_olt_mac"});
   EXPECT_EQ(candidates(Words{"walk"}, "process_snmp_v"), Words{"process_snmp_vlan_id"});
   EXPECT_EQ(candidates(Words{"walk"}, "").size(), 44U);
   EXPECT_EQ(candidates(Words{"walk", "process_snmp_vlan_id"}, ""), Words{});
-  EXPECT_EQ(candidates(Words{"completion"}, ""), Words{"bash"});
+  EXPECT_EQ(candidates(Words{"completion"}, ""), (Words{"bash", "zsh", "fish"}));
   EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});
 }
 
-/// An interactive bash in which oltctl is found and its completion is loaded by the command.
-class BashCompletion : public testing::Test {
+TEST(Completion, OffersNamedValues) {
+  EXPECT_EQ(candidates(Words{"set_system_loglevel"}, "value=e"),
+            (Words{"value=emergency", "value=error"}));
+  EXPECT_EQ(candidates(Words{"set_system_loglevel"}, "e"), (Words{"emergency", "error"}));
+  EXPECT_EQ(candidates(Words{"set_system_loglevel", "error"}, "e"), Words{});
+  EXPECT_EQ(candidates(Words{"fault", "add"}, "action="),
+            (Words{"action=status", "action=silence", "action=drop"}));
+  EXPECT_EQ(candidates(Words{"fault", "add"}, "type=get_olt_m"), Words{"type=get_olt_mac"});
+  EXPECT_EQ(candidates(Words{"fault", "add"}, "type=read_olt"), Words{});
+}
+
+void expect_path(const Completion &found, Completion::Kind kind, const std::string &before) {
+  EXPECT_EQ(found.kind, kind);
+  EXPECT_EQ(found.before, before);
+  EXPECT_EQ(found.words, Words{});
+}
+
+TEST(Completion, OffersPaths) {
+  constexpr auto kFiles = Completion::Kind::kFiles;
+  expect_path(completion(Words{"config", "import"}, "si"), kFiles, "");
+  expect_path(completion(Words{"config", "diff", "a"}, ""), kFiles, "");
+  expect_path(completion(Words{"layout", "check"}, ""), kFiles, "");
+  expect_path(completion(Words{"add_authallowed_mac", "1", "1"}, "entries=@si"), kFiles,
+              "entries=@");
+  expect_path(completion(Words{"add_authallowed_mac", "1", "1"}, "@si"), kFiles, "@");
+  expect_path(completion(Words{"config", "import", "a"}, ""), Completion::Kind::kWords, "");
+}
+
+/// The words that completion_answer() offers, without their summaries.
+Words answered(const std::string &line) {
+  Words words;
+  std::istringstream lines(olt::cli::completion_answer(line));
+  std::string word;
+  std::getline(lines, word);
+  EXPECT_EQ(word, "words");
+  while (std::getline(lines, word)) words.push_back(word.substr(0, word.find('\t')));
+  return words;
+}
+
+TEST(Completion, AnswersShells) {
+  using olt::cli::completion_answer;
+  EXPECT_EQ(completion_answer("oltctl --json get_olt_m"),
+            "words\nget_olt_mac\tReads the OLT's MAC address\n");
+  EXPECT_EQ(completion_answer("oltctl --topology "), "files \n");
+  EXPECT_EQ(completion_answer("oltctl --topology=si"), "files --topology=\n");
+  EXPECT_EQ(completion_answer("oltctl --box /tmp"), "directories \n");
+  EXPECT_EQ(completion_answer("oltctl -f a --tr"), "words\n--trace\n");
+  EXPECT_EQ(completion_answer("oltctl --box x add_user_level 'two words' pa"),
+            "words\npassword=\n");
+  EXPECT_EQ(completion_answer("oltctl add_user_level 'open "), "words\n");
+  EXPECT_EQ(completion_answer("/usr/bin/oltbox --run-dir "), "directories \n");
+  EXPECT_EQ(completion_answer("oltbox --fr"), "words\n--fresh\n");
+  EXPECT_EQ(completion_answer("oltbox --fresh get"), "words\n");
+}
+
+/// An option with two names is "--one,--other".
+std::set<std::string> options_in(std::string text) {
+  std::replace(text.begin(), text.end(), ',', ' ');
+  std::set<std::string> options;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    size_t begin = word.find("--");
+    if (begin == 0 && word.size() > 2) options.insert(word);
+  }
+  return options;
+}
+
+TEST(Completion, OffersTheOptionsThatThereAre) {
+  Words offered = answered("oltctl -");
+  EXPECT_EQ(offered.size(), 18U);
+  EXPECT_EQ(std::set<std::string>(offered.begin(), offered.end()),
+            options_in(run({OLTCTL, "--help"}, {}).output));
+  Words of_box = answered("oltbox -");
+  EXPECT_EQ(of_box.size(), 12U);
+  EXPECT_EQ(std::set<std::string>(of_box.begin(), of_box.end()),
+            options_in(run({OLTBOX, "--help"}, {}).output));
+}
+
+/// A shell in which oltctl is found.
+class ShellCompletion : public testing::Test {
+ protected:
+  Words environment() const {
+    Words all = private_environment(folder_);
+    all.insert(all.end(), {std::string("PATH=") + OLTCTL_FOLDER + ":" + OLTBOX_FOLDER +
+                               ":/usr/local/bin:/usr/bin:/bin",
+                           "PS1=ready> ", "HISTFILE=/dev/null", "HOME=" + folder_.path()});
+    return all;
+  }
+
+  Folder folder_;
+};
+
+/// An interactive bash; completion is loaded by the command.
+class BashCompletion : public ShellCompletion {
  protected:
   void load(const std::string &command) {
     ASSERT_TRUE(bash_.shows("ready> "));
@@ -70,24 +168,8 @@ class BashCompletion : public testing::Test {
     ASSERT_TRUE(bash_.shows("ready> "));
   }
 
-  Words environment() const {
-    Words all = private_environment(folder_);
-    all.insert(all.end(), {std::string("PATH=") + OLTCTL_FOLDER + ":/usr/bin:/bin", "PS1=ready> ",
-                           "HISTFILE=/dev/null"});
-    return all;
-  }
-
-  Folder folder_;
   Terminal bash_{{"bash", "--norc", "--noprofile", "-i"}, environment()};
 };
-
-TEST_F(BashCompletion, IsValidBash) {
-  EXPECT_EQ(run({"bash", "-n", "-c",
-                 olt::cli::bash_completion(olt::cli::commands(), olt::cli::option_names())},
-                {})
-                .status,
-            0);
-}
 
 TEST_F(BashCompletion, CompletesOperationsAndArguments) {
   load("eval \"$(oltctl completion bash)\"");
@@ -103,6 +185,8 @@ TEST_F(BashCompletion, CompletesOperationsAndArguments) {
   EXPECT_TRUE(bash_.shows("add "));
   bash_.type("sta\t");
   EXPECT_TRUE(bash_.shows("status="));
+  bash_.type("5 action=si\t");
+  EXPECT_TRUE(bash_.shows("action=silence "));
   bash_.type("\x15oltctl walk process_snmp_v\t");
   EXPECT_TRUE(bash_.shows("process_snmp_vlan_id "));
   bash_.type("\x15oltctl help save_s\t");
@@ -116,34 +200,97 @@ TEST_F(BashCompletion, CompletesFilesAndOptions) {
   EXPECT_TRUE(bash_.shows("--topology "));
   bash_.type("topo\t");
   EXPECT_TRUE(bash_.shows("topology-file.json"));
-}
-
-/// An option with two names is "--one,--other".
-std::set<std::string> options_in(std::string text) {
-  std::replace(text.begin(), text.end(), ',', ' ');
-  std::set<std::string> options;
-  std::istringstream words(text);
-  for (std::string word; words >> word;) {
-    size_t begin = word.find("--");
-    if (begin != std::string::npos) options.insert(word.substr(begin));
-  }
-  return options;
-}
-
-TEST(Completion, OffersTheOptionsThatThereAre) {
-  std::string offered = olt::cli::bash_completion(olt::cli::commands(), olt::cli::option_names());
-  offered.erase(0, offered.find("options='--") + 9);
-  offered.erase(offered.find('\''));
-  std::set<std::string> options = options_in(offered);
-  EXPECT_EQ(options.size(), 17U);
-  EXPECT_EQ(options, options_in(run({OLTCTL, "--help"}, {}).output));
+  bash_.type("\x15oltctl add_authallowed_mac 1 1 entries=@topo\t");
+  EXPECT_TRUE(bash_.shows("entries=@topology-file.json "));
+  bash_.type("\x15oltbox --adopt --topo\t");
+  EXPECT_TRUE(bash_.shows("--topology "));
 }
 
 TEST_F(BashCompletion, IsLoadedByThePackagedFile) {
-  EXPECT_EQ(read_file(PACKAGED_COMPLETION).find("get_"), std::string::npos);
-  load(std::string("source ") + PACKAGED_COMPLETION);
+  load("source " PACKAGED_COMPLETION "/oltctl.bash");
   bash_.type("oltctl get_card\t");
   EXPECT_TRUE(bash_.shows("get_card_updatestatus "));
+}
+
+/// An interactive zsh without start-up files.
+class ZshCompletion : public ShellCompletion {
+ protected:
+  void load(const std::string &command) {
+    ASSERT_TRUE(zsh_.shows("ready> "));
+    zsh_.type("unsetopt prompt_cr prompt_sp; autoload -Uz compinit; " + command +
+              "; PS1='loaded> '\r");
+    ASSERT_TRUE(zsh_.shows("\nloaded> ")) << zsh_.transcript();
+  }
+
+  Terminal zsh_{{"zsh", "-f", "-i"}, environment()};
+};
+
+TEST_F(ZshCompletion, CompletesOperationsArgumentsAndValues) {
+  folder_.write("topology-file.json", "{}");
+  load("compinit -u -D; eval \"$(oltctl completion zsh)\"; cd " + folder_.path());
+  zsh_.type("oltctl --json get_olt_m\t");
+  EXPECT_TRUE(zsh_.shows("get_olt_mac")) << zsh_.transcript();
+  zsh_.type("\x15oltctl add_user_level na\top pass\t");
+  EXPECT_TRUE(zsh_.shows("name=op password=")) << zsh_.transcript();
+  zsh_.type("\x15oltctl fault add action=si\t");
+  EXPECT_TRUE(zsh_.shows("action=silence")) << zsh_.transcript();
+  zsh_.type("\x15oltctl --topo\ttopo\t");
+  EXPECT_TRUE(zsh_.shows("topology-file.json")) << zsh_.transcript();
+  zsh_.type("\x15oltctl add_authallowed_mac 1 1 entries=@topo\t");
+  EXPECT_TRUE(zsh_.shows("entries=@topology-file.json")) << zsh_.transcript();
+  zsh_.type("\x15oltbox --ado\t");
+  EXPECT_TRUE(zsh_.shows("--adopt")) << zsh_.transcript();
+}
+
+TEST_F(ZshCompletion, IsLoadedByThePackagedFile) {
+  load("fpath=(" PACKAGED_COMPLETION " $fpath); compinit -u -D");
+  zsh_.type("oltctl get_card\t");
+  EXPECT_TRUE(zsh_.shows("get_card_updatestatus")) << zsh_.transcript();
+}
+
+class FishCompletion : public ShellCompletion {
+ protected:
+  /// What fish offers at the end of the line, without the summaries.
+  Words offered(const std::string &load, const std::string &line) const {
+    Finished done = run({"fish", "--no-config", "-c",
+                         "cd " + folder_.path() + "; " + load + "; complete -C '" + line + "'"},
+                        environment());
+    EXPECT_EQ(done.errors, "");
+    Words words;
+    std::istringstream lines(done.output);
+    for (std::string word; std::getline(lines, word);) {
+      words.push_back(word.substr(0, word.find('\t')));
+    }
+    return words;
+  }
+
+  const std::string load_ = "oltctl completion fish | source";
+};
+
+TEST_F(FishCompletion, CompletesOperationsArgumentsAndValues) {
+  folder_.write("topology-file.json", "{}");
+  EXPECT_EQ(offered(load_, "oltctl --json get_olt_m"), Words{"get_olt_mac"});
+  EXPECT_EQ(offered(load_, "oltctl add_user_level name=op pass"), Words{"password="});
+  EXPECT_EQ(offered(load_, "oltctl fault add action=si"), Words{"action=silence"});
+  EXPECT_EQ(offered(load_, "oltctl --topology topo"), Words{"topology-file.json"});
+  EXPECT_EQ(offered(load_, "oltctl add_authallowed_mac 1 1 entries=@topo"),
+            Words{"entries=@topology-file.json"});
+  EXPECT_EQ(offered(load_, "oltctl --tra"), Words{"--trace"});
+  EXPECT_EQ(offered(load_, "oltbox --ado"), Words{"--adopt"});
+}
+
+TEST_F(FishCompletion, IsLoadedByThePackagedFile) {
+  EXPECT_EQ(offered("source " PACKAGED_COMPLETION "/oltctl.fish", "oltctl get_card"),
+            Words{"get_card_updatestatus"});
+}
+
+TEST_F(FishCompletion, CompletesAtTheTabKey) {
+  Terminal fish(
+      {"fish", "--no-config", "-i", "-C", load_ + "; function fish_prompt; echo 'ready> '; end"},
+      environment());
+  ASSERT_TRUE(fish.shows("ready> ")) << fish.transcript();
+  fish.type("oltctl get_olt_m\t");
+  EXPECT_TRUE(fish.shows("get_olt_mac")) << fish.transcript();
 }
 
 }  // namespace

@@ -57,6 +57,25 @@ TEST(Manual, ListsByFamilyWhatHasTheWord) {
   EXPECT_THROW(list_text("nothing like it"), olt::cli::Error);
 }
 
+void expect_listed(const char *word, const char *name) {
+  EXPECT_NE(list_text(word).find(std::string("  ") + name + " "), std::string::npos) << word;
+}
+
+TEST(Manual, ListsWhatIsSpeltOtherwise) {
+  expect_listed("statistics", "get_statics_file_by_interface");
+  expect_listed("Upgrade", "do_handle_epon_updatestream");
+  expect_listed("firmware", "get_card_updatestatus");
+  expect_listed("multicast", "get_ont_port_muticastgrounp");
+  expect_listed("transceiver", "getonu_ont_opticalfile");
+}
+
+TEST(Manual, ListsByFamilyAndByArgument) {
+  expect_listed("voice", "banding_ont_voipinterface");
+  expect_listed("flash storage", "read_olt_serial");
+  expect_listed("dynmac_arg", "get_dynmac_file_by_interface");
+  expect_listed("link_security_a", "set_ont_linkSecurityEncryption");
+}
+
 TEST(Manual, SaysWhatAnOperationTakes) {
   EXPECT_EQ(help_text("get_user_level"),
             "get_user_level name password\n"

@@ -283,11 +283,22 @@ TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
       {{"shell", "x"}, "shell: not possible here; expected the command line 'oltctl shell', alone"},
       {{"list", "a", "b"}, "list: 'b' is one argument too many; expected at most one"},
       {{"list", "nonsense"},
-       "list: no operation has 'nonsense' in its name or summary; expected another word, or none "
-       "for all"},
+       "list: no operation is about 'nonsense'; expected another word, or none for all"},
       {{"help", "get_olt_mca"},
        "oltctl: there is no operation 'get_olt_mca'; did you mean get_olt_mac?"},
-      {{"completion"}, "completion: '' given; expected bash"},
+      {{"completion"}, "completion: '' given; expected bash, zsh or fish"},
+      {{"get_mac"},
+       "oltctl: there is no operation 'get_mac'; did you mean get_olt_mac or "
+       "get_onu_basic_mac_byindex or get_dynmac_file_by_interface?"},
+      {{"get_statistics"},
+       "oltctl: there is no operation 'get_statistics'; did you mean "
+       "get_statics_file_by_interface?"},
+      {{"add_authallowed_loid", "1/1", "loid=x password=y"},
+       "add_authallowed_loid: 'loid' is a field of the items of entries; expected "
+       "entries='loid=... ...'"},
+      {{"get_port_link_speed", "1/1", "1"},
+       "get_port_link_speed: '1' is one argument too many; expected: slot, port"},
+      {{"get_port_link_speed", "1/"}, "get_port_link_speed: port is missing; expected a number"},
       {{"fault"}, "fault: '' given; expected add, list or clear"},
       {{"fault", "remove"}, "fault: 'remove' given; expected add, list or clear"},
       {{"fault", "add", "type=get_olt_mca"},
@@ -382,6 +393,41 @@ TEST(OltctlRun, ABadTopologyIsOneLine) {
   EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1);
 }
 
+TEST(OltctlRun, TakesAnInterfaceForTwoArguments) {
+  Oltctl oltctl;
+  Finished traced = oltctl({"--trace", "get_port_link_speed", "1/2"});
+  EXPECT_EQ(traced.status, 0);
+  EXPECT_TRUE(holds(traced.errors, "slot=1 port=2 ")) << traced.errors;
+  EXPECT_EQ(oltctl({"set_port_enable", "1/2", "0"}).status, 0);
+  EXPECT_EQ(oltctl({"get_port_enable", "slot=1", "port=2"}).output,
+            oltctl({"get_port_enable", "1/2"}).output);
+  EXPECT_EQ(oltctl({"set_olt_auth_mode", "1/1", "mac"}).status, 0);
+  EXPECT_EQ(oltctl({"get_olt_auth_mode", "1", "1"}).output, "auth_mode = mac\n");
+}
+
+TEST(OltctlRun, ListsShowNamesInUtf8) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"add_vlan_list", "10"}).status, 0);
+  EXPECT_EQ(oltctl({"add_vlan_descr_list", "vlans=10:Zo\xC3\xAB"}).status, 0);
+  std::string list = oltctl({"get_vlan_all"}).output;
+  EXPECT_TRUE(holds(list, "Zo\xC3\xAB")) << list;
+}
+
+TEST(OltctlRun, EndsQuietlyWhenNobodyReadsAndKeepsWhatWasSet) {
+  Oltctl oltctl;
+  // The first line comes after the reader has ended.
+  std::string script = "add_user_level kept pw 3 4\n";
+  for (int i = 0; i < 3; ++i) script += "get_olt_mac\n";
+  std::string path = oltctl.folder().write("script", script);
+  Finished done =
+      run({"bash", "-c",
+           std::string("exec 3> >(true); wait $!; ") + OLTCTL + " -f " + path + " >&3; echo $?"},
+          private_environment(oltctl.folder()));
+  EXPECT_EQ(done.output, "141\n");
+  EXPECT_EQ(done.errors, "");
+  EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).output, "level_a = 3\nlevel_b = 4\n");
+}
+
 TEST(OltctlRun, OutputThatCannotBeWrittenIsAFailure) {
   Oltctl oltctl;
   for (const char *arguments : {"get_olt_mac", "list", "help", "--help", "--version"}) {
@@ -390,6 +436,9 @@ TEST(OltctlRun, OutputThatCannotBeWrittenIsAFailure) {
     EXPECT_EQ(full.status, 1) << arguments;
     EXPECT_EQ(full.errors, "oltctl: cannot write the output: No space left on device\n");
   }
+  Finished full = run({"sh", "-c", OLTBOX " --help >/dev/full"});
+  EXPECT_EQ(full.status, 1);
+  EXPECT_EQ(full.errors, "oltbox: cannot write the output\n");
 }
 
 }  // namespace

@@ -90,6 +90,62 @@ TEST(Script, ExcludesAnOperation) {
   EXPECT_EQ(wrong.errors, "oltctl: both -f x and an operation are given; expected one of them\n");
 }
 
+TEST(Script, MayHaveAByteOrderMarkAndTheProgramsName) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"-f", "-"},
+                   "\xEF\xBB\xBF"
+                   "get_olt_support_oam\noltctl get_olt_mac\n")
+                .output,
+            "value = 1\nmac = 02:00:00:00:00:01\n");
+  Finished option = oltctl({"-f", "-"}, "oltctl --json get_olt_mac\n");
+  EXPECT_EQ(option.status, 2);
+  EXPECT_EQ(option.errors,
+            "standard input:1: oltctl: --json is an option; expected it where oltctl is started, "
+            "and a command here\n");
+}
+
+TEST(Script, KeepsGoingAndCountsFailures) {
+  Oltctl oltctl;
+  Finished failed = oltctl({"--keep-going", "-f", "-"},
+                           "delete_user_level nobody\n"
+                           "# a comment\n"
+                           "get_olt_support_oam\n"
+                           "set_system_loglevel 'high\n");
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.output, "value = 1\n");
+  EXPECT_EQ(failed.errors,
+            "standard input:1: delete_user_level failed: result 4 (0x00000004): status 4 (oltbox: "
+            "not found)\n"
+            "standard input:4: the line ends too early; expected a closing '\n"
+            "standard input: 2 of 3 commands failed\n");
+  Finished done = oltctl({"--keep-going", "-f", "-"}, "get_olt_support_oam\n");
+  EXPECT_EQ(done.status, 0);
+  EXPECT_EQ(done.errors, "");
+}
+
+TEST(Script, EchoesCommandsWithoutSecrets) {
+  Oltctl oltctl;
+  Finished done = oltctl({"--echo", "-f", "-"},
+                         "add_user_level 'first user' s3cret 1 2  # a comment\n"
+                         "get_olt_support_oam\n"
+                         "add_authallowed_loid 1/1 'entries=loid=a password=s3cret'\n");
+  EXPECT_EQ(done.status, 0) << done.errors;
+  EXPECT_EQ(done.output, "value = 1\n");
+  EXPECT_EQ(done.errors,
+            "+ add_user_level 'first user' - 1 2\n"
+            "+ get_olt_support_oam\n"
+            "+ add_authallowed_loid ...\n");
+}
+
+TEST(Script, AloneTakesItsOptions) {
+  Oltctl oltctl;
+  EXPECT_EQ(oltctl({"--echo", "get_olt_mac"}).errors,
+            "oltctl: --echo is for scripts; expected -f FILE beside it\n");
+  Finished wrong = oltctl({"--keep-going", "get_olt_mac"});
+  EXPECT_EQ(wrong.status, 2);
+  EXPECT_EQ(wrong.errors, "oltctl: --keep-going is for scripts; expected -f FILE beside it\n");
+}
+
 /// Runs a script that sets something and then waits for a line; sends it the signal there.
 Finished signalled(const Oltctl &oltctl, const std::string &signal) {
   std::string command = "mkfifo lines; " OLTCTL

@@ -284,8 +284,9 @@ TEST_F(Layouts, LeaveTheCatalogsFormAsItIs) {
 }
 
 TEST_F(Layouts, GiveCompletionItsFields) {
-  std::string all = oltctl_({"--layout", "acme", "completion", "bash"}).output;
-  EXPECT_TRUE(holds(all, "network= mode= reserved_01= address= ")) << all;
+  std::string line = "oltctl --layout acme set_system_ipaddress ";
+  std::string all = oltctl_({"__complete", line}).output;
+  EXPECT_TRUE(holds(all, "words\nnetwork=\nmode=\nreserved_01=\naddress=\n")) << all;
 }
 
 TEST_F(Layouts, HoldForTheEmbeddedBox) {

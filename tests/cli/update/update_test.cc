@@ -273,12 +273,12 @@ TEST_F(UpdateOfTheBox, InTheShellCtrlCEndsTheUpdateAlone) {
   ASSERT_EQ(oltctl_({"fault", "add", "type=11", "delay_ms=200"}).status, 0);
   std::string file = image(655360);
   Terminal shell = at_terminal({"shell"});
-  ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
+  ASSERT_TRUE(shell.shows("oltctl embedded> ")) << shell.transcript();
   shell.type("update olt " + file + "\r");
   ASSERT_TRUE(shell.shows("Go on? [y/N] ")) << shell.transcript();
   shell.type("y\r");
   interrupt(shell);
-  ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
+  ASSERT_TRUE(shell.shows("oltctl embedded> ")) << shell.transcript();
   shell.type("exit\r");
   EXPECT_EQ(shell.end(), 0);
 }

@@ -196,14 +196,14 @@ TEST(Watch, CtrlCEndsItAndKeepsTheState) {
 TEST(Watch, InTheShellCtrlCEndsTheWatchAlone) {
   Oltctl oltctl;
   Terminal shell({OLTCTL, "shell"}, private_environment(oltctl.folder()));
-  ASSERT_TRUE(shell.shows("oltctl> "));
+  ASSERT_TRUE(shell.shows("oltctl embedded> "));
   shell.type("watch get_port_enable 1 2 --every 60\r");
   EXPECT_TRUE(shell.shows("  port_enable = on\r\n"));
   shell.type("\x03");
-  ASSERT_TRUE(shell.shows("oltctl> "));
+  ASSERT_TRUE(shell.shows("oltctl embedded> "));
   shell.type("get_olt_mac\r");
   EXPECT_TRUE(shell.shows("mac = 02:00:00:00:00:01\r\n"));
-  ASSERT_TRUE(shell.shows("oltctl> "));
+  ASSERT_TRUE(shell.shows("oltctl embedded> "));
   shell.type("exit\r");
   EXPECT_EQ(shell.end(), 0);
 }
