@@ -45,10 +45,6 @@ void append_line(std::string &dump, ByteView bytes, size_t begin, std::span<cons
   dump += '\n';
 }
 
-bool continues_character(char byte) {
-  return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
-}
-
 struct CodePoint {
   size_t length = 0;  ///< in bytes; 0 when there is none
   uint32_t code = 0;
@@ -91,6 +87,10 @@ bool commands_terminal(uint32_t code) {
 }
 
 }  // namespace
+
+bool continues_character(char byte) {
+  return (static_cast<uint8_t>(byte) & 0xC0) == 0x80;
+}
 
 std::string to_hex(ByteView bytes) {
   std::string text;

@@ -57,6 +57,9 @@ std::string bytes_to_utf8(std::string_view bytes);
 /// The reverse; nothing when a character stands for no byte.
 std::optional<std::string> utf8_to_bytes(std::string_view text);
 
+/// Whether the byte is one of a UTF-8 character, but not its first.
+bool continues_character(char byte);
+
 /// "1 VLAN", "2 VLANs", "2 addresses".
 std::string counted(size_t count, std::string_view noun);
 

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cwchar>
 
+#include "base/text.h"
+
 namespace olt {
 
 namespace {
@@ -22,10 +24,6 @@ class LocaleInUse {
 
 bool is_ascii(char character) {
   return static_cast<uint8_t>(character) < 0x80;
-}
-
-bool continues_character(char character) {
-  return (static_cast<uint8_t>(character) & 0xC0) == 0x80;
 }
 
 }  // namespace

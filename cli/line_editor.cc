@@ -18,7 +18,7 @@
 #include "cli/completion.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
-#include "cli/text/pager.h"
+#include "cli/text/terminal_size.h"
 
 namespace olt::cli {
 
@@ -147,7 +147,7 @@ unsigned char complete_at_cursor(EditLine *editor, int /*key*/) {
   bool is_open = found.front().ends_with('=') || found.front().ends_with('/');
   if (found.size() == 1 && !is_open) rest += ' ';
   if (!rest.empty()) return el_insertstr(editor, rest.c_str()) == 0 ? CC_REFRESH : CC_REFRESH_BEEP;
-  print("\n" + in_columns(found, screen_size().columns));
+  print("\n" + in_columns(found, terminal_size().value_or(kUsualTerminal).columns));
   return CC_REDISPLAY;
 }
 

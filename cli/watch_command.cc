@@ -74,6 +74,9 @@ void add_item(WatchPlan &plan, Session &session, const std::vector<std::string> 
                    [](const catalog::Argument &argument) { return argument.is_output(); })) {
     wrong_usage("watch: {} has no result; expected an operation that reads", operation.name);
   }
+  if (operation.sets_present() || operation.takes_all || operation.destructive) {
+    wrong_usage("watch: {} changes the box; expected an operation that reads", operation.name);
+  }
   auto call = std::make_unique<Call>(operation);
   read_arguments(*call, std::span(words).subspan(1));
   std::optional<std::string> title = history_line(words, session.layout());

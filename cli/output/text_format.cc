@@ -6,7 +6,7 @@
 
 #include "base/table.h"
 #include "cli/output/format.h"
-#include "cli/output/terminal_size.h"
+#include "cli/text/terminal_size.h"
 
 namespace olt::cli {
 

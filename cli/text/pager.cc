@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include <string_view>
 
 #include "base/descriptor.h"
+#include "cli/text/terminal_size.h"
 
 namespace olt::cli {
 
@@ -70,12 +70,6 @@ void write_all(int output, std::string_view text) {
 
 }  // namespace
 
-ScreenSize screen_size() {
-  winsize size{};
-  ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);
-  return {size.ws_row > 0 ? size.ws_row : size_t{24}, size.ws_col > 0 ? size.ws_col : size_t{80}};
-}
-
 void use_pager() {
   pages = true;
 }
@@ -85,7 +79,8 @@ bool show_in_pager(const std::string &text) {
   auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
   std::string command = pager();
   int ends[2];
-  if (lines < screen_size().rows || command.empty() || pipe2(ends, O_CLOEXEC) != 0) return false;
+  size_t room = terminal_size().value_or(kUsualTerminal).lines;
+  if (lines < room || command.empty() || pipe2(ends, O_CLOEXEC) != 0) return false;
   Descriptor input(ends[0]);
   Descriptor output(ends[1]);
   pid_t child = start(command, input.get());

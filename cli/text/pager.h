@@ -2,18 +2,9 @@
 #ifndef OLT_CLI_TEXT_PAGER_H
 #define OLT_CLI_TEXT_PAGER_H
 
-#include <cstddef>
 #include <string>
 
 namespace olt::cli {
-
-struct ScreenSize {
-  size_t rows;
-  size_t columns;
-};
-
-/// Of the terminal on standard output; 24 lines of 80 columns when it does not say.
-ScreenSize screen_size();
 
 /// From now on print() shows what is longer than the screen in a pager: $PAGER, else less where it
 /// is installed and the terminal can do more than print lines.

@@ -1,7 +1,6 @@
 #include "cli/text/progress.h"
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include <utility>
 
 #include "cli/text/field_forms.h"
+#include "cli/text/terminal_size.h"
 
 namespace olt::cli {
 
@@ -23,10 +23,7 @@ constexpr milliseconds kRedraw(100);
 
 /// Columns that a line may have without wrapping.
 size_t room() {
-  constexpr size_t kUsualColumns = 80;
-  winsize size{};
-  bool is_known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
-  return (is_known ? size.ws_col : kUsualColumns) - 1;
+  return terminal_size(STDERR_FILENO).value_or(kUsualTerminal).columns - 1;
 }
 
 }  // namespace

@@ -10,9 +10,9 @@
 
 #include "base/text.h"
 #include "base/width.h"
-#include "cli/output/terminal_size.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
+#include "cli/text/terminal_size.h"
 
 namespace olt::cli {
 

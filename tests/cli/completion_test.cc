@@ -136,7 +136,7 @@ std::set<std::string> options_in(std::string text) {
 
 TEST(Completion, OffersTheOptionsThatThereAre) {
   Words offered = answered("oltctl -");
-  EXPECT_EQ(offered.size(), 18U);
+  EXPECT_EQ(offered.size(), 19U);
   EXPECT_EQ(std::set<std::string>(offered.begin(), offered.end()),
             options_in(run({OLTCTL, "--help"}, {}).output));
   Words of_box = answered("oltbox -");

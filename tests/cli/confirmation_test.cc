@@ -135,15 +135,15 @@ TEST_F(Confirmation, ScriptsAreNotAsked) {
 
 TEST_F(Confirmation, TheShellAsksAndGoesOn) {
   Terminal shell = start({"shell"});
-  ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
+  ASSERT_TRUE(shell.shows("oltctl embedded> ")) << shell.transcript();
   shell.type("set_rstp_config priority=4096\r");
   ASSERT_TRUE(shell.shows("Send it? [y/N] ")) << shell.transcript();
   shell.type("n\r");
   ASSERT_TRUE(shell.shows("not confirmed")) << shell.transcript();
-  ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
+  ASSERT_TRUE(shell.shows("oltctl embedded> ")) << shell.transcript();
   shell.type("set_rstp_config --yes priority=8192\r");
   ASSERT_TRUE(shell.shows("  priority  32768 → 8192\r\n")) << shell.transcript();
-  ASSERT_TRUE(shell.shows("oltctl> ")) << shell.transcript();
+  ASSERT_TRUE(shell.shows("oltctl embedded> ")) << shell.transcript();
   shell.type("exit\r");
   EXPECT_EQ(shell.end(), 0);
   EXPECT_EQ(priority(), "8192");

@@ -113,6 +113,11 @@ TEST(Watch, WrongUsageIsOneLine) {
   EXPECT_EQ(error({"watch", "counters"}), "watch: counters is a command; expected an operation\n");
   EXPECT_EQ(error({"watch", "add_vlan_list", "1"}),
             "watch: add_vlan_list has no result; expected an operation that reads\n");
+  EXPECT_EQ(error({"watch", "set_ont_linkdba", "1/2/3"}),
+            "watch: set_ont_linkdba changes the box; expected an operation that reads\n");
+  EXPECT_EQ(
+      error({"watch", "do_handle_epon_updatestream", "00"}),
+      "watch: do_handle_epon_updatestream changes the box; expected an operation that reads\n");
   for (const char *bad : {"", "-1", "1e3", "1.", ".5", "0.0001", "86400.1", "nan"}) {
     EXPECT_EQ(error({"watch", "get_olt_mac", std::string("--every=") + bad}),
               std::string("watch: --every: '") + bad +
