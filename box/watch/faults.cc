@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <set>
 #include <sstream>
 
 #include "base/bad_input.h"
 #include "base/text.h"
+#include "box/watch/message_types.h"
 
 namespace olt::box {
 
@@ -58,9 +60,13 @@ std::string fault_from_words(std::string_view text) {
     if (auto number = number_in(value)) {
       fault.number(*number);
     } else if (key == "type") {
-      throw BadInput(fmt::format(
-          R"(type: is "{}"; expected a message type; 'oltctl help OPERATION' shows an operation's)",
-          printable_ascii(value)));
+      std::optional<uint32_t> type = message_type_of(value);
+      if (!type) {
+        throw BadInput(
+            fmt::format(R"(type: is "{}"; expected a message type or an operation that sends)",
+                        printable_ascii(value)));
+      }
+      fault.number(*type);
     } else {
       fault.text(printable_ascii(value));
     }

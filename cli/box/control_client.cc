@@ -26,24 +26,6 @@ constexpr uint32_t kTransferTimeout = 120;
 /// Fits into a request even if each of its bytes takes two in JSON.
 constexpr size_t kPieceSize = 32'000;
 
-/// The word as the box takes it: "type=" with an operation's name gets its message type.
-std::string without_operation(const std::string &word) {
-  constexpr std::string_view kType = "type=";
-  if (!word.starts_with(kType)) return word;
-  std::string value = word.substr(kType.size());
-  if (const catalog::Operation *operation = catalog::find(value)) {
-    if (!operation->address.sends()) {
-      wrong_usage("fault add: type: {} sends nothing; expected an operation that does", value);
-    }
-    return fmt::format("{}{}", kType, operation->address.message_type);
-  }
-  if (value.empty() || value[0] < '0' || value[0] > '9') {
-    wrong_usage("fault add: type: '{}' given; expected a message type or an operation's name",
-                printable(value));
-  }
-  return word;
-}
-
 [[noreturn]] void fail_not_understood(const std::string &command) {
   fail("{} failed: the box's answer is not understood; expected a box of the same version",
        command);
@@ -89,10 +71,8 @@ void name_operations(ordered_json &fault) {
 }  // namespace
 
 ControlRequest fault_add_request(std::span<const std::string> words) {
-  std::vector<std::string> fault;
-  for (const std::string &word : words) fault.push_back(without_operation(word));
   try {
-    return ordered_json::parse(box::fault_add_command(fmt::format("{}", fmt::join(fault, " "))));
+    return ordered_json::parse(box::fault_add_command(fmt::format("{}", fmt::join(words, " "))));
   } catch (const BadInput &error) {
     wrong_usage("fault add: {}", error.what());
   }

@@ -202,7 +202,9 @@ TEST(Flash, WrongUsageIsOneLineAndStatusTwo) {
   Finished fault = oltctl({"fault", "add", "type=read_oam_type"});
   EXPECT_EQ(fault.status, 2);
   EXPECT_EQ(fault.errors,
-            "fault add: type: read_oam_type sends nothing; expected an operation that does\n");
+            "fault add: fault \"type=read_oam_type\": type: is \"read_oam_type\"; expected a "
+            "message type "
+            "or an operation that sends\n");
   EXPECT_FALSE(std::filesystem::exists(image_of(oltctl)));
 }
 

@@ -302,7 +302,9 @@ TEST(OltctlRun, WrongUsageIsOneLineAndStatusTwo) {
       {{"fault"}, "fault: '' given; expected add, list or clear"},
       {{"fault", "remove"}, "fault: 'remove' given; expected add, list or clear"},
       {{"fault", "add", "type=get_olt_mca"},
-       "fault add: type: 'get_olt_mca' given; expected a message type or an operation's name"},
+       "fault add: fault \"type=get_olt_mca\": type: is \"get_olt_mca\"; expected a message type "
+       "or "
+       "an operation that sends"},
       {{"fault", "clear", "x"}, "fault clear: 'x' given; expected a number from 0 to 4294967295"},
       {{"fault", "list", "x"}, "fault list: 'x' is one argument too many; expected none"},
       {{"counters", "x"}, "counters: 'x' is one argument too many; expected none"},

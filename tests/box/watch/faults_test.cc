@@ -170,7 +170,7 @@ TEST(Faults, ThatAreUsedUpMakeRoom) {
 
 TEST(Faults, CanBeArmedByText) {
   TestBox box;
-  box.options.faults = {"type=12 status=5 from=2 count=1", "type=0x21 silence module=2",
+  box.options.faults = {"type=get_olt_mac status=5 from=2 count=1", "type=0x21 silence module=2",
                         "type=53 action=drop delay_ms=7 module=any"};
   EXPECT_EQ(box.status(kGetOltMac), kOk);
   EXPECT_EQ(box.status(kGetOltMac), 5U);
@@ -185,8 +185,9 @@ TEST(Faults, MistakesInTextsGetOneLine) {
       {"", "fault \"\": type: is missing"},
       {"status=5", "fault \"status=5\": type: is missing"},
       {"type=twelve status=5",
-       "fault \"type=twelve status=5\": type: is \"twelve\"; expected a message type; 'oltctl help "
-       "OPERATION' shows an operation's"},
+       "fault \"type=twelve status=5\": type: is \"twelve\"; expected a message type or an "
+       "operation "
+       "that sends"},
       {"type=12",
        "fault \"type=12\": the fault has no effect; expected a status, a delay_ms, or the "
        "action silence or drop"},

@@ -235,9 +235,8 @@ TEST_F(UpdateOfTheBox, RedrawsOneLineOfATerminal) {
 }
 
 TEST_F(UpdateOfTheBox, CutsTheLineOfANarrowTerminal) {
-  Terminal terminal(
-      {"/bin/sh", "-c", "stty cols 20; exec \"$0\" --yes update onu \"$1\"", OLTCTL, image(262144)},
-      private_environment(oltctl_.folder()));
+  Terminal terminal({OLTCTL, "--yes", "update", "onu", image(262144)},
+                    private_environment(oltctl_.folder()), {24, 20, 0, 0});
   EXPECT_TRUE(terminal.shows("\rupdate onu: 100 %, \r\nupdate onu: complete, 262144 bytes in "))
       << terminal.transcript();
   EXPECT_EQ(terminal.end(), 0);
