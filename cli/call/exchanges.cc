@@ -10,12 +10,13 @@ namespace olt::cli {
 
 namespace {
 
-thread_local std::optional<ExchangeEnd> last;
+thread_local std::optional<ExchangeEnd> last_end;
 thread_local const catalog::Operation *current = nullptr;
 
 void remember(void * /*context*/, const olt_exchange *exchange) {
   bool is_answered = exchange->result == OLT_TRANSPORT_OK;
-  last = {exchange->result, is_answered ? exchange->status : uint16_t{0}, exchange->reply_length};
+  last_end = {exchange->result, is_answered ? exchange->status : uint16_t{0},
+              exchange->reply_length};
 }
 
 void remember_and_show(void *context, const olt_exchange *exchange) {
@@ -35,7 +36,7 @@ void watch_exchanges(bool trace, std::vector<catalog::WireSecret> secrets) {
 
 ExchangesOf::ExchangesOf(const catalog::Operation &operation) {
   current = &operation;
-  last.reset();
+  last_end.reset();
 }
 
 ExchangesOf::~ExchangesOf() {
@@ -43,7 +44,7 @@ ExchangesOf::~ExchangesOf() {
 }
 
 std::optional<ExchangeEnd> last_exchange() {
-  return last;
+  return last_end;
 }
 
 }  // namespace olt::cli
