@@ -22,7 +22,8 @@
 
 #include <stdint.h>
 
-/// The version of this header, as text and as a number: two hex digits each for major, minor, patch.
+/// The version of this header, as text and as a number: two hex digits each for major, minor,
+/// patch.
 #define OLTMGMT_VERSION "0.1.0"
 #define OLTMGMT_VERSION_NUMBER 0x000100
 
