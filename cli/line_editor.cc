@@ -72,7 +72,8 @@ Words paths(std::string_view word, const Completion &completion) {
     bool is_folder = at->is_directory(error);
     bool is_wanted = is_folder || completion.kind == Completion::Kind::kFiles;
     if (!is_wanted || !entry.starts_with(name) || (name.empty() && entry[0] == '.')) continue;
-    found.push_back(completion.before + folder + entry + (is_folder ? "/" : ""));
+    found.push_back(
+        fmt::format("{}{}{}{}", completion.before, folder, entry, is_folder ? "/" : ""));
   }
   std::sort(found.begin(), found.end());
   return found;
@@ -147,7 +148,8 @@ unsigned char complete_at_cursor(EditLine *editor, int /*key*/) {
   bool is_open = found.front().ends_with('=') || found.front().ends_with('/');
   if (found.size() == 1 && !is_open) rest += ' ';
   if (!rest.empty()) return el_insertstr(editor, rest.c_str()) == 0 ? CC_REFRESH : CC_REFRESH_BEEP;
-  print("\n" + in_columns(found, terminal_size().value_or(kUsualTerminal).columns));
+  size_t columns = terminal_size().value_or(kUsualTerminal).columns;
+  print(fmt::format("\n{}", in_columns(found, columns)));
   return CC_REDISPLAY;
 }
 
@@ -209,9 +211,9 @@ LineEditor::~LineEditor() {
 }
 
 std::optional<std::string> LineEditor::line() {
-  while (!context_.signals.told_to_end()) {
+  while (!ShellSignals::told_to_end()) {
     int count = 0;
-    context_.signals.clear();
+    ShellSignals::clear();
     // Else the terminal would still process keys typed right after the prompt.
     el_set(editor_, EL_PREP_TERM, 1);
     const char *text = el_gets(editor_, &count);
@@ -220,7 +222,7 @@ std::optional<std::string> LineEditor::line() {
       if (line.ends_with('\n')) line.pop_back();
       return line;
     }
-    if (!context_.signals.interrupted()) break;
+    if (!ShellSignals::interrupted()) break;
     el_reset(editor_);
     fmt::print("\n");
   }

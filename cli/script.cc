@@ -32,7 +32,7 @@ class Script {
         run_words(line);
       } catch (const Error &error) {
         Error placed(error.status(), fmt::format("{}:{}: {}", name_, number, error.what()));
-        if (!keeps_going_) throw placed;
+        if (!keeps_going_) throw Error(placed);
         ++failed_;
         fmt::print(stderr, "{}\n", placed.what());
       }

@@ -123,6 +123,7 @@ std::vector<std::string> nearest(std::vector<Suggestion> suggestions) {
   std::sort(suggestions.begin(), suggestions.end());
   suggestions.resize(std::min(suggestions.size(), kMaxSuggestions));
   std::vector<std::string> names;
+  names.reserve(suggestions.size());
   for (auto &[distance, name] : suggestions) names.push_back(std::move(name));
   return names;
 }

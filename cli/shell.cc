@@ -77,13 +77,13 @@ bool take_line(Session &session, LineHistory &lines, const ShellSignals &signals
     run_words(session, words);
   } catch (const Error &error) {
     if (words.empty()) lines.add(line, std::nullopt);
-    if (signals.interrupted()) {
+    if (ShellSignals::interrupted()) {
       fmt::print(stderr, "{}: interrupted\n", words[0]);
     } else {
       report(error);
     }
   }
-  return !signals.told_to_end();
+  return !ShellSignals::told_to_end();
 }
 
 }  // namespace

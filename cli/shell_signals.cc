@@ -38,16 +38,16 @@ bool ShellSignals::wait_for_key() const {
   return !told_to_end() && ppoll(&keys, 1, nullptr, &open_) > 0;
 }
 
-void ShellSignals::clear() const {
+void ShellSignals::clear() {
   got_interrupt = 0;
   resume_exchanges();
 }
 
-bool ShellSignals::interrupted() const {
+bool ShellSignals::interrupted() {
   return got_interrupt != 0;
 }
 
-bool ShellSignals::told_to_end() const {
+bool ShellSignals::told_to_end() {
   return got_end != 0;
 }
 

@@ -19,10 +19,10 @@ class ShellSignals {
   bool wait_for_key() const;
 
   /// Forgets an earlier SIGINT.
-  void clear() const;
+  static void clear();
   /// Whether SIGINT came since then.
-  bool interrupted() const;
-  bool told_to_end() const;
+  static bool interrupted();
+  static bool told_to_end();
 
   /// While it exists, signals end the exchanges with the box.
   class DuringCommand {

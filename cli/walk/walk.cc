@@ -17,7 +17,6 @@ using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
 using catalog::Layout;
-using catalog::Operation;
 using catalog::Role;
 
 namespace {

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <variant>
@@ -29,10 +31,8 @@ bool is_counter(const NamedValue &value) {
   if (value.is_masked || value.field.kind != FieldKind::kNumber || value.field.unit == nullptr) {
     return false;
   }
-  for (std::string_view unit : kCounterUnits) {
-    if (unit == value.field.unit) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kCounterUnits), std::end(kCounterUnits),
+                     [&value](std::string_view unit) { return unit == value.field.unit; });
 }
 
 void add(std::vector<Counter> &counters, const NamedValue &value) {

@@ -118,7 +118,7 @@ Watch::Seen Watch::call(const Call &prepared, History &history) {
 }
 
 void Watch::add_lines(std::vector<FrameLine> &frame, const std::string &title, const Seen &seen,
-                      History &history) const {
+                      History &history) {
   frame.push_back(plain_line(""));
   frame.push_back(plain_line(title));
   std::string text = seen.content;
@@ -137,7 +137,7 @@ void Watch::add_lines(std::vector<FrameLine> &frame, const std::string &title, c
   }
 }
 
-std::string Watch::json_of(const Seen &seen, uint64_t round, History &history) const {
+std::string Watch::json_of(const Seen &seen, uint64_t round, History &history) {
   ordered_json object = result_json(seen.result);
   object["error"] = seen.error.empty() ? ordered_json() : ordered_json(seen.error);
   object["round"] = round;

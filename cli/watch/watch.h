@@ -52,9 +52,9 @@ class Watch {
 
   void open(const WatchPlan &plan);
   Seen call(const Call &prepared, History &history);
-  void add_lines(std::vector<FrameLine> &frame, const std::string &title, const Seen &seen,
-                 History &history) const;
-  std::string json_of(const Seen &seen, uint64_t round, History &history) const;
+  static void add_lines(std::vector<FrameLine> &frame, const std::string &title, const Seen &seen,
+                        History &history);
+  static std::string json_of(const Seen &seen, uint64_t round, History &history);
 
   Access &box_;
   const catalog::Layout &layout_;
