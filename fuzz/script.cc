@@ -73,7 +73,9 @@ void carry_out(const Words &words) {
 void complete(Words words) {
   std::string prefix = words.back();
   words.pop_back();
-  for (const std::string &word : olt::cli::candidates(olt::cli::commands(), words, prefix)) {
+  olt::cli::Completion completion = olt::cli::complete_word(olt::cli::commands(), words, prefix);
+  require(prefix.starts_with(completion.before), "a path completes what is there", prefix);
+  for (const std::string &word : completion.words) {
     require(word.starts_with(prefix), "a completion begins with what is there", word);
   }
 }

@@ -127,7 +127,7 @@ void Screen::show(const std::vector<FrameLine> &lines) {
   size_t shown = is_cut ? room - std::min<size_t>(room, 1) : lines.size();
   std::string text;
   if (!is_dumb_) text = fmt::format("{}{}", is_first_ ? kClear : "", kHome);
-  if (is_dumb_ && !is_first_) text = "\n";
+  if (is_dumb_ && !is_first_) text += '\n';
   std::string line_end = is_dumb_ ? "\n" : fmt::format("{}\n", kClearLine);
   for (size_t i = 0; i < shown; ++i) text += text_of(lines[i], columns) + line_end;
   if (is_cut) {
