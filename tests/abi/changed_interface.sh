@@ -11,7 +11,7 @@ source=$1
 work=$2
 rm -rf "$work"
 mkdir -p "$work"
-cp -r "$source"/{CMakeLists.txt,abi,cmake,flash,include,ont,pon,scripts,snmp,switch,system,transport} "$work"
+cp -r "$source"/{CMakeLists.txt,abi,capture,cmake,flash,include,ont,pon,scripts,snmp,switch,system,transport} "$work"
 find "$work" \( -name '*.h' -o -name '*.cc' \) -exec sed -i -e "$3" {} +
 ! diff -r "$source/include" "$work/include" >/dev/null || {
   echo "the change '$3' changes nothing" >&2
