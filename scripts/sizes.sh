@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Bytes on the target, per section and per exported function, and of the recorder: the changes from abi/sizes.csv, and
-# whether the goals in abi/size_goals.csv are reached.
+# Bytes on the target, per section and exported function of the library, and of the recorder: the
+# changes from abi/sizes.csv, and whether the goals in abi/size_goals.csv are reached.
 # usage: scripts/sizes.sh BUILD_FOLDER [--check | --update] [RECORDED GOALS]
 # --check shows only changes; it fails on any change and on an enforced goal that is not reached.
 # --update records the current sizes.
