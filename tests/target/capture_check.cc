@@ -31,19 +31,18 @@ constexpr uint32_t kPaddingBlock = 0x804F4C54;
 constexpr uint32_t kHeaderAt = 40;
 constexpr uint32_t kRecordAt = 104;
 constexpr uint32_t kRequest = 1;
-constexpr uint32_t kAnswer = 2;
 
 constexpr int kSkipped = 77;
 constexpr uint32_t kMaxExchanges = 20'000;
 
 char folder[256];
 
-uint32_t word_at(const uint8_t *bytes) {
-  return bytes[0] | bytes[1] << 8U | bytes[2] << 16U | static_cast<uint32_t>(bytes[3]) << 24U;
-}
-
 uint32_t half_at(const uint8_t *bytes) {
   return bytes[0] | static_cast<uint32_t>(bytes[1]) << 8U;
+}
+
+uint32_t word_at(const uint8_t *bytes) {
+  return half_at(bytes) | half_at(bytes + 2) << 16U;
 }
 
 /// What a walk through a capture finds.
