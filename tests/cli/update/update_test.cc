@@ -30,9 +30,7 @@ namespace {
 using nlohmann::json;
 using std::chrono::milliseconds;
 
-constexpr uint32_t kSendOltPiece = 11;
 constexpr uint32_t kReadProgress = 61;
-constexpr uint32_t kSendOnuPiece = 64;
 constexpr uint32_t kComplete = 100;
 constexpr uint32_t kFailed = 0x80000001;
 
