@@ -63,8 +63,10 @@ IdSet ids_in(const std::vector<IdRange> &ranges) {
 
 std::vector<IdRange> ranges_of(const IdSet &ids) {
   std::vector<IdRange> ranges;
-  for (uint16_t id = 1; id <= kLastVlan; ++id) {
+  size_t left = ids.count();
+  for (uint16_t id = 1; id <= kLastVlan && left > 0; ++id) {
     if (!ids[id]) continue;
+    --left;
     if (ids[id - 1U]) {
       ranges.back().last = id;
     } else {
