@@ -14,6 +14,10 @@ namespace olt::test {
 /// OLT_LAYOUT are removed.
 std::vector<std::string> private_environment(const Folder &folder);
 
+/// Runs a command that must succeed, without its output. @return the most kilobytes it had in
+/// memory
+long peak_memory(const std::vector<std::string> &command, std::vector<std::string> environment);
+
 /// A state folder, and oltctl runs that share it.
 class Oltctl {
  public:

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <chrono>
 #include <csignal>
@@ -133,21 +131,9 @@ TEST(Watch, WrongUsageIsOneLine) {
 
 /// Kilobytes that a watch of so many rounds needed.
 long memory_of(const Oltctl &oltctl, const std::string &rounds) {
-  std::vector<std::string> command = {OLTCTL,    "watch", "get_port_enable", "1",   "1",
-                                      "--every", "0",     "--count",         rounds};
-  pid_t child = fork();
-  if (child == 0) {
-    EXPECT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
-    std::vector<std::string> environment = private_environment(oltctl.folder());
-    // A sanitizer would keep what is released.
-    environment.emplace_back("ASAN_OPTIONS=quarantine_size_mb=0:thread_local_quarantine_size_kb=0");
-    execute(command, environment);
-  }
-  int status = 0;
-  rusage usage{};
-  EXPECT_EQ(wait4(child, &status, 0, &usage), child);
-  EXPECT_EQ(status, 0);
-  return usage.ru_maxrss;
+  return peak_memory(
+      {OLTCTL, "watch", "get_port_enable", "1", "1", "--every", "0", "--count", rounds},
+      private_environment(oltctl.folder()));
 }
 
 /// get_port_enable never releases its reply, and the platform keeps at least 256 bytes of each.
