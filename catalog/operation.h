@@ -199,7 +199,6 @@ struct Operation {
   static constexpr size_t kMaxArguments = 6;
 
   const char *name;
-  Address address;
   const char *summary;
   /// Calls the function. A slot per parameter: the address of a value, else the pointer itself.
   int32_t (*call)(void *const *slots);
@@ -212,7 +211,8 @@ struct Operation {
   Message reply{};
   const char *example = nullptr;        ///< its arguments; null: one of each argument's own
   const char *example_after = nullptr;  ///< commands that the example needs, a line each
-  bool takes_all = false;               ///< all fields of its records must be given
+  Address address;
+  bool takes_all = false;    ///< all fields of its records must be given
   bool destructive = false;  ///< ends or removes what cannot be brought back by another operation
 
   constexpr std::span<const Argument> arguments() const {

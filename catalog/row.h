@@ -241,7 +241,7 @@ struct Binding<Function> {
   static constexpr Operation row(const char *name, Address address, const char *summary,
                                  std::initializer_list<Mark> marks = {},
                                  const Composition &request = {}, const Composition &reply = {}) {
-    Operation operation{.name = name, .address = address, .summary = summary, .call = call};
+    Operation operation{.name = name, .summary = summary, .call = call, .address = address};
     const std::array<Parameter, kCount> parameters{ParameterOf<Parameters>::kValue...};
     const Mark *mark = marks.begin();
     for (size_t i = 0; i < kCount; ++i) {
