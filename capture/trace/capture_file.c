@@ -10,10 +10,12 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
+
+#include "capture/trace/files.h"
+#include "capture/trace/packets.h"
 
 enum {
   kPath = 400,
@@ -41,7 +43,7 @@ static struct {
   ino_t inode;
   uint64_t end;  // of the last window
   char path[kPath];
-} file = {.descriptor = -1};
+} file;
 
 static struct {
   uint8_t *mapped, *at, *end;  // null: there is no window
@@ -49,8 +51,7 @@ static struct {
 
 static uint32_t run, process, exchanges, lost;
 
-/// Prints one line to standard error, unless it could block or raise a signal.
-static void complain(const char *place, const char *reason) {
+void complain(const char *place, const char *reason) {
   char line[kPath + 200];
   struct pollfd errors = {.fd = STDERR_FILENO, .events = POLLOUT};
   int length = snprintf(line, sizeof line, "libolttrace: %s: %s\n", place, reason);
@@ -109,6 +110,7 @@ static void set_program(void) {
 bool set_up_capture(void) {
   const char *path = getenv("OLT_CAPTURE");
   const char *bytes = getenv("OLT_CAPTURE_LIMIT");
+  file.descriptor = -1;
   if (path == NULL || path[0] == 0) return false;
   set_program();
   return set_path(path) && (bytes == NULL || bytes[0] == 0 || set_limit(bytes));
@@ -132,52 +134,9 @@ static void name_old(char *name) {
   snprintf(name, kPath + 8, "%s.old", file.path);
 }
 
-static uint8_t *put_words(uint8_t *at, const uint32_t *words, size_t count) {
-  memcpy(at, words, count * 4);
-  return at + count * 4;
-}
-
-static uint8_t *put_option(uint8_t *at, uint16_t code, const void *value, size_t length) {
-  uint16_t head[2] = {code, (uint16_t)length};
-  size_t room = (length + 3) & ~(size_t)3;
-  memcpy(at, head, 4);
-  memset(at + 4, 0, room);
-  memcpy(at + 4, value, length);
-  return at + 4 + room;
-}
-
-/// Ends options and block.
-static uint8_t *end_block(uint8_t *start, uint8_t *at) {
-  uint32_t length = (uint32_t)(at - start) + 8;
-  memcpy(start + 4, &length, 4);
-  return put_words(at, (uint32_t[2]){0, length}, 2);
-}
-
-/// The beginning of a file: a section and its only interface.
-static uint32_t put_section(uint8_t *start) {
-  static const uint32_t kSection[6] = {0x0A0D0D0A, 0, 0x1A2B3C4D, 1, UINT32_MAX, UINT32_MAX};
-  static const uint32_t kInterface[4] = {1, 0, 252, 0};
-  uint8_t *at = put_words(start, kSection, 6);
-  at = put_option(at, 4, program, strlen(program));
-  at = end_block(start, at);
-  uint8_t *interface = at;
-  at = put_words(at, kInterface, 4);
-  at = put_option(at, 2, "platform", 8);
-  at = put_option(at, 9, "\x09", 1);  // nanoseconds
-  at = end_block(interface, at);
-  return (uint32_t)(at - start);
-}
-
 static bool put(const void *bytes, size_t count, uint64_t at) {
   errno = ENOSPC;  // when only a part is written
   return pwrite(file.descriptor, bytes, count, (off_t)at) == (ssize_t)count;
-}
-
-/// Whether the kernel would send SIGXFSZ.
-static bool exceeds_own_limit(uint64_t end) {
-  struct rlimit largest;
-  return getrlimit(RLIMIT_FSIZE, &largest) == 0 && largest.rlim_cur != RLIM_INFINITY &&
-         end > largest.rlim_cur;
 }
 
 /// Creates a file under that name, which must be free.
@@ -194,7 +153,8 @@ static bool create(void) {
   if (fstat(file.descriptor, &now) != 0) return false;
   file.device = now.st_dev;
   file.inode = now.st_ino;
-  file.end = put_section(section);
+  file.end = put_section(section, program);
+  file.end += put_interface(section + file.end, "platform", NULL);
   return put(section, (size_t)file.end, 0);
 }
 
@@ -344,14 +304,14 @@ static uint32_t seconds(void) {
   return (uint32_t)date.tv_sec;
 }
 
-bool take_room(uint32_t size, struct room *room) {
-  if (__atomic_load_n(&ended, __ATOMIC_ACQUIRE)) return false;
+uint8_t *take_room(uint32_t size, struct exchange *exchange) {
+  if (__atomic_load_n(&ended, __ATOMIC_ACQUIRE)) return NULL;
   int state = 0;
   pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
   if (!lock()) {
     __atomic_add_fetch(&lost, 1, __ATOMIC_RELAXED);
     pthread_setcancelstate(state, NULL);
-    return false;
+    return NULL;
   }
   cancel_state = state;
   if (process == 0) {
@@ -360,11 +320,13 @@ bool take_room(uint32_t size, struct room *room) {
   }
   if (!fits(size) && !next_window(size)) {
     unlock();
-    return false;
+    return NULL;
   }
-  *room = (struct room){window.at, run, process, ++exchanges,
-                        __atomic_exchange_n(&lost, 0, __ATOMIC_RELAXED)};
-  return true;
+  exchange->run = run;
+  exchange->process = process;
+  exchange->number = ++exchanges;
+  exchange->lost = __atomic_exchange_n(&lost, 0, __ATOMIC_RELAXED);
+  return window.at;
 }
 
 void commit_room(uint32_t size, uint32_t first_block_type, uint32_t first_block_length) {

@@ -8,21 +8,15 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-/// Room for one exchange, and what numbers it.
-struct room {
-  uint8_t *at;   ///< a multiple of 4
-  uint32_t run;  ///< seconds since 1970 at this process's first exchange
-  uint32_t process;
-  uint32_t exchange;  ///< counts from 1
-  uint32_t lost;      ///< exchanges just before this one that are not recorded
-};
+#include "capture/trace/packets.h"
 
 /// Reads OLT_CAPTURE and OLT_CAPTURE_LIMIT. @return whether there is anything to record.
 bool set_up_capture(void);
 
-/// Takes room for that many bytes, a multiple of 4, for the calling thread alone. It must then
-/// commit the room, and cannot be cancelled until it has. @return whether there is room.
-bool take_room(uint32_t size, struct room *room);
+/// Takes room for that many bytes, a multiple of 4, for the calling thread alone, and numbers the
+/// exchange that goes there. The thread must then commit the room, and cannot be cancelled until it
+/// has. @return the room, at a multiple of 4; null when there is none
+uint8_t *take_room(uint32_t size, struct exchange *exchange);
 
 /// Makes readers see the room, which holds whole blocks except for the first 8 bytes. These are
 /// given here.
@@ -34,8 +28,10 @@ void end_capture(void);
 /// In the child of a fork: forgets the parent's file.
 void leave_capture_to_parent(void);
 
-/// Ends the recording for good. The first time, prints one line to standard error, unless that
-/// could block or raise a signal.
+/// Ends the recording for good. The first time, complains.
 void stop_capture(const char *place, const char *reason);
+
+/// Prints one line to standard error, unless it could block or raise a signal.
+void complain(const char *place, const char *reason);
 
 #endif

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "capture/trace/capture_file.h"
+#include "capture/trace/kept_listings.h"
 #include "capture/trace/packets.h"
 #include "oltplatform.h"
 
@@ -53,6 +54,7 @@ static int call_in_children(void (*function)(void)) {
 __attribute__((constructor)) static void begin(void) {
   const char *secrets = getenv("OLT_CAPTURE_SECRETS");
   with_secrets = secrets != NULL && strcmp(secrets, "1") == 0;
+  set_up_kept_listings();
   records = set_up_capture() && call_in_children(begin_child) == 0;
 }
 
@@ -67,6 +69,16 @@ static uint64_t nanoseconds(const struct timespec *time) {
 static uint32_t own_thread(void) {
   if (thread == 0) thread = (uint32_t)syscall(SYS_gettid);
   return thread;
+}
+
+static void record(struct exchange *exchange) {
+  uint32_t first = packet_size(exchange->request_length);
+  uint32_t size = first + packet_size(exchange->reply_length);
+  uint8_t *room = take_room(size, exchange);
+  if (room == NULL) return;
+  put_packets(room, exchange, with_secrets);
+  commit_room(size, kPacketBlock, first);
+  keep_listing(exchange);
 }
 
 __attribute__((visibility("default"))) int32_t platmsg_syn_result(
@@ -105,7 +117,7 @@ __attribute__((visibility("default"))) int32_t platmsg_syn_result(
     exchange.reply = *reply;
     exchange.reply_length = *reply_length;
   }
-  record_exchange(&exchange, with_secrets);
+  record(&exchange);
   errno = error;
   return result;
 }

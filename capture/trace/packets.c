@@ -3,7 +3,6 @@
 #include <stddef.h>
 #include <string.h>
 
-#include "capture/trace/capture_file.h"
 #include "capture/trace/secrets.h"
 
 #if __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
@@ -40,7 +39,6 @@ struct options {
   uint32_t end;
 };
 
-static const uint32_t kPacketBlock = 6;
 static const uint8_t kTags[12] = {0, 12, 0, 4, 'o', 'l', 't', 0, 0, 0, 0, 0};
 enum {
   kMaxRecord = 131072,  ///< readers take packets of at most 262,144 bytes
@@ -56,20 +54,57 @@ static uint32_t padding_after(uint32_t length) {
   return -length & 3;
 }
 
-static uint32_t block_length(uint32_t record_length) {
+uint32_t packet_size(uint32_t record_length) {
   uint32_t length = shown(record_length);
   return (uint32_t)sizeof(struct packet) + length + padding_after(length) + kBlockEnd;
 }
 
+static uint8_t *put_words(uint8_t *at, const uint32_t *words, size_t count) {
+  memcpy(at, words, count * 4);
+  return at + count * 4;
+}
+
+static uint8_t *put_option(uint8_t *at, uint16_t code, const void *value, size_t length) {
+  uint16_t head[2] = {code, (uint16_t)length};
+  size_t room = (length + 3) & ~(size_t)3;
+  memcpy(at, head, 4);
+  memset(at + 4, 0, room);
+  memcpy(at + 4, value, length);
+  return at + 4 + room;
+}
+
+/// Ends options and block. @return the block's length
+static uint32_t end_block(uint8_t *start, uint8_t *at) {
+  uint32_t length = (uint32_t)(at - start) + 8;
+  memcpy(start + 4, &length, 4);
+  put_words(at, (uint32_t[2]){0, length}, 2);
+  return length;
+}
+
+uint32_t put_section(uint8_t *start, const char *program) {
+  static const uint32_t kSection[6] = {0x0A0D0D0A, 0, 0x1A2B3C4D, 1, UINT32_MAX, UINT32_MAX};
+  uint8_t *at = put_words(start, kSection, 6);
+  return end_block(start, put_option(at, 4, program, strlen(program)));
+}
+
+uint32_t put_interface(uint8_t *start, const char *name, const char *description) {
+  static const uint32_t kInterface[4] = {1, 0, 252, 0};
+  uint8_t *at = put_words(start, kInterface, 4);
+  at = put_option(at, 2, name, strlen(name));
+  if (description != NULL) at = put_option(at, 3, description, strlen(description));
+  return end_block(start, put_option(at, 9, "\x09", 1));  // nanoseconds
+}
+
 /// Fills in one packet, except for the first 8 bytes.
-static void put_packet(uint8_t *at, const struct exchange *exchange, const struct room *room,
-                       uint8_t kind, bool with_secrets) {
+static void put_packet(uint8_t *at, const struct exchange *exchange, uint8_t kind,
+                       bool with_secrets) {
   bool is_request = kind == kRequest;
   const void *record = is_request ? exchange->request : exchange->reply;
   uint32_t length = is_request ? exchange->request_length : exchange->reply_length;
   uint32_t kept = shown(length);
   uint64_t time = exchange->began + (is_request ? 0 : exchange->duration);
-  struct packet packet = {.time_high = (uint32_t)(time >> 32),
+  struct packet packet = {.interface = exchange->interface,
+                          .time_high = (uint32_t)(time >> 32),
                           .time_low = (uint32_t)time,
                           .captured = kBeforeRecord + kept,
                           .original = kBeforeRecord + length,
@@ -77,15 +112,15 @@ static void put_packet(uint8_t *at, const struct exchange *exchange, const struc
                                      .kind = kind,
                                      .flags = exchange->no_reply != 0 ? kNoReply : 0,
                                      .header_length = sizeof(struct header),
-                                     .run = room->run,
-                                     .process = room->process,
+                                     .run = exchange->run,
+                                     .process = exchange->process,
                                      .thread = exchange->thread,
-                                     .exchange = room->exchange,
+                                     .exchange = exchange->number,
                                      .module = exchange->module,
                                      .message_type = exchange->message_type,
                                      .timeout = exchange->timeout,
                                      .record_length = length,
-                                     .lost = room->lost}};
+                                     .lost = is_request ? exchange->lost : 0}};
   memcpy(packet.tags, kTags, sizeof kTags);
   if (!is_request) {
     packet.header.result = exchange->result;
@@ -107,19 +142,13 @@ static void put_packet(uint8_t *at, const struct exchange *exchange, const struc
   end += padding_after(kept);
   struct options options = {.flags_code = 2, .flags_length = 4, .flags = is_request ? 2 : 1};
   memcpy(end, &options, sizeof options);
-  uint32_t block = block_length(length);
+  uint32_t block = packet_size(length);
   memcpy(end + sizeof options, &block, sizeof block);
 }
 
-void record_exchange(const struct exchange *exchange, bool with_secrets) {
-  uint32_t first = block_length(exchange->request_length);
-  uint32_t second = block_length(exchange->reply_length);
-  struct room room;
-  if (!take_room(first + second, &room)) return;
-  put_packet(room.at, exchange, &room, kRequest, with_secrets);
-  room.lost = 0;
-  uint8_t *answer = room.at + first;
-  memcpy(answer, (uint32_t[2]){kPacketBlock, second}, 8);
-  put_packet(answer, exchange, &room, kAnswer, with_secrets);
-  commit_room(first + second, kPacketBlock, first);
+void put_packets(uint8_t *at, const struct exchange *exchange, bool with_secrets) {
+  put_packet(at, exchange, kRequest, with_secrets);
+  at += packet_size(exchange->request_length);
+  put_words(at, (uint32_t[2]){kPacketBlock, packet_size(exchange->reply_length)}, 2);
+  put_packet(at, exchange, kAnswer, with_secrets);
 }

@@ -137,7 +137,8 @@ void empty_folder() {
   while (const dirent *entry = entries == nullptr ? nullptr : readdir(entries)) {
     char path[600];
     snprintf(path, sizeof path, "%s/%s", folder, entry->d_name);
-    if (strstr(entry->d_name, ".pcapng") != nullptr) unlink(path);
+    if (strstr(entry->d_name, ".pcapng") != nullptr || strstr(entry->d_name, "listing") != nullptr)
+      unlink(path);
   }
   if (entries != nullptr) closedir(entries);
 }
@@ -604,6 +605,93 @@ void check_unread_errors() {
   expect("into a closed pipe", 10, make_exchanges(10));
 }
 
+// Listings
+
+/// A file in the folder, or elsewhere with a path.
+int make_file(const char *name) {
+  char path[512];
+  snprintf(path, sizeof path, "%s/%s", name[0] == '/' ? "" : folder, name);
+  return open(path, O_RDWR | O_CREAT | O_TRUNC, 0644);
+}
+
+/// An exchange of an OLT's listing whose reply names that file. @return whether it succeeded
+bool list(const char *name, uint32_t type = 23, uint32_t at = 48, uint32_t length = 80) {
+  char reply[128] = {};
+  strncpy(reply + at, name, 32);
+  const Answer answer = exchange(type, reply, length);
+  return answer.result == 0 && answer.status == 0 && answer.reply == reply;
+}
+
+/// Bytes of the copy that the exchange with this number left; -1 when there is none.
+int64_t kept_bytes(uint32_t number, char *content = nullptr) {
+  char path[512];
+  struct stat found;
+  if (!read_own()) return -1;
+  const uint32_t run = word_at(capture.bytes + capture.place[0] + kHeaderAt + 8);
+  snprintf(path, sizeof path, "%s/%u-%d-%d-%u.listing", folder, run, getpid(), getpid(), number);
+  if (stat(path, &found) != 0) return -1;
+  expect("mode of a copy", S_IFREG | 0600, found.st_mode);
+  const int file = content == nullptr ? -1 : open(path, O_RDONLY);
+  if (file >= 0) content[read(file, content, 32)] = 0;
+  if (file >= 0) close(file);
+  return found.st_size;
+}
+
+void check_listings() {
+  keep_errors();
+  char content[33] = "";
+  int file = make_file("listing-of-32-bytes-in-all-000001");
+  close(file);
+  file = make_file("listing-of-32-bytes-in-all-00000");
+  expect("write", 10, write(file, "a listing\n", 10));
+  close(file);
+  expect("a listing of the OLT", 1, list("listing-of-32-bytes-in-all-000001"));
+  expect("its copy", 10, kept_bytes(1, content));
+  expect("its content", 0, strcmp("a listing\n", content));
+  char path[64];
+  snprintf(path, sizeof path, "/tmp/listing-%d", getpid());
+  file = make_file(path);
+  expect("write", 6, write(file, "by ONT", 6));
+  close(file);
+  expect("a listing about an ONT, by path", 1, list(path, 47, 0, 32));
+  unlink(path);
+  expect("its copy", 6, kept_bytes(2, content));
+  expect("its content", 0, strcmp("by ONT", content));
+  expect("another message", 1, list("listing-of-32-bytes-in-all-00000", 12));
+  expect("no copy", -1, kept_bytes(3));
+  expect("a short reply", 1, list("listing-of-32-bytes-in-all-00000", 23, 48, 79));
+  expect("no copy", -1, kept_bytes(4));
+  expect("no name", 1, list(""));
+  expect("no copy", -1, kept_bytes(5));
+  file = make_file("listing");
+  expect("longest", 0, ftruncate(file, 4'194'304));
+  expect("a long listing", 1, list("listing"));
+  expect("its copy", 4'194'304, kept_bytes(6));
+  expect("nothing went wrong", 0, strcmp("", kept_errors()));
+  expect("too long", 0, ftruncate(file, 4'194'305));
+  close(file);
+  expect("a listing that is too long", 1, list("listing"));
+  expect("no copy", -1, kept_bytes(7));
+  char line[512];
+  snprintf(line, sizeof line, "libolttrace: %s/listing: File too large\n", folder);
+  expect("one line", 0, strcmp(line, kept_errors()));
+  char fifo[512];
+  snprintf(fifo, sizeof fifo, "%s/listing-fifo", folder);
+  unlink(fifo);
+  expect("mkfifo", 0, mkfifo(fifo, 0600));
+  expect("a listing without a writer", 1, list("listing-fifo"));
+  expect("a listing that is missing", 1, list("listing-missing"));
+  file = make_file("listing");
+  expect("largest", 0, ftruncate(file, 4'000'000));
+  close(file);
+  const rlimit limit = {1'000'000, 1'000'000};
+  expect("limit", 0, setrlimit(RLIMIT_FSIZE, &limit));
+  expect("a listing beyond the process's limit", 1, list("listing"));
+  expect("no copy", -1, kept_bytes(10));
+  expect("no second line", 0, strcmp(line, kept_errors()));
+  expect("no part of a copy: capture, copies, listings", 1 + 3 + 4, count_files());
+}
+
 struct Group {
   const char *name;
   void (*check)();
@@ -622,6 +710,7 @@ constexpr Group kGroups[] = {
     {"signals", check_signals},
     {"given", check_given},
     {"limit", check_limit},
+    {"listings", check_listings},
     {"file_size_limit", check_file_size_limit},
     {"no_folder", check_no_folder},
     {"full_disk", check_full_disk},
