@@ -30,12 +30,26 @@ void describe_server(Archive &archive, const olt_server *server) {
   archive.number("over_limit_clients", counters.over_limit_clients);
 }
 
+uint32_t result_of(olt_served_end end) {
+  switch (end) {
+    case OLT_SERVED_WITHHELD:
+    case OLT_SERVED_VANISHED:
+      return OLT_TRANSPORT_TIMED_OUT;
+    case OLT_SERVED_DISCONNECTED:
+      return OLT_TRANSPORT_LOST;
+    case OLT_SERVED_ANSWERED:
+      break;
+  }
+  return OLT_TRANSPORT_OK;
+}
+
 }  // namespace
 
 struct Box::Parts {
   explicit Parts(Options options) : simulator(std::move(options)) {}
 
   static void handle(void *context, const olt_request *request, olt_answer *answer) noexcept;
+  static void capture(void *context, const olt_served_exchange *served) noexcept;
 
   Simulator simulator;
   Answer last;  ///< the server reads the reply after the handler has returned
@@ -53,6 +67,26 @@ void Box::Parts::handle(void *context, const olt_request *request, olt_answer *a
   answer->delay_ms = parts->last.delay_ms;
 }
 
+void Box::Parts::capture(void *context, const olt_served_exchange *served) noexcept {
+  if (served->module == kControlModule && served->message_type == kCapturePiece) return;
+  bool is_answered = served->end == OLT_SERVED_ANSWERED;
+  bool has_reply = is_answered && served->status == 0;
+  static_cast<Parts *>(context)->simulator.captures().add(
+      {.message_type = served->message_type,
+       .module = served->module,
+       .request = served->request,
+       .reply = has_reply ? served->reply : nullptr,
+       .request_length = served->request_length,
+       .reply_length = has_reply ? served->reply_length : 0U,
+       .no_reply = served->no_reply,
+       .result = result_of(served->end),
+       .status = is_answered ? served->status : uint16_t{0},
+       .began = served->began_ns,
+       .duration = served->elapsed_ns,
+       .process = served->process},
+      served->connection);
+}
+
 Box::Box(Options options) : parts_(std::make_unique<Parts>(std::move(options))) {}
 
 Box::~Box() = default;
@@ -68,6 +102,9 @@ void Box::serve(olt_server *server) {
   add(kControlModule);
   parts_->simulator.control().count_server(
       [server](Archive &archive) { describe_server(archive, server); });
+  parts_->simulator.captures().when_wanted([server, parts = parts_.get()](bool is_wanted) {
+    olt_server_watch(server, is_wanted ? &Parts::capture : nullptr, parts);
+  });
 }
 
 void Box::keep() {

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "capture/capture_file.h"
 #include "platform/olthost.h"
 
 namespace olt::box {
@@ -20,6 +21,11 @@ namespace olt::box {
 /// Module that takes control commands (faults, counters). No operation can reach it: operations
 /// name modules in 8 bits.
 inline constexpr uint32_t kControlModule = 1000;
+
+/// Message types of that module: a control command, and a piece of a capture. Captures hold no
+/// exchange of the latter.
+inline constexpr uint32_t kControlCommand = 1;
+inline constexpr uint32_t kCapturePiece = 2;
 
 /// The control command that arms the fault described by the text, such as
 /// "type=12 status=5 from=2 count=3". Throws BadInput.
@@ -44,6 +50,8 @@ struct Options {
   std::optional<gid_t> listing_group;
   /// Most bytes that all listings may take together; the oldest are removed.
   uint32_t listing_limit = 64 << 20;
+  /// A capture of all exchanges; nothing: none.
+  std::optional<capture::CaptureFileOptions> capture = std::nullopt;
   /// Called with one line for each part of the state that was left out; may be empty.
   std::function<void(std::string_view)> notice;
   /// Called with one line per exchange; may be empty.

@@ -11,6 +11,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "base/accounts.h"
@@ -31,6 +32,8 @@ using olt::box::Options;
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 constexpr uint32_t kEventsPerSecond = 100;
+/// Bytes in the path of the folder of a capture's listings.
+constexpr size_t kMaxFolder = 199;
 
 /// The standard streams. A reader that is slow, or gone, does not hold up the box.
 struct Console {
@@ -43,6 +46,7 @@ struct Arguments {
   std::string group;
   bool trace = false;
   uint32_t pending_limit = 0;
+  olt::capture::CaptureFileOptions capture;  ///< none when the path is empty
   Options box;
 };
 
@@ -64,6 +68,35 @@ std::string check_limit(const std::string &text) {
   auto [stop, error] = std::from_chars(text.data(), end, number);
   if (error == std::errc() && stop == end && number > 0) return "";
   return fmt::format("'{}' given; expected a number of bytes from 1 to {}", text, UINT32_MAX);
+}
+
+/// @return what is wrong with a number of bytes that a capture may take; empty when nothing is.
+std::string check_capture_limit(const std::string &text) {
+  constexpr uint64_t kMin = olt::capture::CaptureFileOptions::kMinLimit;
+  const char *end = text.data() + text.size();
+  uint64_t number = 0;
+  auto [stop, error] = std::from_chars(text.data(), end, number);
+  if (error == std::errc() && stop == end && number >= kMin) return "";
+  return fmt::format("'{}' given; expected a number of bytes, at least {}", text, kMin);
+}
+
+/// Completes what was given for the capture. Throws BadInput.
+void complete(olt::capture::CaptureFileOptions &capture) {
+  if (capture.path.empty()) {
+    if (capture.limit == 0 && capture.listings.empty()) return;
+    throw BadInput(
+        "--capture-limit and --capture-files are for a capture; expected --capture beside them");
+  }
+  if (capture.listings.size() > kMaxFolder) {
+    throw BadInput(fmt::format("--capture-files: a path of {} bytes given; expected at most {}",
+                               capture.listings.size(), kMaxFolder));
+  }
+  const char *secrets = std::getenv("OLT_CAPTURE_SECRETS");
+  capture.with_secrets = secrets != nullptr && std::string_view(secrets) == "1";
+  capture.report = [](std::string_view line) {
+    // Also called from the thread of the capture, so the line has a writer of its own.
+    LineWriter(STDERR_FILENO, "oltbox").write(fmt::format("oltbox: {}", line));
+  };
 }
 
 /// Throws CLI::ParseError and BadInput.
@@ -92,6 +125,9 @@ Arguments parse(int argc, char **argv, Console &console) {
   add_flag(kAdopt, arguments.box.adopt);
   add(kPendingLimit, arguments.pending_limit)->check(check_limit);
   add(kListingLimit, arguments.box.listing_limit)->check(check_limit);
+  add(kCapture, arguments.capture.path);
+  add(kCaptureLimit, arguments.capture.limit)->check(check_capture_limit);
+  add(kCaptureFiles, arguments.capture.listings);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {
@@ -109,6 +145,8 @@ Arguments parse(int argc, char **argv, Console &console) {
   arguments.box.notice = [&console](std::string_view line) {
     console.errors.write(fmt::format("oltbox: {}", line));
   };
+  complete(arguments.capture);
+  if (!arguments.capture.path.empty()) arguments.box.capture = arguments.capture;
   if (arguments.trace) {
     arguments.box.trace = [&console](std::string_view line) { console.output.write(line); };
   }

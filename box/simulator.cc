@@ -12,7 +12,6 @@ namespace olt::box {
 
 namespace {
 
-constexpr uint32_t kCommand = 1;
 constexpr size_t kMaxCommand = 65'536;
 
 /// The options. Throws BadInput for a fault or topology that is wrong, before anything is changed.
@@ -82,7 +81,8 @@ Simulator::Simulator(Options options, Clock clock, std::chrono::milliseconds pat
       topology_(choose_topology(options_, directory_)),
       state_(topology_, clock_()),
       hardware_(topology_, directory_, listings(), clock_),
-      control_(faults_, counters_,
+      captures_(std::move(options_.capture), options_.listing_dir.string()),
+      control_(faults_, counters_, captures_,
                {.read = [this] { return hardware_.configuration(); },
                 .take = [this](std::string_view json,
                                Misfits misfits) { return import_configuration(json, misfits); }}) {
@@ -180,7 +180,7 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
   if (module == kControlModule) {
     exchange.name = "control";
     answer = answer_control(type, request);
-    if (!control_.is_plain()) exchange.secret = {.request = kAllBytes, .reply = kAllBytes};
+    if (type == kCapturePiece || !control_.is_plain()) exchange.secret = {.request = kAllBytes, .reply = kAllBytes};
   } else {
     exchange.fault = faults_.apply(module, type);
     if (exchange.fault == nullptr || !exchange.fault->replaces_handling()) {
@@ -196,8 +196,17 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
   return answer;
 }
 
+Answer Simulator::answer_capture(std::span<const uint8_t> request) {
+  std::optional<Bytes> piece = captures_.read(request);
+  if (!piece) return status_only(Status::kNotFound);
+  Answer answer;
+  answer.reply = std::move(*piece);
+  return answer;
+}
+
 Answer Simulator::answer_control(uint32_t type, std::span<const uint8_t> request) {
-  if (type != kCommand) return status_only(Status::kUnserved);
+  if (type == kCapturePiece) return answer_capture(request);
+  if (type != kControlCommand) return status_only(Status::kUnserved);
   if (request.size() > kMaxCommand) return status_only(Status::kBadLength);
   std::string reply = control_.answer(std::string(request.begin(), request.end()));
   Answer answer;

@@ -13,6 +13,7 @@
 #include "box/families.h"
 #include "box/message/message.h"
 #include "box/state/files.h"
+#include "box/watch/captures.h"
 #include "box/watch/control.h"
 #include "box/watch/counters.h"
 #include "box/watch/faults.h"
@@ -29,6 +30,7 @@ class Simulator {
   Answer handle(uint32_t module, uint32_t type, std::span<const uint8_t> request);
   void keep();
   Control &control() { return control_; }
+  Captures &captures() { return captures_; }
 
  private:
   using Key = std::pair<uint32_t, uint32_t>;
@@ -44,6 +46,7 @@ class Simulator {
 
   Listings listings() const;
 
+  Answer answer_capture(std::span<const uint8_t> request);
   Answer answer_control(uint32_t type, std::span<const uint8_t> request);
   Answer answer_module(uint32_t module, uint32_t type, std::span<const uint8_t> request);
   Status serve(const Message &message, std::span<const uint8_t> request, Reply &reply);
@@ -58,6 +61,7 @@ class Simulator {
   Hardware hardware_;
   FaultTable faults_;
   Counters counters_;
+  Captures captures_;
   Control control_;
   std::map<Key, Message> messages_;
   std::map<uint32_t, SecretBytes>

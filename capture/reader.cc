@@ -25,6 +25,7 @@ constexpr uint32_t kBigEndian = 0x4D3C2B1A;
 constexpr uint16_t kOurLinkType = 252;
 constexpr uint16_t kEndOfOptions = 0;
 constexpr uint16_t kProgramOption = 4;
+constexpr uint16_t kDescriptionOption = 3;
 constexpr uint16_t kResolutionOption = 9;
 constexpr uint16_t kDissectorTag = 12;
 
@@ -179,14 +180,16 @@ void Reader::read_section() {
 
 void Reader::add_interface() {
   if (block_.size() < 20) fail("an interface of {} bytes; expected at least 20", block_.size());
-  ByteView resolution =
-      option_in(ByteView(block_).subspan(16, block_.size() - 20), kResolutionOption);
+  ByteView options = ByteView(block_).subspan(16, block_.size() - 20);
+  ByteView resolution = option_in(options, kResolutionOption);
+  ByteView program = option_in(options, kDescriptionOption);
   uint64_t ticks = 1;
   int digits = resolution.empty() ? 6 : resolution[0];
   bool is_ours = half_at(block_, 8) == kOurLinkType;
   if (is_ours && digits > 9) fail("times in units of 10^-{} s; expected at most 10^-9 s", digits);
   for (int i = 0; is_ours && i < digits; ++i) ticks *= 10;
-  interfaces_.push_back({is_ours, ticks});
+  interfaces_.push_back(
+      {is_ours, ticks, program.empty() ? program_ : std::string(program.begin(), program.end())});
 }
 
 uint64_t Reader::nanoseconds(const Interface &interface, uint64_t ticks) const {
@@ -208,10 +211,11 @@ std::optional<Packet> Reader::packet() const {
   if (!interface.is_ours) return std::nullopt;
   uint64_t ticks = static_cast<uint64_t>(word(12)) << 32U | word(16);
   return packet_of(ByteView(block_).subspan(kBeforePayload, captured),
-                   nanoseconds(interface, ticks));
+                   nanoseconds(interface, ticks), interface.program);
 }
 
-std::optional<Packet> Reader::packet_of(ByteView payload, uint64_t time) const {
+std::optional<Packet> Reader::packet_of(ByteView payload, uint64_t time,
+                                        const std::string &program) const {
   std::optional<ByteView> behind = behind_tags(payload);
   if (!behind) return std::nullopt;
   ByteView header = *behind;
@@ -229,7 +233,7 @@ std::optional<Packet> Reader::packet_of(ByteView payload, uint64_t time) const {
                 .no_reply = (header[5] & 1) != 0,
                 .is_masked = (header[5] & 2) != 0,
                 .time = time,
-                .program = program_,
+                .program = program,
                 .run = word_at(header, 8),
                 .process = word_at(header, 12),
                 .thread = word_at(header, 16),

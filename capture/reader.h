@@ -19,7 +19,7 @@ struct Packet {
   bool no_reply = false;   ///< none was wanted
   bool is_masked = false;  ///< each byte of a secret is '*'
   uint64_t time = 0;       ///< nanoseconds since 1970
-  std::string program;     ///< empty when the section does not name it
+  std::string program;     ///< empty when neither interface nor section names it
   uint32_t run = 0, process = 0, thread = 0, exchange = 0;
   uint32_t module = 0, message_type = 0;
   uint32_t timeout = 0;  ///< seconds
@@ -50,6 +50,7 @@ class Reader {
   struct Interface {
     bool is_ours;
     uint64_t ticks_per_second;
+    std::string program;
   };
 
   template <typename... Args>
@@ -60,7 +61,8 @@ class Reader {
   void read_section();
   void add_interface();
   std::optional<Packet> packet() const;
-  std::optional<Packet> packet_of(ByteView payload, uint64_t time) const;
+  std::optional<Packet> packet_of(ByteView payload, uint64_t time,
+                                  const std::string &program) const;
   uint64_t nanoseconds(const Interface &interface, uint64_t ticks) const;
   uint32_t word(size_t offset) const;
 

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "capture/reader.h"
 #include "catalog/catalog.h"
+#include "cli/capture_command.h"
 #include "cli/catalog_json.h"
 #include "cli/completion.h"
 #include "cli/layout/layouts.h"
@@ -379,6 +380,8 @@ constexpr Command kCommands[] = {
      details_of_update},
     {"show", "show FILE [NAME=VALUE...]", "Prints a capture of exchanges", run_show, words_of_show,
      details_of_show},
+    {"capture", "capture FILE [NAME=VALUE...] [OPTION...]",
+     "Records the exchanges of a running box", run_capture, words_of_capture, details_of_capture},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash\ncompletion zsh\ncompletion fish",
      "Prints the completion for a shell: eval \"$(oltctl completion bash)\"", run_completion,

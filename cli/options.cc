@@ -61,7 +61,7 @@ std::string run_dir(const std::string &box) {
 
 /// Commands that read their own options.
 bool has_options(const std::string &command) {
-  return command == "walk" || command == "watch";
+  return command == "walk" || command == "watch" || command == "capture";
 }
 
 std::vector<std::string> words_of(const CLI::App &app) {

@@ -66,4 +66,11 @@ std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group) {
   return "user " + user_name(peer.uid) + " is refused; " + expected_peers(allowed_group);
 }
 
+uint32_t process_of_peer(int socket) {
+  ucred peer{};
+  socklen_t size = sizeof peer;
+  if (getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return 0;
+  return static_cast<uint32_t>(peer.pid);
+}
+
 }  // namespace olt::platform

@@ -16,6 +16,9 @@ gid_t require_group(const std::string &name_or_number);
 /// else a line that says who it is and who is expected.
 std::string refusal_of_peer(int socket, std::optional<gid_t> allowed_group);
 
+/// The process at the other end of the socket; 0 when it is unknown.
+uint32_t process_of_peer(int socket);
+
 }  // namespace olt::platform
 
 #endif

@@ -148,6 +148,38 @@ olt_server *olt_server_create(const struct olt_server_options *options, char err
 int olt_server_add(olt_server *server, uint32_t module, olt_handler handler, void *context,
                    char error[256]);
 
+/// How an exchange ended for its server.
+enum olt_served_end {
+  OLT_SERVED_ANSWERED = 0,
+  OLT_SERVED_WITHHELD = 1,      ///< never answered
+  OLT_SERVED_DISCONNECTED = 2,  ///< the connection was closed instead
+  OLT_SERVED_VANISHED = 3       ///< the client was gone before it had the answer
+};
+
+/// One exchange that is over, as its server saw it. Pointers are valid during the call of the
+/// watcher.
+struct olt_served_exchange {
+  uint32_t module;
+  uint32_t message_type;
+  const void *request;
+  uint32_t request_length;
+  uint32_t no_reply;
+  enum olt_served_end end;
+  uint16_t status;        ///< meaningful when it was answered
+  uint16_t reply_length;  ///< 0 without a reply
+  const void *reply;
+  uint64_t began_ns;  ///< since 1970, when the whole request was there
+  uint64_t elapsed_ns;
+  uint32_t process;     ///< the client's; 0 when it is unknown
+  uint64_t connection;  ///< counts the server's connections
+};
+
+typedef void (*olt_server_watcher)(void *context, const struct olt_served_exchange *exchange);
+
+/// Calls the watcher, on the thread of olt_server_run, after every exchange that begins from now on;
+/// null removes it. While the server runs, only from its handlers and its watcher.
+void olt_server_watch(olt_server *server, olt_server_watcher watcher, void *context);
+
 /// Serves on the calling thread until olt_server_stop. @return 0, or -1 and a line in error.
 int olt_server_run(olt_server *server, char error[256]);
 

@@ -178,7 +178,8 @@ void Server::admit(Descriptor socket, const Service &service) {
     return;
   }
   statistics_.count(&olt_server_counters::connections);
-  std::make_shared<Session>(loop_, std::move(socket), service, statistics_, budget_, stall_limit_)
+  std::make_shared<Session>(loop_, std::move(socket), service, statistics_, budget_, stall_limit_,
+                            watch_, ++connections_)
       ->start();
 }
 

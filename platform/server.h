@@ -30,6 +30,7 @@ class Server {
   explicit Server(const olt_server_options &options);
 
   void add(const Service &service);
+  void watch(const Watch &watch) { watch_ = watch; }
   void run();
 
   /// From any thread and from a signal handler. One call ends one run, or the next one when none
@@ -63,6 +64,8 @@ class Server {
   const std::chrono::milliseconds stall_limit_;
   ServerStatistics statistics_;
   PendingBudget budget_;
+  Watch watch_;
+  uint64_t connections_ = 0;
 
   std::mutex lock_;  ///< of services_ and pending_
   std::map<uint32_t, Service> services_;

@@ -46,6 +46,10 @@ int olt_server_add(olt_server *server, uint32_t module, olt_handler handler, voi
   });
 }
 
+void olt_server_watch(olt_server *server, olt_server_watcher watcher, void *context) {
+  server->server.watch({.watcher = watcher, .context = context});
+}
+
 int olt_server_run(olt_server *server, char error[kErrorSize]) {
   return attempt(error, [&] { server->server.run(); });
 }

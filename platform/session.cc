@@ -12,6 +12,8 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/credentials.h"
+
 namespace olt::platform {
 
 namespace {
@@ -28,14 +30,17 @@ bool is_transient(const std::error_code &error) {
 }  // namespace
 
 Session::Session(asio::io_context &loop, Descriptor socket, const Service &service,
-                 ServerStatistics &statistics, PendingBudget &budget, milliseconds stall_limit)
+                 ServerStatistics &statistics, PendingBudget &budget, milliseconds stall_limit,
+                 const Watch &watch, uint64_t connection)
     : socket_(loop, asio::local::stream_protocol(), socket.get()),
       timer_(loop),
       service_(service),
       statistics_(statistics),
       stall_limit_(stall_limit),
       budget_share_(budget),
-      buffer_(kFirstBuffer) {
+      buffer_(kFirstBuffer),
+      watch_(watch),
+      connection_(connection) {
   socket.release();
   socket_.non_blocking(true);
 }
@@ -67,8 +72,9 @@ void Session::serve() {
     if (make_room(frame_size)) await_bytes();
     return;
   }
+  begin_watched(*header);
   bool goes_on = answer(*header);
-  consume(frame_size);
+  if (!watched_) consume(frame_size);
   if (goes_on) continue_serving();
 }
 
@@ -118,13 +124,17 @@ bool Session::answer(const RequestHeader &header) {
   owes_answer_ = true;
   olt_answer answer = call_handler(header);
   milliseconds delay(answer.delay_ms);
-  if (answer.action == OLT_ANSWER_WITHHOLD) return true;
+  if (answer.action == OLT_ANSWER_WITHHOLD) {
+    end_watched(OLT_SERVED_WITHHELD);
+    return true;
+  }
   if (answer.action == OLT_ANSWER_DISCONNECT) {
     await_hangup();
-    after(delay, &Session::close);
+    after(delay, &Session::disconnect);
     return false;
   }
   uint32_t length = header.no_reply ? 0 : answer.reply_length;
+  if (watched_) watched_->status = answer.status;
   auto bytes = encode(AnswerHeader{
       .sequence = header.sequence, .status = answer.status, .refused = false, .length = length});
   const auto *reply = static_cast<const std::byte *>(answer.reply);
@@ -168,7 +178,7 @@ bool Session::send(const std::array<std::byte, kAnswerHeaderSize> &header, const
   std::array<asio::const_buffer, 2> pieces{asio::buffer(header), asio::buffer(reply, length)};
   size_t count = socket_.send(pieces, 0, error);
   if (!error && count == header.size() + length) {
-    answered();
+    answered(reply, length);
     return true;
   }
   send_later(header, reply, length, milliseconds(0));
@@ -200,14 +210,44 @@ void Session::flush() {
                        });
     return;
   }
+  bool holds_request = watched_.has_value();
+  size_t request_length = holds_request ? watched_->request_length : 0;
+  answered(outgoing_.data() + kAnswerHeaderSize, outgoing_.size() - kAnswerHeaderSize);
   outgoing_ = {};
-  answered();
+  if (holds_request) consume(kRequestHeaderSize + request_length);
   continue_serving();
 }
 
-void Session::answered() {
+void Session::answered(const std::byte *reply, size_t length) {
   owes_answer_ = false;
   statistics_.count(&olt_server_counters::exchanges);
+  end_watched(OLT_SERVED_ANSWERED, reply, length);
+}
+
+void Session::begin_watched(const RequestHeader &header) {
+  if (watch_.watcher == nullptr) return;
+  auto now = std::chrono::system_clock::now().time_since_epoch();
+  watched_ = {.module = service_.module,
+              .message_type = header.message_type,
+              .request_length = header.length,
+              .no_reply = header.no_reply ? 1U : 0U,
+              .began_ns = static_cast<uint64_t>(std::chrono::nanoseconds(now).count()),
+              .process = process_of_peer(socket_.native_handle()),
+              .connection = connection_};
+  watched_since_ = std::chrono::steady_clock::now();
+}
+
+void Session::end_watched(olt_served_end end, const std::byte *reply, size_t length) {
+  if (!watched_) return;
+  olt_served_exchange exchange = *std::exchange(watched_, std::nullopt);
+  if (watch_.watcher == nullptr) return;
+  exchange.request = buffer_.data() + kRequestHeaderSize;
+  exchange.end = end;
+  exchange.reply = reply;
+  exchange.reply_length = static_cast<uint16_t>(length);
+  exchange.elapsed_ns = static_cast<uint64_t>(
+      std::chrono::nanoseconds(std::chrono::steady_clock::now() - watched_since_).count());
+  watch_.watcher(watch_.context, &exchange);
 }
 
 // A connection is closed when its client leaves, not when the delay of its answer is over.
@@ -267,7 +307,13 @@ void Session::drop(ServerStatistics::Counter counter, const std::string &what) {
   close();
 }
 
+void Session::disconnect() {
+  end_watched(OLT_SERVED_DISCONNECTED);
+  close();
+}
+
 void Session::close() {
+  end_watched(OLT_SERVED_VANISHED);
   stop_timer();
   std::error_code ignored;
   socket_.close(ignored);

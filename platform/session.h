@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,13 +31,19 @@ struct Service {
   void *context;
 };
 
+/// Who is told of exchanges; nobody when the watcher is null.
+struct Watch {
+  olt_server_watcher watcher = nullptr;
+  void *context = nullptr;
+};
+
 /// Reads a request, has it answered, and only then reads the next one. Lives as long as it waits
 /// for something: bytes, room to send, its next turn, or the time of a delayed answer.
 class Session : public std::enable_shared_from_this<Session> {
  public:
   Session(asio::io_context &loop, Descriptor socket, const Service &service,
           ServerStatistics &statistics, PendingBudget &budget,
-          std::chrono::milliseconds stall_limit);
+          std::chrono::milliseconds stall_limit, const Watch &watch, uint64_t connection);
 
   void start() { run_step(&Session::serve); }
 
@@ -57,9 +64,13 @@ class Session : public std::enable_shared_from_this<Session> {
   void send_later(const std::array<std::byte, kAnswerHeaderSize> &header, const std::byte *reply,
                   size_t length, std::chrono::milliseconds delay);
   void flush();
-  void answered();
+  void answered(const std::byte *reply, size_t length);
   void await_hangup();
   void notice_hangup();
+
+  void begin_watched(const RequestHeader &header);
+  /// Tells the watcher of the exchange that is over.
+  void end_watched(olt_served_end end, const std::byte *reply = nullptr, size_t length = 0);
 
   void after(std::chrono::milliseconds delay, void (Session::*then)());
   void stop_timer();
@@ -67,6 +78,7 @@ class Session : public std::enable_shared_from_this<Session> {
   void end();
   void stalled();
   void drop(ServerStatistics::Counter counter, const std::string &what);
+  void disconnect();
   void close();
 
   asio::local::stream_protocol::socket socket_;
@@ -81,6 +93,13 @@ class Session : public std::enable_shared_from_this<Session> {
   std::vector<std::byte> outgoing_;
   size_t sent_ = 0;
   bool owes_answer_ = false;
+
+  const Watch &watch_;
+  const uint64_t connection_;
+  /// The exchange under way, when it is watched. Its request stays in the buffer.
+  std::optional<olt_served_exchange> watched_;
+  std::chrono::steady_clock::time_point watched_since_;
+
   bool timer_runs_ = false;
   uint32_t timer_turn_ = 0;  ///< recognizes an expiry that was already queued when cancelled
 };

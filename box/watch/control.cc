@@ -64,13 +64,18 @@ void Control::carry_out(Archive &command, Archive &reply) {
       counters_.describe(reply);
       if (server_) reply.object("server", [&] { server_(reply); });
     });
+  } else if (name == "capture_start") {
+    captures_.start(command, reply);
+  } else if (name == "capture_stop") {
+    captures_.stop(command, reply);
   } else if (name == "config_export") {
     transfer_.send(command, reply);
   } else if (name == "config_import") {
     transfer_.receive(command, reply);
   } else {
     command.refuse("command",
-                   "fault_add, fault_list, fault_clear, counters, config_export or config_import");
+                   "fault_add, fault_list, fault_clear, counters, capture_start, capture_stop,"
+                   " config_export or config_import");
   }
 }
 

@@ -1,4 +1,4 @@
-/// The commands of the control module: JSON about faults, counters and the configuration.
+/// The commands of the control module: JSON about faults, counters, captures and the configuration.
 #ifndef OLT_BOX_WATCH_CONTROL_H
 #define OLT_BOX_WATCH_CONTROL_H
 
@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "box/state/archive.h"
+#include "box/watch/captures.h"
 #include "box/watch/configuration_transfer.h"
 #include "box/watch/counters.h"
 #include "box/watch/faults.h"
@@ -16,8 +17,12 @@ namespace olt::box {
 
 class Control {
  public:
-  Control(FaultTable &faults, Counters &counters, ConfigurationAccess configuration)
-      : faults_(faults), counters_(counters), transfer_(std::move(configuration)) {}
+  Control(FaultTable &faults, Counters &counters, Captures &captures,
+          ConfigurationAccess configuration)
+      : faults_(faults),
+        counters_(counters),
+        captures_(captures),
+        transfer_(std::move(configuration)) {}
 
   /// The reply to the command counters carries what the function describes, as "server".
   void count_server(std::function<void(Archive &)> server) { server_ = std::move(server); }
@@ -34,6 +39,7 @@ class Control {
 
   FaultTable &faults_;
   Counters &counters_;
+  Captures &captures_;
   ConfigurationTransfer transfer_;
   bool is_plain_ = false;
   std::function<void(Archive &)> server_;

@@ -24,6 +24,8 @@ class Access {
   /// box's simulated one, unless the own one was asked for. Throws Error.
   void open_flash(const char *operation);
 
+  bool is_embedded() const { return options_.run_dir.empty(); }
+
   /// "embedded", or the last part of the run directory.
   std::string name() const;
   /// Which box, for a person.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -19,7 +20,6 @@ using nlohmann::ordered_json;
 
 namespace {
 
-constexpr uint32_t kControlType = 1;
 constexpr uint32_t kControlTimeout = 10;
 /// Reading and taking a large configuration takes a few seconds.
 constexpr uint32_t kTransferTimeout = 120;
@@ -31,20 +31,26 @@ constexpr size_t kPieceSize = 32'000;
        command);
 }
 
-ordered_json ask(const ControlRequest &request, uint32_t timeout) {
-  std::string text = request.dump();
-  std::string command = request["command"];
+/// The reply of the control module.
+Bytes ask(const std::string &command, uint32_t type, std::string request, uint32_t timeout) {
   void *data = nullptr;
   uint16_t length = 0;
   uint32_t handle = 0;
   uint16_t status = 0;
-  int32_t result = platmsg_syn_result(kControlType, box::kControlModule, text.data(),
-                                      static_cast<uint32_t>(text.size()), &data, &length, &handle,
-                                      &status, 0, timeout);
+  int32_t result = platmsg_syn_result(type, box::kControlModule, request.data(),
+                                      static_cast<uint32_t>(request.size()), &data, &length,
+                                      &handle, &status, 0, timeout);
   if (result != 0 || status != 0) fail("{} failed: {}", command, describe_result(result | status));
-  const auto *reply_text = static_cast<const char *>(data);
-  ordered_json reply = ordered_json::parse(reply_text, reply_text + length, nullptr, false);
+  const auto *bytes = static_cast<const uint8_t *>(data);
+  Bytes reply(bytes, bytes + length);
   IPC_Free(handle);
+  return reply;
+}
+
+ordered_json ask(const ControlRequest &request, uint32_t timeout) {
+  std::string command = request["command"];
+  Bytes text = ask(command, box::kControlCommand, request.dump(), timeout);
+  ordered_json reply = ordered_json::parse(text.begin(), text.end(), nullptr, false);
   if (!reply.is_object() || !reply.contains("ok")) fail_not_understood(command);
   if (reply["ok"] != true) fail("{} failed: {}", command, printable(reply.value("error", "")));
   reply.erase("ok");
@@ -98,6 +104,33 @@ ordered_json ask_box(const ControlRequest &request) {
     for (ordered_json &fault : reply["faults"]) name_operations(fault);
   }
   return reply;
+}
+
+uint32_t start_capture(const WantedExchanges &wanted) {
+  ordered_json reply = ask({{"command", "capture_start"},
+                            {"module", wanted.module},
+                            {"type", wanted.type},
+                            {"count", wanted.count},
+                            {"secrets", wanted.with_secrets}},
+                           kControlTimeout);
+  return reply.value("capture", 0U);
+}
+
+void stop_capture(uint32_t capture) {
+  ask({{"command", "capture_stop"}, {"capture", capture}}, kControlTimeout);
+}
+
+CapturePiece read_capture_piece(uint32_t capture) {
+  uint32_t head[4];
+  std::string request(sizeof capture, '\0');
+  std::memcpy(request.data(), &capture, sizeof capture);
+  Bytes reply = ask("capture", box::kCapturePiece, request, kControlTimeout);
+  if (reply.size() < sizeof head) fail_not_understood("capture");
+  std::memcpy(head, reply.data(), sizeof head);
+  return {.is_last = head[0] != 0,
+          .exchanges = head[1],
+          .lost = head[2],
+          .bytes = Bytes(reply.begin() + sizeof head, reply.end())};
 }
 
 std::string export_configuration(bool with_secrets) {

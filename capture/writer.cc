@@ -1,0 +1,88 @@
+#include "capture/writer.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cstring>
+
+namespace olt::capture {
+
+namespace {
+
+constexpr size_t kLongestProgram = 63;
+/// Section and interface are shorter.
+constexpr size_t kMaxHead = 256;
+
+void append(Bytes &file, const std::array<uint8_t, kMaxHead> &block, uint32_t length) {
+  file.insert(file.end(), block.begin(), block.begin() + length);
+}
+
+}  // namespace
+
+Writer::Writer(std::string program, bool with_secrets)
+    : program_(program.substr(0, kLongestProgram)), with_secrets_(with_secrets) {}
+
+void Writer::begin(Bytes &file) {
+  interfaces_.clear();
+  std::array<uint8_t, kMaxHead> block{};
+  append(file, block, put_section(block.data(), program_.c_str()));
+}
+
+uint32_t Writer::interface_of(uint32_t process, const std::string &program, Bytes &file) {
+  auto number = static_cast<uint32_t>(interfaces_.size());
+  auto [place, is_new] = interfaces_.emplace(std::pair(process, program), number);
+  if (is_new) {
+    std::string description = program.substr(0, kLongestProgram);
+    std::string name = fmt::format("{}/{}", description, process);
+    std::array<uint8_t, kMaxHead> block{};
+    append(file, block, put_interface(block.data(), name.c_str(), description.c_str()));
+  }
+  return place->second;
+}
+
+size_t Writer::max_size(const Exchange &exchange) {
+  return kMaxHead + packet_size(exchange.request_length) + packet_size(exchange.reply_length);
+}
+
+void Writer::add(Exchange exchange, const std::string &program, Bytes &file, size_t max) {
+  if (file.size() + max_size(exchange) > max) {
+    ++lost_;
+    ++just_lost_;
+    return;
+  }
+  exchange.interface = interface_of(exchange.process, program, file);
+  exchange.lost = std::exchange(just_lost_, 0);
+  uint32_t first = packet_size(exchange.request_length);
+  size_t at = file.size();
+  file.resize(at + first + packet_size(exchange.reply_length));
+  put_packets(&file[at], &exchange, with_secrets_);
+  const uint32_t head[] = {kPacketBlock, first};
+  std::memcpy(&file[at], head, sizeof head);
+  ++exchanges_;
+}
+
+void mask_block(std::span<uint8_t> block, std::span<const catalog::WireSecret> secrets) {
+  constexpr size_t kFlags = 45;
+  constexpr size_t kMessageType = 68;
+  constexpr size_t kRecord = 104;
+  auto word_at = [block](size_t offset) {
+    uint32_t word = 0;
+    std::memcpy(&word, &block[offset], sizeof word);
+    return word;
+  };
+  if (block.size() < kRecord || word_at(0) != kPacketBlock) return;
+  size_t captured = word_at(20) + size_t{28};  // to the end of the record
+  std::span<uint8_t> record = block.subspan(kRecord, captured - kRecord);
+  uint32_t type = word_at(kMessageType);
+  for (const catalog::WireSecret &secret : secrets) {
+    if (secret.message_type != type) continue;
+    Hidden hidden = {secret.offset, secret.length, secret.stride};
+    for (size_t i = 0; i < record.size(); ++i) {
+      if (!hidden.covers(i)) continue;
+      record[i] = '*';
+      block[kFlags] |= 2;
+    }
+  }
+}
+
+}  // namespace olt::capture
