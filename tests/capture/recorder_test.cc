@@ -1,6 +1,5 @@
 // libolttrace in front of unmodified programs. What it records byte by byte, and what can go wrong
 // around it, is in tests/target/capture_check.cc.
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,19 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "catalog/catalog.h"
-#include "catalog/message_fields.h"
+#include "tests/capture/planted_messages.h"
 #include "tests/support/bytes.h"
 #include "tests/support/folder.h"
 #include "tests/support/program.h"
 
 namespace olt::test {
 namespace {
-
-using catalog::Field;
-
-constexpr size_t kRecordsOfList = 3;
-constexpr std::string_view kPlanted = "PLANT";
 
 std::vector<std::string> recording(const Folder &folder) {
   return {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + folder / "%p.pcapng"};
@@ -38,56 +31,6 @@ std::string capture_in(const Folder &folder) {
   std::vector<std::string> paths = captures_in(folder);
   EXPECT_EQ(1U, paths.size());
   return paths.size() == 1 ? read_file(paths[0]) : "";
-}
-
-/// Messages with something planted in every secret field, as capture_check takes them.
-class PlantedMessages {
- public:
-  PlantedMessages() {
-    for (const catalog::Family &family : catalog::families()) {
-      for (const catalog::Operation &operation : family.operations) {
-        add(operation, operation.request);
-        add(operation, operation.reply);
-      }
-    }
-  }
-
-  const std::string &lines() const { return lines_; }
-  size_t planted() const { return planted_; }
-  const std::set<uint32_t> &types() const { return types_; }
-
- private:
-  void add(const catalog::Operation &operation, const catalog::Message &message) {
-    std::string bytes(2'000, 'x');
-    size_t before = planted_;
-    for (const catalog::MessageField &placed : fields_of(operation, message)) {
-      if (placed.field.secret) plant(bytes, placed.field.offset);
-      for (const Field &inner : placed.field.record) {
-        for (size_t i = 0; inner.secret && i < kRecordsOfList; ++i)
-          plant(bytes, placed.field.offset + i * placed.field.record_size + inner.offset);
-      }
-    }
-    if (planted_ == before) return;
-    types_.insert(operation.address.message_type);
-    lines_ += fmt::format("{} ", operation.address.message_type);
-    for (char byte : bytes) lines_ += fmt::format("{:02x}", static_cast<uint8_t>(byte));
-    lines_ += '\n';
-  }
-
-  void plant(std::string &bytes, size_t offset) {
-    bytes.replace(offset, kPlanted.size(), kPlanted);
-    ++planted_;
-  }
-
-  std::string lines_;
-  size_t planted_ = 0;
-  std::set<uint32_t> types_;
-};
-
-size_t count_of(std::string_view part, const std::string &text) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
 }
 
 TEST(Recorder, MasksEverySecretOfEveryMessage) {
@@ -174,6 +117,34 @@ TEST(Recorder, RecordsAnUnmodifiedFrontEnd) {
   EXPECT_TRUE(holds(shown.output, " add_user_level\n")) << shown.output;
   EXPECT_TRUE(holds(shown.output, " user_name=someone user_password=** level_a=1 level_b=2\n"))
       << shown.output;
+}
+
+/// The host platform says where listings are; the embedded box of oltctl has its own folder.
+TEST(Recorder, KeepsListingsOfTheRunDirectory) {
+  const Folder folder;
+  std::vector<std::string> environment = recording(folder);
+  environment.push_back("OLT_CAPTURE_FILES=" + folder.path());
+  environment.push_back("XDG_STATE_HOME=" + folder / "state");
+  environment.push_back("OLT_RUN_DIR=" + folder / "state/oltmgmt/embedded/listings");
+  Finished ran = run({OLTCTL, "--box", "embedded", "get_vlan_all"}, environment);
+  ASSERT_EQ(0, ran.status) << ran.errors;
+  EXPECT_EQ("", ran.errors);
+  std::vector<std::string> listings;
+  for (const auto &entry : std::filesystem::directory_iterator(folder.path()))
+    if (entry.path().extension() == ".listing") listings.push_back(entry.path());
+  ASSERT_EQ(1U, listings.size());
+  EXPECT_TRUE(read_file(listings[0]).starts_with("VLANs of olt\n====")) << read_file(listings[0]);
+  environment.back() = "OLT_RUN_DIR=" + folder / "elsewhere";
+  ran = run({OLTCTL, "--box", "embedded", "get_vlan_all"}, environment);
+  EXPECT_EQ(0, ran.status);
+  EXPECT_EQ("libolttrace: " + folder / "elsewhere/vlan-00000002.txt" +
+                ": No such file or directory\n",
+            ran.errors);
+  environment.back() = "OLT_CAPTURE_FILES=relative";
+  ran = run({OLTCTL, "--box", "embedded", "get_olt_mac"}, environment);
+  EXPECT_EQ("libolttrace: OLT_CAPTURE_FILES: not a path; expected an absolute one of at most 199"
+            " bytes\n",
+            ran.errors);
 }
 
 TEST(Recorder, OltctlReadsWhatKilledProcessesLeave) {
