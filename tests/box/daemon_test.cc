@@ -1,6 +1,7 @@
 // The daemon as a process: starting, serving through sockets, faults on the wire, ending.
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/socket.h>
@@ -14,6 +15,7 @@
 #include <thread>
 
 #include "base/text.h"
+#include "capture/reader.h"
 #include "platform/olthost.h"
 #include "tests/box/support.h"
 #include "tests/support/program.h"
@@ -273,6 +275,147 @@ TEST(Daemon, TracesWhenAsked) {
       << output;
 }
 
+/// A line for each packet: kind, module, type, result, status, record's length.
+std::string packets_in(const std::string &path) {
+  std::string lines;
+  capture::Reader reader = capture::read_capture(path);
+  while (std::optional<capture::Packet> packet = reader.next()) {
+    EXPECT_EQ("box_daemon_test", packet->program);
+    EXPECT_EQ(static_cast<uint32_t>(getpid()), packet->process);
+    lines += fmt::format("{} {} {} {:x} {} {}\n", packet->is_answer ? "answer" : "request",
+                         packet->module, packet->message_type, packet->result, packet->status,
+                         packet->record_length);
+  }
+  return lines;
+}
+
+/// Adds a user with a password.
+Bytes user_with_secret() {
+  return record(80, {{0, word(1)}, {8, text("bob")}, {40, text("PLANT")}, {72, word(1)}});
+}
+
+TEST(Daemon, CapturesEveryExchange) {
+  Daemon daemon;
+  std::string path = daemon.folder / "box.pcapng";
+  std::filesystem::create_directory(daemon.folder / "kept");
+  daemon.start({"--capture", path, "--capture-files", daemon.folder / "kept", "--fault",
+                "type=57 drop", "--fault", "type=61 silence", "--fault",
+                "type=60 delay_ms=60000", "--fault", "type=12 delay_ms=20 count=1"});
+  ask(kGetOltMac);
+  ask(kUserAccount, user_with_secret());
+  ask(kUnknownType);
+  EXPECT_EQ(ask(kGetSnmpParam).transport, kLost);
+  EXPECT_EQ(ask(kGetUpdateStatus, {}, 1).transport, kTimedOut);
+  EXPECT_EQ(ask(kGetSnmpInfo, {}, 1).transport, kTimedOut);
+  std::string exported =
+      command(R"({"command":"config_export","offset":0,"secrets":true})");
+  EXPECT_TRUE(holds(exported, "topology"));
+  ask(kListBasicInfo);
+  EXPECT_EQ(daemon.kill(SIGTERM), 0);
+  std::string capture = read_file(path);
+  EXPECT_FALSE(holds(capture, "PLANT"));
+  EXPECT_FALSE(holds(capture, "topology")) << "a configuration";
+  EXPECT_TRUE(holds(capture, "config_export"));
+  std::string lines = packets_in(path);
+  EXPECT_TRUE(lines.starts_with("request 2 12 0 0 0\nanswer 2 12 0 0 6\n"
+                                "request 2 10 0 0 80\nanswer 2 10 0 0 0\n"
+                                "request 2 200 0 0 0\nanswer 2 200 0 1 0\n"
+                                "request 2 57 0 0 0\nanswer 2 57 30000 0 0\n"
+                                "request 2 61 0 0 0\nanswer 2 61 10000 0 0\n"
+                                "request 2 60 0 0 0\nanswer 2 60 10000 0 0\n"
+                                "request 1000 1 0 0 53\nanswer 1000 1 0 0 "))
+      << lines;
+  EXPECT_TRUE(lines.ends_with("\nrequest 2 53 0 0 0\nanswer 2 53 0 0 80\n")) << lines;
+  capture::Reader reader = capture::read_capture(path);
+  uint32_t run = reader.next()->run;
+  std::string kept = fmt::format("{}/{}-{}-0-8.listing", daemon.folder / "kept", run, getpid());
+  EXPECT_EQ(read_file(daemon.run_dir() + "/basicinfo-00000001.txt"), read_file(kept));
+  EXPECT_NE("", read_file(kept));
+}
+
+TEST(Daemon, CapturesSecretsWhenAsked) {
+  Daemon daemon;
+  setenv("OLT_CAPTURE_SECRETS", "1", 1);
+  daemon.start({"--capture", daemon.folder / "box.pcapng"});
+  unsetenv("OLT_CAPTURE_SECRETS");
+  ask(kUserAccount, user_with_secret());
+  EXPECT_EQ(daemon.kill(SIGTERM), 0);
+  EXPECT_TRUE(holds(read_file(daemon.folder / "box.pcapng"), "PLANT"));
+}
+
+TEST(Daemon, ServesWhenItCannotCapture) {
+  Daemon daemon;
+  daemon.start({"--capture", daemon.folder / "missing/box.pcapng"});
+  EXPECT_EQ(ask(kGetOltMac).reply, hex("02 00 00 00 00 01"));
+  EXPECT_EQ(daemon.errors(), "oltbox: " + (daemon.folder / "missing/box.pcapng") +
+                                 ": No such file or directory; capture ends\n");
+}
+
+TEST(Daemon, CapturesAfterAnotherOneUnderANumber) {
+  Daemon daemon;
+  daemon.folder.write("box.pcapng", "");
+  daemon.start({"--capture", daemon.folder / "box.pcapng", "--capture-limit", "1048576"});
+  ask(kGetOltMac);
+  EXPECT_EQ(daemon.kill(SIGTERM), 0);
+  EXPECT_EQ(daemon.errors(), fmt::format("oltbox: {}: exists; the capture is {}\n",
+                                         daemon.folder / "box.pcapng",
+                                         daemon.folder / "box-1.pcapng"));
+  EXPECT_EQ(packets_in(daemon.folder / "box-1.pcapng"), "request 2 12 0 0 0\nanswer 2 12 0 0 6\n");
+}
+
+Result ask_for_piece(uint32_t capture) {
+  return ask(kControlModule, kCapturePiece, word(capture));
+}
+
+/// Head of a piece: whether it is the last one, exchanges, lost, 0; then a section of 44 bytes.
+TEST(Daemon, SendsCapturesInPieces) {
+  Daemon daemon;
+  daemon.start();
+  ask(kGetOltMac);
+  EXPECT_EQ(command(R"({"command":"capture_start","type":12,"module":2,"count":2})"),
+            R"({"ok":true,"capture":1})");
+  EXPECT_EQ(command(R"({"command":"capture_start"})"), R"({"ok":true,"capture":2})");
+  Result begin = ask_for_piece(1);
+  ASSERT_EQ(begin.reply.size(), 16U + 44U);
+  EXPECT_EQ(slice(begin.reply, 0, 24), hex("00000000 00000000 00000000 00000000"
+                                           "0a0d0d0a 2c000000"));
+  EXPECT_EQ(ask_for_piece(1).reply, hex("00000000 00000000 00000000 00000000"));
+  ask(kUnknownType);
+  for (int i = 0; i < 3; ++i) ask(kGetOltMac);
+  Result end = ask_for_piece(1);
+  EXPECT_EQ(slice(end.reply, 0, 20), hex("01000000 02000000 00000000 00000000 01000000"));
+  EXPECT_EQ(ask_for_piece(1).status, kNotFound);
+  EXPECT_EQ(ask_for_piece(0).status, kNotFound);
+  EXPECT_EQ(ask(kControlModule, kCapturePiece, hex("02 00 00")).status, kNotFound);
+  EXPECT_EQ(command(R"({"command":"capture_stop","capture":2})"), R"({"ok":true,"capture":2})");
+  ask(kGetOltMac);
+  // An unknown one and three exchanges of 12, but neither those of the captures nor the last one.
+  EXPECT_EQ(slice(ask_for_piece(2).reply, 0, 12), hex("01000000 04000000 00000000"));
+  EXPECT_EQ(command(R"({"command":"capture_stop","capture":2})"),
+            R"({"ok":false,"error":"/capture: is 2, which has ended"})");
+  for (int i = 0; i < 8; ++i) command(R"({"command":"capture_start"})");
+  EXPECT_EQ(command(R"({"command":"capture_start"})"),
+            R"({"ok":false,"error":"8 captures are read already; expected one to end first"})");
+}
+
+TEST(Daemon, CountsWhatNobodyReadsInTimeAsLost) {
+  Daemon daemon;
+  daemon.start();
+  command(R"({"command":"capture_start"})");
+  for (int i = 0; i < 100; ++i) ask(kUnknownType, Bytes(60'000, 'r'));
+  Bytes capture;
+  for (bool is_last = false; !is_last;) {
+    Bytes piece = ask_for_piece(1).reply;
+    if (word_at(piece, 8) == 31) command(R"({"command":"capture_stop","capture":1})");
+    EXPECT_EQ(word_at(piece, 4), 69U);
+    EXPECT_EQ(word_at(piece, 8), 31U);
+    capture.insert(capture.end(), piece.begin() + 16, piece.end());
+    is_last = word_at(piece, 0) == 1;
+  }
+  EXPECT_LE(capture.size(), 4'194'304U);
+  EXPECT_GT(capture.size(), 4'100'000U);
+}
+
 TEST(Daemon, LetsAGroupReadListings) {
   Daemon daemon;
   daemon.start({"--group", std::to_string(getegid())});
@@ -318,6 +461,14 @@ TEST(Daemon, RefusesWrongUsageInOneLine) {
        "--listing-limit: '64M' given; expected a number of bytes from 1 to 4294967295"},
       {{"--pending-limit", ""},
        "--pending-limit: '' given; expected a number of bytes from 1 to 4294967295"},
+      {{"--capture-limit", "1048575", "--capture", daemon.folder / "file"},
+       "--capture-limit: '1048575' given; expected a number of bytes, at least 1048576"},
+      {{"--capture-limit", "1048576"},
+       "--capture-limit and --capture-files are for a capture; expected --capture beside them"},
+      {{"--capture-files", "kept"},
+       "--capture-limit and --capture-files are for a capture; expected --capture beside them"},
+      {{"--capture", daemon.folder / "file", "--capture-files", std::string(200, 'f')},
+       "--capture-files: a path of 200 bytes given; expected at most 199"},
       {{"--fault", "type=12"},
        "fault \"type=12\": the fault has no effect; expected a status, a delay_ms, or the action "
        "silence or drop"},
@@ -342,7 +493,8 @@ TEST(Daemon, PrintsHelpAndVersion) {
   EXPECT_EQ(daemon.output().find("oltbox 0."), 0U) << daemon.output();
   EXPECT_EQ(daemon.run({"--help"}), 0);
   for (const char *option : {"--run-dir", "--state-dir", "--topology", "--group", "--fault",
-                             "--trace", "--fresh", "--listing-limit", "--version", "--help"}) {
+                             "--trace", "--fresh", "--listing-limit", "--capture", "--capture-limit",
+                             "--capture-files", "--version", "--help"}) {
     EXPECT_TRUE(holds(daemon.output(), option)) << option;
   }
 }

@@ -40,6 +40,7 @@ enum Status : uint32_t {
 /// Message types, of the main module where nothing else is said.
 enum Type : uint32_t {
   kControlCommand = 1,  ///< control module
+  kCapturePiece = 2,    ///< control module
   kSetDebugEnable = 2,  ///< each module but the control module
   kListMemory = 3,      ///< each module but the control module
   kGetOamSupport = 4,   ///< OAM module

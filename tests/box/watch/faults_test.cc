@@ -247,7 +247,7 @@ TEST(Control, AnswersEveryMistakeWithOneLineOfJson) {
       {R"({"command":7})", "/command: is 7; expected a text of at most 32 bytes"},
       {R"({"command":"explode"})",
        "/command: is \\\"explode\\\"; expected fault_add, fault_list, fault_clear, counters, "
-       "config_export or config_import"},
+       "capture_start, capture_stop, config_export or config_import"},
       {R"({"command":"fault_add"})", "/fault: is missing"},
       {R"({"command":"fault_add","fault":{"type":"12"}})",
        "/fault/type: is \\\"12\\\"; expected an integer from 0 to 4294967295"},
