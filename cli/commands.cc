@@ -212,7 +212,7 @@ void run_show(Session &session, Arguments words) {
 }
 
 std::string details_of_show() {
-  return "  FILE is a capture of libolttrace. Of its exchanges, it prints those that fit all of\n"
+  return "  FILE is a capture. Of its exchanges, it prints those that fit all of\n"
          "  operation=NAME, module=N, status=N or status=failed, from=TIME and to=TIME, with times "
          "as\n"
          "  2026-01-31T23:59:59Z.\n"
