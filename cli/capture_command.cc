@@ -193,7 +193,7 @@ void run_capture(Session &session, std::span<const std::string> words) {
 }
 
 std::vector<std::string> words_of_capture(std::span<const std::string> words) {
-  if (words.size() == 1) return {kAnyFile, kStandardOutput};
+  if (words.size() == 1) return {kAnyFile};
   std::vector<std::string> names = {kCountOption, kSecondsOption};
   names.push_back(fmt::format("{}=", kModuleFilter));
   for (const catalog::Family &family : catalog::families()) {

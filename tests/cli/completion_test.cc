@@ -36,7 +36,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
-  EXPECT_EQ(candidates(Words{}, "").size(), operations + 12U);
+  EXPECT_EQ(candidates(Words{}, "").size(), operations + 13U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
@@ -65,6 +65,9 @@ TEST(Completion, OffersTheWordsOfACommand) {
   EXPECT_EQ(candidates(Words{"walk", "process_snmp_vlan_id"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"completion"}, ""), (Words{"bash", "zsh", "fish"}));
   EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});
+  EXPECT_EQ(candidates(Words{"capture", "x"}, "-"), (Words{"--count", "--seconds"}));
+  EXPECT_EQ(candidates(Words{"capture", "x"}, "operation=get_olt_m"),
+            Words{"operation=get_olt_mac"});
 }
 
 TEST(Completion, OffersNamedValues) {
@@ -140,7 +143,7 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   EXPECT_EQ(std::set<std::string>(offered.begin(), offered.end()),
             options_in(run({OLTCTL, "--help"}, {}).output));
   Words of_box = answered("oltbox -");
-  EXPECT_EQ(of_box.size(), 12U);
+  EXPECT_EQ(of_box.size(), 15U);
   EXPECT_EQ(std::set<std::string>(of_box.begin(), of_box.end()),
             options_in(run({OLTBOX, "--help"}, {}).output));
 }

@@ -265,10 +265,10 @@ TEST(Control, AnswersEveryMistakeWithOneLineOfJson) {
   }
 }
 
-TEST(Control, ServesOneTypeAndRequestsOfReasonableLength) {
+TEST(Control, ServesItsTypesAndRequestsOfReasonableLength) {
   TestBox box;
   EXPECT_EQ(box.status(kControlModule, 0, text(R"({"command":"counters"})")), kNotServed);
-  EXPECT_EQ(box.status(kControlModule, 2, text(R"({"command":"counters"})")), kNotServed);
+  EXPECT_EQ(box.status(kControlModule, 3, text(R"({"command":"counters"})")), kNotServed);
   EXPECT_EQ(box.status(kControlModule, kControlCommand, Bytes(65'537, '[')), kBadLength);
   EXPECT_EQ(box.status(kControlModule, kControlCommand, Bytes(65'536, '[')), kOk);
 }
