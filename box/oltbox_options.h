@@ -27,8 +27,7 @@ inline constexpr Option kPendingLimit = {
     "Most bytes that half-received requests may take together; default 64 MiB"};
 inline constexpr Option kListingLimit = {
     "--listing-limit", "BYTES", "Most bytes that listings may take together; default 64 MiB"};
-inline constexpr Option kCapture = {"--capture", "FILE",
-                                    "Record every exchange in a pcapng file"};
+inline constexpr Option kCapture = {"--capture", "FILE", "Record every exchange in a pcapng file"};
 inline constexpr Option kCaptureLimit = {
     "--capture-limit", "BYTES", "Most bytes that the capture may take; default: any number"};
 inline constexpr Option kCaptureFiles = {"--capture-files", "DIR",
@@ -36,10 +35,9 @@ inline constexpr Option kCaptureFiles = {"--capture-files", "DIR",
 inline constexpr Option kVersion = {"--version", "", "The version"};
 inline constexpr Option kHelp = {"-h,--help", "", "This text"};
 
-inline constexpr Option kAll[] = {kRunDir,       kStateDir,     kTopology, kGroup,
-                                  kFault,        kTrace,        kFresh,    kAdopt,
-                                  kPendingLimit, kListingLimit, kCapture,  kCaptureLimit,
-                                  kCaptureFiles, kVersion,      kHelp};
+inline constexpr Option kAll[] = {
+    kRunDir,       kStateDir,     kTopology, kGroup,        kFault,        kTrace,   kFresh, kAdopt,
+    kPendingLimit, kListingLimit, kCapture,  kCaptureLimit, kCaptureFiles, kVersion, kHelp};
 
 }  // namespace olt::box::option
 

@@ -180,7 +180,8 @@ Answer Simulator::handle(uint32_t module, uint32_t type, std::span<const uint8_t
   if (module == kControlModule) {
     exchange.name = "control";
     answer = answer_control(type, request);
-    if (type == kCapturePiece || !control_.is_plain()) exchange.secret = {.request = kAllBytes, .reply = kAllBytes};
+    if (type == kCapturePiece || !control_.is_plain())
+      exchange.secret = {.request = kAllBytes, .reply = kAllBytes};
   } else {
     exchange.fault = faults_.apply(module, type);
     if (exchange.fault == nullptr || !exchange.fault->replaces_handling()) {

@@ -52,8 +52,8 @@ CaptureFile::CaptureFile(std::string program, CaptureFileOptions options)
     return;
   }
   if (path_ != options_.path) {
-    options_.report(fmt::format("{}: exists; the capture is {}", printable(options_.path),
-                                printable(path_)));
+    options_.report(
+        fmt::format("{}: exists; the capture is {}", printable(options_.path), printable(path_)));
   }
   writer_.begin(waiting_.bytes);
   file_bytes_ = waiting_.bytes.size();
@@ -76,8 +76,8 @@ CaptureFile::~CaptureFile() {
 }
 
 bool CaptureFile::create() {
-  file_ = above_standard_streams(Descriptor(
-      open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)));
+  file_ = above_standard_streams(
+      Descriptor(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)));
   written_ = 0;
   return file_.is_open();
 }
@@ -186,8 +186,8 @@ void CaptureFile::end(const std::string &place, int error) {
 
 void CaptureFile::report_listing(const std::string &path, int error) {
   if (has_reported_.exchange(true)) return;
-  options_.report(fmt::format("{}: {}; the listing is not kept", printable(path),
-                                std::strerror(error)));
+  options_.report(
+      fmt::format("{}: {}; the listing is not kept", printable(path), std::strerror(error)));
 }
 
 }  // namespace olt::capture

@@ -55,8 +55,8 @@ class BlockOutput {
         wrong_usage("capture: standard output is a terminal; expected a pipe or a file");
       return;
     }
-    file_ = Descriptor(
-        open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    file_ =
+        Descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (file_.is_open()) return;
     if (errno == EEXIST) fail("capture: {} exists; expected a name that is free", printable(path));
     fail("capture: cannot write {}: {}", printable(path), std::strerror(errno));
@@ -207,7 +207,8 @@ std::vector<std::string> words_of_capture(std::span<const std::string> words) {
 
 std::string details_of_capture() {
   return "  Records the exchanges of all clients of a running box until Ctrl-C, for --count N\n"
-         "  exchanges or for --seconds S. operation=NAME records those with the operation's message "
+         "  exchanges or for --seconds S. operation=NAME records those with the operation's "
+         "message "
          "type,\n"
          "  module=N those with this module. FILE must not exist; - is standard output.\n"
          "  OLT_CAPTURE_SECRETS=1 keeps secrets.\n"

@@ -176,8 +176,8 @@ struct olt_served_exchange {
 
 typedef void (*olt_server_watcher)(void *context, const struct olt_served_exchange *exchange);
 
-/// Calls the watcher, on the thread of olt_server_run, after every exchange that begins from now on;
-/// null removes it. While the server runs, only from its handlers and its watcher.
+/// Calls the watcher, on the thread of olt_server_run, after every exchange that begins from now
+/// on; null removes it. While the server runs, only from its handlers and its watcher.
 void olt_server_watch(olt_server *server, olt_server_watcher watcher, void *context);
 
 /// Serves on the calling thread until olt_server_stop. @return 0, or -1 and a line in error.

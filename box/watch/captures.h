@@ -47,7 +47,7 @@ class Captures {
   struct Stream {
     uint32_t id;
     capture::Writer writer;
-    uint64_t began;  ///< nanoseconds since 1970
+    uint64_t began;       ///< nanoseconds since 1970
     uint32_t module = 0;  ///< 0: any
     uint32_t type = 0;    ///< 0: any
     uint32_t count = 0;   ///< exchanges to capture; 0: any number

@@ -30,7 +30,7 @@ enum {
 };
 static const uint32_t kPaddingBlock = 0x804F4C54;
 
-static char before_process[kPath], after_process[kPath], program[64];
+static char before_process[kPath], after_process[kPath], own_program[64];
 static uint64_t limit;  // of one file; 0: none
 
 static const void *holder;  // of everything below: an address of its thread
@@ -104,7 +104,7 @@ static void set_program(void) {
   ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
   path[length > 0 ? length : 0] = 0;
   const char *slash = strrchr(path, '/');
-  snprintf(program, sizeof program, "%.63s", slash != NULL ? slash + 1 : path);
+  snprintf(own_program, sizeof own_program, "%.63s", slash != NULL ? slash + 1 : path);
 }
 
 bool set_up_capture(void) {
@@ -153,7 +153,7 @@ static bool create(void) {
   if (fstat(file.descriptor, &now) != 0) return false;
   file.device = now.st_dev;
   file.inode = now.st_ino;
-  file.end = put_section(section, program);
+  file.end = put_section(section, own_program);
   file.end += put_interface(section + file.end, "platform", NULL);
   return put(section, (size_t)file.end, 0);
 }

@@ -15,7 +15,7 @@
 
 enum { kFolder = 200 };
 
-static char folder[kFolder];  // empty: nothing is kept
+static char destination[kFolder];  // empty: nothing is kept
 static char origin[kFolder];
 static bool complained;
 
@@ -29,8 +29,8 @@ static bool set(char *path, const char *name) {
 
 void set_up_kept_listings(void) {
   if (getenv("OLT_CAPTURE_FILES") == NULL) return;
-  if (!set(folder, "OLT_CAPTURE_FILES")) {
-    folder[0] = 0;
+  if (!set(destination, "OLT_CAPTURE_FILES")) {
+    destination[0] = 0;
     complain("OLT_CAPTURE_FILES", "not a path; expected an absolute one of at most 199 bytes");
   }
   if (olt_run_dir == NULL)
@@ -40,17 +40,18 @@ void set_up_kept_listings(void) {
 }
 
 void keep_listing(const struct exchange *exchange) {
-  const char *name = folder[0] != 0 ? listing_in(exchange) : NULL;
+  const char *name = destination[0] != 0 ? listing_in(exchange) : NULL;
   if (name == NULL) return;
-  char from[kFolder + kListingName + 2], path[kKeptPath];
+  char listing[kFolder + kListingName + 2], path[kKeptPath];
   int state = 0;
   pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
-  snprintf(from, sizeof from, "%s/%.32s", name[0] == '/' ? "" : origin, name);
-  name_kept_listing(exchange, folder, path);
-  int file = open(from, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  bool is_kept = file >= 0 && copy_file(file, path, kMaxListing);
+  bool is_path = name[0] == '/';
+  snprintf(listing, sizeof listing, "%s%s%.32s", is_path ? "" : origin, is_path ? "" : "/", name);
+  name_kept_listing(exchange, destination, path);
+  int from = open(listing, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  bool is_kept = from >= 0 && copy_file(from, path, kMaxListing);
   if (!is_kept && !__atomic_exchange_n(&complained, true, __ATOMIC_ACQ_REL))
-    complain(from, strerror(errno));
-  if (file >= 0) close(file);
+    complain(listing, strerror(errno));
+  if (from >= 0) close(from);
   pthread_setcancelstate(state, NULL);
 }

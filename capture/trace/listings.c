@@ -19,8 +19,7 @@ const char *listing_in(const struct exchange *exchange) {
   return NULL;
 }
 
-void name_kept_listing(const struct exchange *exchange, const char *folder,
-                       char path[kKeptPath]) {
+void name_kept_listing(const struct exchange *exchange, const char *folder, char path[kKeptPath]) {
   snprintf(path, kKeptPath, "%.199s/%u-%u-%u-%u.listing", folder, exchange->run, exchange->process,
            exchange->thread, exchange->number);
 }

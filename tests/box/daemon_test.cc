@@ -299,16 +299,15 @@ TEST(Daemon, CapturesEveryExchange) {
   std::string path = daemon.folder / "box.pcapng";
   std::filesystem::create_directory(daemon.folder / "kept");
   daemon.start({"--capture", path, "--capture-files", daemon.folder / "kept", "--fault",
-                "type=57 drop", "--fault", "type=61 silence", "--fault",
-                "type=60 delay_ms=60000", "--fault", "type=12 delay_ms=20 count=1"});
+                "type=57 drop", "--fault", "type=61 silence", "--fault", "type=60 delay_ms=60000",
+                "--fault", "type=12 delay_ms=20 count=1"});
   ask(kGetOltMac);
   ask(kUserAccount, user_with_secret());
   ask(kUnknownType);
   EXPECT_EQ(ask(kGetSnmpParam).transport, kLost);
   EXPECT_EQ(ask(kGetUpdateStatus, {}, 1).transport, kTimedOut);
   EXPECT_EQ(ask(kGetSnmpInfo, {}, 1).transport, kTimedOut);
-  std::string exported =
-      command(R"({"command":"config_export","offset":0,"secrets":true})");
+  std::string exported = command(R"({"command":"config_export","offset":0,"secrets":true})");
   EXPECT_TRUE(holds(exported, "topology"));
   ask(kListBasicInfo);
   EXPECT_EQ(daemon.kill(SIGTERM), 0);
@@ -317,13 +316,14 @@ TEST(Daemon, CapturesEveryExchange) {
   EXPECT_FALSE(holds(capture, "topology")) << "a configuration";
   EXPECT_TRUE(holds(capture, "config_export"));
   std::string lines = packets_in(path);
-  EXPECT_TRUE(lines.starts_with("request 2 12 0 0 0\nanswer 2 12 0 0 6\n"
-                                "request 2 10 0 0 80\nanswer 2 10 0 0 0\n"
-                                "request 2 200 0 0 0\nanswer 2 200 0 1 0\n"
-                                "request 2 57 0 0 0\nanswer 2 57 30000 0 0\n"
-                                "request 2 61 0 0 0\nanswer 2 61 10000 0 0\n"
-                                "request 2 60 0 0 0\nanswer 2 60 10000 0 0\n"
-                                "request 1000 1 0 0 53\nanswer 1000 1 0 0 "))
+  EXPECT_TRUE(
+      lines.starts_with("request 2 12 0 0 0\nanswer 2 12 0 0 6\n"
+                        "request 2 10 0 0 80\nanswer 2 10 0 0 0\n"
+                        "request 2 200 0 0 0\nanswer 2 200 0 1 0\n"
+                        "request 2 57 0 0 0\nanswer 2 57 30000 0 0\n"
+                        "request 2 61 0 0 0\nanswer 2 61 10000 0 0\n"
+                        "request 2 60 0 0 0\nanswer 2 60 10000 0 0\n"
+                        "request 1000 1 0 0 53\nanswer 1000 1 0 0 "))
       << lines;
   EXPECT_TRUE(lines.ends_with("\nrequest 2 53 0 0 0\nanswer 2 53 0 0 80\n")) << lines;
   capture::Reader reader = capture::read_capture(path);
@@ -357,9 +357,9 @@ TEST(Daemon, CapturesAfterAnotherOneUnderANumber) {
   daemon.start({"--capture", daemon.folder / "box.pcapng", "--capture-limit", "1048576"});
   ask(kGetOltMac);
   EXPECT_EQ(daemon.kill(SIGTERM), 0);
-  EXPECT_EQ(daemon.errors(), fmt::format("oltbox: {}: exists; the capture is {}\n",
-                                         daemon.folder / "box.pcapng",
-                                         daemon.folder / "box-1.pcapng"));
+  EXPECT_EQ(daemon.errors(),
+            fmt::format("oltbox: {}: exists; the capture is {}\n", daemon.folder / "box.pcapng",
+                        daemon.folder / "box-1.pcapng"));
   EXPECT_EQ(packets_in(daemon.folder / "box-1.pcapng"), "request 2 12 0 0 0\nanswer 2 12 0 0 6\n");
 }
 
@@ -493,8 +493,8 @@ TEST(Daemon, PrintsHelpAndVersion) {
   EXPECT_EQ(daemon.output().find("oltbox 0."), 0U) << daemon.output();
   EXPECT_EQ(daemon.run({"--help"}), 0);
   for (const char *option : {"--run-dir", "--state-dir", "--topology", "--group", "--fault",
-                             "--trace", "--fresh", "--listing-limit", "--capture", "--capture-limit",
-                             "--capture-files", "--version", "--help"}) {
+                             "--trace", "--fresh", "--listing-limit", "--capture",
+                             "--capture-limit", "--capture-files", "--version", "--help"}) {
     EXPECT_TRUE(holds(daemon.output(), option)) << option;
   }
 }

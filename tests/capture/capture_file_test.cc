@@ -144,7 +144,7 @@ TEST_F(CaptureOnDisk, StaysWithinItsLimitInTwoFiles) {
 TEST_F(CaptureOnDisk, CountsWhatTheDiskDoesNotTakeInTime) {
   {
     CaptureFile file("oltbox", options());
-    add(file, 2000, 65'536);
+    add(file, 400, 65'536);
   }
   uint32_t counted = 0;
   for (const Packet &packet : packets_in(folder_ / "box.pcapng")) {
@@ -225,9 +225,9 @@ TEST_F(CaptureOnDisk, KeepsListings) {
   EXPECT_EQ("by its path", read_file(folder_ / "kept/1000-1234-0-2.listing"));
   std::filesystem::directory_iterator kept(folder_ / "kept");
   EXPECT_EQ(2, std::distance(begin(kept), end(kept)));
-  EXPECT_EQ(folder_ / "vlan-00000002.txt" +
-                ": No such file or directory; the listing is not kept\n",
-            reports_);
+  EXPECT_EQ(
+      folder_ / "vlan-00000002.txt" + ": No such file or directory; the listing is not kept\n",
+      reports_);
   EXPECT_EQ(10U, packets_in(folder_ / "box.pcapng").size());
 }
 

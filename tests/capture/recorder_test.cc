@@ -137,14 +137,15 @@ TEST(Recorder, KeepsListingsOfTheRunDirectory) {
   environment.back() = "OLT_RUN_DIR=" + folder / "elsewhere";
   ran = run({OLTCTL, "--box", "embedded", "get_vlan_all"}, environment);
   EXPECT_EQ(0, ran.status);
-  EXPECT_EQ("libolttrace: " + folder / "elsewhere/vlan-00000002.txt" +
-                ": No such file or directory\n",
-            ran.errors);
+  EXPECT_EQ(
+      "libolttrace: " + folder / "elsewhere/vlan-00000002.txt" + ": No such file or directory\n",
+      ran.errors);
   environment.back() = "OLT_CAPTURE_FILES=relative";
   ran = run({OLTCTL, "--box", "embedded", "get_olt_mac"}, environment);
-  EXPECT_EQ("libolttrace: OLT_CAPTURE_FILES: not a path; expected an absolute one of at most 199"
-            " bytes\n",
-            ran.errors);
+  EXPECT_EQ(
+      "libolttrace: OLT_CAPTURE_FILES: not a path; expected an absolute one of at most 199"
+      " bytes\n",
+      ran.errors);
 }
 
 TEST(Recorder, OltctlReadsWhatKilledProcessesLeave) {

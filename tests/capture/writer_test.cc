@@ -61,8 +61,9 @@ TEST(CaptureWriter, WritesAnInterfaceForEachProcess) {
   Writer writer("oltbox", false);
   Bytes file;
   writer.begin(file);
-  Bytes section = hex("0a0d0d0a 2c000000 4d3c2b1a 01000000 ffffffff ffffffff"
-                      "0400 0600 6f6c74626f78 0000 00000000 2c000000");
+  Bytes section =
+      hex("0a0d0d0a 2c000000 4d3c2b1a 01000000 ffffffff ffffffff"
+          "0400 0600 6f6c74626f78 0000 00000000 2c000000");
   EXPECT_EQ(section, file);
   file.clear();
   writer.add(exchange(1234, 7), "front_end", file);

@@ -173,8 +173,8 @@ TEST_F(CaptureCommand, ASlowReaderLosesExchangesAndHoldsUpNobody) {
   std::string pipe = file("pipe");
   ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
   int reader = open(pipe.c_str(), O_RDWR | O_CLOEXEC);
-  pid_t child = start({"sh", "-c", "exec " OLTCTL " --box " + run_dir() + " capture - >" + pipe},
-                      "output");
+  pid_t child =
+      start({"sh", "-c", "exec " OLTCTL " --box " + run_dir() + " capture - >" + pipe}, "output");
   std::string bytes(44, '\0');
   ASSERT_EQ(44, read(reader, bytes.data(), 44)) << "the section";
   setenv("OLT_RUN_DIR", run_dir().c_str(), 1);

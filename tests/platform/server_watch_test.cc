@@ -47,21 +47,21 @@ class Watched : public testing::Test {
   static void note(void *context, const olt_served_exchange *exchange) {
     auto *test = static_cast<Watched *>(context);
     std::lock_guard guard(test->lock_);
-    test->served_.push_back(
-        {exchange->module, exchange->message_type,
-         bytes_at(exchange->request, exchange->request_length), exchange->no_reply,
-         static_cast<uint32_t>(exchange->end), exchange->status,
-         bytes_at(exchange->reply, exchange->reply_length), exchange->began_ns,
-         exchange->elapsed_ns, exchange->process, exchange->connection});
+    test->served_.push_back({exchange->module, exchange->message_type,
+                             bytes_at(exchange->request, exchange->request_length),
+                             exchange->no_reply, static_cast<uint32_t>(exchange->end),
+                             exchange->status, bytes_at(exchange->reply, exchange->reply_length),
+                             exchange->began_ns, exchange->elapsed_ns, exchange->process,
+                             exchange->connection});
   }
 
   std::mutex lock_;
   std::vector<Served> served_;
   TemporaryRunDir dir_;
-  ServerThread server_{{.run_dir = dir_.path().c_str(),
-                        .stall_ms = 150,
-                        .modules = {2, 18},
-                        .before_run = [this] { olt_server_watch(server_.server(), note, this); }}};
+  ServerThread server_{
+      {.run_dir = dir_.path().c_str(), .stall_ms = 150, .modules = {2, 18}, .before_run = [this] {
+         olt_server_watch(server_.server(), note, this);
+       }}};
 };
 
 TEST_F(Watched, AnswersHaveBothRecordsTheProcessAndTheConnection) {
