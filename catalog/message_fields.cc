@@ -1,6 +1,7 @@
 #include "catalog/message_fields.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace olt::catalog {
@@ -76,6 +77,20 @@ class Fields {
 
 std::vector<MessageField> fields_of(const Operation &operation, const Message &message) {
   return Fields(operation, message).take();
+}
+
+bool changes(const Operation &operation, std::span<const uint8_t> request) {
+  if (operation.always_changes()) return true;
+  const char *name = operation.reply.read_if_zero;
+  if (name == nullptr) return false;
+  for (const MessageField &placed : fields_of(operation, operation.request)) {
+    const Field &field = placed.field;
+    if (std::string_view(field.name) != name || field.offset >= request.size()) continue;
+    std::span<const uint8_t> bytes = request.subspan(field.offset);
+    bytes = bytes.first(std::min<size_t>(field.width, bytes.size()));
+    return std::any_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte != 0; });
+  }
+  return true;
 }
 
 }  // namespace olt::catalog

@@ -2,6 +2,7 @@
 #ifndef OLT_CATALOG_OPERATION_H
 #define OLT_CATALOG_OPERATION_H
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -64,6 +65,12 @@ struct Field {
   std::span<const ValueName> values{};  ///< of numbers and flags that have names
   const char *unit = nullptr;           ///< of a number: "kbit/s"
   std::span<const Field> record{};      ///< the fields of each of kRecords
+
+  /// Whether it is a secret, or a record or list in which one is.
+  constexpr bool holds_secret() const {
+    return secret || std::any_of(record.begin(), record.end(),
+                                 [](const Field &inner) { return inner.holds_secret(); });
+  }
 
   /// Bytes that a text in the field may have.
   constexpr uint32_t longest_text() const { return kind == FieldKind::kText ? width - 1 : width; }
@@ -219,6 +226,16 @@ struct Operation {
     return {argument_room.data(), argument_count};
   }
   constexpr bool sets_present() const { return present.getter != nullptr; }
+  /// Whether a call returns more than its result.
+  constexpr bool reports() const {
+    std::span<const Argument> all = arguments();
+    return std::any_of(all.begin(), all.end(),
+                       [](const Argument &argument) { return argument.is_output(); });
+  }
+  /// Whether a call changes what the modules keep or do, whatever its arguments.
+  constexpr bool always_changes() const {
+    return !reports() || sets_present() || takes_all || destructive;
+  }
   constexpr bool succeeded(int32_t result) const {
     return result == 0 || (outcome.count != nullptr && result > 0);
   }

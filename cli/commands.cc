@@ -13,6 +13,7 @@
 #include "catalog/catalog.h"
 #include "cli/capture_command.h"
 #include "cli/catalog_json.h"
+#include "cli/compare_command.h"
 #include "cli/completion.h"
 #include "cli/layout/layouts.h"
 #include "cli/layout/writer.h"
@@ -202,7 +203,7 @@ std::string details_of_layout() {
 
 void run_show(Session &session, Arguments words) {
   if (words.size() < 2) wrong_usage("show: no file is given; expected a capture");
-  ShownExchanges shown = shown_exchanges(words.subspan(2), session.layout());
+  SelectedExchanges shown = selected_exchanges("show", words.subspan(2), session.layout());
   try {
     capture::Reader reader = capture::read_capture(words[1]);
     show_capture(reader, shown, session.layout(), session.wants_json(), print);
@@ -382,6 +383,9 @@ constexpr Command kCommands[] = {
      details_of_show},
     {"capture", "capture FILE [NAME=VALUE...] [OPTION...]",
      "Records the exchanges of a running box", run_capture, words_of_capture, details_of_capture},
+    {"compare", "compare FILE [NAME=VALUE...] [OPTION...]",
+     "Compares what a capture recorded with what the box answers", run_compare, words_of_compare,
+     details_of_compare},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash\ncompletion zsh\ncompletion fish",
      "Prints the completion for a shell: eval \"$(oltctl completion bash)\"", run_completion,

@@ -61,7 +61,7 @@ std::string run_dir(const std::string &box) {
 
 /// Commands that read their own options.
 bool has_options(const std::string &command) {
-  return command == "walk" || command == "watch" || command == "capture";
+  return command == "capture" || command == "compare" || command == "walk" || command == "watch";
 }
 
 std::vector<std::string> words_of(const CLI::App &app) {
@@ -164,7 +164,8 @@ void define_options(CLI::App &app, Given &given) {
   app.add_flag("--trace", given.options.trace, "Show each exchange on standard error");
   app.add_flag("--show-secrets", given.options.detail.secrets, "Show passwords in results");
   app.add_flag("--all", given.options.detail.all,
-               "Show reserved fields, and those that say what was asked for");
+               "Show reserved fields, and those that say what was asked for;\n"
+               "compare: send requests that may change the box, too");
   app.add_flag("--raw", given.options.detail.raw, "Show numbers and hex instead of names");
   app.add_flag("--yes", given.options.yes, "Answer yes to questions before a call");
   app.add_flag("--zero", given.options.zero,

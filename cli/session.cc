@@ -176,6 +176,12 @@ void Session::run_watch(const WatchPlan &plan) {
   Watch(box_, layout(), options_.detail, options_.format).run(plan);
 }
 
+void Session::run_compare(ComparePlan plan) {
+  plan.all = plan.all || options_.detail.all;
+  plan.asks = plan.asks && !options_.yes && !options_.script && can_confirm();
+  Compare(box_, layout(), options_.detail, options_.format).run(plan);
+}
+
 void Session::run_config_export(const std::string &path) {
   box_.open();
   std::string text = export_configuration(options_.detail.secrets);

@@ -13,6 +13,7 @@
 #include "cli/box/access.h"
 #include "cli/box/control_client.h"
 #include "cli/call/call.h"
+#include "cli/compare/compare.h"
 #include "cli/options.h"
 #include "cli/output/format.h"
 #include "cli/update/update.h"
@@ -35,6 +36,8 @@ class Session {
   void run_walk(Query query);
   /// Calls operations again and again.
   void run_watch(const WatchPlan &plan);
+  /// Compares what the box answers with what a capture recorded.
+  void run_compare(ComparePlan plan);
   void run_control(const ControlRequest &request);
   /// Writes the box's configuration to a file; to standard output when the path is empty.
   void run_config_export(const std::string &path);

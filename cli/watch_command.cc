@@ -69,12 +69,10 @@ void add_item(WatchPlan &plan, Session &session, const std::vector<std::string> 
     wrong_usage("watch: {} is a command; expected an operation", words[0]);
   }
   const catalog::Operation &operation = operation_named(words[0], session.layout());
-  auto arguments = operation.arguments();
-  if (std::none_of(arguments.begin(), arguments.end(),
-                   [](const catalog::Argument &argument) { return argument.is_output(); })) {
+  if (!operation.reports()) {
     wrong_usage("watch: {} has no result; expected an operation that reads", operation.name);
   }
-  if (operation.sets_present() || operation.takes_all || operation.destructive) {
+  if (operation.always_changes()) {
     wrong_usage("watch: {} changes the box; expected an operation that reads", operation.name);
   }
   auto call = std::make_unique<Call>(operation);

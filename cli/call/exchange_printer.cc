@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -45,10 +44,6 @@ std::string dump(const void *data, size_t length, std::vector<Hidden> hidden) {
   return text;
 }
 
-bool has_secret(const Field &field) {
-  return field.secret || std::any_of(field.record.begin(), field.record.end(), has_secret);
-}
-
 /// "  slot=1 port=2": what the dump does not say. Empty when there is nothing.
 std::string fields_text(const Operation &operation, const Message &message, ByteView bytes) {
   std::string text;
@@ -61,7 +56,7 @@ std::string fields_text(const Operation &operation, const Message &message, Byte
     }
     ByteView value = bytes.subspan(field.offset, field.width);
     text += fmt::format(" {}={}", field.name,
-                        has_secret(field) ? "**" : form_of(field.kind).text(field, value));
+                        field.holds_secret() ? "**" : form_of(field.kind).text(field, value));
   }
   return text.empty() ? "" : fmt::format(" {}\n", text);
 }

@@ -33,7 +33,7 @@ Words candidates(const Words &before, std::string_view word) {
 TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "get_olt"),
             (Words{"get_olt_mac", "get_olt_support_oam", "get_olt_auth_mode"}));
-  EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "counters", "completion"}));
+  EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "compare", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
   EXPECT_EQ(candidates(Words{}, "").size(), operations + 13U);
