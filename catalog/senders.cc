@@ -25,15 +25,6 @@ bool sends_to(const Operation &operation, uint32_t module, uint32_t message_type
   return address.sends() && address.message_type == message_type && is_module;
 }
 
-bool may_send(const Operation &operation, const SentRequest &request) {
-  if (!sends_to(operation, request.module, request.message_type)) return false;
-  uint32_t fixed = operation.request.fixed_length();
-  bool is_open =
-      operation.request.part_count > 0 && operation.request.parts().back().reaches_the_end();
-  return (is_open ? request.length >= fixed : request.length == fixed) &&
-         holds_constants(operation, request.bytes);
-}
-
 template <typename Fits>
 std::vector<const Operation *> all_that(const Layout &layout, const Fits &fits) {
   std::vector<const Operation *> found;
@@ -45,6 +36,15 @@ std::vector<const Operation *> all_that(const Layout &layout, const Fits &fits) 
 }
 
 }  // namespace
+
+bool may_send(const Operation &operation, const SentRequest &request) {
+  if (!sends_to(operation, request.module, request.message_type)) return false;
+  uint32_t fixed = operation.request.fixed_length();
+  bool is_open =
+      operation.request.part_count > 0 && operation.request.parts().back().reaches_the_end();
+  return (is_open ? request.length >= fixed : request.length == fixed) &&
+         holds_constants(operation, request.bytes);
+}
 
 std::vector<const Operation *> senders_of(const SentRequest &request, const Layout &layout) {
   return all_that(layout, [&request](const Operation &one) { return may_send(one, request); });

@@ -17,6 +17,8 @@ struct SentRequest {
   uint32_t length;                 ///< of the whole request
 };
 
+bool may_send(const Operation &operation, const SentRequest &request);
+
 /// In the order of the catalog.
 std::vector<const Operation *> senders_of(const SentRequest &request, const Layout &layout);
 

@@ -3,7 +3,8 @@ include(CMakePackageConfigHelpers)
 install(TARGETS oltmgmt oltmgmt_static EXPORT oltmgmt)
 install(FILES include/oltmgmt.h include/oltplatform.h TYPE INCLUDE)
 install(DIRECTORY examples TYPE DOC
-  FILES_MATCHING PATTERN *.c PATTERN *.cc PATTERN *.h PATTERN CMakeLists.txt PATTERN Makefile)
+  FILES_MATCHING PATTERN *.c PATTERN *.cc PATTERN *.h PATTERN CMakeLists.txt PATTERN Makefile
+  PATTERN *.pcapng)
 
 # For find_package(oltmgmt).
 set(OLT_PACKAGE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/oltmgmt)

@@ -79,6 +79,29 @@ void olt_mock_answer(olt_mock_expectation *expectation, const char *fields);
 /// @param[in]     length      bytes of the reply, at most 65535
 void olt_mock_answer_bytes(olt_mock_expectation *expectation, const void *reply, size_t length);
 
+/// Answers with the replies that a capture of libolttrace holds for the operation, in their order,
+/// in turn like olt_mock_answer. Requests are not compared; exchanges that failed, and those that
+/// were cut, are left out. Secrets that the recorder masked are asterisks. After a mistake, such as
+/// a damaged capture or one without such a reply, the answers are those before.
+///
+/// @param[in,out] expectation of an operation that has a reply
+/// @param[in]     path        of the capture; read during the call
+void olt_mock_answer_from_capture(olt_mock_expectation *expectation, const char *path);
+
+/// Answers every call that meets no expectation and whose request a capture of libolttrace holds,
+/// as it was answered then: with the same reply, status or transport result. Equal requests are
+/// answered in the order in which they were recorded, then as the last one again and again. Such
+/// calls may come in any order, or not at all. Holds until olt_mock_finish; called again, the
+/// exchanges of the next capture come after those of the last one.
+///
+/// Bytes that an operation leaves uninitialized are not compared, nor secrets that the recorder
+/// masked; those of a reply are asterisks. Exchanges that were cut, or of which a part is missing,
+/// are left out. After a mistake, such as a damaged capture or one without a whole exchange,
+/// nothing of that capture is answered.
+///
+/// @param[in] path of the capture; read during the call
+void olt_mock_replay(const char *path);
+
 /// Sets how often the call is expected; 1 if this is not called.
 ///
 /// @param[in,out] expectation changed

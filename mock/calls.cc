@@ -74,6 +74,14 @@ void olt_mock_answer_bytes(olt_mock_expectation *expectation, const void *reply,
   change(expectation, [=](auto &one) { mock().answer_bytes(one, bytes_of(reply, length)); });
 }
 
+void olt_mock_answer_from_capture(olt_mock_expectation *expectation, const char *path) {
+  change(expectation, [path](auto &one) { mock().answer_from_capture(one, path); });
+}
+
+void olt_mock_replay(const char *path) {
+  tell(mistake_of([path] { mock().replay_capture(path); }));
+}
+
 void olt_mock_times(olt_mock_expectation *expectation, uint32_t min, uint32_t max) {
   change(expectation, [=](auto &one) { mock().set_times(one, min, max); });
 }

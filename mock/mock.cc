@@ -135,6 +135,18 @@ void Mock::answer_bytes(Expectation &expectation, ByteView reply) {
   expectation.answers.emplace_back(reply.begin(), reply.end());
 }
 
+void Mock::answer_from_capture(Expectation &expectation, const char *path) {
+  require_reply(expectation);
+  std::vector<Bytes> replies =
+      recorded_replies(path == nullptr ? "" : path, *expectation.operation);
+  for (const Bytes &reply : replies) answer_bytes(expectation, reply);
+}
+
+void Mock::replay_capture(const char *path) {
+  std::lock_guard guard(lock_);
+  recording_.add(path == nullptr ? "" : path);
+}
+
 void Mock::set_times(Expectation &expectation, uint32_t min, uint32_t max) {
   if (max == 0 || min > max) {
     throw BadInput(
@@ -220,6 +232,7 @@ Outcome Mock::exchange(const Request &request) {
   std::unique_lock guard(lock_);
   std::shared_ptr<Expectation> expectation = find(request);
   if (expectation == nullptr) {
+    if (std::optional<Outcome> outcome = replay(request)) return *outcome;
     return {.result = OLT_MOCK_UNEXPECTED, .report = keep_report(unexpected(request))};
   }
   bool has_second = expectation->operation->address.second_module != Address::kNone;
@@ -242,23 +255,40 @@ Outcome Mock::exchange(const Request &request) {
   Outcome outcome{.result = plan.result,
                   .has_status = plan.result == 0 || plan.status != 0,
                   .status = plan.status};
-  if (succeeds && request.wants_reply) hand_out(*expectation, call, outcome);
+  if (succeeds && request.wants_reply) {
+    const std::vector<Bytes> &answers = expectation->answers;
+    hand_out(request,
+             answers.empty() ? reply_with(*expectation->operation, {})
+                             : answers[std::min<size_t>(call, answers.size()) - 1],
+             outcome);
+  }
   return outcome;
 }
 
-void Mock::hand_out(const Expectation &expectation, uint32_t call, Outcome &outcome) {
-  const std::vector<Bytes> &answers = expectation.answers;
-  Bytes reply = answers.empty() ? reply_with(*expectation.operation, {})
-                                : answers[std::min<size_t>(call, answers.size()) - 1];
+/// What the captures answer, if they hold the request.
+std::optional<Outcome> Mock::replay(const Request &request) {
+  const Recorded *recorded = recording_.next(request.message_type, request.module, request.bytes);
+  if (recorded == nullptr) return std::nullopt;
+  Outcome outcome{
+      .result = recorded->result, .has_status = recorded->result == 0, .status = recorded->status};
+  bool has_reply = recorded->result == 0 && recorded->status == 0;
+  if (has_reply && request.wants_reply) hand_out(request, recorded->reply, outcome);
+  return outcome;
+}
+
+void Mock::hand_out(const Request &request, const Bytes &reply, Outcome &outcome) {
   Memory memory(std::calloc(1, std::max(reply.size() + 1, kSmallestReply)));
   if (memory == nullptr) throw std::bad_alloc();
   std::copy(reply.begin(), reply.end(), static_cast<uint8_t *>(memory.get()));
   outcome.reply = memory.get();
   outcome.reply_length = static_cast<uint16_t>(reply.size());
   outcome.reply_handle = ++last_handle_;
+  const Operation *operation = request.operation;
   replies_[last_handle_] = {.memory = std::move(memory),
-                            .operation = expectation.operation->name,
-                            .counts = !keeps_reply(*expectation.operation)};
+                            .operation = operation == nullptr
+                                             ? fmt::format("message type {}", request.message_type)
+                                             : operation->name,
+                            .counts = operation == nullptr || !keeps_reply(*operation)};
 }
 
 const char *Mock::release_reply(uint32_t handle) {
@@ -425,6 +455,7 @@ const char *Mock::finish(int &reports) {
   for (const auto &one : expectations_) one->is_released = true;
   changed_.notify_all();
   expectations_.clear();
+  recording_.clear();
   turn_ = 0;
   failing_allocation_ = 0;
   reports = std::exchange(reports_, 0);

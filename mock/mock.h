@@ -18,6 +18,7 @@
 #include "base/text.h"
 #include "catalog/operation.h"
 #include "mock/message.h"
+#include "mock/recording.h"
 #include "oltmock.h"
 
 namespace olt::mock {
@@ -90,6 +91,8 @@ class Mock {
   Expectation *expect_bytes(const char *name, ByteView request);
   void answer(Expectation &expectation, const char *fields);
   void answer_bytes(Expectation &expectation, ByteView reply);
+  void answer_from_capture(Expectation &expectation, const char *path);
+  void replay_capture(const char *path);
   void set_times(Expectation &expectation, uint32_t min, uint32_t max);
   void set_any_order(Expectation &expectation);
   void plan_failure(Expectation &expectation, uint32_t call, int32_t result);
@@ -128,7 +131,8 @@ class Mock {
   std::shared_ptr<Expectation> find(const Request &request);
   std::string unexpected(const Request &request) const;
   std::string why_not(const Expectation &expectation, const Request &request) const;
-  void hand_out(const Expectation &expectation, uint32_t call, Outcome &outcome);
+  std::optional<Outcome> replay(const Request &request);
+  void hand_out(const Request &request, const Bytes &reply, Outcome &outcome);
   void append_calls(std::string &text) const;
   void append_leaks(std::string &text);
   const char *keep_report(std::string text);
@@ -136,6 +140,7 @@ class Mock {
   std::mutex lock_;
   std::condition_variable changed_;
   std::vector<std::shared_ptr<Expectation>> expectations_;
+  Recording recording_;
   size_t turn_ = 0;  ///< the first one in order that may still be met
   std::map<uint32_t, Reply> replies_;
   uint32_t last_handle_ = 0;

@@ -84,8 +84,8 @@ void Compare::each_recorded(const ComparePlan &plan, Function function) {
   }
 }
 
-/// Reads the whole capture, so that a damaged one is refused before anything is sent.
-void Compare::confirm_destructive(const ComparePlan &plan) {
+/// Reads the whole capture, so that a damaged one is refused before anything is sent, and asks.
+void Compare::check(const ComparePlan &plan) {
   std::error_code error;
   if (std::filesystem::exists(plan.path, error) &&
       !std::filesystem::is_regular_file(plan.path, error)) {
@@ -144,7 +144,7 @@ std::vector<FieldDifference> Compare::ask_box(const Recorded &recorded) {
 
 void Compare::run(const ComparePlan &plan) {
   try {
-    confirm_destructive(plan);
+    check(plan);
     box_.require_box();
     DeferredEnd end;
     each_recorded(plan, [&](const Recorded &recorded, const std::optional<Skip> &skip) {

@@ -36,7 +36,7 @@ class Compare {
  private:
   template <typename Function>
   void each_recorded(const ComparePlan &plan, Function function);
-  void confirm_destructive(const ComparePlan &plan);
+  void check(const ComparePlan &plan);
   std::vector<FieldDifference> ask_box(const Recorded &recorded);
 
   Access &box_;

@@ -29,3 +29,17 @@ TEST_F(IdlePort, IsNotSavedWhenTheModuleRefuses) {
   olt_mock_refuse(olt_mock_expect("set_port_enable", nullptr), 1, 3);
   EXPECT_EQ(switch_off_idle_port(1, 3), IDLE_PORT_FAILED);
 }
+
+// idle_port.pcapng holds the answers of a simulated box whose port 3 has no link. With this in
+// unplugged.json: {"version":1,"olt":{"ports":[{"port":3,"plugged":false}]}}, it was recorded by
+//
+//   export LD_PRELOAD=/usr/local/lib/libolttrace.so OLT_CAPTURE=%p.pcapng
+//   oltctl --fresh --topology unplugged.json -f - <<END
+//   get_port_link_state 1 3
+//   set_port_enable 1 3 off
+//   save_system_config
+//   END
+TEST_F(IdlePort, IsSwitchedOffOnTheRecordedBox) {
+  olt_mock_replay(IDLE_PORT_CAPTURE);
+  EXPECT_EQ(switch_off_idle_port(1, 3), IDLE_PORT_OFF);
+}
