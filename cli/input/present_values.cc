@@ -119,10 +119,10 @@ std::optional<Place> reported_by(const Operation &getter, const Operation &sette
 }
 
 /// Reads the present values of what one call sets.
-class Reader {
+class PresentReader {
  public:
-  Reader(const Call &call, const Operation &getter, const Layout &layout, const Place &set,
-         const Place &reported)
+  PresentReader(const Call &call, const Operation &getter, const Layout &layout, const Place &set,
+                const Place &reported)
       : call_(call), getter_(getter), layout_(layout), set_(set), reported_(reported) {}
 
   Bytes read() const { return call_.operation().present.steps ? read_by_steps() : read_once(); }
@@ -304,7 +304,7 @@ std::optional<SetBytes> keep_present_values(Call &call, const Layout &layout) {
     return std::nullopt;
   }
   require_selection(call, *set);
-  Bytes present = Reader(call, getter, layout, *set, *reported).read();
+  Bytes present = PresentReader(call, getter, layout, *set, *reported).read();
   ask_for_secrets(call, *set, present);
   call.fill_in(set->argument, set->offset, present);
   ByteView after = call.bytes(set->argument);

@@ -16,7 +16,7 @@ using nlohmann::ordered_json;
 
 namespace {
 
-constexpr size_t kMaxShown = 40;
+constexpr size_t kLongestShown = 40;
 
 std::string pointer_part(std::string_view key) {
   std::string text;
@@ -35,7 +35,7 @@ std::string shown_value(const ordered_json &json) {
   std::string text = json.is_string()
                          ? json.get<std::string>()
                          : json.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-  if (text.size() > kMaxShown) text = text.substr(0, kMaxShown) + "...";
+  if (text.size() > kLongestShown) text = text.substr(0, kLongestShown) + "...";
   return fmt::format("'{}'", printable(text));
 }
 

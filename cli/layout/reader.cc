@@ -188,9 +188,9 @@ catalog::ImagePieces pieces_in(const JsonValue &pieces) {
 
 // Fields.
 
-class Reader {
+class LayoutReader {
  public:
-  explicit Reader(std::string name, const Layout &base) : layout_(std::move(name), base) {}
+  explicit LayoutReader(std::string name, const Layout &base) : layout_(std::move(name), base) {}
 
   void take_records(const JsonValue &records);
   void take_statuses(const JsonValue &statuses);
@@ -232,7 +232,7 @@ void require_kind(const JsonValue &member, const Field &field,
                 fmt::format("the kind {}", fmt::join(names, " or ")));
 }
 
-void Reader::take_records(const JsonValue &records) {
+void LayoutReader::take_records(const JsonValue &records) {
   std::vector<std::pair<std::string, std::vector<Field>>> described;
   records.each_member([&](const std::string &name, const JsonValue &list) {
     std::optional<Extent> extent = layout_.extent_of(name);
@@ -250,13 +250,14 @@ void Reader::take_records(const JsonValue &records) {
   for (auto &[name, fields] : described) layout_.set_fields(name, std::move(fields));
 }
 
-void Reader::require_word(const JsonValue &list, const Field &field, const Extent &extent) {
+void LayoutReader::require_word(const JsonValue &list, const Field &field, const Extent &extent) {
   if (field.name == std::string_view(extent.word) && field.width == extent.size) return;
   list.refuse(fmt::format("is a number of {} bytes", extent.size),
               fmt::format("one field, '{}', of {} bytes", extent.word, extent.size));
 }
 
-std::vector<Field> Reader::fields_in(const JsonValue &list, const Extent &extent, bool is_inner) {
+std::vector<Field> LayoutReader::fields_in(const JsonValue &list, const Extent &extent,
+                                           bool is_inner) {
   std::vector<Given> given;
   list.each_element([&](const JsonValue &value) {
     Field field = field_in(value, extent, is_inner);
@@ -272,7 +273,7 @@ std::vector<Field> Reader::fields_in(const JsonValue &list, const Extent &extent
   return without_gaps(std::move(given), extent);
 }
 
-Field Reader::field_in(const JsonValue &value, const Extent &extent, bool is_inner) {
+Field LayoutReader::field_in(const JsonValue &value, const Extent &extent, bool is_inner) {
   if (is_inner) {
     value.take_only({"name", "offset", "width", "kind", "unit", "decimals", "values", "role"});
   } else {
@@ -306,7 +307,7 @@ Field Reader::field_in(const JsonValue &value, const Extent &extent, bool is_inn
 }
 
 /// Reads the fields of repeated records. Without a size, a record ends with its last field.
-void Reader::take_record(const JsonValue &value, Field &field) {
+void LayoutReader::take_record(const JsonValue &value, Field &field) {
   std::optional<JsonValue> record = value.find("record");
   if (record) require_kind(*record, field, {FieldKind::kRecords});
   if (field.kind != FieldKind::kRecords) return;
@@ -318,7 +319,7 @@ void Reader::take_record(const JsonValue &value, Field &field) {
   field.record_size = field.record.back().offset + field.record.back().width;
 }
 
-void Reader::take_form(const JsonValue &value, Field &field) {
+void LayoutReader::take_form(const JsonValue &value, Field &field) {
   if (std::optional<JsonValue> unit = value.find("unit")) {
     require_kind(*unit, field, {FieldKind::kNumber, FieldKind::kSigned, FieldKind::kNumbers});
     field.unit = layout_.keep(short_text(*unit));
@@ -346,7 +347,7 @@ void Reader::take_form(const JsonValue &value, Field &field) {
   }
 }
 
-std::span<const ValueName> Reader::values_in(const JsonValue &values, const Field &field) {
+std::span<const ValueName> LayoutReader::values_in(const JsonValue &values, const Field &field) {
   uint32_t max = field.width < 4 ? (uint32_t{1} << 8 * field.width) - 1 : UINT32_MAX;
   uint32_t min = field.kind == FieldKind::kFlags ? 1 : 0;
   std::vector<ValueName> named;
@@ -365,7 +366,7 @@ std::span<const ValueName> Reader::values_in(const JsonValue &values, const Fiel
   return layout_.keep(std::move(named));
 }
 
-Field Reader::reserved(uint32_t offset, uint32_t width) {
+Field LayoutReader::reserved(uint32_t offset, uint32_t width) {
   return {.name = layout_.keep(reserved_name(offset)),
           .offset = offset,
           .width = width,
@@ -374,7 +375,7 @@ Field Reader::reserved(uint32_t offset, uint32_t width) {
 }
 
 /// The fields in order, and reserved ones between them.
-std::vector<Field> Reader::without_gaps(std::vector<Given> given, const Extent &extent) {
+std::vector<Field> LayoutReader::without_gaps(std::vector<Given> given, const Extent &extent) {
   std::stable_sort(given.begin(), given.end(),
                    [](const Given &a, const Given &b) { return a.field.offset < b.field.offset; });
   std::vector<Field> fields;
@@ -398,7 +399,7 @@ std::vector<Field> Reader::without_gaps(std::vector<Given> given, const Extent &
 
 // Statuses and rows.
 
-void Reader::take_statuses(const JsonValue &statuses) {
+void LayoutReader::take_statuses(const JsonValue &statuses) {
   std::map<uint16_t, std::string> named;
   statuses.each_member([&](const std::string &key, const JsonValue &value) {
     auto status = static_cast<uint16_t>(number_in_name(key, value, 0, UINT16_MAX));
@@ -409,7 +410,7 @@ void Reader::take_statuses(const JsonValue &statuses) {
   layout_.set_statuses(std::move(named));
 }
 
-void Reader::take_row_selection(const JsonValue &selection) {
+void LayoutReader::take_row_selection(const JsonValue &selection) {
   selection.take_only({"target_offset", "record_offset", "this", "next"});
   constexpr uint32_t kWord = sizeof(uint32_t);
   catalog::RowSelection read{
@@ -445,7 +446,7 @@ Layout parse_layout(std::string_view text) {
   if (name == Layout::box().name() || name == Layout::contract().name()) {
     named.refuse("another name than that of a built-in layout");
   }
-  Reader reader(std::move(name), base_of(document));
+  LayoutReader reader(std::move(name), base_of(document));
   if (auto records = document.find("records")) reader.take_records(*records);
   if (auto statuses = document.find("statuses")) reader.take_statuses(*statuses);
   if (auto status = document.find("end_of_table")) reader.take_end_of_table(*status);

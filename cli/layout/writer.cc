@@ -22,7 +22,7 @@ namespace {
 
 ordered_json fields_json(std::span<const Field> fields);
 
-ordered_json field_json(const Field &field) {
+ordered_json json_of_field(const Field &field) {
   ordered_json object = {{"name", field.name}, {"offset", field.offset}};
   if (field.width != Field::kToTheEnd) object["width"] = field.width;
   object["kind"] = form_of(field.kind).name;
@@ -43,7 +43,7 @@ ordered_json field_json(const Field &field) {
 
 ordered_json fields_json(std::span<const Field> fields) {
   ordered_json list = ordered_json::array();
-  for (const Field &field : fields) list.push_back(field_json(field));
+  for (const Field &field : fields) list.push_back(json_of_field(field));
   return list;
 }
 
@@ -57,7 +57,7 @@ void add_record(const Layout &layout, const Operation &operation, const Argument
   if (argument.is_word()) {
     if (!means_something(argument)) return;
     std::string name = fmt::format("{}.{}", operation.name, argument.name);
-    records[name] = ordered_json::array({field_json(argument.whole())});
+    records[name] = ordered_json::array({json_of_field(argument.whole())});
     return;
   }
   std::string name(argument.record_name);
