@@ -36,6 +36,9 @@ using nlohmann::ordered_json;
 
 namespace {
 
+/// Where summaries begin after "oltctl ".
+constexpr size_t kSummaryColumn = 25;
+
 using Arguments = std::span<const std::string>;
 using Words = std::vector<std::string>;
 
@@ -500,7 +503,13 @@ std::string command_summaries() {
   std::string text;
   for (const Command &command : kCommands) {
     std::string usage = command.usage;
-    text += fmt::format("  oltctl {:<25}{}\n", usage.substr(0, usage.find('\n')), command.summary);
+    usage = usage.substr(0, usage.find('\n'));
+    if (usage.size() < kSummaryColumn) {
+      text += fmt::format("  oltctl {:<{}}{}\n", usage, kSummaryColumn, command.summary);
+    } else {
+      text += fmt::format("  oltctl {}\n         {:<{}}{}\n", usage, "", kSummaryColumn,
+                          command.summary);
+    }
   }
   return text;
 }

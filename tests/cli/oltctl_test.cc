@@ -355,6 +355,10 @@ TEST(OltctlRun, HelpNeedsNoBox) {
   EXPECT_EQ(oltctl({"help", "get_olt_mac"}).status, 0);
   EXPECT_EQ(oltctl({"completion", "bash"}).status, 0);
   EXPECT_FALSE(std::filesystem::exists(oltctl.folder().path() + "/oltmgmt"));
+  EXPECT_TRUE(holds(help.output,
+                    "\n  oltctl walk [READER] [COLUMN=VALUE...] [OPTION...]\n"
+                    "                                  Prints the rows of a table\n"))
+      << help.output;
 }
 
 TEST(OltctlRun, ARunDirectoryIsTakenFromTheEnvironment) {
