@@ -93,6 +93,7 @@ struct olt_request {
   const void *data;  ///< any alignment; valid during the handler's call
   uint32_t length;
   uint32_t no_reply;  ///< 1: only the status is sent back
+  uint32_t process;   ///< the client's, when it connected; 0 when this system does not see it
 };
 
 enum olt_answer_action {

@@ -35,6 +35,7 @@ Session::Session(asio::io_context &loop, Descriptor socket, const Service &servi
     : socket_(loop, asio::local::stream_protocol(), socket.get()),
       timer_(loop),
       service_(service),
+      process_(process_of_peer(socket_.native_handle())),
       statistics_(statistics),
       stall_limit_(stall_limit),
       budget_share_(budget),
@@ -150,7 +151,8 @@ olt_answer Session::call_handler(const RequestHeader &header) {
                       .message_type = header.message_type,
                       .data = &buffer_[kRequestHeaderSize],
                       .length = header.length,
-                      .no_reply = header.no_reply ? 1u : 0u};
+                      .no_reply = header.no_reply ? 1u : 0u,
+                      .process = process_};
   std::string fault;
   try {
     olt_answer answer{};

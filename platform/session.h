@@ -84,6 +84,7 @@ class Session : public std::enable_shared_from_this<Session> {
   asio::local::stream_protocol::socket socket_;
   asio::steady_timer timer_;
   const Service &service_;
+  const uint32_t process_;  ///< the client's
   ServerStatistics &statistics_;
   const std::chrono::milliseconds stall_limit_;
 

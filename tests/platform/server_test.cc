@@ -342,6 +342,16 @@ TEST_F(Serving, AClaimedLengthTakesNoMemory) {
   EXPECT_TRUE(server_.reaches(&olt_server_counters::stalled_clients, 64));
 }
 
+TEST_F(Serving, TellsTheHandlerTheProcessOfTheClient) {
+  EXPECT_EQ(exchange_bytes(2, kProcess, {}), word(static_cast<uint32_t>(getpid())));
+  pid_t child = fork();
+  if (child == 0)
+    _exit(exchange_bytes(2, kProcess, {}) == word(static_cast<uint32_t>(getpid())) ? 0 : 1);
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+}
+
 TEST_F(Serving, ConnectsWithinTheProcess) {
   RawClient client(olt_server_connect(server_.server(), 18));
   ASSERT_GE(client.get(), 0);

@@ -133,6 +133,8 @@ void act(void * /*context*/, const olt_request *request, olt_answer *answer) {
       answer->action = OLT_ANSWER_DISCONNECT;
       answer->delay_ms = parameter(*request, 0);
       return;
+    case kProcess:
+      return reply_with(answer, word(request->process));
     case kPattern:
       return reply_with(answer, pattern(parameter(*request, 0), 6));
     case kDigest:

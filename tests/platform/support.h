@@ -62,7 +62,8 @@ enum Act : uint32_t {
   kNullReply = 13,    ///< a reply length without a reply
   kNoReplyFlag = 14,  ///< status is the request's no-reply flag
   kBusy = 15,         ///< the handler itself takes that many milliseconds
-  kOpenFiles = 16     ///< opens that many files at once; the status is the number that failed
+  kOpenFiles = 16,    ///< opens that many files at once; the status is the number that failed
+  kProcess = 17       ///< the client's process, a word
 };
 void act(void *context, const olt_request *request, olt_answer *answer);
 
