@@ -2,29 +2,22 @@
 #ifndef OLT_BOX_OLTBOX_OPTIONS_H
 #define OLT_BOX_OLTBOX_OPTIONS_H
 
+#include "serving/options.h"
+
 namespace olt::box::option {
 
-struct Option {
-  const char *name;
-  const char *value;  ///< what it takes, such as "DIR"; empty for a flag
-  const char *summary;
-};
+using serving::Option;
+using namespace serving::option;
 
-inline constexpr Option kRunDir = {"--run-dir", "DIR", "Directory of the sockets and the listings"};
 inline constexpr Option kStateDir = {"--state-dir", "DIR", "Directory of the saved configuration"};
 inline constexpr Option kTopology = {"--topology", "FILE",
                                      "JSON file that says what the box is made of"};
-inline constexpr Option kGroup = {"--group", "NAME", "Group whose members may use the box too"};
 inline constexpr Option kFault = {
     "--fault", "TEXT",
     "Fault to arm, such as \"type=12 status=5 from=2 count=3\"; may be repeated"};
-inline constexpr Option kTrace = {"--trace", "", "Print a line per exchange"};
 inline constexpr Option kFresh = {"--fresh", "", "Forget the saved configuration first"};
 inline constexpr Option kAdopt = {
     "--adopt", "", "Keep what fits of a configuration that was saved with another topology"};
-inline constexpr Option kPendingLimit = {
-    "--pending-limit", "BYTES",
-    "Most bytes that half-received requests may take together; default 64 MiB"};
 inline constexpr Option kListingLimit = {
     "--listing-limit", "BYTES", "Most bytes that listings may take together; default 64 MiB"};
 inline constexpr Option kCapture = {"--capture", "FILE", "Record every exchange in a pcapng file"};
@@ -32,8 +25,6 @@ inline constexpr Option kCaptureLimit = {
     "--capture-limit", "BYTES", "Most bytes that the capture may take; default: any number"};
 inline constexpr Option kCaptureFiles = {"--capture-files", "DIR",
                                          "Directory to copy listings into, for the capture"};
-inline constexpr Option kVersion = {"--version", "", "The version"};
-inline constexpr Option kHelp = {"-h,--help", "", "This text"};
 
 inline constexpr Option kAll[] = {
     kRunDir,       kStateDir,     kTopology, kGroup,        kFault,        kTrace,   kFresh, kAdopt,
