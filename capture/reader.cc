@@ -1,6 +1,7 @@
 #include "capture/reader.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,8 +10,6 @@
 #include <memory>
 #include <string_view>
 #include <utility>
-
-#include "base/bad_input.h"
 
 namespace olt::capture {
 
@@ -80,15 +79,52 @@ std::optional<ByteView> behind_tags(ByteView payload) {
   return std::nullopt;
 }
 
+/// A header and the record after it.
+template <typename Fail>
+Packet packet_in(ByteView header, const Fail &fail) {
+  if (header.size() < kHeaderSize || characters(header.first(4)) != kHeaderMagic) {
+    fail(
+        fmt::format("no header before the record; expected OLT1 and {} bytes in all", kHeaderSize));
+  }
+  size_t header_size = half_at(header, 6);
+  if (header_size < kHeaderSize || header_size > header.size()) {
+    fail(fmt::format("a header of {} bytes; expected {} to {}", header_size, kHeaderSize,
+                     header.size()));
+  }
+  if (header[4] != 1 && header[4] != 2)
+    fail(fmt::format("a packet of kind {}; expected 1 or 2", header[4]));
+  ByteView record = header.subspan(header_size);
+  uint32_t record_length = word_at(header, 36);
+  if (record.size() > record_length) {
+    fail(fmt::format("a record of {} bytes; expected at most {}", record.size(), record_length));
+  }
+  return Packet{.is_answer = header[4] == 2,
+                .no_reply = (header[5] & 1) != 0,
+                .is_masked = (header[5] & 2) != 0,
+                .run = word_at(header, 8),
+                .process = word_at(header, 12),
+                .thread = word_at(header, 16),
+                .exchange = word_at(header, 20),
+                .module = word_at(header, 24),
+                .message_type = word_at(header, 28),
+                .timeout = word_at(header, 32),
+                .lost = word_at(header, 56),
+                .result = word_at(header, 40),
+                .status = half_at(header, 44),
+                .duration = static_cast<uint64_t>(word_at(header, 52)) << 32U | word_at(header, 48),
+                .record_length = record_length,
+                .record = Bytes(record.begin(), record.end())};
+}
+
 }  // namespace
 
 Reader::Reader(std::string name, Source source)
     : name_(std::move(name)), source_(std::move(source)) {}
 
-template <typename... Args>
+template <typename Failure, typename... Args>
 void Reader::fail(const char *reason, Args... args) const {
-  throw BadInput(fmt::format("{}: at byte {}: {}", printable(name_), place_,
-                             fmt::format(fmt::runtime(reason), args...)));
+  throw Failure(fmt::format("{}: at byte {}: {}", printable(name_), place_,
+                            fmt::format(fmt::runtime(reason), args...)));
 }
 
 uint32_t Reader::word(size_t offset) const {
@@ -127,7 +163,7 @@ bool Reader::skip(size_t size) {
 
 void Reader::read_whole(uint8_t *buffer, size_t size) {
   size_t count = source_(buffer, size);
-  if (count < size) fail("cut short; expected {} more bytes", size - count);
+  if (count < size) fail<CutShort>("cut short; expected {} more bytes", size - count);
 }
 
 /// @return false at the end
@@ -140,7 +176,7 @@ bool Reader::read_block() {
   if (!has_section_ && type_ != kSectionBlock)
     fail("no pcapng section; expected a capture of libolttrace");
   if (count < sizeof head && type_ == kPaddingBlock) return false;
-  if (count < sizeof head) fail("cut short; expected {} more bytes", sizeof head - count);
+  if (count < sizeof head) fail<CutShort>("cut short; expected {} more bytes", sizeof head - count);
   uint32_t length = word_at(head, 4);
   uint8_t magic[4] = {};
   if (type_ == kSectionBlock) {
@@ -216,37 +252,13 @@ std::optional<Packet> Reader::packet() const {
 
 std::optional<Packet> Reader::packet_of(ByteView payload, uint64_t time,
                                         const std::string &program) const {
-  std::optional<ByteView> behind = behind_tags(payload);
-  if (!behind) return std::nullopt;
-  ByteView header = *behind;
-  if (header.size() < kHeaderSize || characters(header.first(4)) != kHeaderMagic)
-    fail("no header before the record; expected OLT1 and {} bytes in all", kHeaderSize);
-  size_t header_size = half_at(header, 6);
-  if (header_size < kHeaderSize || header_size > header.size())
-    fail("a header of {} bytes; expected {} to {}", header_size, kHeaderSize, header.size());
-  if (header[4] != 1 && header[4] != 2) fail("a packet of kind {}; expected 1 or 2", header[4]);
-  ByteView record = header.subspan(header_size);
-  uint32_t record_length = word_at(header, 36);
-  if (record.size() > record_length)
-    fail("a record of {} bytes; expected at most {}", record.size(), record_length);
-  return Packet{.is_answer = header[4] == 2,
-                .no_reply = (header[5] & 1) != 0,
-                .is_masked = (header[5] & 2) != 0,
-                .time = time,
-                .program = program,
-                .run = word_at(header, 8),
-                .process = word_at(header, 12),
-                .thread = word_at(header, 16),
-                .exchange = word_at(header, 20),
-                .module = word_at(header, 24),
-                .message_type = word_at(header, 28),
-                .timeout = word_at(header, 32),
-                .lost = word_at(header, 56),
-                .result = word_at(header, 40),
-                .status = half_at(header, 44),
-                .duration = static_cast<uint64_t>(word_at(header, 52)) << 32U | word_at(header, 48),
-                .record_length = record_length,
-                .record = Bytes(record.begin(), record.end())};
+  std::optional<ByteView> header = behind_tags(payload);
+  if (!header) return std::nullopt;
+  Packet packet = packet_in(*header, [this](const std::string &reason) { fail("{}", reason); });
+  packet.place = place_ + kBeforePayload + (payload.size() - header->size());
+  packet.time = time;
+  packet.program = program;
+  return packet;
 }
 
 Reader read_capture(const std::string &path) {
@@ -262,6 +274,27 @@ Reader read_capture(const std::string &path) {
             if (count < size && std::ferror(file.get()) != 0) refuse(errno);
             return count;
           }};
+}
+
+Packet read_packet(const std::string &name, int file, uint64_t place) {
+  auto fail = [&name, place](const std::string &reason) {
+    throw BadInput(fmt::format("{}: at byte {}: {}", printable(name), place, reason));
+  };
+  constexpr size_t kEnoughForMost = 512;
+  Bytes bytes(kEnoughForMost);
+  auto fill = [&] {
+    ssize_t count = pread(file, bytes.data(), bytes.size(), static_cast<off_t>(place));
+    bytes.resize(static_cast<size_t>(std::max<ssize_t>(count, 0)));
+  };
+  fill();
+  if (bytes.size() < kHeaderSize) fail("the packet is gone");
+  size_t size = size_t{half_at(bytes, 6)} + word_at(bytes, 36);
+  if (size > kMaxBlock) fail("the packet is gone");
+  bool is_whole = size <= bytes.size();
+  bytes.resize(size);
+  if (!is_whole) fill();
+  if (bytes.size() < size) fail("the packet is gone");
+  return packet_in(bytes, fail);
 }
 
 }  // namespace olt::capture

@@ -9,12 +9,20 @@
 #include <tuple>
 #include <vector>
 
+#include "base/bad_input.h"
 #include "base/text.h"
 
 namespace olt::capture {
 
+/// A capture whose last block is cut. What stands before it is whole.
+class CutShort : public BadInput {
+ public:
+  using BadInput::BadInput;
+};
+
 /// One of the two packets of an exchange.
 struct Packet {
+  uint64_t place = 0;  ///< of its header in the file
   bool is_answer = false;
   bool no_reply = false;   ///< none was wanted
   bool is_masked = false;  ///< each byte of a secret is '*'
@@ -43,7 +51,7 @@ class Reader {
   /// The name is for error lines.
   Reader(std::string name, Source source);
 
-  /// Nothing at the end. Throws BadInput with the place.
+  /// Nothing at the end. Throws BadInput with the place, CutShort where the last block is cut.
   std::optional<Packet> next();
 
  private:
@@ -53,7 +61,7 @@ class Reader {
     std::string program;
   };
 
-  template <typename... Args>
+  template <typename Failure = BadInput, typename... Args>
   [[noreturn]] void fail(const char *reason, Args... args) const;
   bool read_block();
   void read_whole(uint8_t *buffer, size_t size);
@@ -81,6 +89,10 @@ class Reader {
 
 /// Throws BadInput.
 Reader read_capture(const std::string &path);
+
+/// Reads a packet again from an open file; its time and program stay empty. Its record was not cut
+/// when the reader gave its place. Throws BadInput when the packet is no longer there.
+Packet read_packet(const std::string &name, int file, uint64_t place);
 
 }  // namespace olt::capture
 

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "cli/layout/layouts.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
 #include "oltmgmt.h"
@@ -186,12 +187,6 @@ std::vector<OptionName> option_names() {
     for (const std::string &name : option->get_snames()) names.push_back({"-" + name, value});
   }
   return names;
-}
-
-std::string layout_in_use(const std::string &given) {
-  if (!given.empty()) return given;
-  const char *name = std::getenv("OLT_LAYOUT");
-  return name != nullptr && *name != '\0' ? name : "box";
 }
 
 std::optional<Options> parse_options(int argc, const char *const *argv,

@@ -33,9 +33,6 @@ struct OptionName {
 
 std::vector<OptionName> option_names();
 
-/// Which layout: the given one, else the environment's, else the box's.
-std::string layout_in_use(const std::string &given);
-
 /// Reads the command line. Nothing when it asked for help or version, which is then printed.
 /// @param commands lines about each command, for the help
 /// Throws Error.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -82,6 +83,12 @@ Layout read_layout(const std::string &path) {
   }
 }
 
+std::string layout_in_use(const std::string &given) {
+  if (!given.empty()) return given;
+  const char *name = std::getenv("OLT_LAYOUT");
+  return name != nullptr && *name != '\0' ? name : "box";
+}
+
 std::shared_ptr<const Layout> layout_named(const std::string &name) {
   for (const Layout *layout : {&Layout::box(), &Layout::contract()}) {
     if (layout->name() == name) return built_in(*layout);
@@ -94,7 +101,7 @@ std::shared_ptr<const Layout> layout_named(const std::string &name) {
     if (found.name == name) return shared(read_found(found.path));
     names.push_back(found.name);
   }
-  wrong_usage("oltctl: there is no layout '{}'; expected {}, or a file as ./NAME.json",
+  wrong_usage("layout: there is no layout '{}'; expected {}, or a file as ./NAME.json",
               printable(name), printable(fmt::format("{}", fmt::join(names, ", "))));
 }
 

@@ -10,6 +10,9 @@
 
 namespace olt::cli {
 
+/// The name of a layout: the given one, else the environment's, else the box's.
+std::string layout_in_use(const std::string &given);
+
 /// A built-in layout, or one in a folder, by its name; or the one in a file, whose name has a '/'
 /// or ends with .json. Throws Error.
 std::shared_ptr<const catalog::Layout> layout_named(const std::string &name);

@@ -390,7 +390,7 @@ TEST_F(Layouts, AreFoundByNameOnly) {
   Finished missing = oltctl_({"--layout", "acne", "get_olt_mac"});
   EXPECT_EQ(missing.status, 2);
   EXPECT_TRUE(
-      missing.errors.starts_with("oltctl: there is no layout 'acne'; expected box, none, acme"))
+      missing.errors.starts_with("layout: there is no layout 'acne'; expected box, none, acme"))
       << missing.errors;
   EXPECT_TRUE(missing.errors.ends_with(", or a file as ./NAME.json\n")) << missing.errors;
 }
