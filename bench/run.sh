@@ -43,7 +43,7 @@ tables=("$results/instructions.tsv")
 captures=$(mktemp -d "$results/captures-XXXXXX")
 trap 'rm -rf "$captures"' EXIT
 export OLT_CAPTURE="$captures/%p.pcapng"  # for the part that records
-for part in growth exchange capture box state command_line; do
+for part in growth exchange capture replay box state command_line; do
   echo "bench: $part" >&2
   "$build/bench/bench_$part" "$results/$part.tsv"
   tables+=("$results/$part.tsv")

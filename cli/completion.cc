@@ -16,6 +16,7 @@
 #include "cli/options.h"
 #include "cli/text/error.h"
 #include "cli/text/words.h"
+#include "replay/options.h"
 
 namespace olt::cli {
 
@@ -132,13 +133,23 @@ std::optional<Completion> complete_option(std::span<const OptionName> options, W
   return completion;
 }
 
-std::vector<OptionName> oltbox_options() {
+std::vector<OptionName> names_of(std::span<const serving::Option> options) {
   std::vector<OptionName> names;
-  for (const box::option::Option &option : box::option::kAll) {
+  for (const serving::Option &option : options) {
     std::string_view all = option.name;
     names.push_back({std::string(all.substr(all.find("--"))), option.value});
   }
   return names;
+}
+
+/// Completes the command line of a program that serves modules; oltreplay takes captures, too.
+Completion complete_server(std::string_view program, Words before, std::string_view word) {
+  bool is_replay = program == "oltreplay";
+  std::span<const serving::Option> options = box::option::kAll;
+  if (is_replay) options = replay::option::kAll;
+  std::optional<Completion> completion = complete_option(names_of(options), before, word);
+  if (!completion && is_replay) completion = path_of("FILE", "");
+  return completion.value_or(Completion());
 }
 
 /// The layout that the environment or the options name, the box's when it cannot be read.
@@ -218,12 +229,13 @@ std::string completion_answer(std::string_view line) {
   if (before.size() < 2) return answer({}, Layout::box());
   std::string word = std::move(before.back());
   before.pop_back();
-  bool is_oltbox = std::filesystem::path(before[0]).filename() == "oltbox";
+  std::string program = std::filesystem::path(before[0]).filename();
   before.erase(before.begin());
+  if (program == "oltbox" || program == "oltreplay")
+    return answer(complete_server(program, std::move(before), word), Layout::box());
   std::shared_ptr<const Layout> layout = layout_for(before);
-  std::optional<Completion> completion =
-      complete_option(is_oltbox ? oltbox_options() : option_names(), before, word);
-  if (!completion && !is_oltbox) completion = complete_word(commands(), before, word, *layout);
+  std::optional<Completion> completion = complete_option(option_names(), before, word);
+  if (!completion) completion = complete_word(commands(), before, word, *layout);
   return answer(completion.value_or(Completion()), *layout);
 }
 

@@ -34,12 +34,12 @@ Completion complete_word(std::span<const Command> commands, std::span<const std:
 /// quote is open.
 std::vector<std::string> words_to_complete(std::string_view line);
 
-/// Answers the script of a shell that completes a command line of oltctl or oltbox: "words", "files
-/// BEFORE" or "directories BEFORE", then a line for each word, with a tab and its summary if it has
-/// one.
+/// Answers the script of a shell that completes a command line of oltctl, oltbox or oltreplay:
+/// "words", "files BEFORE" or "directories BEFORE", then a line for each word, with a tab and its
+/// summary if it has one.
 std::string completion_answer(std::string_view line);
 
-/// What makes bash, zsh or fish complete oltctl and oltbox; null for another shell.
+/// What makes bash, zsh or fish complete oltctl, oltbox and oltreplay; null for another shell.
 const char *completion_script(std::string_view shell);
 
 }  // namespace olt::cli

@@ -123,6 +123,9 @@ TEST(Completion, AnswersShells) {
   EXPECT_EQ(completion_answer("/usr/bin/oltbox --run-dir "), "directories \n");
   EXPECT_EQ(completion_answer("oltbox --fr"), "words\n--fresh\n");
   EXPECT_EQ(completion_answer("oltbox --fresh get"), "words\n");
+  EXPECT_EQ(completion_answer("oltreplay --files "), "directories \n");
+  EXPECT_EQ(completion_answer("oltreplay --st"), "words\n--strict\n");
+  EXPECT_EQ(completion_answer("oltreplay --strict /tmp/a"), "files \n");
 }
 
 /// An option with two names is "--one,--other".
@@ -146,6 +149,10 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   EXPECT_EQ(of_box.size(), 15U);
   EXPECT_EQ(std::set<std::string>(of_box.begin(), of_box.end()),
             options_in(run({OLTBOX, "--help"}, {}).output));
+  Words of_replay = answered("oltreplay -");
+  EXPECT_EQ(of_replay.size(), 12U);
+  EXPECT_EQ(std::set<std::string>(of_replay.begin(), of_replay.end()),
+            options_in(run({OLTREPLAY, "--help"}, {}).output));
 }
 
 /// A shell in which oltctl is found.

@@ -35,18 +35,26 @@ RunningBox::~RunningBox() {
 }
 
 void RunningBox::start(const std::vector<std::string> &options) {
-  std::vector<std::string> command = {OLTBOX, "--run-dir", run_dir_, "--state-dir",
-                                      folder_ / "state"};
+  std::vector<std::string> all = {"--state-dir", folder_ / "state"};
+  all.insert(all.end(), options.begin(), options.end());
+  start_program(OLTBOX, all);
+}
+
+void RunningBox::start_program(const std::string &program,
+                               const std::vector<std::string> &options) {
+  std::vector<std::string> command = {program, "--run-dir", run_dir_};
   command.insert(command.end(), options.begin(), options.end());
-  const std::string output = folder_.write("output", "");
+  const std::string output_file = folder_.write("output", "");
+  const std::string errors_file = folder_.write("errors", "");
   pid_ = fork();
   if (pid_ == 0) {
-    dup2(open(output.c_str(), O_WRONLY), STDOUT_FILENO);
+    dup2(open(output_file.c_str(), O_WRONLY), STDOUT_FILENO);
+    dup2(open(errors_file.c_str(), O_WRONLY), STDERR_FILENO);
     execute(command, {});
   }
   const auto deadline = steady_clock::now() + kLongestStart;
-  while (!holds(read_file(output), "oltbox: serving")) {
-    if (steady_clock::now() > deadline) throw std::runtime_error("oltbox did not get ready");
+  while (!holds(output(), ": serving")) {
+    if (steady_clock::now() > deadline) throw std::runtime_error("not ready: " + errors());
     std::this_thread::sleep_for(2ms);
   }
 }

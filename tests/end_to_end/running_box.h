@@ -12,7 +12,8 @@
 
 namespace olt::test {
 
-/// An oltbox process. Sets OLT_RUN_DIR, so that the library of this process reaches it.
+/// A process of oltbox, or of another program that serves modules. Sets OLT_RUN_DIR, so that the
+/// library of this process reaches it.
 class RunningBox {
  public:
   RunningBox();
@@ -22,12 +23,17 @@ class RunningBox {
 
   /// Starts oltbox, with further options, and waits until it is ready.
   void start(const std::vector<std::string> &options = {});
+  /// Starts another program on the run directory in its place, and waits until it is ready.
+  void start_program(const std::string &program, const std::vector<std::string> &options);
   /// Ends it with the signal. @return its Finished::status.
   int end(int signal);
 
   pid_t pid() const { return pid_; }
   const std::string &run_dir() const { return run_dir_; }
   const std::string &folder() const { return folder_.path(); }
+  /// What the last one has written so far.
+  std::string output() const { return read_file(folder_ / "output"); }
+  std::string errors() const { return read_file(folder_ / "errors"); }
 
   /// The content of a listing in the run directory.
   std::string listing(const char (&name)[32]) const;
