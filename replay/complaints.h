@@ -43,7 +43,7 @@ class Complaints {
 
   const Print print_;
   std::map<uint64_t, Complaint> complaints_;
-  uint64_t not_shown_ = 0;
+  size_t not_shown_ = 0;
 };
 
 }  // namespace olt::replay

@@ -82,6 +82,7 @@ for folder in "$work/with_make" "$work/with_cmake"; do
   alone "$folder/vlan_report" "$work/run" 7 4094 | diff -u "$work/expected" -
 done
 expect 'mac = 02:00:00:00:00:01' "$prefix/bin/oltctl" get_olt_mac
+alone "$prefix/bin/oltreplay" --version >/dev/null || fail "oltreplay does not run"
 
 # The tests of a front end with the mock pass, and fail with a front end that switches off another
 # port. CMake has said which frameworks are not installed.

@@ -1,7 +1,9 @@
 // Captures that lack something, that are no captures, and wrong command lines.
 #include <algorithm>
+#include <set>
 
 #include "tests/replay/support.h"
+#include "tests/support/page.h"
 #include "tests/support/program.h"
 
 namespace olt::test {
@@ -129,6 +131,24 @@ TEST_F(ReplayTest, WrongUsageIsOneLine) {
     EXPECT_EQ(finished.status, 2);
     EXPECT_EQ(finished.output, "");
   }
+}
+
+/// The words that begin with "--", without what follows them.
+std::set<std::string> options_in(const std::string &text) {
+  std::set<std::string> options;
+  for (size_t at = text.find("--"); at != std::string::npos; at = text.find("--", at + 2))
+    options.insert(text.substr(at, text.find_first_not_of("-abcdefghijklmnopqrstuvwxyz", at) - at));
+  return options;
+}
+
+TEST_F(ReplayTest, ItsOptionsAreDocumented) {
+  std::string documented;
+  for (const Cells &row : table_in_page("replay.md", "| Option | Meaning | Default |"))
+    documented += row[0] + '\n';
+  std::set<std::string> options = options_in(documented);
+  EXPECT_EQ(options.size(), 10U);
+  options.insert({"--help", "--version"});
+  EXPECT_EQ(options_in(refused({"--help"}).output), options);
 }
 
 TEST_F(ReplayTest, HasHelpAndAVersion) {

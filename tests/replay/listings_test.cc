@@ -1,5 +1,6 @@
 // --files: listings that replies name.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -46,6 +47,19 @@ TEST_F(ReplayedListings, AreInTheRunDirectoryUnderTheirNames) {
   end();
   EXPECT_EQ(errors(), "");
   EXPECT_TRUE(std::filesystem::is_empty(box_.run_dir()));
+}
+
+TEST_F(ReplayedListings, AreForTheGroupToo) {
+  keep(7, "first\n");
+  std::string capture = kept_.write(
+      "capture", capture_of(std::vector<RecordedExchange>{listing("vlan-00000001.txt")}));
+  box_.start_program(OLTREPLAY,
+                     {"--files", kept_.path(), "--group", std::to_string(getgid()), capture});
+  EXPECT_EQ(ask(23, Bytes(80)), reply(naming("vlan-00000001.txt")));
+  struct stat found {};
+  ASSERT_EQ(stat(in_run_dir("vlan-00000001.txt").c_str(), &found), 0);
+  EXPECT_EQ(found.st_mode & 07777, 0640U);
+  EXPECT_EQ(found.st_gid, getgid());
 }
 
 TEST_F(ReplayedListings, OfOneNameReplaceEachOther) {

@@ -106,7 +106,7 @@ TEST_F(ReplayTest, BytesThatTheOperationDoesNotSpecifyDoNotCount) {
   Bytes recorded(80, 0xAB);
   Bytes sent(80, 0xCD);
   for (Bytes *request : {&recorded, &sent}) {
-    for (size_t at : {0U, 4U, 40U}) std::copy_n(word(1).begin(), 4, request->begin() + at);
+    for (int at : {0, 4, 40}) std::copy_n(word(1).begin(), 4, request->begin() + at);
   }
   serve({{.type = 69, .request = recorded, .reply = hex("aa")}});
   EXPECT_EQ(ask(69, sent), reply(hex("aa")));
