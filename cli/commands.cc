@@ -15,6 +15,7 @@
 #include "cli/catalog_json.h"
 #include "cli/compare_command.h"
 #include "cli/completion.h"
+#include "cli/dissector/dissector.h"
 #include "cli/layout/layouts.h"
 #include "cli/layout/writer.h"
 #include "cli/manual.h"
@@ -227,6 +228,27 @@ Words words_of_show(Arguments words) {
   return words.size() == 1 ? Words{kAnyFile} : names_of_filters();
 }
 
+// dissector
+
+void run_dissector(Session &session, Arguments words) {
+  std::string path = only_word(words);
+  std::string script = dissector_of(session.layout());
+  if (path.empty()) return print(script);
+  if (std::error_code error = write_file(path, as_bytes(script)))
+    fail("dissector: cannot write {}: {}", printable(path), error.message());
+}
+
+std::string details_of_dissector() {
+  return "  Prints a Lua script with which Wireshark and tshark show captures, or writes it to "
+         "FILE. It\n"
+         "  has the fields of the layout in use.\n"
+         "  Example: dissector oltmgmt.lua\n";
+}
+
+Words words_of_dissector(Arguments words) {
+  return words.size() == 1 ? Words{kAnyFile} : Words{};
+}
+
 // fault, counters
 
 std::optional<uint32_t> fault_id(const std::string &word) {
@@ -389,6 +411,8 @@ constexpr Command kCommands[] = {
     {"compare", "compare FILE [NAME=VALUE...] [OPTION...]",
      "Compares what a capture recorded with what the box answers", run_compare, words_of_compare,
      details_of_compare},
+    {"dissector", "dissector [FILE]", "Writes a dissector of captures for Wireshark", run_dissector,
+     words_of_dissector, details_of_dissector},
     {"counters", "counters", "Shows what has happened in the box", run_counters},
     {"completion", "completion bash\ncompletion zsh\ncompletion fish",
      "Prints the completion for a shell: eval \"$(oltctl completion bash)\"", run_completion,

@@ -1,0 +1,611 @@
+-- Dissects the exchanges in captures of libolttrace. Uses the table `catalog`, which 'oltctl
+-- dissector' writes in front of this code.
+
+local first_load, oltmgmt = pcall(Proto, "oltmgmt", "OLT Management Exchange")
+if not first_load then
+  error("oltmgmt.lua is loaded twice; expected one copy, in a plugin folder or given with -X", 0)
+end
+-- Packets name this dissector; it dissects as the other one.
+local olt = Proto("olt", "OLT Management Exchange in a capture")
+
+local kMagic = "OLT1"
+local kRequest, kAnswer = 1, 2
+local kHeadSize = 64
+-- The header: magic, kind, flags, size; run, process, thread, exchange; module, type, time-out,
+-- length; result, status, reserved, duration in two words, lost.
+local kHeadLayout = "<c4BBI2I4I4I4I4I4I4I4I4I4I2I2I4I4I4"
+
+-- What every packet has.
+local head = {
+  operation = ProtoField.string("oltmgmt.operation", "Operation"),
+  run = ProtoField.uint32("oltmgmt.run", "Run"),
+  process = ProtoField.uint32("oltmgmt.process", "Process"),
+  thread = ProtoField.uint32("oltmgmt.thread", "Thread"),
+  exchange = ProtoField.uint32("oltmgmt.exchange", "Exchange"),
+  module = ProtoField.uint32("oltmgmt.module", "Module", base.DEC, catalog.modules),
+  type = ProtoField.uint32("oltmgmt.type", "Message type"),
+  timeout = ProtoField.uint32("oltmgmt.timeout", "Time-out", base.DEC + base.UNIT_STRING, {" s"}),
+  record_length = ProtoField.uint32("oltmgmt.record_length", "Record length", base.DEC +
+                                    base.UNIT_STRING, {" byte", " bytes"}),
+  no_reply = ProtoField.none("oltmgmt.no_reply", "No reply wanted"),
+  result = ProtoField.uint32("oltmgmt.result", "Result", base.HEX, catalog.results),
+  status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC, catalog.statuses),
+  failed = ProtoField.string("oltmgmt.failed", "Failed"),
+  time = ProtoField.relative_time("oltmgmt.time", "Response time"),
+  request_in = ProtoField.framenum("oltmgmt.request_in", "Request in", base.NONE,
+                                   frametype.REQUEST),
+  answer_in = ProtoField.framenum("oltmgmt.answer_in", "Answer in", base.NONE, frametype.RESPONSE),
+  request = ProtoField.bytes("oltmgmt.request", "Request"),
+  reply = ProtoField.bytes("oltmgmt.reply", "Reply"),
+  rest = ProtoField.bytes("oltmgmt.rest", "Bytes that the catalog does not name"),
+}
+
+local expert_infos = {
+  transport_failure = ProtoExpert.new("oltmgmt.transport_failure", "The exchange failed",
+                                      expert.group.RESPONSE_CODE, expert.severity.ERROR),
+  refused = ProtoExpert.new("oltmgmt.refused", "The module refused the request",
+                            expert.group.RESPONSE_CODE, expert.severity.WARN),
+  unanswered = ProtoExpert.new("oltmgmt.unanswered", "No answer in this capture",
+                               expert.group.SEQUENCE, expert.severity.WARN),
+  lost = ProtoExpert.new("oltmgmt.lost", "Exchanges before this one were lost",
+                         expert.group.SEQUENCE, expert.severity.WARN),
+  short = ProtoExpert.new("oltmgmt.short", "The record is shorter than the operation needs",
+                          expert.group.MALFORMED, expert.severity.WARN),
+  malformed = ProtoExpert.new("oltmgmt.malformed", "Not an exchange of version 1",
+                              expert.group.MALFORMED, expert.severity.ERROR),
+  unknown = ProtoExpert.new("oltmgmt.unknown", "No operation makes this exchange",
+                            expert.group.UNDECODED, expert.severity.NOTE),
+  cut = ProtoExpert.new("oltmgmt.cut", "The end of the packet was not captured",
+                        expert.group.UNDECODED, expert.severity.NOTE),
+  masked = ProtoExpert.new("oltmgmt.masked", "Secrets are masked", expert.group.SECURITY,
+                           expert.severity.CHAT),
+}
+
+-- Fields of the catalog. Fields of one name have one filter, "oltmgmt.NAME"; those of another type
+-- than the first one have the type behind it, and names of the header "field" before them.
+
+local kMakers = {
+  number = ProtoField.uint32,
+  signed = ProtoField.int32,
+  decimal = ProtoField.double,
+  text = ProtoField.string,
+  mac = ProtoField.ether,
+  ipv4 = ProtoField.ipv4,
+  bytes = ProtoField.bytes,
+  none = ProtoField.none,
+}
+
+local of_head = {}
+for name in pairs(head) do of_head[name] = true end
+for name in pairs(expert_infos) do of_head[name] = true end
+
+local type_of = {}     -- by filter
+local made = {}        -- fields by filter, base and names
+local made_count = {}  -- by filter
+local plain = {}       -- filters of numbers, with their labels
+
+local function filter_of(name, type)
+  local filter = "oltmgmt." .. (of_head[name] and "field." or "") .. name
+  type_of[filter] = type_of[filter] or type
+  return type_of[filter] == type and filter or filter .. "." .. type
+end
+
+local function make(type, filter, label, ...)
+  local key = filter
+  for _, part in ipairs({...}) do key = key .. "/" .. tostring(part) end
+  if not made[key] then
+    made[key] = kMakers[type](filter, label, ...)
+    made_count[filter] = (made_count[filter] or 0) + 1
+    if type == "number" then plain[filter] = label end
+  end
+  return made[key]
+end
+
+-- A field's own; more of them stand below it.
+local function make_own(field, type, ...)
+  return make(type, filter_of(field.name, type), field.name, ...)
+end
+
+local function make_below(field, suffix, type, ...)
+  local before = of_head[field.name] and "oltmgmt.field." or "oltmgmt."
+  return make(type, before .. field.name .. "." .. suffix, field.name .. " " .. suffix, ...)
+end
+
+local function text_in(range)
+  return (range:string(ENC_UTF_8):match("^[^\0]*"))
+end
+
+-- "1,2,5-8"
+local function ranges_text(numbers)
+  local parts, first = {}, 1
+  while numbers[first] do
+    local last = first
+    while numbers[last + 1] == numbers[last] + 1 do last = last + 1 end
+    if last < first + 2 then last = first end
+    parts[#parts + 1] = numbers[first] .. (last > first and "-" .. numbers[last] or "")
+    first = last + 1
+  end
+  return #parts > 0 and table.concat(parts, ",") or "none"
+end
+
+-- "1d2h3m4s"
+local function duration_text(seconds)
+  local text = ""
+  for _, unit in ipairs({{"d", 86400}, {"h", 3600}, {"m", 60}, {"s", 1}}) do
+    local count = math.floor(seconds / unit[2])
+    if count > 0 then text = string.format("%s%d%s", text, count, unit[1]) end
+    seconds = seconds % unit[2]
+  end
+  return text
+end
+
+local function words_in(range, width)
+  local words = {}
+  for at = 0, range:len() - width, width do words[#words + 1] = range(at, width):le_uint() end
+  return words
+end
+
+local function has_bits(bits, mask)
+  while mask > 0 do
+    if mask % 2 > bits % 2 then return false end
+    bits, mask = math.floor(bits / 2), math.floor(mask / 2)
+  end
+  return true
+end
+
+-- A list: the number of its items, with the items below it. place() has an item's range.
+local function list_adder(field, text, items_of, place)
+  local count, item = make_below(field, "count", "number"), make_own(field, "number")
+  return {count, item}, function(tree, range)
+    local items = items_of(range)
+    local branch = tree:add(count, range, #items):set_text(field.name .. ": " .. text(items))
+    for i, value in ipairs(items) do branch:add(item, place(range, i), value) end
+    return branch
+  end
+end
+
+-- Words with a name each, below a text such as "1/2".
+local function words_adder(field, names, text)
+  local own = make_own(field, "text")
+  local fields = {own}
+  for _, name in ipairs(names) do fields[#fields + 1] = make_below(field, name, "number") end
+  return fields, function(tree, range)
+    local branch = tree:add(own, range, text(words_in(range, 4)))
+    for i = 2, #fields do branch:add_le(fields[i], range(4 * (i - 2), 4)) end
+    return branch
+  end
+end
+
+local adder_of  -- defined below; records use it for their fields
+
+local function text_adder(field)
+  local own = make_own(field, "text")
+  return {own}, function(tree, range) return tree:add(own, range, text_in(range)) end
+end
+
+local function plain_adder(type)
+  return function(field)
+    local own = make_own(field, type)
+    return {own}, function(tree, range) return tree:add(own, range) end
+  end
+end
+
+local function number_adder(field)
+  local names = {}
+  for _, value in ipairs(field.values or {}) do names[value[1]] = value[2] end
+  -- Wireshark calls other values unknown, so that it must not know names of a few special ones.
+  local is_enumeration = field.values and #field.values > 1 and not field.unit
+  local own
+  if is_enumeration then
+    own = make_own(field, "number", base.DEC, names)
+  elseif field.unit then
+    own = make_own(field, "number", base.DEC + base.UNIT_STRING, {" " .. field.unit})
+  else
+    own = make_own(field, "number", base.DEC)
+  end
+  if not field.values then
+    return {own}, function(tree, range) return tree:add_le(own, range) end
+  end
+  local name = make_below(field, "name", "text")
+  return {own, name}, function(tree, range)
+    local item = tree:add_le(own, range)
+    local text = names[range:le_uint()]
+    if text then
+      if not is_enumeration then item:append_text(" (" .. text .. ")") end
+      item:add(name, range, text):set_hidden()
+    end
+    return item
+  end
+end
+
+local kAdders = {
+  text = text_adder,
+  padded = text_adder,
+  listing = text_adder,
+  number = number_adder,
+  mac = plain_adder("mac"),
+  ipv4 = plain_adder("ipv4"),
+  bytes = plain_adder("bytes"),
+
+  signed = function(field)
+    local scale = 10 ^ field.decimals
+    local own = field.decimals > 0 and make_own(field, "decimal") or make_own(field, "signed")
+    return {own}, function(tree, range)
+      local item = tree:add(own, range, range:le_int() / scale)
+      return field.unit and item:append_text(" " .. field.unit) or item
+    end
+  end,
+
+  flags = function(field)
+    local own = make_own(field, "number", base.HEX)
+    local name = make_below(field, "name", "text")
+    return {own, name}, function(tree, range)
+      local bits = range:le_uint()
+      local item, names = tree:add_le(own, range), {}
+      for _, value in ipairs(field.values) do
+        if value[1] ~= 0 and has_bits(bits, value[1]) then
+          names[#names + 1] = value[2]
+          item:add(name, range, value[2])
+        end
+      end
+      return item:append_text(" (" .. (names[1] and table.concat(names, ",") or "none") .. ")")
+    end
+  end,
+
+  duration = function(field)
+    local own = make_own(field, "number", base.DEC + base.UNIT_STRING, {" s"})
+    return {own}, function(tree, range)
+      local item, seconds = tree:add_le(own, range), range:le_uint()
+      return seconds < 60 and item or item:append_text(" (" .. duration_text(seconds) .. ")")
+    end
+  end,
+
+  ports = function(field)
+    local function ports_in(range)
+      local bits, ports = range:le_uint(), {}
+      for port = 1, 8 * range:len() do
+        if bits % 2 == 1 then ports[#ports + 1] = port end
+        bits = math.floor(bits / 2)
+      end
+      return ports
+    end
+    return list_adder(field, ranges_text, ports_in, function(range) return range end)
+  end,
+
+  numbers = function(field)
+    local unit = field.unit and " " .. field.unit or ""
+    return list_adder(field, function(words) return table.concat(words, ",") .. unit end,
+                      function(range) return words_in(range, 4) end,
+                      function(range, i) return range(4 * (i - 1), 4) end)
+  end,
+
+  -- All up to the last that is not 0.
+  vlans = function(field)
+    local function vlans_in(range)
+      local vlans = words_in(range, 2)
+      while vlans[#vlans] == 0 do vlans[#vlans] = nil end
+      return vlans
+    end
+    return list_adder(field, ranges_text, vlans_in,
+                      function(range, i) return range(2 * (i - 1), 2) end)
+  end,
+
+  interface = function(field)
+    return words_adder(field, {"slot", "port"}, function(words) return table.concat(words, "/") end)
+  end,
+
+  -- Slot, interface and ONU; if there is room, a kind and a UNI port.
+  ont = function(field)
+    local names = {"slot", "interface", "onu"}
+    if field.width >= 20 then names = {"slot", "interface", "onu", "kind", "port"} end
+    return words_adder(field, names, function(words)
+      local port = words[5] and words[5] ~= 0 and ":" .. words[5] or ""
+      return words[1] .. "/" .. words[2] .. "/" .. words[3] .. port
+    end)
+  end,
+
+  version = function(field)
+    local own = make_own(field, "text")
+    return {own}, function(tree, range)
+      return tree:add(own, range, table.concat(words_in(range, 1), "."))
+    end
+  end,
+
+  records = function(field)
+    local count = make_below(field, "count", "number")
+    local record = make_below(field, "record", "none")
+    local inner, fields = {}, {count, record}
+    for i, place in ipairs(field.record) do
+      inner[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
+      for _, one in ipairs(inner[i].adder.fields) do fields[#fields + 1] = one end
+    end
+    return fields, function(tree, range, is_masked)
+      local records = math.floor(range:len() / field.record_size)
+      local branch = tree:add(count, range, records)
+      branch:set_text(string.format("%s: %d record%s", field.name, records,
+                                    records == 1 and "" or "s"))
+      for i = 1, records do
+        local part = range((i - 1) * field.record_size, field.record_size)
+        local twig = branch:add(record, part):set_text(field.name .. " " .. i)
+        for _, one in ipairs(inner) do
+          one.adder.add(twig, part(one.offset, one.width), is_masked)
+        end
+      end
+      local rest = range:len() % field.record_size
+      if rest > 0 then branch:add(head.rest, range(range:len() - rest, rest)) end
+      return branch
+    end
+  end,
+}
+
+local adders = {}  -- by field
+
+-- What adds a field to a tree: its Wireshark fields, and a function of tree, range and whether
+-- secrets are masked.
+function adder_of(field)
+  if not adders[field] then
+    local fields, add = kAdders[field.is_reserved and "bytes" or field.kind](field)
+    adders[field] = {fields = fields, add = not field.is_secret and add or
+      function(tree, range, is_masked)
+        local item = add(tree, range)
+        return is_masked and item:set_text(field.name .. ": ********") or item
+      end}
+  end
+  return adders[field]
+end
+
+local function prepare(message)
+  message.rows = {}
+  for i, place in ipairs(message.fields) do
+    message.rows[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
+  end
+end
+
+local by_type = {}
+for _, operation in ipairs(catalog.operations) do
+  prepare(operation.request)
+  prepare(operation.reply)
+  by_type[operation.type] = by_type[operation.type] or {}
+  table.insert(by_type[operation.type], operation)
+end
+
+-- Where numbers of one name differ in the names of their values, the first field decides what a
+-- filter may be compared with: one without names, so that "oltmgmt.state == "up"" is refused
+-- rather than taken for any state of that number. "oltmgmt.state.name" has the name.
+local fields = {}
+for filter, label in pairs(plain) do
+  if made_count[filter] > 1 then fields[#fields + 1] = ProtoField.uint32(filter, label) end
+end
+for _, field in pairs(made) do fields[#fields + 1] = field end
+for _, field in pairs(head) do fields[#fields + 1] = field end
+oltmgmt.fields = fields
+oltmgmt.experts = expert_infos
+
+-- Links between requests and answers; filled in the first pass over the capture.
+local pending       -- frames of requests by what identifies the exchange
+local request_of    -- frames by those of answers
+local answer_of     -- frames by those of requests
+local operations_of -- by frame of the request, where it chose among those of its message type
+
+-- What somebody asks for, by field and by adder. Holds while frames follow each other.
+local asked, last_frame, root_of_frame
+local self
+
+function oltmgmt.init()
+  pending, request_of, answer_of, operations_of = {}, {}, {}, {}
+  asked = nil
+  self = Dissector.get("oltmgmt")
+end
+
+local everything = setmetatable({}, {__index = function() return true end})
+
+local function asks_for(cache, key)
+  local is_asked = false
+  for _, field in ipairs(type(key) == "table" and key.fields or {key}) do
+    is_asked = is_asked or root_of_frame:referenced(field)
+  end
+  cache[key] = is_asked
+  return is_asked
+end
+
+local function asked_in(root, frame)
+  if not asked or frame ~= last_frame + 1 then asked = setmetatable({}, {__index = asks_for}) end
+  last_frame, root_of_frame = frame, root
+  return asked
+end
+
+local function is_sent_by(operation, tvb, at, length)
+  local request = operation.request
+  if length < request.length or (length > request.length and not request.is_open) then
+    return false
+  end
+  for _, constant in ipairs(request.constants) do
+    local from = at + constant[1]
+    local have = math.min(#constant[2], tvb:len() - from)
+    if have > 0 and tvb:raw(from, have) ~= constant[2]:sub(1, have) then return false end
+  end
+  return true
+end
+
+local function serves(operation, module)
+  for _, one in ipairs(operation.modules) do
+    if one == module then return true end
+  end
+  return #operation.modules == 0
+end
+
+local none = {}
+
+-- The operations that may have made the exchange. Constants in the request tell those of one
+-- message type apart; an answer has the operations of its request.
+local function operations_for(tvb, p)
+  local all = by_type[p.type] or none
+  if p.kind == kAnswer and request_of[p.frame] then
+    return operations_of[request_of[p.frame]] or all
+  end
+  local found = {}
+  for _, operation in ipairs(all) do
+    if serves(operation, p.module) and
+       (p.kind == kAnswer or is_sent_by(operation, tvb, p.head_size, p.length)) then
+      found[#found + 1] = operation
+    end
+  end
+  if #found == #all then return all end
+  if p.kind == kRequest then operations_of[p.frame] = found end
+  return found
+end
+
+local function link(p)
+  if p.kind == kRequest then
+    pending[p.identity] = p.frame
+  elseif pending[p.identity] then
+    request_of[p.frame], answer_of[pending[p.identity]] = pending[p.identity], p.frame
+    pending[p.identity] = nil
+  end
+end
+
+local function failure_of(p)
+  if p.kind == kRequest then return nil end
+  if p.result ~= 0 then
+    return catalog.results[p.result] or string.format("result 0x%08x", p.result)
+  end
+  if p.status == 0 then return nil end
+  local text = catalog.statuses[p.status]
+  return string.format("refused, status %d", p.status) .. (text and ": " .. text or "")
+end
+
+local function add_head(tree, tvb, p, wants)
+  for _, operation in ipairs(wants[head.operation] and p.operations or none) do
+    tree:add(head.operation, tvb(28, 4), operation.name):set_generated()
+  end
+  if wants[head.run] then tree:add_le(head.run, tvb(8, 4)) end
+  if wants[head.process] then tree:add_le(head.process, tvb(12, 4)) end
+  if wants[head.thread] then tree:add_le(head.thread, tvb(16, 4)) end
+  if wants[head.exchange] then tree:add_le(head.exchange, tvb(20, 4)) end
+  if wants[head.module] then tree:add_le(head.module, tvb(24, 4)) end
+  if wants[head.type] then tree:add_le(head.type, tvb(28, 4)) end
+  if wants[head.timeout] then tree:add_le(head.timeout, tvb(32, 4)) end
+  if wants[head.record_length] then tree:add_le(head.record_length, tvb(36, 4)) end
+  if p.no_reply and wants[head.no_reply] then tree:add(head.no_reply, tvb(5, 1)) end
+  local answer, request = answer_of[p.frame], request_of[p.frame]
+  if answer and wants[head.answer_in] then
+    tree:add(head.answer_in, tvb(20, 4), answer):set_generated()
+  elseif request and wants[head.request_in] then
+    tree:add(head.request_in, tvb(20, 4), request):set_generated()
+  end
+  if p.kind == kRequest then return end
+  if wants[head.result] then tree:add_le(head.result, tvb(40, 4)) end
+  if p.result == 0 and wants[head.status] then tree:add_le(head.status, tvb(44, 2)) end
+  if p.failure and wants[head.failed] then
+    tree:add(head.failed, tvb(40, 6), p.failure):set_generated()
+  end
+  if wants[head.time] then
+    local nanoseconds = p.high * 4294967296 + p.low
+    local seconds = math.floor(nanoseconds / 1e9)
+    tree:add(head.time, tvb(48, 8), NSTime(seconds % 2147483648, nanoseconds - seconds * 1e9))
+  end
+end
+
+local function add_expert_infos(tree, p)
+  local function note(info, ...) tree:add_proto_expert_info(expert_infos[info], ...) end
+  if p.failure then note(p.result ~= 0 and "transport_failure" or "refused", p.failure) end
+  if p.is_unanswered then note("unanswered") end
+  if p.lost > 0 then note("lost", string.format("Exchanges lost before this one: %d", p.lost)) end
+  if #p.operations == 0 then note("unknown") end
+  if p.is_short then note("short") end
+  if p.is_cut then note("cut") end
+  if p.is_masked then note("masked") end
+end
+
+local function add_record(tree, tvb, p, wants)
+  if not p.has_record and p.length == 0 then return end
+  local field = p.kind == kRequest and head.request or head.reply
+  local have = math.min(tvb:len(), p.head_size + p.length)
+  local record = tvb(p.head_size, have - p.head_size)
+  if wants[field] then
+    tree = tree:add(field, record)
+    tree:set_text(string.format("%s: %d byte%s", p.kind == kRequest and "Request" or "Reply",
+                                p.length, p.length == 1 and "" or "s"))
+  end
+  if not p.message then return end
+  local to = 0
+  for _, row in ipairs(p.message.rows) do
+    local width = row.width or record:len() - row.offset
+    if width <= 0 or row.offset + width > record:len() then return end
+    to = row.offset + width
+    if wants[row.adder] then row.adder.add(tree, record(row.offset, width), p.is_masked) end
+  end
+  if to < record:len() and wants[head.rest] then
+    tree:add(head.rest, record(to, record:len() - to))
+  end
+end
+
+local function names_of(p)
+  if #p.operations == 0 then return string.format("message type %d", p.type) end
+  local name = p.operations[1].name
+  for i = 2, #p.operations do name = name .. " or " .. p.operations[i].name end
+  return name
+end
+
+local function add_malformed(tvb, info, root)
+  info.cols.info = "not an exchange of version 1"
+  local is_cut = tvb:len() < math.min(tvb:reported_len(), kHeadSize)
+  root:add(oltmgmt, tvb()):add_proto_expert_info(
+    is_cut and expert_infos.cut or expert_infos.malformed)
+end
+
+-- A packet's header as a table, or nil.
+local function read_head(tvb, frame)
+  if tvb:len() < kHeadSize then return nil end
+  local p = {frame = frame}
+  local magic, flags, _
+  magic, p.kind, flags, p.head_size, _, _, _, _, p.module, p.type, _, p.length, p.result, p.status,
+    _, p.low, p.high, p.lost = Struct.unpack(kHeadLayout, tvb:raw(0, kHeadSize))
+  if magic ~= kMagic or (p.kind ~= kRequest and p.kind ~= kAnswer) or p.head_size < kHeadSize or
+     p.head_size > tvb:reported_len() then
+    return nil
+  end
+  p.no_reply, p.is_masked = flags % 2 == 1, flags % 4 >= 2
+  return p
+end
+
+local function dissect(tvb, info, root)
+  info.cols.protocol = "OLT"
+  local p = read_head(tvb, info.number)
+  if not p then
+    add_malformed(tvb, info, root)
+    return tvb:len()
+  end
+  if not info.visited then
+    p.identity = tvb:raw(8, 16)
+    link(p)
+  end
+  p.operations = operations_for(tvb, p)
+  p.failure = failure_of(p)
+  local name = names_of(p)
+  info.cols.info = p.kind == kRequest and name or name .. ": " .. (p.failure or "ok")
+
+  local operation = p.operations[1]
+  p.message = operation and (p.kind == kRequest and operation.request or operation.reply)
+  p.has_record = p.kind == kRequest or not (p.failure or p.no_reply)
+  p.is_short = p.has_record and p.message and p.length < p.message.length
+  p.is_cut = tvb:len() - p.head_size < p.length
+  p.is_unanswered = p.kind == kRequest and info.visited and not answer_of[p.frame]
+  local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.is_masked or
+                   p.lost > 0 or not operation
+  local wants = everything
+  if not root.visible then
+    wants = asked_in(root, p.frame)
+    if not wants[self] and not is_noted then return tvb:len() end
+  end
+
+  local tree = root:add(oltmgmt, tvb(), string.format(
+    "OLT Management Exchange, %s: %s", p.kind == kRequest and "request" or "answer", name))
+  if is_noted then add_expert_infos(tree, p) end
+  add_head(tree, tvb, p, wants)
+  if tvb:len() >= p.head_size then add_record(tree, tvb, p, wants) end
+  return tvb:len()
+end
+
+oltmgmt.dissector = dissect
+olt.dissector = dissect
