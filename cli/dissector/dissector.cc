@@ -106,7 +106,6 @@ class Tables {
         fmt::format("name={}, kind={}", lua_text(field.name), lua_text(form_of(field.kind).name));
     if (field.width != Field::kToTheEnd) members += fmt::format(", width={}", field.width);
     if (field.role == catalog::Role::kReserved) members += ", is_reserved=true";
-    if (field.secret) members += ", is_secret=true";
     if (field.unit != nullptr) members += fmt::format(", unit={}", lua_text(field.unit));
     if (field.kind == FieldKind::kSigned) members += fmt::format(", decimals={}", field.decimals);
     if (!field.values.empty()) members += fmt::format(", values={{{}}}", values_of(field));

@@ -80,7 +80,7 @@ for name in pairs(head) do of_head[name] = true end
 for name in pairs(expert_infos) do of_head[name] = true end
 
 local type_of = {}     -- by filter
-local made = {}        -- fields by filter, base and names
+local made = {}        -- fields by filter, display and form
 local made_count = {}  -- by filter
 local plain = {}       -- filters of numbers, with their labels
 
@@ -90,11 +90,11 @@ local function filter_of(name, type)
   return type_of[filter] == type and filter or filter .. "." .. type
 end
 
-local function make(type, filter, label, ...)
-  local key = filter
-  for _, part in ipairs({...}) do key = key .. "/" .. tostring(part) end
+-- form: a unit, or the names of values, as one of the tables below.
+local function make(type, filter, label, display, form)
+  local key = string.format("%s %s %s", filter, tostring(display), tostring(form))
   if not made[key] then
-    made[key] = kMakers[type](filter, label, ...)
+    made[key] = kMakers[type](filter, label, display, form)
     made_count[filter] = (made_count[filter] or 0) + 1
     if type == "number" then plain[filter] = label end
   end
@@ -109,6 +109,24 @@ end
 local function make_below(field, suffix, type, ...)
   local before = of_head[field.name] and "oltmgmt.field." or "oltmgmt."
   return make(type, before .. field.name .. "." .. suffix, field.name .. " " .. suffix, ...)
+end
+
+-- One table for all fields that have the same names of values, or the same unit.
+local forms = {}
+
+local function names_in(values)
+  local names, key = {}, ""
+  for _, value in ipairs(values or {}) do
+    names[value[1]] = value[2]
+    key = key .. value[1] .. "=" .. value[2] .. "\0"
+  end
+  forms[key] = forms[key] or names
+  return forms[key]
+end
+
+local function with_unit(unit)
+  forms[unit] = forms[unit] or {" " .. unit}
+  return base.DEC + base.UNIT_STRING, forms[unit]
 end
 
 local function text_in(range)
@@ -191,15 +209,14 @@ local function plain_adder(type)
 end
 
 local function number_adder(field)
-  local names = {}
-  for _, value in ipairs(field.values or {}) do names[value[1]] = value[2] end
+  local names = names_in(field.values)
   -- Wireshark calls other values unknown, so that it must not know names of a few special ones.
   local is_enumeration = field.values and #field.values > 1 and not field.unit
   local own
   if is_enumeration then
     own = make_own(field, "number", base.DEC, names)
   elseif field.unit then
-    own = make_own(field, "number", base.DEC + base.UNIT_STRING, {" " .. field.unit})
+    own = make_own(field, "number", with_unit(field.unit))
   else
     own = make_own(field, "number", base.DEC)
   end
@@ -253,7 +270,7 @@ local kAdders = {
   end,
 
   duration = function(field)
-    local own = make_own(field, "number", base.DEC + base.UNIT_STRING, {" s"})
+    local own = make_own(field, "number", with_unit("s"))
     return {own}, function(tree, range)
       local item, seconds = tree:add_le(own, range), range:le_uint()
       return seconds < 60 and item or item:append_text(" (" .. duration_text(seconds) .. ")")
@@ -341,15 +358,14 @@ local kAdders = {
 local adders = {}  -- by field
 
 -- What adds a field to a tree: its Wireshark fields, and a function of tree, range and whether
--- secrets are masked.
+-- the packet is masked.
 function adder_of(field)
   if not adders[field] then
     local fields, add = kAdders[field.is_reserved and "bytes" or field.kind](field)
-    adders[field] = {fields = fields, add = not field.is_secret and add or
-      function(tree, range, is_masked)
-        local item = add(tree, range)
-        return is_masked and item:set_text(field.name .. ": ********") or item
-      end}
+    adders[field] = {fields = fields, add = function(tree, range, is_masked)
+      local item = add(tree, range, is_masked)
+      if is_masked and range:raw():match("^%*%*+$") then item:set_text(field.name .. ": ********") end
+    end}
   end
   return adders[field]
 end
