@@ -65,9 +65,10 @@ class Tables {
 
   /// None when any may be asked.
   static std::string modules_of(const catalog::Address &address) {
-    if (address.module == catalog::Address::kNamedByCaller) return "";
-    if (address.second_module == catalog::Address::kNone) return fmt::format("{}", address.module);
-    return fmt::format("{}, {}", address.module, address.second_module);
+    std::string modules;
+    for (uint8_t module : {address.module, address.second_module})
+      if (module != catalog::Address::kNone) modules += fmt::format("[{}]=true, ", module);
+    return modules;
   }
 
   std::string message(const Operation &operation, const Message &message) {

@@ -370,17 +370,26 @@ function adder_of(field)
   return adders[field]
 end
 
+local messages = {}
+
+-- The rows of a message, in the order of their offsets, and the Wireshark fields of all of them.
 local function prepare(message)
   message.rows = {}
+  local fields = {}
   for i, place in ipairs(message.fields) do
-    message.rows[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
+    local adder = adder_of(place[2])
+    message.rows[i] = {offset = place[1], width = place[2].width, adder = adder}
+    for _, field in ipairs(adder.fields) do fields[#fields + 1] = field end
   end
+  message.fields = fields
+  messages[#messages + 1] = message
 end
 
 local by_type = {}
 for _, operation in ipairs(catalog.operations) do
   prepare(operation.request)
   prepare(operation.reply)
+  operation.is_for_any_module = next(operation.modules) == nil
   by_type[operation.type] = by_type[operation.type] or {}
   table.insert(by_type[operation.type], operation)
 end
@@ -403,7 +412,7 @@ local request_of    -- frames by those of answers
 local answer_of     -- frames by those of requests
 local operations_of -- by frame of the request, where it chose among those of its message type
 
--- What somebody asks for, by field and by adder. Holds while frames follow each other.
+-- What somebody asks for, by field, adder and message. Holds while frames follow each other.
 local asked, last_frame, root_of_frame
 local self
 
@@ -413,7 +422,10 @@ function oltmgmt.init()
   self = Dissector.get("oltmgmt")
 end
 
-local everything = setmetatable({}, {__index = function() return true end})
+local everything = {}
+for _, field in pairs(head) do everything[field] = true end
+for _, adder in pairs(adders) do everything[adder] = true end
+for _, message in ipairs(messages) do everything[message] = true end
 
 local function asks_for(cache, key)
   local is_asked = false
@@ -430,24 +442,22 @@ local function asked_in(root, frame)
   return asked
 end
 
-local function is_sent_by(operation, tvb, at, length)
+local function is_sent_by(operation, tvb, p)
   local request = operation.request
-  if length < request.length or (length > request.length and not request.is_open) then
+  if p.length < request.length or (p.length > request.length and not request.is_open) then
     return false
   end
   for _, constant in ipairs(request.constants) do
-    local from = at + constant[1]
-    local have = math.min(#constant[2], tvb:len() - from)
+    local from = p.head_size + constant[1]
+    local have = math.min(#constant[2], p.have - from)
     if have > 0 and tvb:raw(from, have) ~= constant[2]:sub(1, have) then return false end
   end
   return true
 end
 
-local function serves(operation, module)
-  for _, one in ipairs(operation.modules) do
-    if one == module then return true end
-  end
-  return #operation.modules == 0
+local function may_make(operation, tvb, p)
+  return (operation.modules[p.module] or operation.is_for_any_module) and
+         (p.kind == kAnswer or is_sent_by(operation, tvb, p))
 end
 
 local none = {}
@@ -459,14 +469,11 @@ local function operations_for(tvb, p)
   if p.kind == kAnswer and request_of[p.frame] then
     return operations_of[request_of[p.frame]] or all
   end
+  local count = 0
+  for i = 1, #all do count = count + (may_make(all[i], tvb, p) and 1 or 0) end
+  if count == #all then return all end
   local found = {}
-  for _, operation in ipairs(all) do
-    if serves(operation, p.module) and
-       (p.kind == kAnswer or is_sent_by(operation, tvb, p.head_size, p.length)) then
-      found[#found + 1] = operation
-    end
-  end
-  if #found == #all then return all end
+  for i = 1, #all do found[#found + 1] = may_make(all[i], tvb, p) and all[i] or nil end
   if p.kind == kRequest then operations_of[p.frame] = found end
   return found
 end
@@ -536,29 +543,27 @@ end
 local function add_record(tree, tvb, p, wants)
   if not p.has_record and p.length == 0 then return end
   local field = p.kind == kRequest and head.request or head.reply
-  local have = math.min(tvb:len(), p.head_size + p.length)
-  local record = tvb(p.head_size, have - p.head_size)
+  if not (wants[field] or p.message and wants[p.message] or wants[head.rest]) then return end
+  local have = math.min(p.have, p.head_size + p.length)
+  local record, size = tvb(p.head_size, have - p.head_size), have - p.head_size
   if wants[field] then
     tree = tree:add(field, record)
     tree:set_text(string.format("%s: %d byte%s", p.kind == kRequest and "Request" or "Reply",
                                 p.length, p.length == 1 and "" or "s"))
   end
   if not p.message then return end
-  local to = 0
+  local to, is_masked = 0, p.is_masked
   for _, row in ipairs(p.message.rows) do
-    local width = row.width or record:len() - row.offset
-    if width <= 0 or row.offset + width > record:len() then return end
+    local width = row.width or size - row.offset
+    if width <= 0 or row.offset + width > size then return end
     to = row.offset + width
-    if wants[row.adder] then row.adder.add(tree, record(row.offset, width), p.is_masked) end
+    if wants[row.adder] then row.adder.add(tree, record(row.offset, width), is_masked) end
   end
-  if to < record:len() and wants[head.rest] then
-    tree:add(head.rest, record(to, record:len() - to))
-  end
+  if to < size and wants[head.rest] then tree:add(head.rest, record(to, size - to)) end
 end
 
 local function names_of(p)
-  if #p.operations == 0 then return string.format("message type %d", p.type) end
-  local name = p.operations[1].name
+  local name = p.operations[1] and p.operations[1].name or "message type " .. p.type
   for i = 2, #p.operations do name = name .. " or " .. p.operations[i].name end
   return name
 end
@@ -570,57 +575,59 @@ local function add_malformed(tvb, info, root)
     is_cut and expert_infos.cut or expert_infos.malformed)
 end
 
--- A packet's header as a table, or nil.
-local function read_head(tvb, frame)
-  if tvb:len() < kHeadSize then return nil end
-  local p = {frame = frame}
+-- The packet that is being dissected. One table serves all of them: making one takes longer than
+-- most packets do.
+local packet = {}
+
+-- Fills in the header; false when there is none.
+local function read_head(p, tvb, frame)
+  p.frame, p.have = frame, tvb:len()
+  if p.have < kHeadSize then return false end
+  local raw = tvb:raw(0, kHeadSize)
   local magic, flags, _
   magic, p.kind, flags, p.head_size, _, _, _, _, p.module, p.type, _, p.length, p.result, p.status,
-    _, p.low, p.high, p.lost = Struct.unpack(kHeadLayout, tvb:raw(0, kHeadSize))
-  if magic ~= kMagic or (p.kind ~= kRequest and p.kind ~= kAnswer) or p.head_size < kHeadSize or
-     p.head_size > tvb:reported_len() then
-    return nil
-  end
+    _, p.low, p.high, p.lost = Struct.unpack(kHeadLayout, raw)
+  p.identity = raw:sub(9, 24)
   p.no_reply, p.is_masked = flags % 2 == 1, flags % 4 >= 2
-  return p
+  return magic == kMagic and (p.kind == kRequest or p.kind == kAnswer) and
+         p.head_size >= kHeadSize and
+         (p.head_size <= p.have or p.head_size <= tvb:reported_len())
 end
 
 local function dissect(tvb, info, root)
   info.cols.protocol = "OLT"
-  local p = read_head(tvb, info.number)
-  if not p then
+  local p = packet
+  if not read_head(p, tvb, info.number) then
     add_malformed(tvb, info, root)
-    return tvb:len()
+    return p.have
   end
-  if not info.visited then
-    p.identity = tvb:raw(8, 16)
-    link(p)
-  end
+  local is_visited, is_request = info.visited, p.kind == kRequest
+  if not is_visited then link(p) end
   p.operations = operations_for(tvb, p)
   p.failure = failure_of(p)
   local name = names_of(p)
-  info.cols.info = p.kind == kRequest and name or name .. ": " .. (p.failure or "ok")
+  info.cols.info = is_request and name or name .. ": " .. (p.failure or "ok")
 
   local operation = p.operations[1]
-  p.message = operation and (p.kind == kRequest and operation.request or operation.reply)
-  p.has_record = p.kind == kRequest or not (p.failure or p.no_reply)
+  p.message = operation and (is_request and operation.request or operation.reply)
+  p.has_record = is_request or not (p.failure or p.no_reply)
   p.is_short = p.has_record and p.message and p.length < p.message.length
-  p.is_cut = tvb:len() - p.head_size < p.length
-  p.is_unanswered = p.kind == kRequest and info.visited and not answer_of[p.frame]
+  p.is_cut = p.have - p.head_size < p.length
+  p.is_unanswered = is_request and is_visited and not answer_of[p.frame]
   local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.is_masked or
                    p.lost > 0 or not operation
-  local wants = everything
-  if not root.visible then
+  local wants, is_visible = everything, root.visible
+  if not is_visible then
     wants = asked_in(root, p.frame)
-    if not wants[self] and not is_noted then return tvb:len() end
+    if not wants[self] and not is_noted then return p.have end
   end
 
-  local tree = root:add(oltmgmt, tvb(), string.format(
-    "OLT Management Exchange, %s: %s", p.kind == kRequest and "request" or "answer", name))
+  local tree = root:add(oltmgmt, tvb())
+  if is_visible then tree:append_text((is_request and ", request: " or ", answer: ") .. name) end
   if is_noted then add_expert_infos(tree, p) end
   add_head(tree, tvb, p, wants)
-  if tvb:len() >= p.head_size then add_record(tree, tvb, p, wants) end
-  return tvb:len()
+  if p.have >= p.head_size then add_record(tree, tvb, p, wants) end
+  return p.have
 end
 
 oltmgmt.dissector = dissect
