@@ -523,6 +523,15 @@ class Session(unittest.TestCase):
                               home=home)
         self.assertIn("oltmgmt.lua is loaded twice; expected one copy", errors)
 
+    def test_a_file_that_cannot_be_written_is_one_error_line(self):
+        path = os.path.join(FOLDER, "none", "oltmgmt.lua")
+        done = run([ARGUMENTS.oltctl, "dissector", path])
+        self.assertEqual((1, "", "dissector: cannot write %s: No such file or directory\n" % path),
+                         (done.returncode, text(done.stdout), text(done.stderr)))
+        done = run([ARGUMENTS.oltctl, "dissector", path, "more"])
+        self.assertEqual((2, "", "dissector: 'more' is one argument too many; expected at most one\n"),
+                         (done.returncode, text(done.stdout), text(done.stderr)))
+
     def test_has_the_fields_of_the_layout_in_use(self):
         layout = write("acme.json", json.dumps(LAYOUT).encode())
         _, capture = record("layout", [
