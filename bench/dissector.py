@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures the dissector in tshark: packets a second on a capture that is repeated until it is long.
+"""Measures the dissector in tshark: packets a second on a capture, repeated until it is long.
 
 usage: bench/dissector.py OLTCTL CAPTURE [PACKETS [RUNS]]
 

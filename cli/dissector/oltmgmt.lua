@@ -61,8 +61,9 @@ local expert_infos = {
                            expert.severity.CHAT),
 }
 
--- Fields of the catalog. Fields of one name have one filter, "oltmgmt.NAME"; those of another type
--- than the first one have the type behind it, and names of the header "field" before them.
+-- The fields of the catalog. All fields of one name have the filter "oltmgmt.NAME". When their
+-- types differ, those of another type than the first have the filter "oltmgmt.NAME.TYPE". Names
+-- that the dissector uses itself become "oltmgmt.field.NAME".
 
 local kMakers = {
   number = ProtoField.uint32,
@@ -210,7 +211,7 @@ end
 
 local function number_adder(field)
   local names = names_in(field.values)
-  -- Wireshark calls other values unknown, so that it must not know names of a few special ones.
+  -- Wireshark would show all other values as unknown, so it is not told the names of special ones.
   local is_enumeration = field.values and #field.values > 1 and not field.unit
   local own
   if is_enumeration then
@@ -364,7 +365,9 @@ function adder_of(field)
     local fields, add = kAdders[field.is_reserved and "bytes" or field.kind](field)
     adders[field] = {fields = fields, add = function(tree, range, is_masked)
       local item = add(tree, range, is_masked)
-      if is_masked and range:raw():match("^%*%*+$") then item:set_text(field.name .. ": ********") end
+      if is_masked and range:raw():match("^%*%*+$") then
+        item:set_text(field.name .. ": ********")
+      end
     end}
   end
   return adders[field]
@@ -394,9 +397,9 @@ for _, operation in ipairs(catalog.operations) do
   table.insert(by_type[operation.type], operation)
 end
 
--- Where numbers of one name differ in the names of their values, the first field decides what a
--- filter may be compared with: one without names, so that "oltmgmt.state == "up"" is refused
--- rather than taken for any state of that number. "oltmgmt.state.name" has the name.
+-- Where several fields have one filter, Wireshark looks up names of values in the first of them.
+-- That is one without names, so that oltmgmt.state == "up" is an error and does not match other
+-- states with the same number. oltmgmt.state.name has the name.
 local fields = {}
 for filter, label in pairs(plain) do
   if made_count[filter] > 1 then fields[#fields + 1] = ProtoField.uint32(filter, label) end
@@ -407,19 +410,20 @@ oltmgmt.fields = fields
 oltmgmt.experts = expert_infos
 
 -- Links between requests and answers; filled in the first pass over the capture.
-local pending       -- frames of requests by what identifies the exchange
-local request_of    -- frames by those of answers
-local answer_of     -- frames by those of requests
-local operations_of -- by frame of the request, where it chose among those of its message type
+local pending        -- the request's frame, by what identifies the exchange
+local request_of     -- the request's frame, by the answer's
+local answer_of      -- the answer's frame, by the request's
+local operations_of  -- by the request's frame, unless they are all of the message type
 
--- What somebody asks for, by field, adder and message. Holds while frames follow each other.
+-- What filters and columns ask for, by field, adder and message. It is found out again when frames
+-- do not follow each other, since a new pass may ask for something else.
 local asked, last_frame, root_of_frame
-local self
+local own_dissector
 
 function oltmgmt.init()
   pending, request_of, answer_of, operations_of = {}, {}, {}, {}
   asked = nil
-  self = Dissector.get("oltmgmt")
+  own_dissector = Dissector.get("oltmgmt")
 end
 
 local everything = {}
@@ -575,8 +579,7 @@ local function add_malformed(tvb, info, root)
     is_cut and expert_infos.cut or expert_infos.malformed)
 end
 
--- The packet that is being dissected. One table serves all of them: making one takes longer than
--- most packets do.
+-- The packet that is being dissected. One table serves all packets, since making one is slow.
 local packet = {}
 
 -- Fills in the header; false when there is none.
@@ -619,7 +622,7 @@ local function dissect(tvb, info, root)
   local wants, is_visible = everything, root.visible
   if not is_visible then
     wants = asked_in(root, p.frame)
-    if not wants[self] and not is_noted then return p.have end
+    if not wants[own_dissector] and not is_noted then return p.have end
   end
 
   local tree = root:add(oltmgmt, tvb())

@@ -342,10 +342,13 @@ get_vlan_all
 get_vlan_information_file_bylist vlans=100
 add_user_level someone hidden-word 1 2
 set_port_enable --zero slot=0 port=99 port_enable=on
-Cl_Set_SntpCfg_apply enabled=on server_first=192.0.2.123 server_second=0.0.0.0 interval=1h utc_offset=-90
+Cl_Set_SntpCfg_apply enabled=on server_first=192.0.2.123 server_second=0.0.0.0 \
+interval=1h utc_offset=-90
 process_trunk_vlan slot=1 port=1 vlans=10,20-25 trunk_value=1
 process_snmp_onubasicinfo ont=1/2/3 slot=1
-add_authallowed_mac_loid iface_a=1 iface_b=1 entries='mac=02:00:00:00:00:01 loid=site-17 password=secret;mac=00:11:22:33:44:55 loid=site-18 password=other'
+add_authallowed_mac_loid iface_a=1 iface_b=1 \
+entries='mac=02:00:00:00:00:01 loid=site-17 password=secret;\
+mac=00:11:22:33:44:55 loid=site-18 password=other'
 get_rstp_brief slot=1 port=1
 add_ont_port_muticastvlan ont=1/2/3:4 vlans=10,20-25
 set_system_loglevel value=debug
@@ -439,7 +442,7 @@ LAYOUT = {
         {"name": "lease", "offset": 92, "width": 4, "kind": "duration"},
         {"name": "temperature", "offset": 96, "width": 1, "kind": "signed"},
         {"name": "module", "offset": 100, "width": 4, "kind": "number"},
-        {"name": "place", "offset": 104, "width": 16, "kind": "text"},
+        {"name": "Place", "offset": 104, "width": 16, "kind": "text"},
     ]},
 }
 
@@ -453,7 +456,7 @@ OF_LAYOUT = {
     "onu": ["4/5/6"], "onu.slot": ["4"], "onu.interface": ["5"], "onu.onu": ["6"],
     "ids.count": ["3"], "ids": ["10", "20", "21"], "counters.count": ["2"],
     "counters": ["7", "4294967295"], "lease": ["90061"], "temperature": ["-40"],
-    "field.module": ["77"], "module": ["2"], "place": ["Zürich"],
+    "field.module": ["77"], "module": ["2"], "Place": ["Zürich"],
 }
 
 
@@ -529,8 +532,14 @@ class Session(unittest.TestCase):
         self.assertEqual((1, "", "dissector: cannot write %s: No such file or directory\n" % path),
                          (done.returncode, text(done.stdout), text(done.stderr)))
         done = run([ARGUMENTS.oltctl, "dissector", path, "more"])
-        self.assertEqual((2, "", "dissector: 'more' is one argument too many; expected at most one\n"),
-                         (done.returncode, text(done.stdout), text(done.stderr)))
+        self.assertEqual(
+            (2, "", "dissector: 'more' is one argument too many; expected at most one\n"),
+            (done.returncode, text(done.stdout), text(done.stderr)))
+
+    def test_the_build_makes_the_one_of_the_box(self):
+        with open(ARGUMENTS.built, encoding="utf-8") as built, \
+                open(SCRIPT, encoding="utf-8") as printed:
+            self.assertEqual(built.read(), printed.read())
 
     def test_has_the_fields_of_the_layout_in_use(self):
         layout = write("acme.json", json.dumps(LAYOUT).encode())
@@ -540,7 +549,7 @@ class Session(unittest.TestCase):
             "routes={to=10.0.0.0 hops=2} {to=10.0.0.1 hops=3}", "features=dba,both",
             "tagged=1,2,16", "uplink=1/2", "software=1.2.3", "onu=4/5/6", "ids=10,20,21",
             "counters=7,4294967295", "lease=1d1h1m1s", "temperature=-40", "module=77",
-            "place=Zürich"])
+            "Place=Zürich"])
         shown = collections.defaultdict(list)
         for name, _, _, _, value in items_in(dissected(capture, script("--layout", layout))[0]):
             shown[name].append(value)
@@ -552,7 +561,7 @@ class Session(unittest.TestCase):
 def main():
     global ARGUMENTS, FOLDER, SCRIPT
     parser = argparse.ArgumentParser()
-    for name in ("tshark", "oltctl", "recorder", "every-operation"):
+    for name in ("tshark", "oltctl", "recorder", "every-operation", "built"):
         parser.add_argument("--" + name, required=True)
     ARGUMENTS, rest = parser.parse_known_args()
     with tempfile.TemporaryDirectory() as FOLDER:

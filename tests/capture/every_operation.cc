@@ -95,7 +95,7 @@ class Calling {
   /// The few values that operations look at.
   void satisfy_checks() {
     std::string_view name = operation_.name;
-    if (name.find("snmp_olt_port") != name.npos) {
+    if (name.find("snmp_olt_port") != std::string_view::npos) {
       const uint8_t port[] = {1, 0, 0, 0, 3, 0, 0, 0};
       std::copy(std::begin(port), std::end(port), memories_[0].bytes.begin());
     }
