@@ -29,7 +29,8 @@ local head = {
                                     base.UNIT_STRING, {" byte", " bytes"}),
   no_reply = ProtoField.none("oltmgmt.no_reply", "No reply wanted"),
   result = ProtoField.uint32("oltmgmt.result", "Result", base.HEX, catalog.results),
-  status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC, catalog.statuses),
+  status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC,
+                             next(catalog.statuses) and catalog.statuses or nil),
   failed = ProtoField.string("oltmgmt.failed", "Failed"),
   time = ProtoField.relative_time("oltmgmt.time", "Response time"),
   request_in = ProtoField.framenum("oltmgmt.request_in", "Request in", base.NONE,
@@ -312,13 +313,15 @@ local kAdders = {
     return words_adder(field, {"slot", "port"}, function(words) return table.concat(words, "/") end)
   end,
 
-  -- Slot, interface and ONU; if there is room, a kind and a UNI port.
+  -- Slot, interface and ONU; if there is room, a kind and a UNI port. Some messages have a part of
+  -- them alone.
   ont = function(field)
     local names = {"slot", "interface", "onu"}
     if field.width >= 20 then names = {"slot", "interface", "onu", "kind", "port"} end
+    while 4 * #names > field.width do names[#names] = nil end
     return words_adder(field, names, function(words)
       local port = words[5] and words[5] ~= 0 and ":" .. words[5] or ""
-      return words[1] .. "/" .. words[2] .. "/" .. words[3] .. port
+      return table.concat(words, "/", 1, math.min(#words, 3)) .. port
     end)
   end,
 

@@ -310,6 +310,13 @@ class EveryOperation(unittest.TestCase):
                          counts(path, ["_ws.lua.error && oltmgmt.slot", "oltmgmt"]))
         self.assertEqual([0], counts(path, ["_ws.lua.error"]))
 
+    def test_layouts_without_meanings_raise_no_error(self):
+        code, output, errors = tshark("-X", "lua_script:" + script("--layout", "none"), "-r",
+                                      self.capture, "-V")
+        self.assertEqual((0, ""), (code, errors))
+        self.assertNotIn("Lua Error", output)
+        self.assertIn("\n    Status: 0\n", output)
+
     def varied_packets(self):
         """One request and one reply of each kind of field."""
         seen = set()
