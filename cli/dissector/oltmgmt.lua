@@ -365,7 +365,9 @@ local adders = {}  -- by field
 -- the packet is masked.
 function adder_of(field)
   if not adders[field] then
-    local fields, add = kAdders[field.is_reserved and "bytes" or field.kind](field)
+    local is_wide = field.kind == "number" and field.width > 4
+    local kind = (field.is_reserved or is_wide) and "bytes" or field.kind
+    local fields, add = kAdders[kind](field)
     adders[field] = {fields = fields, add = function(tree, range, is_masked)
       local item = add(tree, range, is_masked)
       if is_masked and range:raw():match("^%*%*+$") then
