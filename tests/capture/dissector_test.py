@@ -480,6 +480,13 @@ class Session(unittest.TestCase):
         found = counts(self.capture, [one for one, _ in FILTERS])
         self.assertEqual(FILTERS, [(one, count) for (one, _), count in zip(FILTERS, found)])
 
+    def test_documented_filters_are_valid(self):
+        with open(ARGUMENTS.document, encoding="utf-8") as document:
+            table = document.read().split("### Filters")[1].split("\n\n")[2]
+        filters = re.findall(r"`(oltmgmt[^`]*)`", table)
+        self.assertGreater(len(filters), 25)
+        self.assertEqual(len(filters), len(counts(self.capture, filters)))
+
     def test_a_filter_alone_takes_the_same_packets(self):
         for one, expected in (
                 ("oltmgmt.vlans == 22", [["33", "OLT", "add_ont_port_muticastvlan"]]),
@@ -568,7 +575,7 @@ class Session(unittest.TestCase):
 def main():
     global ARGUMENTS, FOLDER, SCRIPT
     parser = argparse.ArgumentParser()
-    for name in ("tshark", "oltctl", "recorder", "every-operation", "built"):
+    for name in ("tshark", "oltctl", "recorder", "every-operation", "built", "document"):
         parser.add_argument("--" + name, required=True)
     ARGUMENTS, rest = parser.parse_known_args()
     with tempfile.TemporaryDirectory() as FOLDER:
