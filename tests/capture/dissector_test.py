@@ -65,12 +65,11 @@ def script(*options):
 
 
 def tshark(*arguments, home=None):
-    """Without plugins, configuration and dissectors of this machine."""
+    """Without the user's own plugins and configuration."""
     home = home or os.path.join(FOLDER, "home")
     os.makedirs(home, exist_ok=True)
     done = run([ARGUMENTS.tshark, *arguments],
-               {"HOME": home, "XDG_CONFIG_HOME": home, "WIRESHARK_PLUGIN_DIR": home,
-                "TZ": "UTC", "LC_ALL": "C.UTF-8"})
+               {"HOME": home, "XDG_CONFIG_HOME": home, "LC_ALL": "C.UTF-8"})
     lines = text(done.stderr).splitlines(keepends=True)
     errors = "".join(line for line in lines if "Running as user" not in line)
     return done.returncode, text(done.stdout), errors
