@@ -418,4 +418,24 @@ std::vector<Table> enterprise_tables(const Layout &layout) {
   return tables;
 }
 
+Oid AgentScalar::oid(const Oid &root) const {
+  Oid oid = root;
+  oid.insert(oid.end(), {kAgentArc, arc});
+  return oid;
+}
+
+const std::vector<AgentScalar> &agent_scalars() {
+  static const std::vector<AgentScalar> scalars = {
+      {"oltAgentReads", 1, "Rows that the agent read from the modules."},
+      {"oltAgentRequests", 2, "Variables that the master agent asked for."},
+      {"oltAgentDelegated", 3, "Requests that waited for a module."},
+      {"oltAgentDeadlines", 4, "Requests that no module answered in time."},
+      {"oltAgentRefused", 5,
+       "Variables refused at once, while a call to their module had no answer."},
+      {"oltAgentLate", 6, "Answers of modules that came after the deadline."},
+      {"oltAgentSessionsLost", 7, "Sessions with the master agent that were lost."},
+  };
+  return scalars;
+}
+
 }  // namespace olt::agent

@@ -128,6 +128,19 @@ enum Arc : uint32_t { kNotificationArc = 0, kObjectArc = 1, kAgentArc = 2, kConf
 /// how rows are found, and those without columns, are left out. The layout must outlive them.
 std::vector<Table> enterprise_tables(const catalog::Layout &layout);
 
+/// A counter of the agent itself: ROOT.2.N.0.
+struct AgentScalar {
+  std::string name;
+  uint32_t arc;
+  std::string description;
+
+  /// Without the 0 of the instance.
+  Oid oid(const Oid &root) const;
+};
+
+/// Counter32s, in the order of their arcs.
+const std::vector<AgentScalar> &agent_scalars();
+
 }  // namespace olt::agent
 
 #endif

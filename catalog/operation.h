@@ -221,6 +221,7 @@ struct Operation {
   Address address;
   bool takes_all = false;    ///< all fields of its records must be given
   bool destructive = false;  ///< ends or removes what cannot be brought back by another operation
+  bool keeps_reply = false;  ///< never releases its reply, so it must not be called without end
 
   constexpr std::span<const Argument> arguments() const {
     return {argument_room.data(), argument_count};

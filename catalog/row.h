@@ -318,6 +318,11 @@ constexpr Operation destructive(Operation operation) {
   return operation;
 }
 
+constexpr Operation keeps_reply(Operation operation) {
+  operation.keeps_reply = true;
+  return operation;
+}
+
 /// The row, with a text that it reports where the probe fails.
 constexpr Operation falls_back(const char *text, const char *probe, Operation operation) {
   operation.fallback = {text, probe};

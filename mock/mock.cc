@@ -23,15 +23,6 @@ namespace {
 /// replies that may be shorter.
 constexpr size_t kSmallestReply = 256;
 
-/// The operations that do not release their reply.
-constexpr std::string_view kKeepReply[] = {"get_port_enable", "get_port_link_state",
-                                           "get_port_link_duplex", "get_port_link_speed"};
-
-bool keeps_reply(const Operation &operation) {
-  return std::find(std::begin(kKeepReply), std::end(kKeepReply), operation.name) !=
-         std::end(kKeepReply);
-}
-
 const Operation &operation_named(const char *name) {
   std::string_view given = name == nullptr ? "" : name;
   const Operation *operation = catalog::find(given);
@@ -288,7 +279,7 @@ void Mock::hand_out(const Request &request, const Bytes &reply, Outcome &outcome
                             .operation = operation == nullptr
                                              ? fmt::format("message type {}", request.message_type)
                                              : operation->name,
-                            .counts = operation == nullptr || !keeps_reply(*operation)};
+                            .counts = operation == nullptr || !operation->keeps_reply};
 }
 
 const char *Mock::release_reply(uint32_t handle) {

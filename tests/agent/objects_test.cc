@@ -110,6 +110,7 @@ TEST(Objects, HaveNamesAndPlacesOfTheirOwn) {
   std::set<std::string> names;
   for (const Table &one : tables()) {
     EXPECT_TRUE(names.insert(one.name).second) << one.name;
+    EXPECT_FALSE(one.reader->keeps_reply) << one.name;
     std::set<uint32_t> arcs;
     for (const agent::IndexPart &part : one.index) {
       EXPECT_TRUE(names.insert(part.name).second) << part.name;

@@ -1,0 +1,128 @@
+/// oltsnmp: the SNMP agent of an OLT, a subagent under snmpd.
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include "agent/objects.h"
+#include "agent/subagent.h"
+#include "base/bad_input.h"
+#include "base/descriptor.h"
+#include "base/text.h"
+#include "catalog/layout.h"
+#include "oltmgmt.h"
+
+namespace {
+
+using olt::BadInput;
+using olt::printable;
+using olt::agent::Subagent;
+using olt::agent::SubagentOptions;
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+struct Arguments {
+  SubagentOptions subagent{.socket = "unix:/var/agentx/master"};
+  std::string root{olt::agent::kDefaultRoot};
+  std::string box;
+  bool check = false;
+};
+
+olt::agent::Oid root_of(const std::string &text) {
+  std::optional<olt::agent::Oid> root = olt::agent::to_oid(text);
+  // An OID has 128 arcs at most; 64 of them leave room for every index.
+  if (root && root->size() >= 2 && root->size() <= 64 && (*root)[0] <= 2) return *root;
+  throw BadInput(fmt::format(
+      "oltsnmp: --root {}: no object identifier; expected 2 to 64 numbers with dots between them",
+      printable(text)));
+}
+
+/// A path is a Unix socket.
+std::string socket_of(const std::string &text) {
+  return text.starts_with('/') ? "unix:" + text : text;
+}
+
+/// Throws CLI::ParseError and BadInput.
+Arguments parse(int argc, char **argv) {
+  Arguments arguments;
+  CLI::App app(
+      "The SNMP agent of an OLT: a subagent that serves snmpd until SIGTERM or SIGINT. SIGHUP "
+      "reads "
+      "the configuration file again.",
+      "oltsnmp");
+  app.footer("Exit status: 0 done, 1 failed, 2 wrong usage.");
+  app.set_help_flag("--help", "show this help");
+  app.set_version_flag("--version", std::string("oltsnmp ") + OLTMGMT_VERSION, "show the version");
+  app.set_config("--config", "", "options from a file, as OPTION=VALUE in a line")
+      ->type_name("FILE");
+  app.allow_config_extras(CLI::config_extras_mode::error);
+  app.add_option("--agentx", arguments.subagent.socket,
+                 "the master agent's AgentX socket; default unix:/var/agentx/master")
+      ->type_name("SOCKET");
+  app.add_option("--box", arguments.box,
+                 "the run directory of the modules; default: the one that OLT_RUN_DIR names")
+      ->type_name("DIR");
+  app.add_option("--root", arguments.root,
+                 "the object identifier above all objects; default 1.3.6.1.4.1.32473")
+      ->type_name("OID");
+  app.add_option("--context", arguments.subagent.context,
+                 "the SNMP context of all objects; default: the one without a name")
+      ->type_name("NAME");
+  app.add_flag("--writable", arguments.subagent.is_writable,
+               "let managers set what can be set; default: read-only");
+  app.add_flag("--check", arguments.check, "check the options and the configuration file, and end")
+      ->configurable(false);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success &request) {
+    app.exit(request);
+    std::cout.flush();
+    if (!std::cout) throw std::runtime_error("oltsnmp: cannot write the output");
+    std::exit(0);
+  }
+  arguments.subagent.root = root_of(arguments.root);
+  arguments.subagent.socket = socket_of(arguments.subagent.socket);
+  return arguments;
+}
+
+/// @return the exit status
+int serve(const Arguments &arguments, char **argv) {
+  if (!arguments.box.empty()) setenv("OLT_RUN_DIR", arguments.box.c_str(), 1);
+  Subagent subagent(arguments.subagent, olt::catalog::Layout::box());
+  static_cast<void>(argv);
+  subagent.run();
+  return 0;
+}
+
+int run(int argc, char **argv) {
+  Arguments arguments = parse(argc, argv);
+  if (arguments.check) return 0;
+  return serve(arguments, argv);
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  try {
+    olt::fill_standard_streams();
+    return run(argc, argv);
+  } catch (const CLI::ParseError &error) {
+    static_cast<void>(std::fprintf(stderr, "oltsnmp: %s; expected what oltsnmp --help shows\n",
+                                   printable(error.what()).c_str()));
+    return kWrongUsage;
+  } catch (const BadInput &error) {
+    static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+    return kWrongUsage;
+  } catch (const std::exception &error) {
+    static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+    return kFailed;
+  }
+}

@@ -1,0 +1,44 @@
+#include "agent/row_cache.h"
+
+#include <utility>
+
+namespace olt::agent {
+
+/// A row that was found after another one also answers for itself.
+bool RowCache::Entry::answers(const Table &asked, Selection how, const Key &named) const {
+  if (table != &asked) return false;
+  if (selection == how && key == named) return true;
+  return how == Selection::kThis && answer.outcome == Outcome::kFound && answer.row.key == named;
+}
+
+std::optional<Answer> RowCache::find(const Table &table, Selection selection, const Key &key,
+                                     Clock::time_point now) {
+  std::lock_guard guard(mutex_);
+  for (size_t i = 1; i <= entries_.size(); ++i) {
+    const Entry &entry = entries_[(end_ + kRows - i) % kRows];
+    if (now - entry.read > kAge) break;  // all others are older
+    if (entry.answers(table, selection, key)) return entry.answer;
+  }
+  return std::nullopt;
+}
+
+void RowCache::add(const Table &table, Selection selection, const Key &key, const Answer &answer,
+                   Clock::time_point now) {
+  if (answer.outcome == Outcome::kFailed) return;
+  Entry entry{&table, selection, key, answer, now};
+  std::lock_guard guard(mutex_);
+  if (entries_.size() < kRows) {
+    entries_.push_back(std::move(entry));
+  } else {
+    entries_[end_] = std::move(entry);
+  }
+  end_ = (end_ + 1) % kRows;
+}
+
+void RowCache::drop_all() {
+  std::lock_guard guard(mutex_);
+  entries_.clear();
+  end_ = 0;
+}
+
+}  // namespace olt::agent

@@ -1,0 +1,47 @@
+/// The rows read last, for all columns of a row and all managers that walk at the same time.
+#ifndef OLT_AGENT_ROW_CACHE_H
+#define OLT_AGENT_ROW_CACHE_H
+
+#include <chrono>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "agent/rows.h"
+
+namespace olt::agent {
+
+/// For any thread. Failures are not kept; that there is no row is.
+class RowCache {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr size_t kRows = 256;
+  static constexpr std::chrono::seconds kAge{1};
+
+  std::optional<Answer> find(const Table &table, Selection selection, const Key &key,
+                             Clock::time_point now = Clock::now());
+  void add(const Table &table, Selection selection, const Key &key, const Answer &answer,
+           Clock::time_point now = Clock::now());
+  /// Must follow every write, also one of unknown outcome.
+  void drop_all();
+
+ private:
+  struct Entry {
+    const Table *table = nullptr;
+    Selection selection{};
+    Key key;
+    Answer answer;
+    Clock::time_point read;
+
+    bool answers(const Table &asked, Selection how, const Key &named) const;
+  };
+
+  std::mutex mutex_;
+  std::vector<Entry> entries_;  ///< a ring in the order of time
+  size_t end_ = 0;              ///< of the newest entry
+};
+
+}  // namespace olt::agent
+
+#endif

@@ -1,0 +1,46 @@
+/// The AgentX side: requests of the master agent, answered from what workers read.
+///
+/// One thread, that of run(), makes every call of net-snmp, which is not thread-safe, and never one
+/// of the library, which blocks. Requests that the cache cannot answer are delegated to the worker
+/// of their module. What has no answer within the deadline fails, for the objects of that module
+/// alone, long before the master would give up the whole session.
+#ifndef OLT_AGENT_SUBAGENT_H
+#define OLT_AGENT_SUBAGENT_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "agent/objects.h"
+#include "catalog/layout.h"
+
+namespace olt::agent {
+
+struct SubagentOptions {
+  std::string socket;   ///< of the master agent: "unix:/var/agentx/master"
+  std::string context;  ///< empty: the default one
+  Oid root;
+  bool is_writable = false;
+};
+
+class Subagent {
+ public:
+  /// Blocks the signals that end run(), in threads that the caller starts later, too.
+  Subagent(SubagentOptions options, const catalog::Layout &layout);
+  Subagent(const Subagent &) = delete;
+  Subagent &operator=(const Subagent &) = delete;
+  ~Subagent();
+
+  /// Serves until SIGTERM, SIGINT or SIGHUP.
+  /// @return the signal
+  int run();
+
+ private:
+  class Session;
+  std::unique_ptr<Session> session_;
+};
+
+}  // namespace olt::agent
+
+#endif
