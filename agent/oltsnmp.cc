@@ -2,19 +2,24 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "agent/objects.h"
 #include "agent/subagent.h"
 #include "base/bad_input.h"
 #include "base/descriptor.h"
+#include "base/failure.h"
 #include "base/text.h"
 #include "catalog/layout.h"
 #include "oltmgmt.h"
@@ -93,19 +98,46 @@ Arguments parse(int argc, char **argv) {
   return arguments;
 }
 
-/// @return the exit status
-int serve(const Arguments &arguments, char **argv) {
-  if (!arguments.box.empty()) setenv("OLT_RUN_DIR", arguments.box.c_str(), 1);
-  Subagent subagent(arguments.subagent, olt::catalog::Layout::box());
-  static_cast<void>(argv);
-  subagent.run();
-  return 0;
+void report(const std::string &line) {
+  static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
+}
+
+/// One line for what is wrong with the command line or the configuration file.
+std::string line_of(const CLI::ParseError &error) {
+  std::string text = printable(error.what());
+  return fmt::format("oltsnmp: {}; expected what oltsnmp --help shows", text);
+}
+
+/// Before a new start with the same command line: a mistake in the file must not end the service.
+bool is_right(int argc, char **argv) {
+  try {
+    parse(argc, argv);
+    return true;
+  } catch (const CLI::ParseError &error) {
+    report(line_of(error));
+  } catch (const BadInput &error) {
+    report(error.what());
+  }
+  return false;
 }
 
 int run(int argc, char **argv) {
   Arguments arguments = parse(argc, argv);
   if (arguments.check) return 0;
-  return serve(arguments, argv);
+  const char *named = std::getenv("OLT_RUN_DIR");
+  std::optional<std::string> before;
+  if (named != nullptr) before = named;
+  if (!arguments.box.empty()) setenv("OLT_RUN_DIR", arguments.box.c_str(), 1);
+  auto subagent = std::make_unique<Subagent>(arguments.subagent, olt::catalog::Layout::box());
+  int signal = subagent->run([argc, argv] { return is_right(argc, argv); });
+  if (signal == SIGHUP) {
+    before ? setenv("OLT_RUN_DIR", before->c_str(), 1) : unsetenv("OLT_RUN_DIR");
+    execv("/proc/self/exe", argv);
+    throw olt::system_failure("oltsnmp: cannot start again", errno);
+  }
+  // A call without an answer cannot be ended: its thread ends with the process.
+  if (!subagent->is_idle()) std::_Exit(0);
+  return 0;
 }
 
 }  // namespace
@@ -115,14 +147,13 @@ int main(int argc, char **argv) {
     olt::fill_standard_streams();
     return run(argc, argv);
   } catch (const CLI::ParseError &error) {
-    static_cast<void>(std::fprintf(stderr, "oltsnmp: %s; expected what oltsnmp --help shows\n",
-                                   printable(error.what()).c_str()));
+    report(line_of(error));
     return kWrongUsage;
   } catch (const BadInput &error) {
-    static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+    report(error.what());
     return kWrongUsage;
   } catch (const std::exception &error) {
-    static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
+    report(error.what());
     return kFailed;
   }
 }

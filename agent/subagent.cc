@@ -130,18 +130,19 @@ class Subagent::Session {
   Session(const Session &) = delete;
   Session &operator=(const Session &) = delete;
 
-  ~Session() {
-    for (int descriptor : watched_) unregister_readfd(descriptor);
-    snmp_shutdown(kName);
-    // A call that its module does not answer cannot be ended: its worker ends with the process.
-    for (auto &[number, module] : modules_) {
-      if (!module.worker->is_idle()) static_cast<void>(module.worker.release());
+  int run(const std::function<bool()> &may_end) {
+    while (true) {
+      while (signal_ == 0) agent_check_and_process(1);
+      if (signal_ != SIGHUP || may_end()) break;
+      signal_ = 0;
     }
+    disconnect();
+    return signal_;
   }
 
-  int run() {
-    while (signal_ == 0) agent_check_and_process(1);
-    return signal_;
+  bool is_idle() const {
+    return std::all_of(modules_.begin(), modules_.end(),
+                       [](const auto &module) { return module.second.worker->is_idle(); });
   }
 
  private:
@@ -247,6 +248,14 @@ class Subagent::Session {
       throw Failure("oltsnmp: net-snmp takes no more descriptors");
     }
     watched_.push_back(descriptor);
+  }
+
+  void disconnect() {
+    for (int descriptor : watched_) unregister_readfd(descriptor);
+    // net-snmp would free its argument.
+    snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_STOP, on_session_lost,
+                             this, 1);
+    snmp_shutdown(kName);
   }
 
   static void on_signal(int descriptor, void *session) {
@@ -594,8 +603,12 @@ Subagent::Subagent(SubagentOptions options, const catalog::Layout &layout)
 
 Subagent::~Subagent() = default;
 
-int Subagent::run() {
-  return session_->run();
+int Subagent::run(const std::function<bool()> &may_end) {
+  return session_->run(may_end);
+}
+
+bool Subagent::is_idle() const {
+  return session_->is_idle();
 }
 
 }  // namespace olt::agent

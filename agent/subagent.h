@@ -8,6 +8,7 @@
 #define OLT_AGENT_SUBAGENT_H
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,9 +33,12 @@ class Subagent {
   Subagent &operator=(const Subagent &) = delete;
   ~Subagent();
 
-  /// Serves until SIGTERM, SIGINT or SIGHUP.
+  /// Serves until SIGTERM or SIGINT, or until SIGHUP if it may end then; unregisters everything.
   /// @return the signal
-  int run();
+  int run(const std::function<bool()> &may_end);
+
+  /// Whether no worker is in a call. It must not be destroyed while one is.
+  bool is_idle() const;
 
  private:
   class Session;
