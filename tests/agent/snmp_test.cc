@@ -443,6 +443,33 @@ TEST_F(Snmp, EveryTableFailsWithItsModuleAndComesBack) {
   }
 }
 
+TEST_F(Snmp, SighupTakesTheNewConfiguration) {
+  const std::string file = running().box().folder() + "/oltsnmp.conf";
+  std::ofstream(file) << "writable=true\n";
+  EXPECT_EQ(running().end_agent(SIGTERM), 0);
+  running().start_agent({"--config", file});
+  EXPECT_EQ(running().snmp("snmpset", {}, {".1.70.1.86.1.3", "u", "3"}).status, 0);
+
+  // A mistake does not end the service.
+  std::ofstream(file) << "writeable=true\n";
+  kill(running().agent(), SIGHUP);
+  EXPECT_TRUE(running().waits_for("writeable"));
+  EXPECT_EQ(running().snmp("snmpset", {}, {".1.70.1.86.1.3", "u", "4"}).status, 0);
+
+  // Read-only, and in a context, which the community "inside" sees.
+  std::ofstream(file) << "context=olt\n";
+  size_t before = occurrences("subagent connected");
+  kill(running().agent(), SIGHUP);
+  EXPECT_TRUE(running().waits_for("subagent connected", before + 1));
+  EXPECT_EQ(running().get(".1.70.1.86.1.3"), "NoSuchObjectavailableonthisagentatthisOID");
+  EXPECT_EQ(running().snmp("snmpget", {"-c", "inside", "-Ov"}, {".1.70.1.86.1.3"}).output, "4\n");
+  Finished set = running().snmp("snmpset", {"-c", "inside"}, {".1.70.1.86.1.3", "u", "5"});
+  EXPECT_NE(set.errors.find("notWritable"), std::string::npos) << set.errors;
+
+  EXPECT_EQ(running().end_agent(SIGTERM), 0);
+  running().start_agent({"--writable"});
+}
+
 TEST_F(Snmp, EndsWhileACallHasNoAnswer) {
   oltctl({"fault", "add", "type=4", "action=silence"});
   std::this_thread::sleep_for(1100ms);  // the cache

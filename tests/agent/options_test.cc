@@ -1,0 +1,68 @@
+// What oltsnmp says to its options and its configuration file.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/folder.h"
+#include "tests/support/program.h"
+
+namespace olt::test {
+
+namespace {
+
+Finished oltsnmp(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), OLTSNMP);
+  return run(arguments);
+}
+
+TEST(Oltsnmp, SaysWhatItIs) {
+  EXPECT_EQ(oltsnmp({"--version"}).output, "oltsnmp 0.1.0\n");
+  Finished help = oltsnmp({"--help"});
+  EXPECT_EQ(help.status, 0);
+  for (const char *part : {"--agentx SOCKET", "--box DIR", "--root OID", "--context NAME",
+                           "--writable", "--config FILE", "--check", "Exit status:"}) {
+    EXPECT_NE(help.output.find(part), std::string::npos) << part;
+  }
+}
+
+TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
+  Folder folder;
+  const std::string unknown = folder.write("unknown", "rot=1.3\n");
+  const std::string bad = folder.write("bad", "root=1.3.x\n");
+  const std::vector<std::pair<std::vector<std::string>, std::string>> kWrong = {
+      {{"--nope"}, "--nope"},
+      {{"word"}, "word"},
+      {{"--root", "1.3.x"}, "oltsnmp: --root 1.3.x: no object identifier; expected "},
+      {{"--root", "1"}, "--root 1:"},
+      {{"--root", "3.1"}, "--root 3.1:"},
+      {{"--config", folder / "none"}, folder / "none"},
+      {{"--config", unknown}, "rot"},
+      {{"--config", bad}, "--root 1.3.x:"},
+  };
+  for (auto [arguments, part] : kWrong) {
+    arguments.emplace_back("--check");
+    Finished refused = oltsnmp(arguments);
+    EXPECT_EQ(refused.status, 2) << part;
+    EXPECT_EQ(refused.output, "") << part;
+    EXPECT_TRUE(refused.errors.starts_with("oltsnmp: ")) << refused.errors;
+    EXPECT_NE(refused.errors.find(part), std::string::npos) << refused.errors;
+    EXPECT_NE(refused.errors.find("; expected "), std::string::npos) << refused.errors;
+    EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
+  }
+}
+
+TEST(Oltsnmp, ChecksAConfigurationFile) {
+  Folder folder;
+  const std::string file = folder.write(
+      "right", "# The enterprise number is ours.\nroot=1.3.6.1.4.1.99999\nwritable=true\n");
+  Finished checked = oltsnmp({"--check", "--config", file});
+  EXPECT_EQ(checked.status, 0) << checked.errors;
+  EXPECT_EQ(checked.output + checked.errors, "");
+}
+
+}  // namespace
+
+}  // namespace olt::test
