@@ -438,4 +438,23 @@ const std::vector<AgentScalar> &agent_scalars() {
   return scalars;
 }
 
+const std::vector<Notification> &notifications() {
+  static const std::vector<Notification> notifications = {
+      {"oltOnuUp", 1, "oltOnuState", "An ONU came up."},
+      {"oltOnuAway", 2, "oltOnuState", "An ONU went away."},
+      {"oltOnuBlocked", 3, "oltOnuState", "An ONU was blocked: its authentication was refused."},
+      {"oltPortUp", 4, "oltBasicPortLinkState", "The link of an Ethernet port came up."},
+      {"oltPortDown", 5, "oltBasicPortLinkState", "The link of an Ethernet port went down."},
+      {"oltUpdateEnded", 6, "oltUpdateProgress", "A firmware update was completed or failed."},
+      {"oltModuleLost", 7, "oltAgentModule", "A management module does not answer."},
+      {"oltModuleBack", 8, "oltAgentModule", "A management module answers again."},
+  };
+  return notifications;
+}
+
+const AgentScalar &module_object() {
+  static const AgentScalar object = {"oltAgentModule", 8, "The number of a management module."};
+  return object;
+}
+
 }  // namespace olt::agent

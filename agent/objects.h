@@ -141,6 +141,32 @@ struct AgentScalar {
 /// Counter32s, in the order of their arcs.
 const std::vector<AgentScalar> &agent_scalars();
 
+/// ROOT.0.N, with one object: a column or scalar of a table, or oltAgentModule.
+struct Notification {
+  std::string name;
+  uint32_t arc;
+  std::string object;
+  std::string description;
+};
+
+/// The arcs of the notifications.
+enum class Event : uint32_t {
+  kOnuUp = 1,
+  kOnuAway = 2,
+  kOnuBlocked = 3,
+  kPortUp = 4,
+  kPortDown = 5,
+  kUpdateEnded = 6,
+  kModuleLost = 7,
+  kModuleBack = 8,
+};
+
+/// In the order of their arcs.
+const std::vector<Notification> &notifications();
+
+/// The number of a module, which only notifications hold: accessible-for-notify, an Unsigned32.
+const AgentScalar &module_object();
+
 }  // namespace olt::agent
 
 #endif

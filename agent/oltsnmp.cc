@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -33,6 +34,7 @@ using olt::agent::SubagentOptions;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
+constexpr int kShortestPace = 10;
 
 struct Arguments {
   SubagentOptions subagent{.socket = "unix:/var/agentx/master"};
@@ -58,6 +60,7 @@ std::string socket_of(const std::string &text) {
 /// Throws CLI::ParseError and BadInput.
 Arguments parse(int argc, char **argv) {
   Arguments arguments;
+  int pace = 20;
   CLI::App app(
       "The SNMP agent of an OLT: a subagent that serves snmpd until SIGTERM or SIGINT. SIGHUP "
       "reads "
@@ -83,6 +86,12 @@ Arguments parse(int argc, char **argv) {
       ->type_name("NAME");
   app.add_flag("--writable", arguments.subagent.is_writable,
                "let managers set what can be set; default: read-only");
+  app.add_option(
+         "--pace", pace,
+         "milliseconds between the exchanges that look for changes to notify managers of, 10 "
+         "to 1000; 0: no notifications; default 20")
+      ->type_name("MS")
+      ->check(CLI::Range(0, 1000));
   app.add_flag("--check", arguments.check, "check the options and the configuration file, and end")
       ->configurable(false);
   try {
@@ -93,6 +102,11 @@ Arguments parse(int argc, char **argv) {
     if (!std::cout) throw std::runtime_error("oltsnmp: cannot write the output");
     std::exit(0);
   }
+  if (pace != 0 && pace < kShortestPace) {
+    throw BadInput(fmt::format("oltsnmp: --pace {}: too fast; expected 0, or {} to 1000", pace,
+                               kShortestPace));
+  }
+  arguments.subagent.pace = std::chrono::milliseconds(pace);
   arguments.subagent.root = root_of(arguments.root);
   arguments.subagent.socket = socket_of(arguments.subagent.socket);
   return arguments;

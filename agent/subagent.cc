@@ -24,6 +24,7 @@
 #include <utility>
 
 #include "agent/cell.h"
+#include "agent/poller.h"
 #include "agent/row_cache.h"
 #include "agent/rows.h"
 #include "agent/value.h"
@@ -116,7 +117,10 @@ struct Metrics {
 class Subagent::Session {
  public:
   Session(SubagentOptions options, const catalog::Layout &layout)
-      : options_(std::move(options)), tables_(enterprise_tables(layout)), reader_(layout) {
+      : options_(std::move(options)),
+        tables_(enterprise_tables(layout)),
+        reader_(layout),
+        poller_(tables_, layout, options_.pace) {
     block_signals();
     open();
     for (const Table &table : tables_) add_module(table);
@@ -125,6 +129,10 @@ class Subagent::Session {
     init_snmp(kName);  // connects, if the master is there
     watch(done_.descriptor(), on_done);
     watch(signals_.get(), on_signal);
+    if (options_.pace.count() > 0) {
+      timeval pace{options_.pace.count() / 1000, options_.pace.count() % 1000 * 1000};
+      snmp_alarm_register_hr(pace, SA_REPEAT, on_turn, this);
+    }
   }
 
   Session(const Session &) = delete;
@@ -202,6 +210,7 @@ class Subagent::Session {
     if (init_agent(kName) != 0) throw Failure("oltsnmp: net-snmp does not start");
     netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL,
                        kSecondsBetweenPings);  // init_agent sets another one
+    snmp_register_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, on_session, this);
     snmp_register_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_STOP, on_session_lost,
                            this);
   }
@@ -253,6 +262,8 @@ class Subagent::Session {
   void disconnect() {
     for (int descriptor : watched_) unregister_readfd(descriptor);
     // net-snmp would free its argument.
+    snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, on_session,
+                             this, 1);
     snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_STOP, on_session_lost,
                              this, 1);
     snmp_shutdown(kName);
@@ -265,9 +276,73 @@ class Subagent::Session {
     }
   }
 
+  static int on_session(int /*major*/, int /*minor*/, void * /*server*/, void *session) {
+    static_cast<Session *>(session)->is_connected_ = true;
+    return 0;
+  }
+
   static int on_session_lost(int /*major*/, int /*minor*/, void * /*server*/, void *session) {
+    static_cast<Session *>(session)->is_connected_ = false;
     ++static_cast<Session *>(session)->metrics_.sessions_lost;
     return 0;
+  }
+
+  // Notifications.
+
+  /// Without a session nobody would be told of a change: it is found later.
+  static void on_turn(unsigned /*alarm*/, void *session) {
+    auto *self = static_cast<Session *>(session);
+    if (self->is_connected_ && self->poll_ == nullptr) self->poll();
+  }
+
+  void poll() {
+    std::optional<Task> task = poller_.next(Poller::Clock::now());
+    if (!task) return;
+    polled_ = &modules_[task->table->reader->address.module];
+    poll_ = std::make_shared<Job>();
+    poll_->tasks.push_back(std::move(*task));
+    poll_alarm_ = snmp_alarm_register_hr(kDeadline, 0, on_poll_deadline, this);
+    polled_->worker->submit(poll_);
+  }
+
+  static void on_poll_deadline(unsigned /*alarm*/, void *session) {
+    auto *self = static_cast<Session *>(session);
+    self->poll_alarm_ = 0;
+    self->polled_->is_stuck = true;
+    self->note(*self->polled_, false);
+  }
+
+  void finish_poll() {
+    if (poll_alarm_ != 0) snmp_alarm_unregister(poll_alarm_);
+    const Task &task = poll_->tasks.front();
+    note_answer(*polled_, task.answer);
+    if (std::optional<Change> change = poller_.take(task)) {
+      const Column &column = change->table->columns[change->column];
+      Oid name = change->table->oid(options_.root);
+      for (uint32_t arc : name_of(*change->table, {change->column, change->row.key})) {
+        name.push_back(arc);
+      }
+      notify(change->event, name, asn_type(column.type),
+             value_of(column, change->row.record).number);
+    }
+    poll_ = nullptr;
+  }
+
+  /// The library puts sysUpTime in front.
+  void notify(Event event, const Oid &object, u_char type, int64_t value) const {
+    static constexpr oid kTrapOid[] = {1, 3, 6, 1, 6, 3, 1, 1, 4, 1, 0};
+    Oid trap = options_.root;
+    trap.insert(trap.end(), {kNotificationArc, static_cast<uint32_t>(event)});
+    std::vector<oid> trap_name = to_net_snmp(trap);
+    std::vector<oid> object_name = to_net_snmp(object);
+    long number = static_cast<long>(value);
+    netsnmp_variable_list *variables = nullptr;
+    snmp_varlist_add_variable(&variables, kTrapOid, std::size(kTrapOid), ASN_OBJECT_ID,
+                              trap_name.data(), trap_name.size() * sizeof(oid));
+    snmp_varlist_add_variable(&variables, object_name.data(), object_name.size(), type, &number,
+                              sizeof number);
+    send_v2trap(variables);
+    snmp_free_varbind(variables);
   }
 
   // Requests of the master.
@@ -452,12 +527,17 @@ class Subagent::Session {
 
   void finish() {
     for (const std::shared_ptr<Job> &job : done_.take()) {
-      auto request = std::static_pointer_cast<Request>(job);
-      Module &module = *request->of->module;
+      Module &module =
+          job == poll_ ? *polled_ : *std::static_pointer_cast<Request>(job)->of->module;
       module.is_stuck = false;
       metrics_.reads = 0;
       for (const auto &[number, one] : modules_) metrics_.reads += one.worker->reads();
-      note_answers(module, *request);
+      if (job == poll_) {
+        finish_poll();
+        continue;
+      }
+      auto request = std::static_pointer_cast<Request>(job);
+      for (const Task &task : request->tasks) note_answer(module, task.answer);
       if (!request->is_answered && is_valid(*request)) {
         complete(request);
       } else {
@@ -467,24 +547,25 @@ class Subagent::Session {
     }
   }
 
-  /// Notes whether the module is there.
-  static void note_answers(Module &module, const Request &request) {
-    for (const Task &task : request.tasks) {
-      const Answer &answer = task.answer;
-      if (answer.outcome != Outcome::kFailed) {
-        note(module, true);
-      } else if (answer.is_lost()) {
-        note(module, false);
-      }
+  void note_answer(Module &module, const Answer &answer) {
+    if (answer.outcome != Outcome::kFailed) {
+      note(module, true);
+    } else if (answer.is_lost()) {
+      note(module, false);
     }
   }
 
-  static void note(Module &module, bool is_there) {
+  /// Notes whether the module is there.
+  void note(Module &module, bool is_there) {
     if (module.is_lost != is_there) return;
     module.is_lost = !is_there;
     log_line(is_there ? LOG_NOTICE : LOG_WARNING,
              fmt::format("module {} {}", name_of_module(module.number),
                          is_there ? "answers again" : "does not answer"));
+    if (is_there) poller_.forget_times();
+    Oid object = module_object().oid(options_.root);
+    object.push_back(0);
+    notify(is_there ? Event::kModuleBack : Event::kModuleLost, object, ASN_UNSIGNED, module.number);
   }
 
   void complete(const std::shared_ptr<Request> &request) {
@@ -594,6 +675,11 @@ class Subagent::Session {
   std::map<uint8_t, Module> modules_;
   std::list<Registration> registrations_;
   std::set<std::shared_ptr<Request>> live_;  ///< delegated, and not done
+  bool is_connected_ = false;
+  Poller poller_;
+  std::shared_ptr<Job> poll_;  ///< while its answer is out
+  Module *polled_ = nullptr;
+  unsigned poll_alarm_ = 0;
   Metrics metrics_;
   int signal_ = 0;
 };

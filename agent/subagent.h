@@ -7,6 +7,7 @@
 #ifndef OLT_AGENT_SUBAGENT_H
 #define OLT_AGENT_SUBAGENT_H
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -23,6 +24,8 @@ struct SubagentOptions {
   std::string context;  ///< empty: the default one
   Oid root;
   bool is_writable = false;
+  /// Between the exchanges that look for changes; 0: managers are not notified of any.
+  std::chrono::milliseconds pace{0};
 };
 
 class Subagent {

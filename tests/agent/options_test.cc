@@ -23,7 +23,7 @@ TEST(Oltsnmp, SaysWhatItIs) {
   Finished help = oltsnmp({"--help"});
   EXPECT_EQ(help.status, 0);
   for (const char *part : {"--agentx SOCKET", "--box DIR", "--root OID", "--context NAME",
-                           "--writable", "--config FILE", "--check", "Exit status:"}) {
+                           "--writable", "--pace MS", "--config FILE", "--check", "Exit status:"}) {
     EXPECT_NE(help.output.find(part), std::string::npos) << part;
   }
 }
@@ -38,6 +38,8 @@ TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
       {{"--root", "1.3.x"}, "oltsnmp: --root 1.3.x: no object identifier; expected "},
       {{"--root", "1"}, "--root 1:"},
       {{"--root", "3.1"}, "--root 3.1:"},
+      {{"--pace", "9"}, "--pace 9: too fast; expected 0, or 10 to 1000"},
+      {{"--pace", "1001"}, "--pace"},
       {{"--config", folder / "none"}, folder / "none"},
       {{"--config", unknown}, "rot"},
       {{"--config", bad}, "--root 1.3.x:"},

@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <functional>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -29,7 +30,7 @@ bool waits_until(const std::function<bool()> &condition) {
   const auto deadline = steady_clock::now() + kLongestWait;
   while (!condition()) {
     if (steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(5ms);
+    std::this_thread::sleep_for(10ms);
   }
   return true;
 }
@@ -86,16 +87,17 @@ RunningAgent::RunningAgent() : port_(free_port()), trap_port_(free_port()) {
 }
 
 RunningAgent::~RunningAgent() {
-  for (pid_t child : {agent_, snmpd_}) {
+  for (pid_t child : {agent_, snmpd_, snmptrapd_}) {
     if (child <= 0) continue;
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
   }
 }
 
-void RunningAgent::start_box() {
+void RunningAgent::start_box(unsigned onus_per_interface) {
   const std::string topology =
-      folder_.write("topology.json", R"({"pon":{"interfaces":2,"onus_per_interface":3}})");
+      folder_.write("topology.json", R"({"pon":{"interfaces":2,"onus_per_interface":)" +
+                                         std::to_string(onus_per_interface) + "}}");
   box_.start({"--topology", topology});
 }
 
@@ -164,6 +166,37 @@ std::string RunningAgent::get(const std::string &name) const {
   std::string text = got.status == 0 ? got.output : got.errors;
   while (text.ends_with('\n')) text.pop_back();
   return plain(text);
+}
+
+void RunningAgent::start_snmptrapd() {
+  // Its variables in one line: "OID = TYPE: VALUE", with tabs between them.
+  const std::string configuration =
+      folder_.write("snmptrapd.conf", "authCommunity log public\nformat2 %v\\n\n");
+  snmptrapd_ = start({SNMPTRAPD, "-f", "-C", "-c", configuration, "-Lo", "-On", "-m", "",
+                      "udp:127.0.0.1:" + std::to_string(trap_port_)},
+                     {"SNMP_PERSISTENT_DIR=" + (folder_ / "persistent"), "MIBS="},
+                     folder_ / "notifications");
+  if (!waits_until([this] { return !read_file(folder_ / "notifications").empty(); })) {
+    throw std::runtime_error("snmptrapd does not start");
+  }
+}
+
+std::vector<std::string> RunningAgent::notifications() const {
+  static const std::regex kNotification(
+      R"(= OID: \.1\.3\.6\.1\.4\.1\.32473\.0\.(\d+)\t\.1\.3\.6\.1\.4\.1\.32473(\S+) = \w+: (\d+))");
+  std::vector<std::string> found;
+  const std::string text = read_file(folder_ / "notifications");
+  for (std::sregex_iterator one(text.begin(), text.end(), kNotification), end; one != end; ++one) {
+    found.push_back((*one)[1].str() + " " + (*one)[2].str() + " = " + (*one)[3].str());
+  }
+  return found;
+}
+
+std::vector<std::string> RunningAgent::wait_for_notifications(size_t count) const {
+  waits_until([&] {
+    return occurrences(read_file(folder_ / "notifications"), "OID: .1.3.6.1.4.1.32473.0.") >= count;
+  });
+  return notifications();
 }
 
 Cells RunningAgent::walk(const std::string &name) const {

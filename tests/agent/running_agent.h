@@ -27,7 +27,8 @@ class RunningAgent {
   ~RunningAgent();
 
   RunningBox &box() { return box_; }
-  void start_box();
+  /// With two PON interfaces.
+  void start_box(unsigned onus_per_interface = 3);
 
   void start_snmpd();
   /// With SIGKILL.
@@ -51,8 +52,12 @@ class RunningAgent {
   std::string get(const std::string &name) const;
   /// The cells below a name, by snmpbulkwalk.
   Cells walk(const std::string &name) const;
-  /// What snmptrapd would need.
-  unsigned trap_port() const { return trap_port_; }
+
+  void start_snmptrapd();
+  /// The notifications that it has had: "oltOnuUp's arc CELL = VALUE", "1 .1.85.1.34.1.1.1 = 1".
+  std::vector<std::string> notifications() const;
+  /// Waits for that many of them.
+  std::vector<std::string> wait_for_notifications(size_t count) const;
 
  private:
   std::string address() const;
@@ -62,6 +67,7 @@ class RunningAgent {
   unsigned port_;
   unsigned trap_port_;
   pid_t snmpd_ = -1;
+  pid_t snmptrapd_ = -1;
   pid_t agent_ = -1;
 };
 

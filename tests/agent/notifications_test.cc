@@ -1,0 +1,104 @@
+// What snmptrapd gets of a box with six ONUs.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <map>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/agent/running_agent.h"
+
+namespace olt::test {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Lines = std::vector<std::string>;
+
+class Notifications : public testing::Test {
+ protected:
+  ~Notifications() override { EXPECT_EQ(running_.end_agent(SIGTERM), 0) << running_.log(); }
+
+  /// And waits for the end of the first round, with which later ones are compared.
+  void start(unsigned onus_per_interface) {
+    running_.start_snmptrapd();
+    running_.start_box(onus_per_interface);
+    running_.start_snmpd();
+    running_.start_agent({"--pace", "10"});
+    std::this_thread::sleep_for(500ms + 30ms * onus_per_interface);
+  }
+
+  void oltctl(const std::vector<std::string> &arguments) {
+    Finished called = running_.box().oltctl(arguments);
+    EXPECT_EQ(called.status, 0) << called.errors;
+  }
+
+  Lines sorted(size_t count) {
+    Lines lines = running_.wait_for_notifications(count);
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  }
+
+  RunningAgent running_;
+};
+
+TEST_F(Notifications, TellOfOnusPortsUpdatesAndModules) {
+  start(3);
+  EXPECT_EQ(running_.notifications(), Lines{});
+  oltctl({"set_olt_auth_mode", "1", "2", "mac"});
+  Lines expected = {"3 .1.85.1.34.1.2.1 = 3", "3 .1.85.1.34.1.2.2 = 3", "3 .1.85.1.34.1.2.3 = 3"};
+  EXPECT_EQ(sorted(3), expected);
+  oltctl({"set_olt_auth_mode", "1", "2", "any"});
+  expected.insert(expected.begin(),
+                  {"1 .1.85.1.34.1.2.1 = 1", "1 .1.85.1.34.1.2.2 = 1", "1 .1.85.1.34.1.2.3 = 1"});
+  EXPECT_EQ(sorted(6), expected);
+
+  oltctl({"set_port_enable", "1", "3", "off"});
+  EXPECT_EQ(running_.wait_for_notifications(7).back(), "5 .1.75.1.26.1.3 = 0");
+  oltctl({"set_port_enable", "1", "3", "on"});
+  EXPECT_EQ(running_.wait_for_notifications(8).back(), "4 .1.75.1.26.1.3 = 1");
+
+  oltctl({"tkonu_ont_reboot", "1/1/2", "--yes"});
+  Lines all = running_.wait_for_notifications(10);
+  ASSERT_EQ(all.size(), 10u);
+  EXPECT_EQ(all[8], "2 .1.85.1.34.1.1.2 = 2");
+  EXPECT_EQ(all[9], "1 .1.85.1.34.1.1.2 = 1");
+
+  oltctl({"do_handle_epon_updatestream", "--yes", "request=040000000000000001020304"});
+  all = running_.wait_for_notifications(11);
+  EXPECT_EQ(all.back(), "6 .1.61.10.0 = 100");
+
+  running_.box().end(SIGTERM);
+  EXPECT_EQ(running_.wait_for_notifications(12).back(), "7 .2.8.0 = 2");
+  running_.start_box();
+  EXPECT_EQ(running_.wait_for_notifications(13).back(), "8 .2.8.0 = 2");
+  std::this_thread::sleep_for(500ms);
+  EXPECT_EQ(running_.notifications().size(), 13u) << "the new start tells of nothing else";
+}
+
+/// 1,000 changes, each once and in the order in which an ONU took its states.
+TEST_F(Notifications, AreNeitherLostNorDoubled) {
+  constexpr unsigned kOnus = 250;
+  constexpr unsigned kChanges = 4;
+  start(kOnus / 2);
+  for (unsigned change = 1; change <= kChanges; ++change) {
+    for (const char *interface : {"1", "2"}) {
+      oltctl({"set_olt_auth_mode", "1", interface, change % 2 == 1 ? "mac" : "any"});
+    }
+    ASSERT_EQ(running_.wait_for_notifications(size_t{kOnus} * change).size(), kOnus * change);
+  }
+  std::map<std::string, std::string> states;  // of each ONU, one character for each notification
+  for (const std::string &line : running_.notifications()) {
+    states[line.substr(2, line.find(" = ") - 2)] += line.substr(0, 1);
+  }
+  EXPECT_EQ(states.size(), kOnus);
+  for (const auto &[onu, notified] : states) EXPECT_EQ(notified, "3131") << onu;
+}
+
+}  // namespace
+
+}  // namespace olt::test
