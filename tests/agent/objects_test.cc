@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+#include "tests/support/folder.h"
+
 namespace olt::test {
 
 namespace {
@@ -124,6 +126,35 @@ TEST(Objects, HaveNamesAndPlacesOfTheirOwn) {
     }
   }
   EXPECT_EQ(tables().size(), 33u);
+}
+
+TEST(Objects, AreInTheDocument) {
+  const std::string page = read_file(OLT_DOCS "/snmp.md");
+  for (const Table &one : tables()) {
+    const std::string line = "| " + std::to_string(one.arc) + " | " + one.name;
+    size_t at = page.find(line);
+    ASSERT_NE(at, std::string::npos) << line;
+    const std::string rest = page.substr(at, page.find('\n', at) - at);
+    EXPECT_NE(rest.find(std::string("`") + one.reader->name + "`"), std::string::npos) << rest;
+  }
+  for (const agent::Notification &one : agent::notifications()) {
+    const std::string line = "| " + std::to_string(one.arc) + " | " + one.name;
+    EXPECT_NE(page.find(line), std::string::npos) << line;
+  }
+  for (const agent::AgentScalar &one : agent::agent_scalars()) {
+    const std::string line = "| " + std::to_string(one.arc) + " | " + one.name;
+    EXPECT_NE(page.find(line), std::string::npos) << line;
+  }
+}
+
+TEST(Objects, OfNotificationsAreThere) {
+  std::set<std::string> names = {agent::module_object().name};
+  for (const Table &one : tables()) {
+    for (const Column &of : one.columns) names.insert(of.name);
+  }
+  for (const agent::Notification &one : agent::notifications()) {
+    EXPECT_TRUE(names.contains(one.object)) << one.object;
+  }
 }
 
 TEST(Objects, OfALayoutThatDoesNotSayHowRowsAreFoundAreNoTables) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,18 @@ TEST(Oltsnmp, SaysWhatItIs) {
                            "--writable", "--pace MS", "--config FILE", "--check", "Exit status:"}) {
     EXPECT_NE(help.output.find(part), std::string::npos) << part;
   }
+}
+
+TEST(Oltsnmp, HasTheOptionsOfItsDocument) {
+  const std::string page = read_file(OLT_DOCS "/snmp.md");
+  const std::string help = oltsnmp({"--help"}).output;
+  const std::regex option(R"(\n  (--[a-z]+))");
+  size_t count = 0;
+  for (std::sregex_iterator one(help.begin(), help.end(), option), end; one != end; ++one) {
+    EXPECT_NE(page.find("`" + (*one)[1].str()), std::string::npos) << (*one)[1];
+    ++count;
+  }
+  EXPECT_EQ(count, 10u);
 }
 
 TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {

@@ -82,6 +82,7 @@ RunningAgent::RunningAgent() : port_(free_port()), trap_port_(free_port()) {
                 << "\nmaster agentx\nagentXSocket unix:" << folder_ / "agentx"
                 << "\nrwcommunity olt 127.0.0.1\n"
                 << "view all included .1\nrwcommunity inside 127.0.0.1 -V all olt\n"
+                << "createUser noc SHA authpass12 AES privpass12\nrwuser noc priv\n"
                 << "trap2sink 127.0.0.1:" << trap_port_ << " public\n";
   folder_.write("snmpd.conf", configuration.str());
 }
@@ -130,7 +131,10 @@ void RunningAgent::start_agent(const std::vector<std::string> &options) {
   size_t before = occurrences(log(), "subagent connected");
   agent_ =
       start(command, {"LSAN_OPTIONS=suppressions=" LEAKS_OF_NET_SNMP}, folder_ / "oltsnmp.log");
-  if (!waits_for("subagent connected", before + 1)) throw std::runtime_error("oltsnmp: " + log());
+  // Its counters are registered last.
+  bool serves = waits_for("subagent connected", before + 1) &&
+                waits_until([this] { return get(".2.7.0") == "0"; });
+  if (!serves) throw std::runtime_error("oltsnmp: " + log());
 }
 
 int RunningAgent::end_agent(int signal) {

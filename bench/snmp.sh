@@ -1,0 +1,118 @@
+#!/usr/bin/env bash
+# What a cell costs that oltsnmp serves, at 1,024 and at 16,384 rows: ten columns of the table of
+# links, by the tools of net-snmp, under snmpd, with a simulated box.
+# usage: bench/snmp.sh BUILD_DIR [--check]
+#   --check  fails when a goal is missed
+set -euo pipefail
+
+build=$(realpath "${1:?expected BUILD_DIR [--check]}")
+check=${2:-}
+PATH=$PATH:/usr/sbin
+root=.1.3.6.1.4.1.32473
+columns=(42 46 50 54 58 62 66 70 74 78)
+port=$((20000 + $$ % 10000))
+folder=$(mktemp -d)
+children=()
+end() {
+  kill "${children[@]}" 2>/dev/null || true
+  wait 2>/dev/null || true
+  rm -rf "$folder"
+}
+trap end EXIT
+cd "$folder"
+export SNMP_PERSISTENT_DIR=$folder/persistent SNMPCONFPATH=$folder MIBS=
+cat >snmpd.conf <<END
+agentAddress udp:127.0.0.1:$port
+master agentx
+agentXSocket unix:$folder/agentx
+rwcommunity olt 127.0.0.1
+END
+
+wait_for() { # FILE TEXT
+  for _ in $(seq 500); do
+    ! grep -qs "$2" "$1" || return 0
+    sleep 0.02
+  done
+  echo "snmp.sh: no '$2' in $1" >&2
+  exit 1
+}
+
+snmp() { # TOOL ARGUMENT...
+  "$1" -v2c -c olt -t5 -r0 -Oqn "${@:2:$#-2}" "127.0.0.1:$port" "${@: -1}"
+}
+
+reads() {
+  snmp snmpget -Ov "$root.2.1.0" | sed 's/.*: //'
+}
+
+by_column() { # TOOL OPTION...
+  local column
+  for column in "${columns[@]}"; do snmp "$@" "$root.1.86.1.$column"; done | grep -c "^$root.1.86.1"
+}
+
+by_row() { # 150 rows in each request
+  local from=() last='' column cells=0 got
+  for column in "${columns[@]}"; do from+=("$root.1.86.1.$column"); done
+  while true; do
+    got=$(snmpbulkget -v2c -c olt -t5 -r0 -Oqn -Cr150 "127.0.0.1:$port" "${from[@]}")
+    cells=$((cells + $(grep -c "^$root.1.86.1.78." <<<"$got" || true) * ${#columns[@]}))
+    [ "$(grep -c "^$root.1.86.1.78." <<<"$got")" -eq 150 ] || break
+    last=$(grep "^$root.1.86.1.78." <<<"$got" | tail -1 | cut -d ' ' -f 1)
+    from=()
+    for column in "${columns[@]}"; do from+=("$root.1.86.1.$column.${last#"$root.1.86.1.78."}"); done
+  done
+  echo "$cells"
+}
+
+missed=0
+goal() { # NAME VALUE LIMIT
+  awk -v value="$2" -v limit="$3" 'BEGIN { exit value <= limit }' || return 0
+  echo "missed: $1 is $2, goal $3"
+  missed=1
+}
+
+measure() { # NAME ROWS COMMAND...
+  local name=$1 rows=$2 begin cells before took
+  sleep 1.2 # the cache
+  before=$(reads)
+  begin=$(date +%s%N)
+  cells=$("${@:3}")
+  took=$((($(date +%s%N) - begin) / 1000))
+  [ "$cells" -eq $((rows * ${#columns[@]})) ] || {
+    echo "snmp.sh: $name: $cells cells; expected $((rows * ${#columns[@]}))" >&2
+    exit 1
+  }
+  read -r seconds cost per_cell < <(awk -v us="$took" -v cells="$cells" -v reads=$(($(reads) - before)) \
+    'BEGIN { printf "%.2f %.1f %.3f\n", us / 1e6, us / cells, reads / cells }')
+  printf '%-22s %6d rows %7s s %6s us/cell %6s reads/cell\n' "$name" "$rows" "$seconds" "$cost" "$per_cell"
+}
+
+snmpd -f -Lf snmpd.log &
+children+=($!)
+for onus in 64 1024; do
+  rows=$((onus * 16))
+  echo "{\"pon\":{\"interfaces\":16,\"onus_per_interface\":$onus}}" >topology.json
+  rm -rf state
+  "$build/box/oltbox" --run-dir "$folder/run" --state-dir "$folder/state" --topology topology.json >box.log 2>&1 &
+  box=$!
+  wait_for box.log serving
+  "$build/agent/oltsnmp" --agentx "$folder/agentx" --box "$folder/run" --pace 0 2>agent.log &
+  agent=$!
+  children+=("$box" "$agent")
+  wait_for agent.log connected
+  measure snmpwalk "$rows" by_column snmpwalk
+  goal "reads per cell" "$per_cell" 1.01
+  measure 'snmpbulkwalk -Cr50' "$rows" by_column snmpbulkwalk -Cr50
+  goal "reads per cell" "$per_cell" 1.01
+  [ "$rows" -ne 16384 ] || goal "seconds by column" "$seconds" 10
+  costs[onus]=$cost
+  measure 'snmpbulkget, by row' "$rows" by_row
+  goal "reads per cell by row" "$per_cell" 0.11
+  [ "$rows" -ne 16384 ] || goal "seconds by row" "$seconds" 2
+  printf '%-22s %d KiB\n' "memory" "$(awk '/^VmHWM/ { print $2 }' "/proc/$agent/status")"
+  goal "KiB of memory" "$(awk '/^VmHWM/ { print $2 }' "/proc/$agent/status")" 32768
+  kill "$agent" "$box"
+  wait "$agent" "$box" || true
+done
+goal "growth of a cell's cost" "$(awk -v a="${costs[64]}" -v b="${costs[1024]}" 'BEGIN { printf "%.2f", b / a }')" 1.25
+[ -z "$check" ] || exit "$missed"
