@@ -82,7 +82,7 @@ RunningAgent::RunningAgent() : port_(free_port()), trap_port_(free_port()) {
                 << "\nmaster agentx\nagentXSocket unix:" << folder_ / "agentx"
                 << "\nrwcommunity olt 127.0.0.1\n"
                 << "view all included .1\nrwcommunity inside 127.0.0.1 -V all olt\n"
-                << "createUser noc SHA authpass12 AES privpass12\nrwuser noc priv\n"
+                << "createUser reader SHA read-the-olt AES hide-the-olt\nrouser reader priv\n"
                 << "trap2sink 127.0.0.1:" << trap_port_ << " public\n";
   folder_.write("snmpd.conf", configuration.str());
 }

@@ -292,13 +292,13 @@ TEST_F(Snmp, WalksOfEveryKindSeeTheSame) {
 }
 
 TEST_F(Snmp, IsReadWithSnmpv3) {
-  const std::vector<std::string> user = {"-v3", "-l",  "authPriv",  "-u",         "noc",
-                                         "-a",  "SHA", "-A",        "authpass12", "-x",
-                                         "AES", "-X",  "privpass12"};
+  const std::vector<std::string> user = {"-v3", "-l",  "authPriv",    "-u",           "reader",
+                                         "-a",  "SHA", "-A",          "read-the-olt", "-x",
+                                         "AES", "-X",  "hide-the-olt"};
   EXPECT_EQ(running().snmp("snmpwalk", user, {".1.92"}).output,
             running().snmp("snmpwalk", {}, {".1.92"}).output);
   std::vector<std::string> wrong = user;
-  wrong.back() = "privpass13";
+  wrong.back() = "hide-the-OLT";
   wrong.emplace_back("-t1");
   EXPECT_NE(running().snmp("snmpget", wrong, {".1.12.10.0"}).status, 0);
 }
