@@ -16,6 +16,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "agent/mib.h"
 #include "agent/objects.h"
 #include "agent/subagent.h"
 #include "base/bad_input.h"
@@ -41,6 +42,7 @@ struct Arguments {
   std::string root{olt::agent::kDefaultRoot};
   std::string box;
   bool check = false;
+  bool prints_mib = false;
 };
 
 olt::agent::Oid root_of(const std::string &text) {
@@ -94,6 +96,8 @@ Arguments parse(int argc, char **argv) {
       ->check(CLI::Range(0, 1000));
   app.add_flag("--check", arguments.check, "check the options and the configuration file, and end")
       ->configurable(false);
+  app.add_flag("--mib", arguments.prints_mib, "print the MIB module of the root, and end")
+      ->configurable(false);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {
@@ -135,9 +139,25 @@ bool is_right(int argc, char **argv) {
   return false;
 }
 
+void print_mib(const Arguments &arguments) {
+  if (!olt::agent::is_mib_root(arguments.subagent.root)) {
+    throw BadInput(fmt::format(
+        "oltsnmp: --root {}: no place for a MIB module; expected one below 1.3.6.1.4.1 or "
+        "1.3.6.1.3",
+        printable(arguments.root)));
+  }
+  std::cout << olt::agent::mib_module(olt::catalog::Layout::box(), arguments.subagent.root)
+            << std::flush;
+  if (!std::cout) throw std::runtime_error("oltsnmp: cannot write the output");
+}
+
 int run(int argc, char **argv) {
   Arguments arguments = parse(argc, argv);
   if (arguments.check) return 0;
+  if (arguments.prints_mib) {
+    print_mib(arguments);
+    return 0;
+  }
   const char *named = std::getenv("OLT_RUN_DIR");
   std::optional<std::string> before;
   if (named != nullptr) before = named;
