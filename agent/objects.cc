@@ -393,6 +393,7 @@ size_t Table::index_length() const {
 }
 
 Oid Table::oid(const Oid &root) const {
+  if (!place.empty()) return place;
   Oid oid = root;
   oid.insert(oid.end(), {kObjectArc, arc});
   return oid;

@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -95,6 +96,8 @@ struct IndexPart {
   size_t length() const { return is_name() ? width : 1; }
 };
 
+class RowSource;
+
 /// A conceptual table, or a group of scalars: a table of one row without an index.
 struct Table {
   std::string name;  ///< "oltOnu": of oltOnuTable, oltOnuEntry and OltOnuEntry
@@ -103,6 +106,8 @@ struct Table {
   std::string description;
   std::vector<IndexPart> index;
   std::vector<Column> columns;  ///< in the order of their arcs
+  Oid place{};                  ///< of a standard table, which does not stand below the root
+  bool is_of_host = false;      ///< snmpd has it, too, in the default context
 
   const catalog::Operation *reader;
   /// Finds the row after another one; null: the reader does, and reads it at once.
@@ -113,6 +118,8 @@ struct Table {
   uint32_t selector_offset = 0;
   /// The value is the number of rows, which the reader steps through: the only column.
   bool counts_rows = false;
+  /// Where the rows come from, instead of the reader.
+  std::shared_ptr<const RowSource> rows{};
 
   /// Sub-identifiers of an index.
   size_t index_length() const;

@@ -86,6 +86,9 @@ Arguments parse(int argc, char **argv) {
   app.add_option("--context", arguments.subagent.context,
                  "the SNMP context of all objects; default: the one without a name")
       ->type_name("NAME");
+  app.add_flag("--open-interfaces", arguments.subagent.is_host_replaced,
+               "offer ifTable, ifXTable and dot3StatsTable like all other objects; default: in the "
+               "context olt, as snmpd has its own");
   app.add_flag("--writable", arguments.subagent.is_writable,
                "let managers set what can be set; default: read-only");
   app.add_option(

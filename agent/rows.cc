@@ -80,6 +80,7 @@ Bytes copied(ByteView bytes) {
 }  // namespace
 
 Answer RowReader::read(const Table &table, Selection selection, const Key &key) const {
+  if (table.rows != nullptr) return table.rows->read(*this, selection, key);
   if (table.is_scalar) return scalars(table, selection, key);
   if (selection == Selection::kThis) {
     if (key.size() != table.index_length() || completed(table, key) != key) {

@@ -60,6 +60,18 @@ class RowReader {
   catalog::RowSelection selection_;
 };
 
+/// Rows that are made of those of other tables. For any thread.
+class RowSource {
+ public:
+  RowSource() = default;
+  RowSource(const RowSource &) = delete;
+  RowSource &operator=(const RowSource &) = delete;
+  virtual ~RowSource() = default;
+
+  /// As RowReader::read.
+  virtual Answer read(const RowReader &reader, Selection selection, const Key &key) const = 0;
+};
+
 }  // namespace olt::agent
 
 #endif

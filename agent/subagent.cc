@@ -27,6 +27,7 @@
 #include "agent/poller.h"
 #include "agent/row_cache.h"
 #include "agent/rows.h"
+#include "agent/standard_objects.h"
 #include "agent/value.h"
 #include "agent/worker.h"
 #include "base/descriptor.h"
@@ -101,6 +102,12 @@ void log_line(int level, const std::string &text) {
   snmp_log(level, "%s: %s\n", kName, text.c_str());
 }
 
+std::vector<Table> all_tables(const catalog::Layout &layout) {
+  std::vector<Table> tables = enterprise_tables(layout);
+  for (Table &table : standard_tables(layout)) tables.push_back(std::move(table));
+  return tables;
+}
+
 /// What the agent counts of itself, in the order of agent_scalars().
 struct Metrics {
   u_long reads = 0;
@@ -118,7 +125,7 @@ class Subagent::Session {
  public:
   Session(SubagentOptions options, const catalog::Layout &layout)
       : options_(std::move(options)),
-        tables_(enterprise_tables(layout)),
+        tables_(all_tables(layout)),
         reader_(layout),
         poller_(tables_, layout, options_.pace) {
     block_signals();
@@ -230,7 +237,9 @@ class Subagent::Session {
         table.name.c_str(), on_request, registration.name.data(), registration.name.size(),
         options_.is_writable ? HANDLER_CAN_RWRITE : HANDLER_CAN_RONLY);
     handler->handler->myvoid = &registration;
-    if (!options_.context.empty()) handler->contextName = strdup(options_.context.c_str());
+    bool is_apart = table.is_of_host && !options_.is_host_replaced;
+    const std::string &context = is_apart ? options_.host_context : options_.context;
+    if (!context.empty()) handler->contextName = strdup(context.c_str());
     if (netsnmp_register_handler(handler) != MIB_REGISTERED_OK) {
       throw Failure(fmt::format("oltsnmp: {} cannot be registered", table.name));
     }
@@ -386,6 +395,11 @@ class Subagent::Session {
     if (is_read(info->mode)) {
       if (!cell) {
         netsnmp_set_request_error(info, one, SNMP_NOSUCHOBJECT);
+        return;
+      }
+      // Also what a GETNEXT tries first that enters a region behind another table.
+      if (cell->key.empty()) {
+        netsnmp_set_request_error(info, one, SNMP_NOSUCHINSTANCE);
         return;
       }
       add(request, info, {one, cell->column, false},

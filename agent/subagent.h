@@ -26,6 +26,9 @@ struct SubagentOptions {
   bool is_writable = false;
   /// Between the exchanges that look for changes; 0: managers are not notified of any.
   std::chrono::milliseconds pace{0};
+  /// Of standard tables that snmpd has, too: interfaces.
+  std::string host_context = "olt";
+  bool is_host_replaced = false;  ///< they are in the context of all others
 };
 
 class Subagent {
