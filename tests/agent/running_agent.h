@@ -30,6 +30,8 @@ class RunningAgent {
   /// With two PON interfaces.
   void start_box(unsigned onus_per_interface = 3);
 
+  /// Of snmpd: "127.0.0.1:PORT".
+  std::string address() const;
   void start_snmpd();
   /// With SIGKILL.
   void kill_snmpd();
@@ -60,8 +62,6 @@ class RunningAgent {
   std::vector<std::string> wait_for_notifications(size_t count) const;
 
  private:
-  std::string address() const;
-
   Folder folder_;
   RunningBox box_;
   unsigned port_;
