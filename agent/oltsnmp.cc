@@ -15,6 +15,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "agent/mib.h"
 #include "agent/objects.h"
@@ -24,6 +25,8 @@
 #include "base/failure.h"
 #include "base/text.h"
 #include "catalog/layout.h"
+#include "cli/layout/layouts.h"
+#include "cli/text/error.h"
 #include "oltmgmt.h"
 
 namespace {
@@ -41,6 +44,8 @@ struct Arguments {
   SubagentOptions subagent{.socket = "unix:/var/agentx/master"};
   std::string root{olt::agent::kDefaultRoot};
   std::string box;
+  std::string layout_name{"box"};
+  std::shared_ptr<const olt::catalog::Layout> layout;
   bool check = false;
   bool prints_mib = false;
 };
@@ -57,6 +62,17 @@ olt::agent::Oid root_of(const std::string &text) {
 /// A path is a Unix socket.
 std::string socket_of(const std::string &text) {
   return text.starts_with('/') ? "unix:" + text : text;
+}
+
+std::shared_ptr<const olt::catalog::Layout> layout_of(const std::string &name) {
+  try {
+    return olt::cli::layout_named(name);
+  } catch (const olt::cli::Error &error) {
+    std::string_view reason = error.what();
+    constexpr std::string_view kOltctl = "oltctl: ";
+    if (reason.starts_with(kOltctl)) reason.remove_prefix(kOltctl.size());
+    throw BadInput(fmt::format("oltsnmp: {}", reason));
+  }
 }
 
 /// Throws CLI::ParseError and BadInput.
@@ -83,12 +99,15 @@ Arguments parse(int argc, char **argv) {
   app.add_option("--root", arguments.root,
                  "the object identifier above all objects; default 1.3.6.1.4.1.32473")
       ->type_name("OID");
+  app.add_option("--layout", arguments.layout_name,
+                 "what the modules' bytes mean: a layout's name or file; default box")
+      ->type_name("LAYOUT");
   app.add_option("--context", arguments.subagent.context,
                  "the SNMP context of all objects; default: the one without a name")
       ->type_name("NAME");
-  app.add_flag("--open-interfaces", arguments.subagent.is_host_replaced,
-               "offer ifTable, ifXTable and dot3StatsTable like all other objects; default: in the "
-               "context olt, as snmpd has its own");
+  app.add_flag(
+      "--open-interfaces", arguments.subagent.is_host_replaced,
+      "show the OLT's interfaces instead of the host's; default: in the context olt, beside them");
   app.add_flag("--writable", arguments.subagent.is_writable,
                "let managers set what can be set; default: read-only");
   app.add_option(
@@ -99,7 +118,8 @@ Arguments parse(int argc, char **argv) {
       ->check(CLI::Range(0, 1000));
   app.add_flag("--check", arguments.check, "check the options and the configuration file, and end")
       ->configurable(false);
-  app.add_flag("--mib", arguments.prints_mib, "print the MIB module of the root, and end")
+  app.add_flag("--mib", arguments.prints_mib,
+               "print the MIB module of the root and the layout, and end")
       ->configurable(false);
   try {
     app.parse(argc, argv);
@@ -114,6 +134,7 @@ Arguments parse(int argc, char **argv) {
                                kShortestPace));
   }
   arguments.subagent.pace = std::chrono::milliseconds(pace);
+  arguments.layout = layout_of(arguments.layout_name);
   arguments.subagent.root = root_of(arguments.root);
   arguments.subagent.socket = socket_of(arguments.subagent.socket);
   return arguments;
@@ -149,8 +170,7 @@ void print_mib(const Arguments &arguments) {
         "1.3.6.1.3",
         printable(arguments.root)));
   }
-  std::cout << olt::agent::mib_module(olt::catalog::Layout::box(), arguments.subagent.root)
-            << std::flush;
+  std::cout << olt::agent::mib_module(*arguments.layout, arguments.subagent.root) << std::flush;
   if (!std::cout) throw std::runtime_error("oltsnmp: cannot write the output");
 }
 
@@ -165,7 +185,7 @@ int run(int argc, char **argv) {
   std::optional<std::string> before;
   if (named != nullptr) before = named;
   if (!arguments.box.empty()) setenv("OLT_RUN_DIR", arguments.box.c_str(), 1);
-  auto subagent = std::make_unique<Subagent>(arguments.subagent, olt::catalog::Layout::box());
+  auto subagent = std::make_unique<Subagent>(arguments.subagent, *arguments.layout);
   int signal = subagent->run([argc, argv] { return is_right(argc, argv); });
   if (signal == SIGHUP) {
     before ? setenv("OLT_RUN_DIR", before->c_str(), 1) : unsetenv("OLT_RUN_DIR");

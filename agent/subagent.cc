@@ -42,6 +42,8 @@ constexpr const char *kName = "oltsnmp";
 /// Below the second after which the master sends a request again.
 constexpr timeval kDeadline{0, 700'000};
 constexpr int kSecondsBetweenPings = 1;
+/// Of a registration in front of snmpd's own, which have 127.
+constexpr int kPriorityOverHost = 100;
 constexpr const char *kOldValue = "old value";
 
 std::vector<oid> to_net_snmp(const Oid &name) {
@@ -240,6 +242,7 @@ class Subagent::Session {
     bool is_apart = table.is_of_host && !options_.is_host_replaced;
     const std::string &context = is_apart ? options_.host_context : options_.context;
     if (!context.empty()) handler->contextName = strdup(context.c_str());
+    if (table.is_of_host && !is_apart) handler->priority = kPriorityOverHost;
     if (netsnmp_register_handler(handler) != MIB_REGISTERED_OK) {
       throw Failure(fmt::format("oltsnmp: {} cannot be registered", table.name));
     }

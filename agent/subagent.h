@@ -28,7 +28,7 @@ struct SubagentOptions {
   std::chrono::milliseconds pace{0};
   /// Of standard tables that snmpd has, too: interfaces.
   std::string host_context = "olt";
-  bool is_host_replaced = false;  ///< they are in the context of all others
+  bool is_host_replaced = false;  ///< they are in the context of all others, instead of snmpd's
 };
 
 class Subagent {

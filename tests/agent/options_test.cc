@@ -38,7 +38,29 @@ TEST(Oltsnmp, HasTheOptionsOfItsDocument) {
     EXPECT_NE(page.find("`" + (*one)[1].str()), std::string::npos) << (*one)[1];
     ++count;
   }
-  EXPECT_EQ(count, 10u);
+  EXPECT_EQ(count, 13u);
+}
+
+TEST(Oltsnmp, PrintsTheMibOfARootAndALayout) {
+  EXPECT_EQ(oltsnmp({"--mib"}).output, read_file(MIB_MODULE));
+  Folder folder;
+  const std::string layout =
+      folder.write("acme.json", R"({"version": 1, "name": "acme", "base": "box", "records": {
+        "olt_snmp_systeminfo": [{"name": "rack", "offset": 0, "width": 4, "kind": "number",
+                                 "unit": "HE"}]}})");
+  Finished finished = oltsnmp({"--mib", "--root", "1.3.6.1.4.1.99999", "--layout", layout});
+  EXPECT_EQ(finished.status, 0) << finished.errors;
+  EXPECT_NE(finished.output.find("::= { enterprises 99999 }"), std::string::npos);
+  EXPECT_NE(finished.output.find("oltSystemRack OBJECT-TYPE\n    SYNTAX      Unsigned32\n    UNITS "
+                                 "      \"HE\"\n"),
+            std::string::npos);
+  EXPECT_EQ(finished.output.find("oltSystemContact"), std::string::npos);
+  Finished refused = oltsnmp({"--mib", "--root", "1.3.6.1.2.1"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.output, "");
+  EXPECT_EQ(refused.errors,
+            "oltsnmp: --root 1.3.6.1.2.1: no place for a MIB module; expected one below "
+            "1.3.6.1.4.1 or 1.3.6.1.3\n");
 }
 
 TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
@@ -51,6 +73,8 @@ TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
       {{"--root", "1.3.x"}, "oltsnmp: --root 1.3.x: no object identifier; expected "},
       {{"--root", "1"}, "--root 1:"},
       {{"--root", "3.1"}, "--root 3.1:"},
+      {{"--layout", "nope"}, "oltsnmp: there is no layout 'nope'; expected "},
+      {{"--layout", folder / "no.json"}, "/no.json: cannot be read: "},
       {{"--pace", "9"}, "--pace 9: too fast; expected 0, or 10 to 1000"},
       {{"--pace", "1001"}, "--pace"},
       {{"--config", folder / "none"}, folder / "none"},

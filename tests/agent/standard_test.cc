@@ -197,6 +197,16 @@ TEST_F(Standard, InterfacesAreInAContextOfTheirOwn) {
   EXPECT_EQ(running().get("1.3.6.1.2.1.2.2.1.1.1001"), "NoSuchInstancecurrentlyexistsatthisOID");
 }
 
+TEST_F(Standard, InterfacesMayReplaceThoseOfTheHost) {
+  EXPECT_EQ(running().end_agent(SIGTERM), 0);
+  running().start_agent({"--open-interfaces"});
+  EXPECT_EQ(walked("1.3.6.1.2.1.2.2.1.8"), kOperStates);
+  EXPECT_EQ(running().get("1.3.6.1.2.1.10.7.2.1.19.1003"), "3");
+  EXPECT_EQ(running().end_agent(SIGTERM), 0);
+  EXPECT_EQ(running().get("1.3.6.1.2.1.2.2.1.1.1"), "1");
+  running().start_agent();
+}
+
 }  // namespace
 
 }  // namespace olt::test
