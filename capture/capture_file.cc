@@ -92,7 +92,7 @@ bool CaptureFile::create_first() {
   return false;
 }
 
-void CaptureFile::add(const Exchange &exchange, const std::string &program,
+void CaptureFile::add(const WrittenExchange &exchange, const std::string &program,
                       const std::string &folder) {
   if (has_ended_) return;
   bool wakes = false;
@@ -114,7 +114,7 @@ void CaptureFile::add(const Exchange &exchange, const std::string &program,
 }
 
 /// Opens it before anybody can remove it.
-void CaptureFile::open_listing(const Exchange &exchange, const std::string &folder) {
+void CaptureFile::open_listing(const WrittenExchange &exchange, const std::string &folder) {
   const char *name = listing_in(&exchange);
   if (name == nullptr) return;
   std::string path(name, strnlen(name, kListingName));

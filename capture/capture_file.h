@@ -46,7 +46,7 @@ class CaptureFile {
   /// From one thread.
   /// @param program that made the exchange
   /// @param folder where listings without a path are
-  void add(const Exchange &exchange, const std::string &program, const std::string &folder);
+  void add(const WrittenExchange &exchange, const std::string &program, const std::string &folder);
 
  private:
   struct Listing {
@@ -64,7 +64,7 @@ class CaptureFile {
 
   bool create();
   bool create_first();
-  void open_listing(const Exchange &exchange, const std::string &folder);
+  void open_listing(const WrittenExchange &exchange, const std::string &folder);
   void run();
   void write(Batch &batch);
   bool write(ByteView bytes);

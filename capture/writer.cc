@@ -40,11 +40,11 @@ uint32_t Writer::interface_of(uint32_t process, const std::string &program, Byte
   return place->second;
 }
 
-size_t Writer::max_size(const Exchange &exchange) {
+size_t Writer::max_size(const WrittenExchange &exchange) {
   return kMaxHead + packet_size(exchange.request_length) + packet_size(exchange.reply_length);
 }
 
-void Writer::add(Exchange exchange, const std::string &program, Bytes &file, size_t max) {
+void Writer::add(WrittenExchange exchange, const std::string &program, Bytes &file, size_t max) {
   if (file.size() + max_size(exchange) > max) {
     ++lost_;
     ++just_lost_;

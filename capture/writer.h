@@ -16,7 +16,7 @@
 namespace olt::capture {
 
 /// Both records, and what the header of each packet says. The writer sets lost and interface.
-using Exchange = ::exchange;
+using WrittenExchange = ::exchange;
 
 /// The bytes of a capture of several processes, one file after the other.
 class Writer {
@@ -31,10 +31,11 @@ class Writer {
   /// would make the bytes longer than max is left out instead, and counted as lost by the next
   /// exchange.
   /// @param program that made the exchange
-  void add(Exchange exchange, const std::string &program, Bytes &file, size_t max = SIZE_MAX);
+  void add(WrittenExchange exchange, const std::string &program, Bytes &file,
+           size_t max = SIZE_MAX);
 
   /// How many bytes add() appends at most.
-  static size_t max_size(const Exchange &exchange);
+  static size_t max_size(const WrittenExchange &exchange);
 
   uint32_t exchanges() const { return exchanges_; }
   uint32_t lost() const { return lost_; }

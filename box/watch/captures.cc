@@ -45,7 +45,7 @@ std::string program_in(uint32_t process) {
 
 }  // namespace
 
-bool Captures::Stream::wants(const capture::Exchange &exchange) const {
+bool Captures::Stream::wants(const capture::WrittenExchange &exchange) const {
   // The exchange that asked for the capture began before it.
   return !has_ended && exchange.began >= began && (module == 0 || module == exchange.module) &&
          (type == 0 || type == exchange.message_type);
@@ -75,7 +75,7 @@ const std::string &Captures::program_of(uint32_t process, uint64_t connection) {
   return program;
 }
 
-void Captures::add(capture::Exchange exchange, uint64_t connection) {
+void Captures::add(capture::WrittenExchange exchange, uint64_t connection) {
   exchange.run = run_;
   exchange.number = ++exchanges_;
   const std::string &program = program_of(exchange.process, connection);

@@ -28,7 +28,7 @@ class Captures {
 
   /// Adds an exchange, whose run and number are given here, to all captures that want it.
   /// @param connection that it came through
-  void add(capture::Exchange exchange, uint64_t connection);
+  void add(capture::WrittenExchange exchange, uint64_t connection);
 
   // Control commands. They throw BadInput.
 
@@ -55,7 +55,7 @@ class Captures {
     Bytes bytes;  ///< not read yet
     Time last_read;
 
-    bool wants(const capture::Exchange &exchange) const;
+    bool wants(const capture::WrittenExchange &exchange) const;
   };
 
   Stream *find(uint32_t id);

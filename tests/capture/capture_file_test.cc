@@ -23,8 +23,8 @@ namespace {
 
 using capture::CaptureFile;
 using capture::CaptureFileOptions;
-using capture::Exchange;
 using capture::Packet;
+using capture::WrittenExchange;
 
 std::vector<Packet> packets_in(const std::string &path) {
   std::vector<Packet> packets;

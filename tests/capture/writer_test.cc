@@ -17,14 +17,14 @@
 namespace olt::test {
 namespace {
 
-using capture::Exchange;
 using capture::Packet;
 using capture::Reader;
 using capture::Writer;
+using capture::WrittenExchange;
 
 constexpr uint8_t kMac[] = {2, 0, 0, 0, 0, 1};
 
-Exchange exchange(uint32_t process, uint32_t number) {
+WrittenExchange exchange(uint32_t process, uint32_t number) {
   return {.message_type = 12,
           .module = 2,
           .reply = kMac,
@@ -119,7 +119,7 @@ Bytes capture_of_three() {
   writer.begin(file);
   writer.add(exchange(1234, 1), "front_end", file);
   writer.add(exchange(1235, 2), std::string(100, 'n'), file);
-  Exchange failed = exchange(1234, 3);
+  WrittenExchange failed = exchange(1234, 3);
   failed.reply_length = 0;
   failed.result = 0x00030000;
   writer.add(failed, "front_end", file);
@@ -185,7 +185,7 @@ TEST(CaptureWriter, CutsLongRecords) {
   Bytes file;
   writer.begin(file);
   Bytes record(131'073, 'r');
-  Exchange long_one = exchange(1, 1);
+  WrittenExchange long_one = exchange(1, 1);
   long_one.request = record.data();
   long_one.request_length = 131'073;
   writer.add(long_one, "one", file);
@@ -202,7 +202,7 @@ std::string capture_of(const PlantedMessages &planted, bool with_secrets) {
   Bytes file;
   writer.begin(file);
   for (const PlantedMessages::Message &message : planted.messages()) {
-    Exchange one = exchange(1, 1);
+    WrittenExchange one = exchange(1, 1);
     one.message_type = message.type;
     one.request = one.reply = message.bytes.data();
     one.request_length = one.reply_length = static_cast<uint32_t>(message.bytes.size());
@@ -225,7 +225,7 @@ TEST(CaptureWriter, MasksConfigurationsOfTheControlModule) {
   Bytes file;
   writer.begin(file);
   std::string command = R"({"command":"config_import","offset":0,"piece":"PLANT"})";
-  Exchange control = exchange(1, 1);
+  WrittenExchange control = exchange(1, 1);
   control.module = 1000;
   control.message_type = 1;
   control.request = command.data();

@@ -275,7 +275,7 @@ TEST_F(MockCapture, ReplaysEveryOperationByteForByte) {
   Finished recording =
       run({OLTCTL, "--box", "embedded", "--fresh", "--topology", box, "-f",
            folder_.write("script", script())},
-          {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + folder_ / "%p.pcapng",
+          {std::string("LD_PRELOAD=") + LIBOLTTRACE, "OLT_CAPTURE=" + folder_ / "%p.pcapng",
            "OLT_CAPTURE_SECRETS=1", "OLT_LAYOUT=box", "XDG_STATE_HOME=" + folder_.path()});
   ASSERT_EQ(recording.status, 0) << recording.errors;
   for (const auto &entry : std::filesystem::directory_iterator(folder_.path()))

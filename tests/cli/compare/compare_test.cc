@@ -25,6 +25,7 @@ using nlohmann::ordered_json;
 using Words = std::vector<std::string>;
 
 constexpr uint64_t kNewYear = 1'767'225'600'000'000'000;  // 2026-01-01T00:00:00Z
+constexpr size_t kNetworkSize = 172;                      ///< bytes of olt_system_network
 constexpr const char *kPlace = "2026-01-01T00:00:00.000000000Z - 1234/1235 ";
 
 std::string bytes(std::string_view digits) {
@@ -187,6 +188,41 @@ TEST_F(CompareCommand, ComparesItemsOfLists) {
                 "  ranges: 2 → 3\n"
                 "  vlans.last of item 2: 24 → 25\n"
                 "  vlans of item 3: none → {first=30 last=30}\n");
+}
+
+/// The layout says what bytes mean, and which fields there are to ignore.
+TEST_F(CompareCommand, TakesFieldsFromTheLayout) {
+  std::string layout = oltctl_.folder().write("acme.json", R"({"version": 1, "name": "acme",
+    "records": {"olt_system_network": [
+      {"name": "address", "offset": 0, "kind": "ipv4"},
+      {"name": "mode", "offset": 4, "width": 4, "kind": "number", "values": {"0": "dhcp", "1": "fixed"}},
+      {"name": "level", "offset": 8, "width": 2, "kind": "signed", "decimals": 2, "unit": "dBm"},
+      {"name": "key", "offset": 12, "width": 16, "kind": "padded", "secret": true},
+      {"name": "routes", "offset": 28, "width": 16, "kind": "records", "record": {"fields": [
+        {"name": "to", "offset": 0, "kind": "ipv4"},
+        {"name": "hops", "offset": 4, "width": 4, "kind": "number"}]}}]},
+    "statuses": {"4": "no such thing"}})");
+  std::string network(kNetworkSize, '\0');
+  std::string reply = bytes("c0000201 01000000 e204 0000") + "secret word 1234" +
+                      bytes("0a000000 02000000 0a010000 00000000");
+  reply.resize(kNetworkSize);
+  std::string capture = capture_head() + recorded(message(1, 58, network), reply) +
+                        recorded(message(2, 12), "", 0, 4);
+  Finished compared = compare(capture, {"--layout", layout, "--ignore", "routes.hops"});
+  EXPECT_EQ(compared.output.substr(0, compared.output.find("\noperation  ")),
+            std::string(kPlace) +
+                "#1 get_system_network\n"
+                "  address: 192.0.2.1 → 0.0.0.0\n"
+                "  mode: fixed → dhcp\n"
+                "  level: 12.50 dBm → 0.00 dBm\n"
+                "  key: ******** → ********\n"
+                "  routes.to of item 1: 10.0.0.0 → 0.0.0.0\n"
+                "  routes.to of item 2: 10.1.0.0 → 0.0.0.0\n" +
+                kPlace +
+                "#2 get_olt_mac\n"
+                "  status: 4 (no such thing) → 0\n");
+  Finished other = compare(capture, {"--ignore", "routes.hops"});
+  EXPECT_TRUE(holds(other.errors, "'routes.hops' stands for no field of a reply")) << other.errors;
 }
 
 TEST_F(CompareCommand, ComparesLengthsAndBytesWithoutNames) {
