@@ -5,7 +5,7 @@ local first_load, oltmgmt = pcall(Proto, "oltmgmt", "OLT Management Exchange")
 if not first_load then
   error("oltmgmt.lua is loaded twice; expected one copy, in a plugin folder or given with -X", 0)
 end
--- Packets name this dissector; it dissects as the other one.
+-- Packets name the dissector "olt"; the fields belong to "oltmgmt".
 local olt = Proto("olt", "OLT Management Exchange in a capture")
 
 local kMagic = "OLT1"
@@ -578,8 +578,8 @@ local function names_of(p)
 end
 
 local function add_malformed(tvb, info, root)
-  info.cols.info = "not an exchange of version 1"
   local is_cut = tvb:len() < math.min(tvb:reported_len(), kHeadSize)
+  info.cols.info = is_cut and "cut within the header" or "not an exchange of version 1"
   root:add(oltmgmt, tvb()):add_proto_expert_info(
     is_cut and expert_infos.cut or expert_infos.malformed)
 end
