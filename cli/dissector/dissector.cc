@@ -42,7 +42,27 @@ std::string lua_text(std::string_view text) {
   return literal += '"';
 }
 
-/// Writes a field of the catalog once, however many messages have it.
+/// Tables that stand once, however often they are used: f[1] = {...}.
+class Shared {
+ public:
+  explicit Shared(const char *name) : name_(name) {}
+
+  /// @return the expression for a table with these members
+  std::string add(const std::string &members) {
+    auto [found, is_new] = numbers_.try_emplace(members, numbers_.size() + 1);
+    std::string table = fmt::format("{}[{}]", name_, found->second);
+    if (is_new) lines_ += fmt::format("{} = {{{}}}\n", table, members);
+    return table;
+  }
+
+  const std::string &lines() const { return lines_; }
+
+ private:
+  const char *name_;
+  std::map<std::string, size_t> numbers_;
+  std::string lines_;
+};
+
 class Tables {
  public:
   explicit Tables(const Layout &layout) {
@@ -52,7 +72,8 @@ class Tables {
     }
   }
 
-  const std::string &fields() const { return fields_; }
+  const std::string &fields() const { return fields_.lines(); }
+  const std::string &messages() const { return messages_.lines(); }
   const std::string &operations() const { return operations_; }
 
  private:
@@ -79,8 +100,8 @@ class Tables {
     std::string fields;
     for (const catalog::MessageField &placed : fields_of(operation, message))
       fields += place(placed.field);
-    return fmt::format("{{length={}, is_open={}, constants={{{}}}, fields={{{}}}}}",
-                       message.fixed_length(), is_open, constants, fields);
+    return messages_.add(fmt::format("length={}, is_open={}, constants={{{}}}, fields={{{}}}",
+                                     message.fixed_length(), is_open, constants, fields));
   }
 
   static std::string constant(const Part &part) {
@@ -92,14 +113,7 @@ class Tables {
 
   /// A field with its offset.
   std::string place(const Field &field) {
-    return fmt::format("{{{}, f[{}]}}, ", field.offset, number_of(field));
-  }
-
-  size_t number_of(const Field &field) {
-    std::string members = members_of(field);
-    auto [found, is_new] = numbers_.try_emplace(members, numbers_.size() + 1);
-    if (is_new) fields_ += fmt::format("f[{}] = {{{}}}\n", found->second, members);
-    return found->second;
+    return fmt::format("{{{}, {}}}, ", field.offset, fields_.add(members_of(field)));
   }
 
   std::string members_of(const Field &field) {
@@ -125,8 +139,8 @@ class Tables {
     return values;
   }
 
-  std::map<std::string, size_t> numbers_;
-  std::string fields_;
+  Shared fields_{"f"};
+  Shared messages_{"m"};
   std::string operations_;
 };
 
@@ -159,11 +173,11 @@ std::string dissector_of(const Layout &layout) {
   const Tables tables(layout);
   return fmt::format(
       "-- Written by 'oltctl dissector' of version {} from the layout {}.\n\n"
-      "local f = {{}}\n{}"
+      "local f, m = {{}}, {{}}\n{}{}"
       "local catalog = {{\nmodules={{{}}},\nresults={{\n{}}},\nstatuses={{\n{}}},\n"
       "operations={{\n{}}}}}\n\n{}",
-      OLTMGMT_VERSION, layout.name(), tables.fields(), modules_table(), results_table(),
-      statuses_table(layout), tables.operations(), kCode);
+      OLTMGMT_VERSION, layout.name(), tables.fields(), tables.messages(), modules_table(),
+      results_table(), statuses_table(layout), tables.operations(), kCode);
 }
 
 }  // namespace olt::cli

@@ -382,6 +382,7 @@ local messages = {}
 
 -- The rows of a message, in the order of their offsets, and the Wireshark fields of all of them.
 local function prepare(message)
+  if message.rows then return end  -- operations share messages
   message.rows = {}
   local fields = {}
   for i, place in ipairs(message.fields) do
