@@ -228,13 +228,14 @@ void Session::answered(const std::byte *reply, size_t length) {
 
 void Session::begin_watched(const RequestHeader &header) {
   if (watch_.watcher == nullptr) return;
+  if (process_ == 0) process_ = process_of_peer(socket_.native_handle());
   auto now = std::chrono::system_clock::now().time_since_epoch();
   watched_ = {.module = service_.module,
               .message_type = header.message_type,
               .request_length = header.length,
               .no_reply = header.no_reply ? 1U : 0U,
               .began_ns = static_cast<uint64_t>(std::chrono::nanoseconds(now).count()),
-              .process = process_of_peer(socket_.native_handle()),
+              .process = process_,
               .connection = connection_};
   watched_since_ = std::chrono::steady_clock::now();
 }
