@@ -10,6 +10,8 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <new>
+#include <system_error>
 #include <utility>
 
 #include "capture/trace/files.h"
@@ -61,7 +63,11 @@ CaptureFile::CaptureFile(std::string program, CaptureFileOptions options)
   sigset_t before;
   sigfillset(&all);  // signals are for the program's own threads
   pthread_sigmask(SIG_SETMASK, &all, &before);
-  thread_ = std::thread([this] { run(); });
+  try {
+    thread_ = std::thread([this] { run(); });
+  } catch (const std::system_error &error) {
+    end(path_, error.code().value());
+  }
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -128,6 +134,14 @@ void CaptureFile::open_listing(const WrittenExchange &exchange, const std::strin
 }
 
 void CaptureFile::run() {
+  try {
+    write_batches();
+  } catch (const std::bad_alloc &) {
+    end(path_, ENOMEM);
+  }
+}
+
+void CaptureFile::write_batches() {
   std::unique_lock lock(mutex_);
   for (;;) {
     wake_.wait(lock, [this] { return stops_ || !waiting_.is_empty(); });
@@ -181,13 +195,20 @@ bool CaptureFile::turn_over() {
 
 void CaptureFile::end(const std::string &place, int error) {
   has_ended_ = true;
-  options_.report(fmt::format("{}: {}; capture ends", printable(place), std::strerror(error)));
+  report(place, error, "capture ends");
 }
 
 void CaptureFile::report_listing(const std::string &path, int error) {
-  if (has_reported_.exchange(true)) return;
-  options_.report(
-      fmt::format("{}: {}; the listing is not kept", printable(path), std::strerror(error)));
+  if (!has_reported_.exchange(true)) report(path, error, "the listing is not kept");
+}
+
+void CaptureFile::report(const std::string &place, int error, const char *effect) {
+  try {
+    options_.report(fmt::format("{}: {}; {}", printable(place), std::strerror(error), effect));
+  } catch (const std::bad_alloc &) {
+    // The line is lost as well.
+    return;
+  }
 }
 
 }  // namespace olt::capture

@@ -66,10 +66,12 @@ class CaptureFile {
   bool create_first();
   void open_listing(const WrittenExchange &exchange, const std::string &folder);
   void run();
+  void write_batches();
   void write(Batch &batch);
   bool write(ByteView bytes);
   bool turn_over();
   void end(const std::string &place, int error);
+  void report(const std::string &place, int error, const char *effect);
   void report_listing(const std::string &path, int error);
 
   const CaptureFileOptions options_;

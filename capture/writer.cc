@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace olt::capture {
 
@@ -24,20 +26,21 @@ Writer::Writer(std::string program, bool with_secrets)
 
 void Writer::begin(Bytes &file) {
   interfaces_.clear();
+  interface_count_ = 0;
   std::array<uint8_t, kMaxHead> block{};
   append(file, block, put_section(block.data(), program_.c_str()));
 }
 
 uint32_t Writer::interface_of(uint32_t process, const std::string &program, Bytes &file) {
-  auto number = static_cast<uint32_t>(interfaces_.size());
-  auto [place, is_new] = interfaces_.emplace(std::pair(process, program), number);
-  if (is_new) {
-    std::string description = program.substr(0, kLongestProgram);
-    std::string name = fmt::format("{}/{}", description, process);
-    std::array<uint8_t, kMaxHead> block{};
-    append(file, block, put_interface(block.data(), name.c_str(), description.c_str()));
-  }
-  return place->second;
+  auto known = interfaces_.find({process, program});
+  if (known != interfaces_.end()) return known->second;
+  std::string description = program.substr(0, kLongestProgram);
+  std::string name = fmt::format("{}/{}", description, process);
+  std::array<uint8_t, kMaxHead> block{};
+  append(file, block, put_interface(block.data(), name.c_str(), description.c_str()));
+  uint32_t number = interface_count_++;
+  interfaces_.emplace(std::pair(process, program), number);
+  return number;
 }
 
 size_t Writer::max_size(const WrittenExchange &exchange) {
@@ -45,11 +48,13 @@ size_t Writer::max_size(const WrittenExchange &exchange) {
 }
 
 void Writer::add(WrittenExchange exchange, const std::string &program, Bytes &file, size_t max) {
-  if (file.size() + max_size(exchange) > max) {
+  size_t needed = file.size() + max_size(exchange);
+  if (needed > max) {
     ++lost_;
     ++just_lost_;
     return;
   }
+  if (needed > file.capacity()) file.reserve(std::max(needed, 2 * file.capacity()));
   exchange.interface = interface_of(exchange.process, program, file);
   exchange.lost = std::exchange(just_lost_, 0);
   uint32_t first = packet_size(exchange.request_length);

@@ -29,7 +29,7 @@ class Writer {
 
   /// Appends an exchange and, before the first one of its process in the file, who that is. What
   /// would make the bytes longer than max is left out instead, and counted as lost by the next
-  /// exchange.
+  /// exchange. When there is no memory, throws std::bad_alloc; the bytes are whole then, too.
   /// @param program that made the exchange
   void add(WrittenExchange exchange, const std::string &program, Bytes &file,
            size_t max = SIZE_MAX);
@@ -46,6 +46,7 @@ class Writer {
   const std::string program_;
   const bool with_secrets_;
   std::map<std::pair<uint32_t, std::string>, uint32_t> interfaces_;  ///< of the file
+  uint32_t interface_count_ = 0;
   uint32_t exchanges_ = 0;
   uint32_t lost_ = 0;       ///< in all
   uint32_t just_lost_ = 0;  ///< since the last one that was added

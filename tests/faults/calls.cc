@@ -10,6 +10,7 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -84,6 +85,7 @@ CALL(fstat, (int fd, struct stat *found) noexcept, (fd, found))
 CALL(fstatat, (int directory, const char *path, struct stat *found, int flags) noexcept,
      (directory, path, found, flags))
 CALL(fsync, (int fd), (fd))
+CALL(ftruncate, (int fd, off_t length) noexcept, (fd, length))
 CALL(getrlimit, (__rlimit_resource_t resource, rlimit *limit) noexcept, (resource, limit))
 CALL(getsockopt, (int fd, int level, int option, void *value, socklen_t *size) noexcept,
      (fd, level, option, value, size))
@@ -94,8 +96,10 @@ CALL(listen, (int fd, int backlog) noexcept, (fd, backlog))
 CALL(lstat, (const char *path, struct stat *found) noexcept, (path, found))
 CALL(mkdir, (const char *path, mode_t mode) noexcept, (path, mode))
 CALL(mkdirat, (int directory, const char *path, mode_t mode) noexcept, (directory, path, mode))
+CALL(munmap, (void *begin, size_t length) noexcept, (begin, length))
 CALL(ppoll, (pollfd * fds, nfds_t count, const timespec *timeout, const sigset_t *mask),
      (fds, count, timeout, mask))
+CALL(rename, (const char *from, const char *path) noexcept, (from, path))
 CALL(renameat, (int from_directory, const char *from, int directory, const char *path) noexcept,
      (from_directory, from, directory, path))
 CALL(setrlimit, (__rlimit_resource_t resource, const rlimit *limit) noexcept, (resource, limit))
@@ -115,6 +119,19 @@ TRANSFER(read, (int fd, void *buffer, size_t length), (fd, buffer, length))
 TRANSFER(recv, (int fd, void *buffer, size_t length, int flags), (fd, buffer, length, flags))
 TRANSFER(send, (int fd, const void *buffer, size_t length, int flags), (fd, buffer, length, flags))
 TRANSFER(write, (int fd, const void *buffer, size_t length), (fd, buffer, length))
+
+extern "C" ssize_t readlink(const char *path, char *target, size_t size) noexcept {
+  NEXT(readlink);
+  return injector != nullptr ? fail(*injector) : following(path, target, size);
+}
+
+extern "C" void *mmap(void *begin, size_t length, int access, int flags, int fd,
+                      off_t offset) noexcept {
+  NEXT(mmap);
+  if (injector == nullptr) return following(begin, length, access, flags, fd, offset);
+  fail(*injector);
+  return MAP_FAILED;
+}
 
 extern "C" ssize_t readlinkat(int directory, const char *path, char *target, size_t size) noexcept {
   NEXT(readlinkat);
