@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -35,16 +34,6 @@ struct Arguments {
   Options box;
 };
 
-/// @return what is wrong with a number of bytes that a capture may take; empty when nothing is.
-std::string check_capture_limit(const std::string &text) {
-  constexpr uint64_t kMin = olt::capture::CaptureFileOptions::kMinLimit;
-  const char *end = text.data() + text.size();
-  uint64_t number = 0;
-  auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && stop == end && number >= kMin) return "";
-  return fmt::format("'{}' given; expected a number of bytes, at least {}", text, kMin);
-}
-
 /// Completes what was given for the capture. Throws BadInput.
 void complete(olt::capture::CaptureFileOptions &capture) {
   if (capture.path.empty()) {
@@ -64,7 +53,7 @@ void complete(olt::capture::CaptureFileOptions &capture) {
   };
 }
 
-/// Throws CLI::ParseError and BadInput.
+/// Throws BadInput.
 Arguments parse(int argc, char **argv, Console &console) {
   Arguments arguments;
   std::string state_dir;
@@ -75,13 +64,14 @@ Arguments parse(int argc, char **argv, Console &console) {
   line.add(arguments.access);
   line.add(kStateDir, state_dir);
   line.add(kTopology, topology);
-  line.add(kFault, arguments.box.faults)->allow_extra_args(false);
+  line.add(kFault, arguments.box.faults);
   line.add(kTrace, arguments.trace);
   line.add(kFresh, arguments.box.fresh);
   line.add(kAdopt, arguments.box.adopt);
   line.add_limit(kListingLimit, arguments.box.listing_limit);
   line.add(kCapture, arguments.capture.path);
-  line.add(kCaptureLimit, arguments.capture.limit)->check(check_capture_limit);
+  line.add_limit(kCaptureLimit, arguments.capture.limit,
+                 olt::capture::CaptureFileOptions::kMinLimit);
   line.add(kCaptureFiles, arguments.capture.listings);
   line.parse(argc, argv);
   arguments.box.state_dir =

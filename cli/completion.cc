@@ -133,7 +133,7 @@ std::optional<Completion> complete_option(std::span<const OptionName> options, W
   return completion;
 }
 
-std::vector<OptionName> names_of(std::span<const serving::Option> options) {
+std::vector<OptionName> server_options(std::span<const serving::Option> options) {
   std::vector<OptionName> names;
   for (const serving::Option &option : options) {
     std::string_view all = option.name;
@@ -147,7 +147,7 @@ Completion complete_server(std::string_view program, Words before, std::string_v
   bool is_replay = program == "oltreplay";
   std::span<const serving::Option> options = box::option::kAll;
   if (is_replay) options = replay::option::kAll;
-  std::optional<Completion> completion = complete_option(names_of(options), before, word);
+  std::optional<Completion> completion = complete_option(server_options(options), before, word);
   if (!completion && is_replay) completion = path_of("FILE", "");
   return completion.value_or(Completion());
 }

@@ -22,7 +22,7 @@ namespace {
 constexpr size_t kMaxComplaints = 1000;
 constexpr size_t kMaxValue = 64;
 
-std::vector<const Operation *> senders_of(const Request &request, const Layout &layout) {
+std::vector<const Operation *> known_senders(const Request &request, const Layout &layout) {
   return catalog::senders_of({.module = request.module,
                               .message_type = request.message_type,
                               .bytes = request.bytes,
@@ -82,7 +82,7 @@ std::vector<Difference> differences(const Operation *operation, ByteView sent, B
 
 std::vector<Difference> differences(const Index &index, const Request &request,
                                     const Packet &recorded, const Layout &layout) {
-  std::vector<const Operation *> operations = senders_of(request, layout);
+  std::vector<const Operation *> operations = known_senders(request, layout);
   const Request other = {recorded.module, recorded.message_type, recorded.record};
   return differences(operations.empty() ? nullptr : operations.front(),
                      index.comparable(request, recorded.is_masked),
@@ -114,7 +114,7 @@ std::string compared_text(const Packet &recorded, const std::vector<Difference> 
 
 std::string name_of(const Request &request, const Layout &layout) {
   std::vector<std::string_view> names;
-  for (const Operation *operation : senders_of(request, layout))
+  for (const Operation *operation : known_senders(request, layout))
     names.emplace_back(operation->name);
   return fmt::format("module {} type {}{}{}", request.module, request.message_type,
                      names.empty() ? "" : " ", fmt::join(names, " or "));

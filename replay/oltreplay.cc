@@ -42,16 +42,14 @@ struct Arguments {
   std::string layout;
 };
 
-/// Throws CLI::ParseError and BadInput.
+/// Throws BadInput.
 Arguments parse(int argc, char **argv, const Console &console) {
   Arguments arguments;
   CommandLine line(console,
                    "Serves the modules in captures of libolttrace until SIGTERM or SIGINT.");
   using namespace olt::replay::option;
-  line.app()
-      .add_option("FILE", arguments.captures,
-                  "Captures; their exchanges are put in the order of time")
-      ->required();
+  line.add_words("FILE", "Captures; their exchanges are put in the order of time",
+                 arguments.captures);
   line.add(kMatch, arguments.match);
   line.add(kLast, arguments.last);
   line.add(kStrict, arguments.strict);

@@ -1,6 +1,8 @@
 #include "serving/program.h"
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <charconv>
 #include <csignal>
@@ -28,12 +30,18 @@ std::string default_run_dir() {
   return path;
 }
 
+/// Whether the text is a number of at least that much.
+template <typename Number>
+bool is_number(const std::string &text, Number min) {
+  const char *end = text.data() + text.size();
+  Number number = 0;
+  auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end && number >= min;
+}
+
 /// @return what is wrong with a number of bytes; empty when nothing is.
 std::string check_limit(const std::string &text) {
-  const char *end = text.data() + text.size();
-  uint32_t number = 0;
-  auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && stop == end && number > 0) return "";
+  if (is_number<uint32_t>(text, 1)) return "";
   return fmt::format("'{}' given; expected a number of bytes from 1 to {}", text, UINT32_MAX);
 }
 
@@ -111,14 +119,38 @@ std::optional<gid_t> Access::group_id() const {
 }
 
 CommandLine::CommandLine(const Console &console, const char *description)
-    : app_(description, console.program()) {
-  app_.set_help_flag(option::kHelp.name, option::kHelp.summary);
-  app_.set_version_flag(option::kVersion.name, console.program() + " " + OLTMGMT_VERSION,
-                        option::kVersion.summary);
+    : app_(std::make_unique<CLI::App>(description, console.program())) {
+  app_->set_help_flag(option::kHelp.name, option::kHelp.summary);
+  app_->set_version_flag(option::kVersion.name, console.program() + " " + OLTMGMT_VERSION,
+                         option::kVersion.summary);
+}
+
+CommandLine::~CommandLine() = default;
+
+void CommandLine::add(const Option &option, std::string &value) {
+  app_->add_option(option.name, value, option.summary)->type_name(option.value);
+}
+
+void CommandLine::add(const Option &option, std::vector<std::string> &values) {
+  app_->add_option(option.name, values, option.summary)
+      ->type_name(option.value)
+      ->allow_extra_args(false);
+}
+
+void CommandLine::add(const Option &option, bool &flag) {
+  app_->add_flag(option.name, flag, option.summary);
 }
 
 void CommandLine::add_limit(const Option &option, uint32_t &value) {
-  add(option, value)->check(check_limit);
+  app_->add_option(option.name, value, option.summary)->type_name(option.value)->check(check_limit);
+}
+
+void CommandLine::add_limit(const Option &option, uint64_t &value, uint64_t min) {
+  auto check = [min](const std::string &text) {
+    if (is_number(text, min)) return std::string();
+    return fmt::format("'{}' given; expected a number of bytes, at least {}", text, min);
+  };
+  app_->add_option(option.name, value, option.summary)->type_name(option.value)->check(check);
 }
 
 void CommandLine::add(Access &access) {
@@ -128,14 +160,21 @@ void CommandLine::add(Access &access) {
   access_ = &access;
 }
 
+void CommandLine::add_words(const char *name, const char *summary,
+                            std::vector<std::string> &words) {
+  app_->add_option(name, words, summary)->required()->type_name("");
+}
+
 void CommandLine::parse(int argc, char **argv) {
   try {
-    app_.parse(argc, argv);
+    app_->parse(argc, argv);
   } catch (const CLI::Success &request) {
-    app_.exit(request);
+    app_->exit(request);
     std::cout.flush();
     if (!std::cout) throw std::runtime_error("cannot write the output");
     std::exit(0);
+  } catch (const CLI::ParseError &error) {
+    throw BadInput(error.what());
   }
   if (access_->run_dir.empty()) access_->run_dir = default_run_dir();
 }
@@ -159,8 +198,6 @@ int run_program(const char *name, const std::function<void(Console &)> &body) {
   try {
     body(console);
     return 0;
-  } catch (const CLI::ParseError &error) {
-    return fail(console, error.what(), kWrongUsage);
   } catch (const BadInput &error) {
     return fail(console, error.what(), kWrongUsage);
   } catch (const std::exception &error) {

@@ -2,19 +2,23 @@
 #ifndef OLT_SERVING_PROGRAM_H
 #define OLT_SERVING_PROGRAM_H
 
-#include <CLI/CLI.hpp>
 #include <sys/types.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/line_writer.h"
 #include "platform/olthost.h"
 #include "serving/options.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace olt::serving {
 
@@ -46,29 +50,32 @@ struct Access {
   uint32_t pending_limit = 0;  ///< 0: the platform's own
 };
 
-/// A command line that is being put together.
+/// A command line that is being put together. Whatever it fills in must outlive it.
 class CommandLine {
  public:
   CommandLine(const Console &console, const char *description);
+  CommandLine(const CommandLine &) = delete;
+  CommandLine &operator=(const CommandLine &) = delete;
+  ~CommandLine();
 
-  template <typename Value>
-  CLI::Option *add(const Option &option, Value &value) {
-    return app_.add_option(option.name, value, option.summary)->type_name(option.value);
-  }
-  void add(const Option &option, bool &value) { app_.add_flag(option.name, value, option.summary); }
+  void add(const Option &option, std::string &value);
+  /// For an option that may be repeated.
+  void add(const Option &option, std::vector<std::string> &values);
+  void add(const Option &option, bool &flag);
   /// For an option that takes a number of bytes.
   void add_limit(const Option &option, uint32_t &value);
+  void add_limit(const Option &option, uint64_t &value, uint64_t min);
   /// --run-dir, --group and --pending-limit.
   void add(Access &access);
-
-  CLI::App &app() { return app_; }
+  /// Words that belong to no option, of which there must be one.
+  void add_words(const char *name, const char *summary, std::vector<std::string> &words);
 
   /// Ends the program after --help and --version. Fills in the run directory where none is given.
-  /// Throws CLI::ParseError and BadInput.
+  /// Throws BadInput.
   void parse(int argc, char **argv);
 
  private:
-  CLI::App app_;
+  const std::unique_ptr<CLI::App> app_;
   Access *access_ = nullptr;
 };
 
