@@ -10,12 +10,9 @@
 namespace olt::agent {
 
 using catalog::Argument;
-using catalog::Direction;
 using catalog::Field;
 using catalog::FieldKind;
-using catalog::Kind;
 using catalog::Layout;
-using catalog::Operation;
 using catalog::Role;
 
 namespace {

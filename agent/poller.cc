@@ -55,7 +55,7 @@ Poller::Poller(const std::vector<Table> &tables, const catalog::Layout &layout,
 }
 
 void Poller::watch(const std::vector<Table> &tables, const char *column, const char *seconds,
-                   std::map<int64_t, Event> events, unsigned share) {
+                   const std::map<int64_t, Event> &events, unsigned share) {
   for (const Table &table : tables) {
     auto place = find(table, column);
     if (!place || events.empty()) continue;

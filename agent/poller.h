@@ -62,7 +62,7 @@ class Poller {
   };
 
   void watch(const std::vector<Table> &tables, const char *column, const char *seconds,
-             std::map<int64_t, Event> events, unsigned share);
+             const std::map<int64_t, Event> &events, unsigned share);
   std::optional<Change> compare(Cursor &cursor, const Row &row);
 
   std::vector<Cursor> cursors_;

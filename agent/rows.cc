@@ -8,8 +8,6 @@
 
 namespace olt::agent {
 
-using catalog::Operation;
-
 namespace {
 
 /// What an operation returns that checked its arguments itself.

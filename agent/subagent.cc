@@ -41,6 +41,8 @@ namespace {
 constexpr const char *kName = "oltsnmp";
 /// Below the second after which the master sends a request again.
 constexpr timeval kDeadline{0, 700'000};
+/// After the deadline, until a module counts as lost. One that is only slow has then answered.
+constexpr timeval kGrace{2, 300'000};
 constexpr int kSecondsBetweenPings = 1;
 /// Of a registration in front of snmpd's own, which have 127.
 constexpr int kPriorityOverHost = 100;
@@ -166,8 +168,10 @@ class Subagent::Session {
   struct Module {
     uint8_t number = 0;
     std::unique_ptr<Worker> worker;
+    Session *session = nullptr;
     bool is_stuck = false;  ///< its worker is in a call that has passed its deadline
-    bool is_lost = false;   ///< it has not answered since then
+    unsigned alarm = 0;     ///< while it is: when the module counts as lost
+    bool is_lost = false;
   };
 
   struct Registration {
@@ -228,6 +232,7 @@ class Subagent::Session {
     Module &module = modules_[table.reader->address.module];
     if (module.worker != nullptr) return;
     module.number = table.reader->address.module;
+    module.session = this;
     module.worker = std::make_unique<Worker>(reader_, cache_, done_);
   }
 
@@ -320,8 +325,7 @@ class Subagent::Session {
   static void on_poll_deadline(unsigned /*alarm*/, void *session) {
     auto *self = static_cast<Session *>(session);
     self->poll_alarm_ = 0;
-    self->polled_->is_stuck = true;
-    self->note(*self->polled_, false);
+    get_stuck(*self->polled_);
   }
 
   void finish_poll() {
@@ -546,7 +550,7 @@ class Subagent::Session {
     for (const std::shared_ptr<Job> &job : done_.take()) {
       Module &module =
           job == poll_ ? *polled_ : *std::static_pointer_cast<Request>(job)->of->module;
-      module.is_stuck = false;
+      get_unstuck(module);
       metrics_.reads = 0;
       for (const auto &[number, one] : modules_) metrics_.reads += one.worker->reads();
       if (job == poll_) {
@@ -562,6 +566,24 @@ class Subagent::Session {
         forget(request);
       }
     }
+  }
+
+  static void get_stuck(Module &module) {
+    if (module.is_stuck) return;
+    module.is_stuck = true;
+    module.alarm = snmp_alarm_register_hr(kGrace, 0, on_lost, &module);
+  }
+
+  static void get_unstuck(Module &module) {
+    module.is_stuck = false;
+    if (module.alarm != 0) snmp_alarm_unregister(module.alarm);
+    module.alarm = 0;
+  }
+
+  static void on_lost(unsigned /*alarm*/, void *stuck) {
+    auto *module = static_cast<Module *>(stuck);
+    module->alarm = 0;
+    module->session->note(*module, false);
   }
 
   void note_answer(Module &module, const Answer &answer) {
@@ -645,8 +667,7 @@ class Subagent::Session {
     request.is_abandoned = true;
     if (request.is_answered || !is_valid(request)) return;
     ++metrics_.deadlines;
-    request.of->module->is_stuck = true;
-    note(*request.of->module, false);
+    get_stuck(*request.of->module);
     for (const Item &item : request.items) {
       fail(request.delegated->reqinfo, item, failure_of(request.mode));
     }

@@ -5,8 +5,6 @@
 
 namespace olt::agent {
 
-using catalog::FieldKind;
-
 namespace {
 
 constexpr uint32_t kBits = 8;

@@ -29,7 +29,9 @@ class Notifications : public testing::Test {
     running_.start_box(onus_per_interface);
     running_.start_snmpd();
     running_.start_agent({"--pace", "10"});
-    std::this_thread::sleep_for(500ms + 30ms * onus_per_interface);
+    // Of ten exchanges, eight are for ONUs; a round ends with one that finds no more.
+    const unsigned round = (2 * onus_per_interface + 1) * 10 / 8 + 20;
+    while (std::stoul(running_.get(".2.1.0")) < round) std::this_thread::sleep_for(100ms);
   }
 
   void oltctl(const std::vector<std::string> &arguments) {

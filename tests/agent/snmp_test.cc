@@ -363,7 +363,7 @@ TEST_F(Snmp, SetIsUndoneWhenAnotherValueIsRefused) {
 
 TEST_F(Snmp, ASilentModuleFailsAloneAndAtOnce) {
   // Message type 174 is the only one of module 23 here; 171 is in front of it, at module 2.
-  oltctl({"fault", "add", "type=174", "delay_ms=3000"});
+  oltctl({"fault", "add", "type=174", "delay_ms=4000"});
   auto begin = steady_clock::now();
   EXPECT_NE(running().get(".1.174.1.18.1.1").find("genError"), std::string::npos);
   EXPECT_GT(steady_clock::now() - begin, 650ms);
