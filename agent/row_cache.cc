@@ -4,20 +4,34 @@
 
 namespace olt::agent {
 
+namespace {
+
+/// FNV-1a, so that a look-up compares numbers, and keys only when it has found one.
+uint64_t hash_of(const Key &key) {
+  uint64_t hash = 0xcbf29ce484222325;
+  for (uint32_t part : key) hash = (hash ^ part) * 0x100000001b3;
+  return hash;
+}
+
+}  // namespace
+
 /// A row that was found after another one also answers for itself.
-bool RowCache::Entry::answers(const Table &asked, Selection how, const Key &named) const {
+bool RowCache::Entry::answers(const Table &asked, Selection how, const Key &named,
+                              uint64_t named_hash) const {
   if (table != &asked) return false;
-  if (selection == how && key == named) return true;
-  return how == Selection::kThis && answer.outcome == Outcome::kFound && answer.row.key == named;
+  if (selection == how && hash == named_hash && key == named) return true;
+  return how == Selection::kThis && row_hash == named_hash && answer.outcome == Outcome::kFound &&
+         answer.row.key == named;
 }
 
 std::optional<Answer> RowCache::find(const Table &table, Selection selection, const Key &key,
                                      Clock::time_point now) {
+  const uint64_t hash = hash_of(key);
   std::lock_guard guard(mutex_);
   for (size_t i = 1; i <= entries_.size(); ++i) {
     const Entry &entry = entries_[(end_ + kRows - i) % kRows];
     if (now - entry.read > kAge) break;  // all others are older
-    if (entry.answers(table, selection, key)) return entry.answer;
+    if (entry.answers(table, selection, key, hash)) return entry.answer;
   }
   return std::nullopt;
 }
@@ -25,7 +39,7 @@ std::optional<Answer> RowCache::find(const Table &table, Selection selection, co
 void RowCache::add(const Table &table, Selection selection, const Key &key, const Answer &answer,
                    Clock::time_point now) {
   if (answer.outcome == Outcome::kFailed) return;
-  Entry entry{&table, selection, key, answer, now};
+  Entry entry{&table, selection, key, answer, now, hash_of(key), hash_of(answer.row.key)};
   std::lock_guard guard(mutex_);
   if (entries_.size() < kRows) {
     entries_.push_back(std::move(entry));

@@ -3,6 +3,7 @@
 #define OLT_AGENT_ROW_CACHE_H
 
 #include <chrono>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -33,8 +34,10 @@ class RowCache {
     Key key;
     Answer answer;
     Clock::time_point read;
+    uint64_t hash = 0;      ///< of the key
+    uint64_t row_hash = 0;  ///< of the key of the row
 
-    bool answers(const Table &asked, Selection how, const Key &named) const;
+    bool answers(const Table &asked, Selection how, const Key &named, uint64_t named_hash) const;
   };
 
   std::mutex mutex_;
