@@ -396,6 +396,12 @@ Oid Table::oid(const Oid &root) const {
   return oid;
 }
 
+Oid Table::region(const Oid &root) const {
+  Oid region = oid(root);
+  if (is_scalar && !place.empty()) region.push_back(columns[0].arc);
+  return region;
+}
+
 Oid Table::entry(const Oid &root) const {
   Oid entry = oid(root);
   if (!is_scalar) entry.push_back(1);

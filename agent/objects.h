@@ -126,6 +126,8 @@ struct Table {
   /// ROOT.1.T for scalars, ROOT.1.T.1 for tables: what the arcs of columns follow.
   Oid entry(const Oid &root) const;
   Oid oid(const Oid &root) const;
+  /// What all its cells lie below: its own, or that of a standard scalar.
+  Oid region(const Oid &root) const;
 };
 
 /// The arcs below the root.

@@ -405,16 +405,27 @@ class StandardBuilder {
           {text("olt"), row_name("pon"), row_name("onu")}}});
   }
 
+  /// Scalars are a group each: a region for all of them would have tables in it.
+  void add(const char *name, const Oid &oid, bool is_scalar, const std::vector<SourcePart> &sources,
+           const std::vector<StandardColumn> &columns) {
+    if (!is_scalar) {
+      add_table(name, oid, false, sources, columns);
+      return;
+    }
+    for (const StandardColumn &column : columns) add_table(name, oid, true, sources, {column});
+  }
+
   /// Leaves out the parts whose source the layout lacks, and the columns that a part cannot fill.
-  void add(const char *name, Oid oid, bool is_scalar, const std::vector<SourcePart> &sources,
-           std::vector<StandardColumn> columns) {
+  void add_table(const char *name, const Oid &oid, bool is_scalar,
+                 const std::vector<SourcePart> &sources,
+                 const std::vector<StandardColumn> &columns) {
     std::vector<Part> parts;
     for (const SourcePart &from : sources) {
       if (from.source.is_there()) parts.push_back({from.source.table(), from.numbering, {}});
     }
     Table table{.name = name, .is_scalar = is_scalar, .arc = oid.back()};
     uint32_t offset = 0;
-    for (StandardColumn &column : columns) {
+    for (const StandardColumn &column : columns) {
       std::vector<Conversion> conversions;
       for (size_t i = 0; i < sources.size(); ++i) {
         if (sources[i].source.is_there() && column.from[i]) conversions.push_back(*column.from[i]);
@@ -434,7 +445,7 @@ class StandardBuilder {
       offset += column.size;
     }
     if (table.columns.empty()) return;
-    table.place = std::move(oid);
+    table.place = oid;
     table.reader = parts[0].source.reader;
     table.rows = std::make_shared<StandardRows>(table.columns, std::move(parts));
     tables_.push_back(std::move(table));

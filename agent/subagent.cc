@@ -179,6 +179,7 @@ class Subagent::Session {
     const Table *table;
     Module *module;
     std::vector<oid> name;
+    std::vector<oid> region;
   };
 
   /// A variable that waits for a task.
@@ -238,10 +239,11 @@ class Subagent::Session {
 
   void register_table(const Table &table) {
     Module &module = modules_[table.reader->address.module];
-    registrations_.push_back({this, &table, &module, to_net_snmp(table.oid(options_.root))});
+    registrations_.push_back({this, &table, &module, to_net_snmp(table.oid(options_.root)),
+                              to_net_snmp(table.region(options_.root))});
     Registration &registration = registrations_.back();
     netsnmp_handler_registration *handler = netsnmp_create_handler_registration(
-        table.name.c_str(), on_request, registration.name.data(), registration.name.size(),
+        table.name.c_str(), on_request, registration.region.data(), registration.region.size(),
         options_.is_writable ? HANDLER_CAN_RWRITE : HANDLER_CAN_RONLY);
     handler->handler->myvoid = &registration;
     bool is_apart = table.is_of_host && !options_.is_host_replaced;
@@ -404,7 +406,7 @@ class Subagent::Session {
         netsnmp_set_request_error(info, one, SNMP_NOSUCHOBJECT);
         return;
       }
-      // Also what a GETNEXT tries first that enters a region behind another table.
+      // Also what a GETNEXT tries first that enters the region of a standard scalar.
       if (cell->key.empty()) {
         netsnmp_set_request_error(info, one, SNMP_NOSUCHINSTANCE);
         return;
@@ -422,12 +424,12 @@ class Subagent::Session {
     const Registration &of = *request.of;
     const netsnmp_variable_list &variable = *one->requestvb;
     int order =
-        snmp_oid_compare(variable.name, variable.name_length, of.name.data(), of.name.size());
+        snmp_oid_compare(variable.name, variable.name_length, of.region.data(), of.region.size());
     bool is_passed_over = order < 0 || (order == 0 && one->inclusive != 0);
     std::optional<Cell> cell;
     if (order < 0) {
       cell = Cell{};
-    } else if (netsnmp_oid_is_subtree(of.name.data(), of.name.size(), variable.name,
+    } else if (netsnmp_oid_is_subtree(of.region.data(), of.region.size(), variable.name,
                                       variable.name_length) == 0) {
       cell = cell_after(*of.table, suffix(of, variable));
     }

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <map>
-#include <stdexcept>
+#include <set>
 #include <string>
 
 namespace olt::test {
@@ -18,28 +18,23 @@ using agent::StandardRows;
 using agent::Table;
 using catalog::Layout;
 
-const Table &table(const std::string &name) {
-  static const std::vector<Table> tables = agent::standard_tables(Layout::box());
-  auto found = std::find_if(tables.begin(), tables.end(),
-                            [&name](const Table &one) { return one.name == name; });
-  if (found == tables.end()) throw std::runtime_error("no table " + name);
-  return *found;
-}
-
 /// The values of the columns, by their OIDs: numbers, octets in hex.
 using Values = std::map<std::string, std::string>;
 
 Values values(const std::string &name, size_t part, const Key &row, const std::string &hex) {
-  const Table &of = table(name);
-  const auto &rows = dynamic_cast<const StandardRows &>(*of.rows);
-  Bytes record = rows.converted(rows.parts().at(part), {row, *from_hex(hex)});
+  static const std::vector<Table> tables = agent::standard_tables(Layout::box());
   Values values;
-  for (const agent::Column &column : of.columns) {
-    agent::Oid oid = of.entry({});
-    oid.push_back(column.arc);
-    agent::Value value = agent::value_of(column, record);
-    values[agent::oid_text(oid)] =
-        agent::is_number(column.type) ? std::to_string(value.number) : to_hex(value.octets);
+  for (const Table &of : tables) {
+    if (of.name != name) continue;
+    const auto &rows = dynamic_cast<const StandardRows &>(*of.rows);
+    Bytes record = rows.converted(rows.parts().at(part), {row, *from_hex(hex)});
+    for (const agent::Column &column : of.columns) {
+      agent::Oid oid = of.entry({});
+      oid.push_back(column.arc);
+      agent::Value value = agent::value_of(column, record);
+      values[agent::oid_text(oid)] =
+          agent::is_number(column.type) ? std::to_string(value.number) : to_hex(value.octets);
+    }
   }
   return values;
 }
@@ -217,6 +212,22 @@ TEST(StandardObjects, AreThoseThatTheLayoutNames) {
                                         .unit = "ms"},
                                        {"rest", 2, 31, catalog::FieldKind::kBytes}});
   for (const Table &one : agent::standard_tables(other)) EXPECT_NE(one.name, "dot1dStp");
+}
+
+TEST(StandardObjects, HaveRegionsOfTheirOwn) {
+  std::set<agent::Oid> regions;
+  for (const Table &one : agent::standard_tables(Layout::box())) {
+    EXPECT_TRUE(regions.insert(one.region({})).second) << one.name;
+  }
+  EXPECT_TRUE(regions.contains({1, 3, 6, 1, 2, 1, 17, 2, 14}));
+  EXPECT_TRUE(regions.contains({1, 3, 6, 1, 2, 1, 17, 2, 15}));
+  const agent::Oid *before = nullptr;
+  for (const agent::Oid &region : regions) {
+    bool is_inside = before != nullptr && region.size() >= before->size() &&
+                     std::equal(before->begin(), before->end(), region.begin());
+    EXPECT_FALSE(is_inside) << agent::oid_text(region);
+    before = &region;
+  }
 }
 
 TEST(Numbering, CountsAsDocumented) {
