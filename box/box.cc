@@ -73,18 +73,18 @@ void Box::Parts::capture(void *context, const olt_served_exchange *served) noexc
   if (served->module == kControlModule && served->message_type == kCapturePiece) return;
   bool is_answered = served->end == OLT_SERVED_ANSWERED;
   bool has_reply = is_answered && served->status == 0;
-  capture::Exchange exchange = {.message_type = served->message_type,
-                                .module = served->module,
-                                .request = served->request,
-                                .reply = has_reply ? served->reply : nullptr,
-                                .request_length = served->request_length,
-                                .reply_length = has_reply ? served->reply_length : 0U,
-                                .no_reply = served->no_reply,
-                                .result = result_of(served->end),
-                                .status = is_answered ? served->status : uint16_t{0},
-                                .began = served->began_ns,
-                                .duration = served->elapsed_ns,
-                                .process = served->process};
+  capture::WrittenExchange exchange = {.message_type = served->message_type,
+                                       .module = served->module,
+                                       .request = served->request,
+                                       .reply = has_reply ? served->reply : nullptr,
+                                       .request_length = served->request_length,
+                                       .reply_length = has_reply ? served->reply_length : 0U,
+                                       .no_reply = served->no_reply,
+                                       .result = result_of(served->end),
+                                       .status = is_answered ? served->status : uint16_t{0},
+                                       .began = served->began_ns,
+                                       .duration = served->elapsed_ns,
+                                       .process = served->process};
   try {
     static_cast<Parts *>(context)->simulator.captures().add(exchange, served->connection);
   } catch (const std::bad_alloc &) {

@@ -228,7 +228,6 @@ void Session::answered(const std::byte *reply, size_t length) {
 
 void Session::begin_watched(const RequestHeader &header) {
   if (watch_.watcher == nullptr) return;
-  if (process_ == 0) process_ = process_of_peer(socket_.native_handle());
   auto now = std::chrono::system_clock::now().time_since_epoch();
   watched_ = {.module = service_.module,
               .message_type = header.message_type,

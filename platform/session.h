@@ -97,7 +97,6 @@ class Session : public std::enable_shared_from_this<Session> {
 
   const Watch &watch_;
   const uint64_t connection_;
-  uint32_t process_ = 0;  ///< of the client; 0 until it is needed
   /// The exchange under way, when it is watched. Its request stays in the buffer.
   std::optional<olt_served_exchange> watched_;
   std::chrono::steady_clock::time_point watched_since_;
