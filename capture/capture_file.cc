@@ -47,8 +47,8 @@ std::string old_of(const std::string &path) {
 
 }  // namespace
 
-CaptureFile::CaptureFile(std::string program, CaptureFileOptions options)
-    : options_(std::move(options)), writer_(std::move(program), options_.with_secrets) {
+CaptureFile::CaptureFile(const std::string &program, CaptureFileOptions options)
+    : options_(std::move(options)), writer_(program, options_.with_secrets) {
   if (!create_first()) {
     end(options_.path, errno);
     return;

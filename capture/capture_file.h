@@ -37,7 +37,7 @@ struct CaptureFileOptions {
 /// time is counted as lost, and a failure ends the capture. What the file holds then is whole.
 class CaptureFile {
  public:
-  CaptureFile(std::string program, CaptureFileOptions options);
+  CaptureFile(const std::string &program, CaptureFileOptions options);
   CaptureFile(const CaptureFile &) = delete;
   CaptureFile &operator=(const CaptureFile &) = delete;
   /// Writes what waits.

@@ -21,7 +21,7 @@ void append(Bytes &file, const std::array<uint8_t, kMaxHead> &block, uint32_t le
 
 }  // namespace
 
-Writer::Writer(std::string program, bool with_secrets)
+Writer::Writer(const std::string &program, bool with_secrets)
     : program_(program.substr(0, kLongestProgram)), with_secrets_(with_secrets) {}
 
 void Writer::begin(Bytes &file) {

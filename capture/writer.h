@@ -22,7 +22,7 @@ using WrittenExchange = ::exchange;
 class Writer {
  public:
   /// @param program that writes the capture
-  Writer(std::string program, bool with_secrets);
+  Writer(const std::string &program, bool with_secrets);
 
   /// Appends what begins a file.
   void begin(Bytes &file);

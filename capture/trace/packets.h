@@ -9,7 +9,7 @@
 extern "C" {
 #endif
 
-struct exchange {
+struct exchange {  // NOLINT(readability-identifier-naming): a name of C
   uint32_t message_type, module;
   const void *request, *reply;
   uint32_t request_length, reply_length;
