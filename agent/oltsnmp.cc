@@ -15,7 +15,6 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 #include "agent/mib.h"
 #include "agent/objects.h"
@@ -68,10 +67,7 @@ std::shared_ptr<const olt::catalog::Layout> layout_of(const std::string &name) {
   try {
     return olt::cli::layout_named(name);
   } catch (const olt::cli::Error &error) {
-    std::string_view reason = error.what();
-    constexpr std::string_view kOltctl = "oltctl: ";
-    if (reason.starts_with(kOltctl)) reason.remove_prefix(kOltctl.size());
-    throw BadInput(fmt::format("oltsnmp: {}", reason));
+    throw BadInput(fmt::format("oltsnmp: {}", error.what()));
   }
 }
 

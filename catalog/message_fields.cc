@@ -8,13 +8,15 @@ namespace olt::catalog {
 
 namespace {
 
+constexpr uint32_t kWord = 4;
+
 class Fields {
  public:
   Fields(const Operation &operation, const Message &message)
       : operation_(operation), message_(message) {
     for (const Field &field : message.record) add_of_record(field);
     for (const Part &part : message.parts()) {
-      if (part.offset >= end_of_record()) add_argument(part);
+      if (part.offset >= end_of_record() && part.origin == Origin::kArgument) add_argument(part);
     }
   }
 
@@ -53,6 +55,8 @@ class Fields {
     if (argument.is_list()) return add_list(part, argument);
     if (argument.fields.empty()) {
       Field whole = argument.whole();
+      bool is_piece = !part.is_text && !part.reaches_the_end() && part.width < whole.width;
+      if (is_piece) whole.kind = part.width <= kWord ? FieldKind::kNumber : FieldKind::kBytes;
       whole.width = part.width;
       return add(whole, part.offset, &argument);
     }

@@ -313,15 +313,13 @@ local kAdders = {
     return words_adder(field, {"slot", "port"}, function(words) return table.concat(words, "/") end)
   end,
 
-  -- Slot, interface and ONU; if there is room, a kind and a UNI port. Some messages have a part of
-  -- them alone.
+  -- Slot, interface and ONU; if there is room, a kind and a UNI port.
   ont = function(field)
     local names = {"slot", "interface", "onu"}
     if field.width >= 20 then names = {"slot", "interface", "onu", "kind", "port"} end
-    while 4 * #names > field.width do names[#names] = nil end
     return words_adder(field, names, function(words)
       local port = words[5] and words[5] ~= 0 and ":" .. words[5] or ""
-      return table.concat(words, "/", 1, math.min(#words, 3)) .. port
+      return words[1] .. "/" .. words[2] .. "/" .. words[3] .. port
     end)
   end,
 

@@ -73,7 +73,7 @@ TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
       {{"--root", "1.3.x"}, "oltsnmp: --root 1.3.x: no object identifier; expected "},
       {{"--root", "1"}, "--root 1:"},
       {{"--root", "3.1"}, "--root 3.1:"},
-      {{"--layout", "nope"}, "oltsnmp: there is no layout 'nope'; expected "},
+      {{"--layout", "nope"}, "oltsnmp: layout: there is no layout 'nope'; expected "},
       {{"--layout", folder / "no.json"}, "/no.json: cannot be read: "},
       {{"--pace", "9"}, "--pace 9: too fast; expected 0, or 10 to 1000"},
       {{"--pace", "1001"}, "--pace"},

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "catalog/catalog.h"
+#include "catalog/layout.h"
 
 namespace olt::test {
 
@@ -89,6 +90,28 @@ TEST(MessageFields, BelongToTheArgumentOfTheirBytes) {
       }
     }
   });
+}
+
+TEST(MessageFields, HaveTheWidthOfTheirKindWithoutMeanings) {
+  const std::map<FieldKind, uint32_t> least = {
+      {FieldKind::kMac, 6}, {FieldKind::kInterface, 8}, {FieldKind::kOnt, 12}};
+  size_t onts = 0;
+  for (const auto &family : catalog::Layout::contract().families()) {
+    for (const Operation &operation : family.operations) {
+      for (const Message *message : {&operation.request, &operation.reply}) {
+        for (const MessageField &placed : fields_of(operation, *message)) {
+          const Field &field = placed.field;
+          auto width = least.find(field.kind);
+          bool is_wide_enough = width == least.end() || field.width >= width->second;
+          EXPECT_TRUE(is_wide_enough) << operation.name << ' ' << field.name;
+          bool is_number = field.kind == FieldKind::kNumber;
+          EXPECT_LE(is_number ? field.width : 0, 4U) << operation.name << ' ' << field.name;
+          if (field.kind == FieldKind::kOnt) ++onts;
+        }
+      }
+    }
+  }
+  EXPECT_GT(onts, 10U);
 }
 
 TEST(MessageFields, EachRecordNameStandsForOneRecord) {

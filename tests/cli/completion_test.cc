@@ -36,7 +36,7 @@ TEST(Completion, OffersOperationsAndCommandsFirst) {
   EXPECT_EQ(candidates(Words{}, "co"), (Words{"config", "compare", "counters", "completion"}));
   size_t operations = 0;
   for (const auto &family : olt::catalog::families()) operations += family.operations.size();
-  EXPECT_EQ(candidates(Words{}, "").size(), operations + 13U);
+  EXPECT_EQ(candidates(Words{}, "").size(), operations + 15U);
   EXPECT_EQ(candidates(Words{}, "x"), Words{});
 }
 
