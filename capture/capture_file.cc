@@ -21,7 +21,7 @@ namespace olt::capture {
 
 namespace {
 
-constexpr size_t kMaxWaiting = 8 << 20;
+constexpr size_t kMaxWaitingBytes = 8 << 20;
 constexpr size_t kMaxListings = 64;
 constexpr int kMaxNames = 1000;
 /// Exchanges are gathered so long, so that the thread seldom wakes.
@@ -112,7 +112,7 @@ void CaptureFile::add(const WrittenExchange &exchange, const std::string &progra
     }
     size_t before = bytes.size();
     if (file_bytes_ == 0) writer_.begin(bytes);
-    writer_.add(exchange, program, bytes, kMaxWaiting);
+    writer_.add(exchange, program, bytes, kMaxWaitingBytes);
     file_bytes_ += bytes.size() - before;
     if (!options_.listings.empty()) open_listing(exchange, folder);
   }

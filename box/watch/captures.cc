@@ -25,7 +25,7 @@ constexpr std::chrono::seconds kUnread(600);
 constexpr std::chrono::seconds kUnreadOfMany(10);
 constexpr size_t kMaxPrograms = 1000;
 constexpr size_t kReadHead = 16;
-constexpr size_t kMaxPiece = 65'535 - kReadHead;
+constexpr size_t kMaxCapturePiece = 65'535 - kReadHead;
 
 uint64_t nanoseconds_now() {
   auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -144,8 +144,8 @@ std::optional<Bytes> Captures::read(ByteView request) {
   Stream *stream = find(id);
   if (stream == nullptr) return std::nullopt;
   stream->last_read = steady_clock::now();
-  auto length = static_cast<ptrdiff_t>(std::min(stream->bytes.size(), kMaxPiece));
-  bool is_over = stream->has_ended && stream->bytes.size() <= kMaxPiece;
+  auto length = static_cast<ptrdiff_t>(std::min(stream->bytes.size(), kMaxCapturePiece));
+  bool is_over = stream->has_ended && stream->bytes.size() <= kMaxCapturePiece;
   const uint32_t head[] = {is_over ? 1U : 0U, stream->writer.exchanges(), stream->writer.lost(), 0};
   static_assert(sizeof head == kReadHead);
   Bytes piece(kReadHead);
