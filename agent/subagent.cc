@@ -333,7 +333,7 @@ class Subagent::Session {
   void finish_poll() {
     if (poll_alarm_ != 0) snmp_alarm_unregister(poll_alarm_);
     const Task &task = poll_->tasks.front();
-    note_answer(*polled_, task.answer);
+    note_answer(*polled_, task);
     if (std::optional<Change> change = poller_.take(task)) {
       const Column &column = change->table->columns[change->column];
       Oid name = change->table->oid(options_.root);
@@ -560,7 +560,7 @@ class Subagent::Session {
         continue;
       }
       auto request = std::static_pointer_cast<Request>(job);
-      for (const Task &task : request->tasks) note_answer(module, task.answer);
+      for (const Task &task : request->tasks) note_answer(module, task);
       if (!request->is_answered && is_valid(*request)) {
         complete(request);
       } else {
@@ -588,10 +588,12 @@ class Subagent::Session {
     module->session->note(*module, false);
   }
 
-  void note_answer(Module &module, const Answer &answer) {
-    if (answer.outcome != Outcome::kFailed) {
+  /// An answer from the cache says nothing about the module.
+  void note_answer(Module &module, const Task &task) {
+    if (!task.was_called) return;
+    if (task.answer.outcome != Outcome::kFailed) {
       note(module, true);
-    } else if (answer.is_lost()) {
+    } else if (task.answer.is_lost()) {
       note(module, false);
     }
   }

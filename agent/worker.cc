@@ -72,6 +72,7 @@ void Worker::run() {
 
 void Worker::perform(Task &task) {
   if (task.column != nullptr) {
+    task.was_called = true;
     task.answer = reader_.write(*task.table, *task.column, task.key, task.bytes);
     cache_.drop_all();
     return;
@@ -82,6 +83,7 @@ void Worker::perform(Task &task) {
       return;
     }
   }
+  task.was_called = true;
   task.answer = reader_.read(*task.table, task.selection, task.key);
   ++reads_;
   cache_.add(*task.table, task.selection, task.key, task.answer);

@@ -23,8 +23,9 @@ struct Task {
   const Column *column = nullptr;  ///< to be written; null: the row is read
   Selection selection{};
   Key key;
-  Bytes bytes;            ///< to be written
-  bool is_fresh = false;  ///< read from the module even if the cache has it
+  Bytes bytes;              ///< to be written
+  bool is_fresh = false;    ///< read from the module even if the cache has it
+  bool was_called = false;  ///< the module, for the answer
   Answer answer{};
 };
 
