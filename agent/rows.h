@@ -31,6 +31,10 @@ struct Answer {
   Row row{};           ///< when found
   int32_t result = 0;  ///< of the operation that failed
 
+  /// Whether a module said so. That there is no row may be known without asking one.
+  bool is_of_module() const {
+    return outcome == Outcome::kFound || (outcome == Outcome::kNone && result != 0);
+  }
   /// Whether no module answered, as opposed to one that refused.
   bool is_lost() const {
     return (static_cast<uint32_t>(result) & 0xffff0000U) != 0 && result != -1;

@@ -585,13 +585,14 @@ class Subagent::Session {
   static void on_lost(unsigned /*alarm*/, void *stuck) {
     auto *module = static_cast<Module *>(stuck);
     module->alarm = 0;
-    module->session->note(*module, false);
+    // When this thread was held up, the answer may be waiting for it.
+    if (!module->worker->is_idle()) module->session->note(*module, false);
   }
 
   /// An answer from the cache says nothing about the module.
   void note_answer(Module &module, const Task &task) {
     if (!task.was_called) return;
-    if (task.answer.outcome != Outcome::kFailed) {
+    if (task.answer.is_of_module()) {
       note(module, true);
     } else if (task.answer.is_lost()) {
       note(module, false);

@@ -417,6 +417,10 @@ TEST_F(Snmp, TheMasterMayComeAndGo) {
       std::this_thread::sleep_for(50ms);
     }
   }
+  // Net-snmp's Unix transport can lose an address when its peer goes, which would be reported as a
+  // leak at the end of this agent.
+  running().end_agent(SIGKILL);
+  running().start_agent();
 }
 
 TEST_F(Snmp, TheModulesMayComeAndGo) {
@@ -435,7 +439,7 @@ TEST_F(Snmp, TheModulesMayComeAndGo) {
     EXPECT_EQ(running().get(next_cell()), "0");
     EXPECT_TRUE(running().waits_for("module main (2) answers again", lost + round));
   }
-  EXPECT_EQ(occurrences("module main (2) does not answer"), lost + 12);
+  EXPECT_EQ(occurrences("module main (2) does not answer"), lost + 12) << running().log();
 }
 
 /// The first cell of each table and group of scalars.
