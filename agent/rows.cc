@@ -159,7 +159,7 @@ Answer RowReader::write(const Table &table, const Column &column, const Key &key
   if (present.outcome != Outcome::kFound) return present;
   Bytes &record = present.row.record;
   std::copy_n(bytes.begin(), std::min<size_t>(bytes.size(), column.field.width),
-              record.begin() + column.field.offset);
+              record.data() + column.field.offset);
   Call call(*column.setter);
   name_row(call, table, key, Place::kReader);
   // The record may be the argument that names the row: it does so itself.

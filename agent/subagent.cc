@@ -653,7 +653,7 @@ class Subagent::Session {
       const catalog::Field &field = request.of->table->columns[item.column].field;
       const Bytes &record = task.answer.row.record;
       auto *old =
-          new Bytes(record.begin() + field.offset, record.begin() + field.offset + field.width);
+          new Bytes(record.data() + field.offset, record.data() + field.offset + field.width);
       netsnmp_request_add_list_data(item.request,
                                     netsnmp_create_data_list(kOldValue, old, [](void *bytes) {
                                       delete static_cast<Bytes *>(bytes);

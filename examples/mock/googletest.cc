@@ -4,6 +4,11 @@
 
 #include "idle_port.h"
 
+// The build says where the capture beside this file is.
+#ifndef IDLE_PORT_CAPTURE
+#define IDLE_PORT_CAPTURE "idle_port.pcapng"
+#endif
+
 class IdlePort : public testing::Test {
  protected:
   IdlePort() {

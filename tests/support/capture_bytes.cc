@@ -23,7 +23,7 @@ std::string packet(const RecordedExchange &exchange, char kind) {
                                                               : exchange.request_length;
   size_t captured = 12 + 64 + record.size();
   size_t padding = (4 - captured % 4) % 4;
-  uint64_t block = 32 + captured + padding;
+  size_t block = 32 + captured + padding;
   uint64_t time = exchange.time + (is_answer ? exchange.duration : 0);
   std::string text;
   text.reserve(block);
