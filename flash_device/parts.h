@@ -13,7 +13,7 @@ namespace olt::flash_device {
 
 class Parts {
  public:
-  static constexpr size_t kSize = 64 * 1024;
+  static constexpr size_t kSize = size_t{64} * 1024;
 
   void watch(Watcher watcher, void *context) {
     context_ = context;

@@ -33,7 +33,7 @@ struct Block {
   bool released = false;
 };
 
-struct Watch {
+struct AllBlocks {
   std::unordered_map<const unsigned char *, Block> blocks;
   std::deque<unsigned char *> kept;
   size_t kept_bytes = 0;
@@ -43,8 +43,8 @@ constinit std::mutex blocks_lock;
 [[maybe_unused]] const int blocks_registered = hold_across_fork<blocks_lock>();
 
 // Never destroyed: blocks are released up to the very end of the process.
-Watch &watch() {
-  static Watch &instance = *new Watch;
+AllBlocks &all_blocks() {
+  static AllBlocks &instance = *new AllBlocks;
   return instance;
 }
 
@@ -75,7 +75,7 @@ void *allocate_watched(uint32_t size, const char *tag, int line) {
   std::memset(data + size, kGuardByte, kGuardSize);
   try {
     std::lock_guard guard(blocks_lock);
-    watch().blocks[data] = {.tag = name(tag), .line = line, .size = size};
+    all_blocks().blocks[data] = {.tag = name(tag), .line = line, .size = size};
   } catch (const std::bad_alloc &) {
     std::free(start);
     return nullptr;
@@ -83,7 +83,7 @@ void *allocate_watched(uint32_t size, const char *tag, int line) {
   return data;
 }
 
-void keep_back(Watch &all, unsigned char *data, Block &block) {
+void keep_back(AllBlocks &all, unsigned char *data, Block &block) {
   std::memset(data, kReleasedByte, block.size);
   block.released = true;
   all.kept.push_back(data);
@@ -101,7 +101,7 @@ void keep_back(Watch &all, unsigned char *data, Block &block) {
 void release_watched(void *pointer, const char *tag, int line) {
   auto *data = static_cast<unsigned char *>(pointer);
   std::lock_guard guard(blocks_lock);
-  Watch &all = watch();
+  AllBlocks &all = all_blocks();
   auto found = all.blocks.find(data);
   if (found == all.blocks.end()) {
     report(tag, line, "released a block that ___MALLOC did not give");
@@ -160,7 +160,7 @@ struct Unreleased {
   if (mode.load() != Mode::kWatching) return;
   std::lock_guard guard(blocks_lock);
   std::map<std::string, Unreleased> by_tag;
-  for (const auto &[data, block] : watch().blocks) {
+  for (const auto &[data, block] : all_blocks().blocks) {
     if (!block.released) {
       Unreleased &sum = by_tag[block.tag];
       ++sum.count;

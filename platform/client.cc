@@ -77,8 +77,8 @@ bool is_usable(uint32_t module, const Connection *connection) {
 
 // Sends over the kept connection. Uses a new one if there is none or if the kept one fails before
 // the module took a byte, for example because the module was restarted.
-int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
-             std::unique_ptr<Connection> &connection) {
+int32_t send_request(uint32_t module, const Request &request, const Deadline &deadline,
+                     std::unique_ptr<Connection> &connection) {
   Sent sent = Sent::kNothing;
   if (is_usable(module, connection.get())) sent = connection->send(request, deadline);
   if (sent == Sent::kNothing) {
@@ -101,7 +101,7 @@ int32_t send(uint32_t module, const Request &request, const Deadline &deadline,
 int32_t exchange(uint32_t module, const Request &request, const Deadline &deadline,
                  Answer &answer) {
   std::unique_ptr<Connection> &connection = connections().by_module[module];
-  int32_t result = send(module, request, deadline, connection);
+  int32_t result = send_request(module, request, deadline, connection);
   if (result == OLT_TRANSPORT_OK) {
     result = connection->receive(request.no_reply, deadline, answer);
     if (result == OLT_TRANSPORT_REFUSED) {

@@ -16,7 +16,7 @@
 #include "platform/olthost.h"
 #include "serving/options.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): a library's
 class App;
 }  // namespace CLI
 

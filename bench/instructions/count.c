@@ -57,7 +57,7 @@ static void translated(qemu_plugin_id_t id, struct qemu_plugin_tb *block) {
     struct qemu_plugin_insn *instruction = qemu_plugin_tb_get_insn(block, i);
     const uintptr_t address = (uintptr_t)qemu_plugin_insn_vaddr(instruction);
     qemu_plugin_register_vcpu_insn_exec_cb(instruction, executed, QEMU_PLUGIN_CB_NO_REGS,
-                                           (void *)address);
+                                           (void *)address);  // NOLINT(performance-no-int-to-ptr)
   }
 }
 

@@ -14,8 +14,8 @@ constexpr std::string_view kMagic = "OLTSTATE";
 constexpr uint64_t kVersion = 1;
 constexpr size_t kVersionAt = 8;
 constexpr size_t kLengthAt = 12;
-constexpr size_t kHead = 20;
-constexpr size_t kChecksum = 4;
+constexpr size_t kHeadSize = 20;
+constexpr size_t kChecksumSize = 4;
 
 /// Row n: what a byte does to the checksum n bytes later.
 struct Table {
@@ -70,12 +70,12 @@ uint32_t checksum(std::string_view bytes) {
 
 std::string seal(std::string_view content) {
   std::string file;
-  file.reserve(kHead + content.size() + kChecksum);
+  file.reserve(kHeadSize + content.size() + kChecksumSize);
   file += kMagic;
   append_number(file, kVersion, 4);
   append_number(file, content.size(), 8);
   file += content;
-  append_number(file, checksum(file), kChecksum);
+  append_number(file, checksum(file), kChecksumSize);
   return file;
 }
 
@@ -84,20 +84,20 @@ std::string_view unseal(std::string_view file) {
   if (file.substr(0, kMagic.size()) != kMagic.substr(0, file.size())) {
     throw BadInput("is damaged or no state file: it does not begin as one");
   }
-  if (file.size() < kHead + kChecksum) throw BadInput("is damaged: it is cut off");
-  std::string_view sealed = file.substr(0, file.size() - kChecksum);
-  bool sound = number_at(file, sealed.size(), kChecksum) == checksum(sealed);
+  if (file.size() < kHeadSize + kChecksumSize) throw BadInput("is damaged: it is cut off");
+  std::string_view sealed = file.substr(0, file.size() - kChecksumSize);
+  bool sound = number_at(file, sealed.size(), kChecksumSize) == checksum(sealed);
   uint64_t version = number_at(file, kVersionAt, 4);
   if (sound && version != kVersion) {
     throw BadInput(fmt::format("is of version {}; expected {}", version, kVersion));
   }
   uint64_t length = number_at(file, kLengthAt, 8);
-  if (length != sealed.size() - kHead) {
+  if (length != sealed.size() - kHeadSize) {
     throw BadInput(fmt::format("is damaged: it has {} bytes; expected {} by its head",
-                               sealed.size() - kHead, length));
+                               sealed.size() - kHeadSize, length));
   }
   if (!sound) throw BadInput("is damaged: its checksum does not match");
-  return sealed.substr(kHead);
+  return sealed.substr(kHeadSize);
 }
 
 }  // namespace olt::box

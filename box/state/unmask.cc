@@ -27,7 +27,7 @@ bool is_plain(const CborReader::Value &value) {
   return value.kind != Kind::kMap && value.kind != Kind::kList;
 }
 
-std::string text_of(const CborReader::Value &value) {
+std::string text_value(const CborReader::Value &value) {
   if (value.kind == Kind::kBytes) return to_hex(as_bytes(value.data));
   return value.kind == Kind::kText ? std::string(value.data) : std::to_string(value.number);
 }
@@ -58,7 +58,7 @@ Place identity(CborReader element, const Keys &keys) {
       CborReader::Value value = CborReader(element).next();
       auto known = std::find(keys.begin(), keys.end(), key.data);
       if (known != keys.end() && is_plain(value)) {
-        values[static_cast<size_t>(known - keys.begin())] = text_of(value);
+        values[static_cast<size_t>(known - keys.begin())] = text_value(value);
       }
       element.skip();
     }

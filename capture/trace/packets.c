@@ -81,18 +81,18 @@ static uint32_t end_block(uint8_t *start, uint8_t *at) {
   return length;
 }
 
-uint32_t put_section(uint8_t *start, const char *program) {
+uint32_t put_section(uint8_t *at, const char *program) {
   static const uint32_t kSection[6] = {0x0A0D0D0A, 0, 0x1A2B3C4D, 1, UINT32_MAX, UINT32_MAX};
-  uint8_t *at = put_words(start, kSection, 6);
-  return end_block(start, put_option(at, 4, program, strlen(program)));
+  uint8_t *option = put_words(at, kSection, 6);
+  return end_block(at, put_option(option, 4, program, strlen(program)));
 }
 
-uint32_t put_interface(uint8_t *start, const char *name, const char *description) {
+uint32_t put_interface(uint8_t *at, const char *name, const char *description) {
   static const uint32_t kInterface[4] = {1, 0, 252, 0};
-  uint8_t *at = put_words(start, kInterface, 4);
-  at = put_option(at, 2, name, strlen(name));
-  if (description != NULL) at = put_option(at, 3, description, strlen(description));
-  return end_block(start, put_option(at, 9, "\x09", 1));  // nanoseconds
+  uint8_t *option = put_words(at, kInterface, 4);
+  option = put_option(option, 2, name, strlen(name));
+  if (description != NULL) option = put_option(option, 3, description, strlen(description));
+  return end_block(at, put_option(option, 9, "\x09", 1));  // nanoseconds
 }
 
 /// Fills in one packet, except for the first 8 bytes.

@@ -3,7 +3,7 @@
 #include <oltmgmt.h>
 
 enum idle_port_result switch_off_idle_port(uint32_t slot, uint32_t port) {
-  uint32_t link_state;
+  uint32_t link_state = 0;
   if (get_port_link_state(slot, port, &link_state) != 0) return IDLE_PORT_FAILED;
   if (link_state != 0) return IDLE_PORT_IN_USE;
   if (set_port_enable(slot, port, 0) != 0) return IDLE_PORT_FAILED;

@@ -47,6 +47,7 @@ ASSERT_FIELD(olt_switch_debug, debug_value, 24, 2);
 ASSERT_FIELD(olt_switch_debug, reserved_1a, 26, 2);
 
 ASSERT_RECORD(olt_vlan_node, 48, sizeof(void *));
+/* NOLINTNEXTLINE(bugprone-sizeof-expression): a pointer is what is measured */
 ASSERT_FIELD(olt_vlan_node, next, 0, sizeof(void *));
 ASSERT_FIELD(olt_vlan_node, reserved, sizeof(void *), 12 - sizeof(void *));
 ASSERT_FIELD(olt_vlan_node, vlan_first, 12, 2);
@@ -54,6 +55,7 @@ ASSERT_FIELD(olt_vlan_node, vlan_second, 14, 2);
 ASSERT_FIELD(olt_vlan_node, vlan_descr, 16, 32);
 
 ASSERT_RECORD(olt_vlan_list, sizeof(void *) == 8 ? 24 : 20, sizeof(void *));
+/* NOLINTNEXTLINE(bugprone-sizeof-expression): a pointer is what is measured */
 ASSERT_FIELD(olt_vlan_list, head, 0, sizeof(void *));
 ASSERT_FIELD(olt_vlan_list, reserved, sizeof(void *), 16 - sizeof(void *));
 ASSERT_FIELD(olt_vlan_list, count, 16, 4);
