@@ -75,6 +75,12 @@ Numbers parse_numbers(std::string_view text, char separator) {
   return numbers;
 }
 
+/// The field's bytes in hex; nothing when the text is anything else.
+std::optional<Bytes> hex_of(const Field &field, std::string_view text) {
+  std::optional<Bytes> bytes = from_hex(text);
+  return bytes && bytes->size() == field.width ? bytes : std::nullopt;
+}
+
 std::string nothing(const Field & /*field*/) {
   return "";
 }
@@ -129,13 +135,17 @@ Bytes parse_text(const Field &field, std::string_view text) {
   return bytes;
 }
 
-std::string text_of_text(const Field & /*field*/, ByteView bytes) {
+std::string doubled_backslashes(std::string_view text) {
   std::string doubled;
-  for (char character : text_in(bytes)) {
-    doubled += character;
-    if (character == '\\') doubled += '\\';
-  }
-  return printable(doubled);
+  for (char character : text) doubled.append(character == '\\' ? 2 : 1, character);
+  return doubled;
+}
+
+/// A text that would be taken for JSON begins with an escaped quotation mark.
+std::string text_of_text(const Field & /*field*/, ByteView bytes) {
+  std::string text = printable(doubled_backslashes(text_in(bytes)));
+  if (text.starts_with('"') && ordered_json::accept(text)) text.replace(0, 1, "\\x22");
+  return text;
 }
 
 ordered_json json_of_text(const Field & /*field*/, ByteView bytes) {
@@ -250,8 +260,19 @@ std::string example_signed(const Field & /*field*/) {
   return "-1";
 }
 
+/// JSON has an exponent in small numbers.
+std::string without_exponent(const Field &field, std::string_view text) {
+  std::string plain(text);
+  if (text.find('e') == std::string_view::npos) return plain;
+  ordered_json json = ordered_json::parse(text, nullptr, false);
+  if (json.is_number()) plain = fmt::format("{:.{}f}", json.get<double>(), field.decimals);
+  return ordered_json::parse(plain, nullptr, false) == json ? plain : std::string(text);
+}
+
 Bytes parse_signed(const Field &field, std::string_view text) {
-  std::string_view digits = without_unit(field, text);
+  if (text.starts_with("0x")) return bytes_of(parse_number(text, largest(field)), field.width);
+  std::string number_text = without_exponent(field, without_unit(field, text));
+  std::string_view digits = number_text;
   bool is_negative = digits.starts_with('-');
   if (is_negative) digits.remove_prefix(1);
   size_t point = digits.find('.');
@@ -496,6 +517,9 @@ std::string example_vlans(const Field & /*field*/) {
 }
 
 Bytes parse_vlans(const Field &field, std::string_view text) {
+  // Two bytes in hex may be a decimal number.
+  std::optional<Bytes> bytes = hex_of(field, text);
+  if (bytes && field.width > kVlanWidth) return *bytes;
   Numbers ids = parse_ranges(text, UINT16_MAX);
   if (ids.size() > field.width / kVlanWidth) throw BadValue("{} VLAN ids given", ids.size());
   return bytes_of(ids, kVlanWidth, field.width);
@@ -532,7 +556,8 @@ std::string example_mac(const Field & /*field*/) {
   return kExampleMac;
 }
 
-Bytes parse_mac(const Field & /*field*/, std::string_view text) {
+Bytes parse_mac(const Field &field, std::string_view text) {
+  if (std::optional<Bytes> bytes = hex_of(field, text)) return *bytes;
   std::optional<Mac> mac = to_mac(text);
   if (!mac) throw BadValue("'{}' is not a MAC address", printable(text));
   return {mac->begin(), mac->end()};
@@ -561,6 +586,9 @@ std::string example_ipv4(const Field & /*field*/) {
 // Bytes with points between them.
 
 Bytes parse_dotted(const Field &field, std::string_view text) {
+  // A byte in hex may be a decimal number.
+  std::optional<Bytes> bytes = hex_of(field, text);
+  if (bytes && field.width > 1) return *bytes;
   Numbers numbers;
   for (const Item &item : split_items(text, '.')) {
     numbers.push_back(parse_number(item.text, UINT8_MAX));
@@ -601,8 +629,13 @@ std::string example_interface(const Field & /*field*/) {
   return "1/2";
 }
 
+/// "1/2", or the plain numbers "1,2".
+Numbers parse_words(std::string_view text) {
+  return parse_numbers(text, text.find('/') == std::string_view::npos ? ',' : '/');
+}
+
 Bytes parse_interface(const Field &field, std::string_view text) {
-  Numbers numbers = parse_numbers(text, '/');
+  Numbers numbers = parse_words(text);
   if (numbers.size() != field.width / kWord) throw BadValue("'{}' given", printable(text));
   return bytes_of(numbers, kWord, field.width);
 }
@@ -629,7 +662,7 @@ std::string example_ont(const Field & /*field*/) {
 
 Bytes parse_ont(const Field &field, std::string_view text) {
   size_t colon = text.find(':');
-  Numbers target = parse_numbers(text.substr(0, colon), '/');
+  Numbers target = parse_words(text.substr(0, colon));
   if (target.size() != kNameWords) throw BadValue("'{}' given", printable(text));
   if (has_port(field)) target.push_back(box::kThisRow);
   if (colon != std::string_view::npos) {
@@ -662,37 +695,64 @@ std::string described_records(const Field & /*field*/) {
   return "records";
 }
 
+const Field &inner_field(const Field &field, std::string_view name) {
+  for (const Field &inner : field.record) {
+    if (inner.name == name) return inner;
+  }
+  throw BadValue("there is no field '{}'", printable(name));
+}
+
 Bytes parse_record(const Field &field, std::string_view text) {
   Bytes record(field.record_size);
   for (const std::string &word : split_words(text)) {
     size_t equals = word.find('=');
-    const auto *inner = std::find_if(
-        field.record.data(), field.record.data() + field.record.size(),
-        [&](const Field &one) { return one.name == std::string_view(word).substr(0, equals); });
-    if (equals == std::string::npos || inner == field.record.data() + field.record.size()) {
-      throw BadValue("there is no field '{}'", printable(word.substr(0, equals)));
-    }
-    Bytes bytes = parse_field(*inner, std::string_view(word).substr(equals + 1));
-    std::copy(bytes.begin(), bytes.end(), record.data() + inner->offset);
+    // The word may be a part of a password and is not shown.
+    if (equals == std::string::npos) throw BadValue("a word is not FIELD=VALUE");
+    const Field &inner = inner_field(field, std::string_view(word).substr(0, equals));
+    Bytes bytes = parse_field(inner, std::string_view(word).substr(equals + 1));
+    std::copy(bytes.begin(), bytes.end(), record.data() + inner.offset);
   }
   return record;
+}
+
+/// Where a record's text ends: at the brace that is not within quotation marks.
+size_t end_of_record(std::string_view text) {
+  char quote = '\0';
+  for (size_t at = 0; at < text.size(); ++at) {
+    char character = text[at];
+    if (character == '\\' && quote != '\'') {
+      ++at;
+    } else if (quote != '\0') {
+      if (character == quote) quote = '\0';
+    } else if (character == '}') {
+      return at;
+    } else if (character == '\'' || character == '"') {
+      quote = character;
+    }
+  }
+  return std::string_view::npos;
+}
+
+/// As many bytes as the field is wide; those that are not given are zeros.
+Bytes filled(const Field &field, Bytes records) {
+  if (field.width == Field::kToTheEnd) return records;
+  if (records.size() > field.width) throw BadValue("{} given", counted(records.size(), "byte"));
+  records.resize(field.width);
+  return records;
 }
 
 Bytes parse_records(const Field &field, std::string_view text) {
   Bytes records;
   for (std::string_view rest = text == "none" ? "" : text; !rest.empty();) {
     bool is_record = rest.starts_with('{');
-    size_t end = std::min(rest.find(is_record ? '}' : ' '), rest.size());
-    if (is_record && end == rest.size()) throw BadValue("'{}' given", printable(rest));
+    size_t end = is_record ? end_of_record(rest) : std::min(rest.find(' '), rest.size());
+    if (end == std::string_view::npos) throw BadValue("'{}' given", printable(rest));
     Bytes bytes =
         is_record ? parse_record(field, rest.substr(1, end - 1)) : parse_hex(rest.substr(0, end));
     records.insert(records.end(), bytes.begin(), bytes.end());
     rest.remove_prefix(std::min(end + (is_record ? 2 : 1), rest.size()));
   }
-  if (field.width == Field::kToTheEnd) return records;
-  if (records.size() > field.width) throw BadValue("{} given", counted(records.size(), "byte"));
-  records.resize(field.width);
-  return records;
+  return filled(field, std::move(records));
 }
 
 /// @return the bytes after the last whole record
@@ -741,11 +801,11 @@ ordered_json json_of_records(const Field &field, ByteView bytes) {
 // Bytes.
 
 std::string expected_bytes(const Field &field) {
-  return fmt::format("{} bytes as HEX", field.width);
+  return counted(field.width, "byte") + " as HEX";
 }
 
 std::string described_bytes(const Field &field) {
-  return fmt::format("{} bytes", field.width);
+  return counted(field.width, "byte");
 }
 
 std::string example_bytes(const Field &field) {
@@ -820,45 +880,44 @@ constexpr bool is_in_order() {
 }
 static_assert(is_in_order());
 
-// JSON as the text that has the same meaning.
-
-std::string list_text(const ordered_json &list);
-
-std::string object_text(const ordered_json &object) {
-  std::vector<std::string> words;
-  for (const auto &[name, value] : object.items()) {
-    words.push_back(
-        fmt::format("{}={}", name, value.is_array() ? list_text(value) : text_of_json(value)));
-  }
-  return fmt::format("{{{}}}", join_words(words));
-}
-
-std::string list_text(const ordered_json &list) {
-  std::vector<std::string> items;
-  bool is_of_objects = false;
-  for (const ordered_json &item : list) {
-    is_of_objects = is_of_objects || item.is_object();
-    items.push_back(item.is_object() ? object_text(item) : text_of_json(item));
-  }
-  return items.empty() ? "none" : fmt::format("{}", fmt::join(items, is_of_objects ? " " : ","));
-}
-
-/// The text in JSON that is a text or a list; nothing when it is anything else.
-std::optional<std::string> text_in_json(std::string_view text) {
-  if (!text.starts_with('"') && !text.starts_with('[')) return std::nullopt;
-  ordered_json json = ordered_json::parse(text, nullptr, false);
-  if (json.is_discarded()) return std::nullopt;
-  return json.is_array() ? list_text(json) : json.get<std::string>();
-}
+// JSON.
 
 bool is_text(FieldKind kind) {
   return kind == FieldKind::kText || kind == FieldKind::kPadded || kind == FieldKind::kListing;
 }
 
-std::string doubled_backslashes(std::string_view text) {
-  std::string doubled;
-  for (char character : text) doubled.append(character == '\\' ? 2 : 1, character);
-  return doubled;
+/// The text that has the same meaning as a list of numbers and names.
+std::string list_text(const ordered_json &list) {
+  std::vector<std::string> items;
+  for (const ordered_json &item : list) items.push_back(text_of_json(item));
+  return items.empty() ? "none" : fmt::format("{}", fmt::join(items, ","));
+}
+
+Bytes record_of_json(const Field &field, const ordered_json &object) {
+  Bytes record(field.record_size);
+  for (const auto &[name, value] : object.items()) {
+    const Field &inner = inner_field(field, name);
+    Bytes bytes = parse_json(inner, value);
+    std::copy(bytes.begin(), bytes.end(), record.data() + inner.offset);
+  }
+  return record;
+}
+
+Bytes records_of_json(const Field &field, const ordered_json &list) {
+  Bytes records;
+  for (const ordered_json &item : list) {
+    Bytes bytes = item.is_object() ? record_of_json(field, item) : parse_hex(text_of_json(item));
+    records.insert(records.end(), bytes.begin(), bytes.end());
+  }
+  return filled(field, std::move(records));
+}
+
+/// A list or a text in JSON; nothing when the text is anything else. Texts are no lists.
+std::optional<ordered_json> json_in(const Field &field, std::string_view text) {
+  bool may_be = text.starts_with('"') || (text.starts_with('[') && !is_text(field.kind));
+  if (!may_be) return std::nullopt;
+  ordered_json json = ordered_json::parse(text, nullptr, false);
+  return json.is_discarded() ? std::nullopt : std::optional(std::move(json));
 }
 
 }  // namespace
@@ -872,9 +931,14 @@ const FieldForm &form_of(FieldKind kind) {
 }
 
 Bytes parse_field(const Field &field, std::string_view text) {
-  std::optional<std::string> json = text_in_json(text);
-  if (!json) return form_of(field.kind).parse(field, text);
-  return form_of(field.kind).parse(field, is_text(field.kind) ? doubled_backslashes(*json) : *json);
+  std::optional<ordered_json> json = json_in(field, text);
+  return json ? parse_json(field, *json) : form_of(field.kind).parse(field, text);
+}
+
+Bytes parse_json(const Field &field, const ordered_json &json) {
+  if (field.kind == FieldKind::kRecords && json.is_array()) return records_of_json(field, json);
+  std::string text = json.is_array() ? list_text(json) : text_of_json(json);
+  return form_of(field.kind).parse(field, is_text(field.kind) ? doubled_backslashes(text) : text);
 }
 
 Field without_meaning(Field field) {

@@ -53,6 +53,9 @@ const FieldForm &form_of(catalog::FieldKind kind);
 /// The bytes of a field from its text or its JSON form. Throws BadValue.
 Bytes parse_field(const catalog::Field &field, std::string_view text);
 
+/// The bytes of a field from its JSON form. Throws BadValue.
+Bytes parse_json(const catalog::Field &field, const nlohmann::ordered_json &json);
+
 /// The field as a plain number, or as bytes in hex.
 catalog::Field without_meaning(catalog::Field field);
 

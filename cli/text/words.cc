@@ -61,7 +61,7 @@ class Splitter {
 
 std::string quote(const std::string &word) {
   bool is_simple =
-      !word.empty() && word[0] != '#' && word.find_first_of(" \t\r'\"\\") == std::string::npos;
+      !word.empty() && word[0] != '#' && word.find_first_of(" \t\r'\"\\}") == std::string::npos;
   if (is_simple) return word;
   std::string quoted = "'";
   for (char character : word) {

@@ -56,12 +56,29 @@ TEST(FieldForms, SayWhatIsWrong) {
   EXPECT_EQ(error_of(field(FieldKind::kNumber, 4), "-1"), "'-1' given");
   EXPECT_EQ(error_of(field(FieldKind::kNumber, 2), "65536"), "'65536' is too large");
   EXPECT_EQ(error_of(field(FieldKind::kNumbers, 4), "1,2"), "2 numbers given");
-  EXPECT_EQ(error_of(field(FieldKind::kMac, 6), "020000000001"),
-            "'020000000001' is not a MAC address");
+  EXPECT_EQ(error_of(field(FieldKind::kMac, 6), "0200000001"),
+            "'0200000001' is not a MAC address");
   EXPECT_EQ(error_of(field(FieldKind::kOnt, 12), "1/2/3:4"), "a UNI port is not taken here");
   EXPECT_EQ(error_of(field(FieldKind::kOnt, 88), "1/2"), "'1/2' given");
   EXPECT_EQ(error_of(field(FieldKind::kBytes, 2), "0a"), "1 byte given");
   EXPECT_EQ(error_of(field(FieldKind::kBytes, 1), "x"), "'x' is not pairs of hex digits");
+}
+
+TEST(FieldForms, HexAndPlainNumbersAreTaken) {
+  EXPECT_EQ(hex(field(FieldKind::kMac, 6), "02000000000A"), "02000000000a");
+  EXPECT_EQ(hex(field(FieldKind::kMac, 6), "02 00 00 00 00 0a"), "02000000000a");
+  EXPECT_EQ(hex(field(FieldKind::kIpv4, 4), "c0000201"), "c0000201");
+  EXPECT_EQ(hex(field(FieldKind::kIpv4, 4), "10 00 00 01"), "10000001");
+  EXPECT_EQ(hex(field(FieldKind::kVersion, 3), "01 02 0a"), "01020a");
+  EXPECT_EQ(hex(field(FieldKind::kVersion, 1), "12"), "0c");
+  EXPECT_EQ(hex(field(FieldKind::kVlans, 4), "0a00 1400"), "0a001400");
+  EXPECT_EQ(hex(field(FieldKind::kVlans, 2), "1000"), "e803");
+  EXPECT_EQ(hex(field(FieldKind::kInterface, 8), "1,2"), "0100000002000000");
+  EXPECT_EQ(hex(field(FieldKind::kOnt, 12), "1,2,3"), "010000000200000003000000");
+  EXPECT_EQ(hex(field(FieldKind::kSigned, 2), "0xfb2e"), "2efb");
+  EXPECT_EQ(error_of(field(FieldKind::kSigned, 1), "0x100"), "'0x100' given");
+  EXPECT_EQ(error_of(field(FieldKind::kIpv4, 4), "c00002"), "'c00002' given");
+  EXPECT_EQ(error_of(field(FieldKind::kPadded, 4), "61626364"), "8 bytes given");
 }
 
 Bytes bytes(const std::string &hex) {
@@ -171,6 +188,9 @@ TEST(FieldForms, TextsKeepWhatIsNotPrintable) {
   EXPECT_EQ(hex(name, "\\x1b\\xff\\\\a"), "1bff5c6100000000");
   EXPECT_EQ(hex(name, "a\\b"), "615c620000000000");
   EXPECT_EQ(hex(name, R"("a\\b\n")"), "615c620a00000000");
+  EXPECT_EQ(hex(name, "[1,2]"), "5b312c325d000000");
+  EXPECT_EQ(text(name, "2261622200000000"), R"(\x22ab")");
+  EXPECT_EQ(text(name, "2261620000000000"), R"("ab)");
 }
 
 constexpr Field kInner[] = {
@@ -203,12 +223,48 @@ TEST(FieldForms, RecordsFollowEachOther) {
   EXPECT_EQ(error_of(parts, "{colour=5} {colour=5} {colour=5}"), "18 bytes given");
 }
 
-/// Bytes that the field can have: any, but after the zero of a text only zeros.
+constexpr Field kTitled[] = {
+    {.name = "title", .offset = 0, .width = 8, .kind = FieldKind::kPadded},
+    {.name = "size", .offset = 8, .width = 1, .kind = FieldKind::kNumber},
+};
+
+TEST(FieldForms, TextsInRecordsMayHoldAnyCharacter) {
+  Field parts = field(FieldKind::kRecords, Field::kToTheEnd);
+  parts.record = kTitled;
+  parts.record_size = 9;
+  EXPECT_EQ(text(parts, "617d206227220000"
+                        "07"),
+            R"({'title=a} b'\''"' size=7})");
+  EXPECT_EQ(hex(parts, R"({title='a} b'\''"' size=7})"), "617d20622722000007");
+  EXPECT_EQ(hex(parts, R"({title="a}" size=7} {size=8})"), "617d00000000000007000000000000000008");
+  EXPECT_EQ(hex(parts, R"([{"title":"\\x41}","size":7}])"), "5c7834317d00000007");
+  EXPECT_EQ(hex(parts, R"([{"title":"[1]"}])"), "5b315d000000000000");
+  EXPECT_EQ(error_of(parts, "{title='a}"), "'{title='a}' given");
+  EXPECT_EQ(error_of(parts, "{title}"), "a word is not FIELD=VALUE");
+  EXPECT_EQ(error_of(parts, R"([{"colour":"red"}])"), "there is no field 'colour'");
+}
+
+TEST(FieldForms, JsonMayHaveAnExponent) {
+  Field power = field(FieldKind::kSigned, 4);
+  power.decimals = 9;
+  EXPECT_EQ(json(power, "ffffffff"), "-1e-09");
+  EXPECT_EQ(hex(power, "-1e-09"), "ffffffff");
+  EXPECT_EQ(error_of(power, "1e-10"), "'1e-10' given");
+}
+
+/// Bytes that the field can have: any, but after the zero of a text only zeros. Half of them have
+/// a meaning in some text form.
 Bytes some_bytes(const Field &field, std::minstd_rand &random) {
   size_t width =
       field.width == Field::kToTheEnd ? std::max<size_t>(field.record_size * 3, 5) : field.width;
   Bytes bytes(width);
-  for (uint8_t &byte : bytes) byte = static_cast<uint8_t>(random() >> 8);
+  constexpr std::string_view kSpecial = R"({}[]"'\ =#,x01-)";
+  bool is_special = random() % 2 == 0;
+  for (uint8_t &byte : bytes) {
+    size_t any = random() >> 8;
+    byte = static_cast<uint8_t>(any);
+    if (is_special) byte = static_cast<uint8_t>(kSpecial[any % kSpecial.size()]);
+  }
   bool is_text = field.kind == FieldKind::kText || field.kind == FieldKind::kPadded ||
                  field.kind == FieldKind::kListing;
   if (is_text) std::fill(std::find(bytes.begin(), bytes.end(), 0), bytes.end(), 0);
@@ -217,7 +273,20 @@ Bytes some_bytes(const Field &field, std::minstd_rand &random) {
     uint32_t value = field.values[random() % field.values.size()].value;
     memcpy(bytes.data(), &value, width);
   }
-  if (field.kind == FieldKind::kNumber && field.max < UINT32_MAX) bytes.assign(width, 0);
+  if (field.kind == FieldKind::kNumber && field.max < UINT32_MAX) {
+    uint32_t number = static_cast<uint32_t>(random()) % (field.max + 1);
+    memcpy(bytes.data(), &number, width);
+  }
+  // A text within a record ends like any other.
+  for (size_t record = 0; record + field.record_size <= width && !field.record.empty();
+       record += field.record_size) {
+    for (const Field &inner : field.record) {
+      if (inner.kind != FieldKind::kPadded) continue;
+      auto begin = bytes.begin() + static_cast<ptrdiff_t>(record + inner.offset);
+      auto end = begin + static_cast<ptrdiff_t>(inner.width);
+      std::fill(std::find(begin, end, 0), end, 0);
+    }
+  }
   return bytes;
 }
 
@@ -259,6 +328,44 @@ TEST(FieldForms, WhatIsShownCanBeGivenBack) {
     }
   }
   EXPECT_GT(fields, 1000U);
+}
+
+/// Of the forms that only layouts of one's own have.
+TEST(FieldForms, WhatIsShownOfEachKindCanBeGivenBack) {
+  std::minstd_rand random(20'261'122);
+  auto each = [&random](FieldKind kind, std::initializer_list<uint32_t> widths) {
+    for (uint32_t width : widths) expect_back(field(kind, width), random);
+  };
+  each(FieldKind::kText, {1, 2, 12});
+  each(FieldKind::kPadded, {1, 2, 3, 12});
+  each(FieldKind::kNumber, {1, 2, 4});
+  each(FieldKind::kDuration, {1, 2, 4});
+  each(FieldKind::kPorts, {1, 2, 4});
+  each(FieldKind::kNumbers, {4, 8, 40});
+  each(FieldKind::kVlans, {2, 4, 10});
+  each(FieldKind::kMac, {6});
+  each(FieldKind::kIpv4, {4});
+  each(FieldKind::kInterface, {8});
+  each(FieldKind::kOnt, {12});
+  each(FieldKind::kVersion, {1, 2, 4, 7});
+  each(FieldKind::kBytes, {1, 2, 40});
+  for (uint32_t width : {1U, 2U, 4U}) {
+    Field flags = field(FieldKind::kFlags, width);
+    flags.values = kBits;
+    expect_back(flags, random);
+    for (uint8_t decimals = 0; decimals <= 9; ++decimals) {
+      Field number = field(FieldKind::kSigned, width);
+      number.decimals = decimals;
+      number.unit = "dBm";
+      expect_back(number, random);
+    }
+  }
+  for (std::span<const Field> inner : {std::span<const Field>(kInner), {kTitled}}) {
+    Field records = field(FieldKind::kRecords, Field::kToTheEnd);
+    records.record = inner;
+    records.record_size = inner.back().offset + inner.back().width;
+    for (int i = 0; i < 20; ++i) expect_back(records, random);
+  }
 }
 
 TEST(FieldForms, ADumpCanBeGivenBack) {
