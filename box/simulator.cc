@@ -66,6 +66,10 @@ Topology choose_topology(const Options &options, const StateDirectory &state) {
   return given;
 }
 
+bool fits(Lengths lengths, std::span<const uint8_t> request) {
+  return request.size() >= lengths.min && request.size() <= lengths.max;
+}
+
 Answer status_only(Status status) {
   Answer answer;
   answer.status = static_cast<uint16_t>(status);
@@ -225,9 +229,7 @@ Answer Simulator::answer_module(uint32_t module, uint32_t type, std::span<const 
 }
 
 Status Simulator::serve(const Message &message, std::span<const uint8_t> request, Reply &reply) {
-  if (request.size() < message.request.min || request.size() > message.request.max) {
-    return Status::kBadLength;
-  }
+  if (!fits(message.request, request)) return Status::kBadLength;
   try {
     return message.handler(Request(request), reply);
   } catch (const BadLength &) {
@@ -260,9 +262,14 @@ void Simulator::count(uint32_t module, uint32_t type, const Answer &answer, cons
 
 void Simulator::trace(Exchange exchange, const Answer &answer) const {
   auto message = messages_.find({exchange.module, exchange.type});
-  if (message != messages_.end()) exchange.name = message->second.name;
+  bool is_known = message != messages_.end();
+  if (is_known) exchange.name = message->second.name;
   auto secret = secrets_.find(exchange.type);
   if (secret != secrets_.end()) exchange.secret = secret->second;
+  bool has_secret = exchange.secret.request.end > 0;
+  // A request of another form may have its secret anywhere.
+  if (has_secret && !(is_known && fits(message->second.request, exchange.request)))
+    exchange.secret.request = kAllBytes;
   options_.trace(trace_line(exchange, answer));
 }
 

@@ -181,7 +181,9 @@ class PonAuthentication final : public Family {
       if (!state_.has_interface(head.slot, head.interface)) return Status::kNotFound;
       return act(head.interface, entries);
     };
-    return {kMainModule, type, name, lengths, handler, {.request = from_byte(kHead)}};
+    // From the first password of entries that lack the interface: their sender may have left it out.
+    constexpr ByteRange kSecret = from_byte(offsetof(AuthEntry, password));
+    return {kMainModule, type, name, lengths, handler, {.request = kSecret}};
   }
 
   Message list_message(uint32_t type, std::string_view name, AuthMode mode,

@@ -7,7 +7,6 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <sstream>
@@ -72,17 +71,20 @@ std::string read_all(int fd, const std::string &name) {
   struct stat found {};
   if (fstat(fd, &found) != 0) fail(name);
   if (!S_ISREG(found.st_mode)) throw StorageFailure(name + ": is no regular file; expected one");
+  auto refuse_beyond = [&name](uint64_t length) {
+    if (length <= kMaxFile) return;
+    throw StorageFailure(name + ": is too large; expected at most 1 GiB");
+  };
+  refuse_beyond(static_cast<uint64_t>(found.st_size));
   std::string content;
-  content.reserve(std::min(static_cast<size_t>(found.st_size), kMaxFile));
+  content.reserve(static_cast<size_t>(found.st_size));
   char part[64 * 1024];
   for (;;) {
     ssize_t count = read(fd, part, sizeof part);
     if (count == 0) return content;
     if (count < 0 && errno != EINTR) fail(name);
     if (count > 0) content.append(part, static_cast<size_t>(count));
-    if (content.size() > kMaxFile) {
-      throw StorageFailure(name + ": is too large; expected at most 1 GiB");
-    }
+    refuse_beyond(content.size());
   }
 }
 

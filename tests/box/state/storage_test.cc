@@ -316,6 +316,23 @@ TEST(Storage, OnlyRegularFilesAreRead) {
   EXPECT_EQ(complaint(box), file.string() + ": is no regular file; expected one");
 }
 
+long peak_kilobytes() {
+  rusage used = {};
+  getrusage(RUSAGE_SELF, &used);
+  return used.ru_maxrss;
+}
+
+TEST(Storage, AFileThatIsTooLargeIsNotRead) {
+  TestBox box;
+  box.status(kSaveConfig);
+  box.end();
+  std::filesystem::path file = box.options.state_dir / "saved.state";
+  std::filesystem::resize_file(file, 1 + (size_t{1} << 30));
+  long before = peak_kilobytes();
+  EXPECT_EQ(complaint(box), file.string() + ": is too large; expected at most 1 GiB");
+  EXPECT_LT(peak_kilobytes() - before, 64 * 1024);
+}
+
 /// What is said of a saved configuration in which the text was replaced.
 std::string complaint_about(const std::string &from, const std::string &to) {
   TestBox box;
