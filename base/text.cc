@@ -220,8 +220,9 @@ std::optional<std::string> utf8_to_bytes(std::string_view text) {
 }
 
 std::string counted(size_t count, std::string_view noun) {
-  std::string_view ending = noun.ends_with('s') ? "es" : "s";
-  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : ending);
+  if (count == 1) return fmt::format("1 {}", noun);
+  if (noun.ends_with('y')) return fmt::format("{} {}ies", count, noun.substr(0, noun.size() - 1));
+  return fmt::format("{} {}{}", count, noun, noun.ends_with('s') ? "es" : "s");
 }
 
 }  // namespace olt

@@ -28,6 +28,7 @@ namespace {
 
 constexpr size_t kMaxWritten = 1024;
 constexpr size_t kMaxListing = 4 << 20;
+constexpr size_t kMaxTotal = 64 << 20;
 
 template <typename... Args>
 [[noreturn]] void fail(fmt::format_string<Args...> line, Args &&...args) {
@@ -70,7 +71,7 @@ ListingFiles::ListingFiles(const std::filesystem::path &kept, const std::filesys
 }
 
 ListingFiles::~ListingFiles() {
-  for (const std::string &name : written_) unlink((run_dir_ / name).c_str());
+  for (const Written &file : written_) unlink((run_dir_ / file.name).c_str());
 }
 
 void ListingFiles::provide(const Packet &request, Packet &answer) {
@@ -100,22 +101,32 @@ void ListingFiles::provide(const Packet &request, Packet &answer) {
 /// Files of others are left alone.
 void ListingFiles::write(const std::string &name, const std::string &content) {
   std::string path = run_dir_ / name;
-  auto old = std::find(written_.begin(), written_.end(), name);
-  if (old == written_.end() && written_.size() == kMaxWritten) old = written_.begin();
-  if (old != written_.end()) {
-    unlink((run_dir_ / *old).c_str());
-    written_.erase(old);
-  }
+  auto old = std::find_if(written_.begin(), written_.end(),
+                          [&name](const Written &file) { return file.name == name; });
+  if (old != written_.end()) remove(old);
+  while (written_.size() == kMaxWritten || (total_ > 0 && total_ + content.size() > kMaxTotal))
+    remove(written_.begin());
   Descriptor file(
       open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
   if (!file.is_open()) fail("{}: cannot be created: {}", printable(path), std::strerror(errno));
-  written_.push_back(name);
-  ssize_t count = ::write(file.get(), content.data(), content.size());
-  bool is_whole = count >= 0 && static_cast<size_t>(count) == content.size();
+  errno = ENOSPC;  // when only a part is written
+  bool is_whole =
+      ::write(file.get(), content.data(), content.size()) == static_cast<ssize_t>(content.size());
   bool is_shared = !group_ || (fchown(file.get(), static_cast<uid_t>(-1), *group_) == 0 &&
                                fchmod(file.get(), S_IRUSR | S_IWUSR | S_IRGRP) == 0);
-  if (!is_whole || !is_shared)
-    fail("{}: cannot be written: {}", printable(path), std::strerror(errno));
+  if (!is_whole || !is_shared) {
+    int error = errno;
+    unlink(path.c_str());
+    fail("{}: cannot be written: {}", printable(path), std::strerror(error));
+  }
+  written_.push_back({name, content.size()});
+  total_ += content.size();
+}
+
+void ListingFiles::remove(std::deque<Written>::iterator file) {
+  unlink((run_dir_ / file->name).c_str());
+  total_ -= file->length;
+  written_.erase(file);
 }
 
 }  // namespace olt::replay

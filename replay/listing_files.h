@@ -16,8 +16,8 @@
 
 namespace olt::replay {
 
-/// Puts the kept listings of exchanges into the run directory, the newest 1024 of them, and removes
-/// them at the end.
+/// Puts the kept listings of exchanges into the run directory, the newest 1024 of them and 64 MiB
+/// in all, and removes them at the end.
 class ListingFiles {
  public:
   /// what() is one line.
@@ -38,13 +38,21 @@ class ListingFiles {
   void provide(const capture::Packet &request, capture::Packet &answer);
 
  private:
+  /// A file in the run directory.
+  struct Written {
+    std::string name;
+    size_t length;
+  };
+
   void write(const std::string &name, const std::string &content);
+  void remove(std::deque<Written>::iterator file);
 
   const std::filesystem::path kept_;
   const std::filesystem::path run_dir_;  ///< absolute
   const std::optional<gid_t> group_;
   const catalog::Layout &layout_;
-  std::deque<std::string> written_;  ///< names in the run directory, the oldest first
+  std::deque<Written> written_;  ///< the oldest first
+  size_t total_ = 0;             ///< of their lengths
 };
 
 }  // namespace olt::replay

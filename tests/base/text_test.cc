@@ -85,6 +85,7 @@ TEST(Text, CountsNouns) {
   EXPECT_EQ(counted(1, "VLAN"), "1 VLAN");
   EXPECT_EQ(counted(1, "address"), "1 address");
   EXPECT_EQ(counted(2, "address"), "2 addresses");
+  EXPECT_EQ(counted(2, "reply"), "2 replies");
 }
 
 }  // namespace

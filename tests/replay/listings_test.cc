@@ -131,6 +131,34 @@ TEST_F(ReplayedListings, TheNewest1024AreKept) {
   EXPECT_TRUE(std::filesystem::exists(in_run_dir("vlan-1025")));
 }
 
+TEST_F(ReplayedListings, TheNewest64MiBAreKept) {
+  std::vector<RecordedExchange> recorded;
+  for (uint32_t i = 1; i <= 17; ++i) {
+    recorded.push_back(listing("vlan-" + std::to_string(i), i));
+    keep(i, std::string(4 << 20, 'x'));
+  }
+  serve_with_files(recorded);
+  for (uint32_t i = 1; i <= 17; ++i) ask(23, Bytes(80));
+  EXPECT_FALSE(std::filesystem::exists(in_run_dir("vlan-1")));
+  for (uint32_t i = 2; i <= 17; ++i)
+    EXPECT_TRUE(std::filesystem::exists(in_run_dir("vlan-" + std::to_string(i)))) << i;
+}
+
+TEST_F(ReplayedListings, ThatDoNotFitLeaveNothing) {
+  keep(7, std::string(2000, 'x'));
+  Folder captures;
+  std::string capture =
+      captures.write("c", capture_of(std::vector<RecordedExchange>{listing("vlan-1")}));
+  std::string limited =
+      captures.write("limited", "#!/bin/bash\nulimit -f 1\nexec " OLTREPLAY " \"$@\"\n");
+  ASSERT_EQ(chmod(limited.c_str(), 0700), 0);
+  box_.start_program(limited, {"--files", kept_.path(), capture});
+  EXPECT_EQ(ask(23, Bytes(80)), status(kNoListing));
+  EXPECT_EQ(errors(), "oltreplay: " + in_run_dir("vlan-1") +
+                          ": cannot be written: No space left on device\n");
+  EXPECT_FALSE(std::filesystem::exists(in_run_dir("vlan-1")));
+}
+
 }  // namespace
 
 }  // namespace olt::test
