@@ -77,6 +77,7 @@ void mask_block(std::span<uint8_t> block, std::span<const catalog::WireSecret> s
   };
   if (block.size() < kRecord || word_at(0) != kPacketBlock) return;
   size_t captured = word_at(20) + size_t{28};  // to the end of the record
+  if (captured < kRecord || captured > block.size()) return;
   std::span<uint8_t> record = block.subspan(kRecord, captured - kRecord);
   uint32_t type = word_at(kMessageType);
   for (const catalog::WireSecret &secret : secrets) {

@@ -17,7 +17,7 @@ static const uint16_t kToTheEnd = UINT16_MAX;
 
 /// The box's own controls, and what in them begins a piece of a configuration.
 static const uint32_t kControlModule = 1000;
-static const char kPiece[] = "\"piece\":\"";
+static const char kPiece[] = "\"piece\"";
 
 struct range {
   uint32_t begin, end;
@@ -39,7 +39,10 @@ static struct range next_of(const struct secret *row, uint32_t at, uint32_t leng
 /// Where a record of the control module holds a piece; its length when it does not.
 static uint32_t piece_in(const uint8_t *record, uint32_t length) {
   const uint8_t *piece = memmem(record, length, kPiece, sizeof kPiece - 1);
-  return piece == NULL ? length : (uint32_t)(piece - record) + (uint32_t)sizeof kPiece - 1;
+  if (piece == NULL) return length;
+  uint32_t at = (uint32_t)(piece - record) + (uint32_t)sizeof kPiece - 1;
+  while (at < length && record[at] != '"') at++;
+  return at < length ? at + 1 : length;
 }
 
 bool copy_masked(uint8_t *to, const uint8_t *record, uint32_t length, uint32_t module,

@@ -224,15 +224,18 @@ TEST(CaptureWriter, MasksConfigurationsOfTheControlModule) {
   Writer writer("oltbox", false);
   Bytes file;
   writer.begin(file);
-  std::string command = R"({"command":"config_import","offset":0,"piece":"PLANT"})";
-  WrittenExchange control = exchange(1, 1);
-  control.module = 1000;
-  control.message_type = 1;
-  control.request = command.data();
-  control.request_length = static_cast<uint32_t>(command.size());
-  writer.add(control, "oltctl", file);
+  for (std::string_view command :
+       {R"({"command":"config_import","offset":0,"piece":"PLANT"})",
+        R"({"command": "config_import", "offset": 0, "piece" : "PLANT"})"}) {
+    WrittenExchange control = exchange(1, 1);
+    control.module = 1000;
+    control.message_type = 1;
+    control.request = command.data();
+    control.request_length = static_cast<uint32_t>(command.size());
+    writer.add(control, "oltctl", file);
+  }
   EXPECT_EQ(0U, count_of(kPlanted, characters(file)));
-  EXPECT_EQ(1U, count_of("config_import", characters(file)));
+  EXPECT_EQ(2U, count_of("config_import", characters(file)));
 }
 
 /// Secrets that a layout names, in bytes that the writer did not mask.
@@ -253,6 +256,21 @@ TEST(CaptureWriter, MasksMoreInABlock) {
   EXPECT_EQ(expected, file);
   capture::mask_block(std::span(file).subspan(answer - 120, 120), secrets);
   EXPECT_EQ(expected, file) << "a request without a record";
+}
+
+TEST(CaptureWriter, MasksNothingBeyondABlock) {
+  Writer writer("oltbox", false);
+  Bytes file;
+  writer.begin(file);
+  writer.add(exchange(1, 1), "one", file);
+  const catalog::WireSecret secrets[] = {{12, 0, 1, 2}};
+  for (uint8_t byte : {uint8_t{0}, uint8_t{0xFF}}) {
+    Bytes damaged(file.begin() + static_cast<ptrdiff_t>(file.size() - 128), file.end());
+    std::fill_n(damaged.begin() + 20, 4, byte);
+    Bytes before = damaged;
+    capture::mask_block(damaged, secrets);
+    EXPECT_EQ(before, damaged);
+  }
 }
 
 }  // namespace
