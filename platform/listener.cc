@@ -123,6 +123,11 @@ Listener::Listener(asio::io_context &loop, const std::string &run_dir, uint32_t 
       statistics_(statistics),
       accept_(std::move(accept)),
       name_("module " + std::to_string(module)) {
+  if (!has_descriptor_for_client(socket_.native_handle())) {
+    throw Failure(name_ +
+                  ": the limit on open files leaves none for clients; expected a higher one "
+                  "(ulimit -n)");
+  }
   ensure_waiting();
 }
 

@@ -38,7 +38,7 @@ Session::Session(asio::io_context &loop, Descriptor socket, const Service &servi
       process_(process_of_peer(socket_.native_handle())),
       statistics_(statistics),
       stall_limit_(stall_limit),
-      budget_share_(budget),
+      budget_share_(budget, [this] { give_way(); }),
       buffer_(kFirstBuffer),
       watch_(watch),
       connection_(connection) {
@@ -73,6 +73,7 @@ void Session::serve() {
     if (make_room(frame_size)) await_bytes();
     return;
   }
+  budget_share_.end_waiting();
   begin_watched(*header);
   bool goes_on = answer(*header);
   if (!watched_) consume(frame_size);
@@ -87,7 +88,10 @@ void Session::continue_serving() {
 }
 
 void Session::await_bytes() {
-  if (filled_ > 0) after(stall_limit_, &Session::stalled);
+  if (filled_ > 0) {
+    after(stall_limit_, &Session::stalled);
+    budget_share_.begin_waiting();
+  }
   socket_.async_receive(asio::buffer(&buffer_[filled_], buffer_.size() - filled_),
                         [self = shared_from_this()](const std::error_code &error, size_t count) {
                           if (!self->socket_.is_open()) return;
@@ -103,13 +107,18 @@ bool Session::make_room(size_t frame_size) {
   if (filled_ < buffer_.size()) return true;
   size_t size = std::min(frame_size, 2 * buffer_.size());
   if (!budget_share_.reserve(size - buffer_.size())) {
-    drop(&olt_server_counters::over_limit_clients,
-         "sent a request for which the limit on pending requests leaves no memory; dropped");
+    drop_over_limit();
     return false;
   }
   buffer_.reserve(size);
   buffer_.resize(size);
   return true;
+}
+
+void Session::give_way() {
+  drop_over_limit();
+  buffer_ = {};
+  budget_share_.release();
 }
 
 void Session::consume(size_t frame_size) {
@@ -307,6 +316,11 @@ void Session::stalled() {
 void Session::drop(ServerStatistics::Counter counter, const std::string &what) {
   statistics_.count(counter, "module " + std::to_string(service_.module) + ": a client " + what);
   close();
+}
+
+void Session::drop_over_limit() {
+  drop(&olt_server_counters::over_limit_clients,
+       "sent a request for which the limit on pending requests leaves no memory; dropped");
 }
 
 void Session::disconnect() {

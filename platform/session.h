@@ -54,6 +54,8 @@ class Session : public std::enable_shared_from_this<Session> {
   void await_bytes();
   /// @return false when the client was dropped instead
   bool make_room(size_t frame_size);
+  /// Frees the memory of the half-received request, for another one.
+  void give_way();
   void consume(size_t frame_size);
 
   /// @return false when the answer has not left yet, or never will
@@ -78,6 +80,7 @@ class Session : public std::enable_shared_from_this<Session> {
   void end();
   void stalled();
   void drop(ServerStatistics::Counter counter, const std::string &what);
+  void drop_over_limit();
   void disconnect();
   void close();
 

@@ -181,7 +181,7 @@ class PonAuthentication final : public Family {
       if (!state_.has_interface(head.slot, head.interface)) return Status::kNotFound;
       return act(head.interface, entries);
     };
-    // From the first password of entries that lack the interface: their sender may have left it out.
+    // The first password of entries that come without the interface is the nearest.
     constexpr ByteRange kSecret = from_byte(offsetof(AuthEntry, password));
     return {kMainModule, type, name, lengths, handler, {.request = kSecret}};
   }

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -285,6 +287,11 @@ class Limited : public testing::Test {
  protected:
   TemporaryRunDir dir_;
   ServerThread server_{{.run_dir = dir_.path().c_str(), .pending_limit = 1 << 20}};
+
+  /// Each exchange lets the others have a turn.
+  static void let_others_arrive() {
+    for (int i = 0; i < 20; ++i) exchange_bytes(2, kEcho, {});
+  }
 };
 
 // 200 KiB of each request arrive, for which a buffer of 256 KiB is needed: four fit into 1 MiB.
@@ -315,6 +322,24 @@ TEST_F(Limited, HalfReceivedRequestsTakeNoMoreMemoryThanTold) {
     Bytes request = pattern(900 * 1024, 1);
     EXPECT_EQ(exchange_bytes(2, kDigest, request), digest(request.data(), request.size()));
   }
+}
+
+// 1008 of the 1024 KiB are taken; the request needs 508.
+TEST_F(Limited, ThoseThatBeganFirstMakeRoomForAnother) {
+  Bytes piece = hex("4f4c5131 01000000 01000000 00000000 00000001");
+  piece.resize(200 * 1024);
+  std::vector<std::unique_ptr<RawClient>> clients;
+  for (int i = 0; i < 4; ++i) {
+    clients.push_back(std::make_unique<RawClient>(dir_.socket(2)));
+    ASSERT_TRUE(clients.back()->send(piece));
+    let_others_arrive();
+  }
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(post(2, kDigest, Bytes(300 * 1024)).result, 0);
+  EXPECT_EQ(server_.counters().over_limit_clients, 2u);
+  EXPECT_TRUE(clients[0]->is_closed());
+  EXPECT_TRUE(clients[1]->is_closed());
+  clients.clear();
+  EXPECT_TRUE(server_.reaches(&olt_server_counters::vanished_clients, 2));
 }
 
 TEST_F(Limited, ARequestBeyondTheLimitIsDroppedAndOthersAreServed) {
@@ -558,6 +583,27 @@ TEST(ServerLimits, ClientsLeaveDescriptorsToTheHandlers) {
   EXPECT_EQ(post(18, kOpenFiles, word(16)).status, 0);
   EXPECT_GT(open_descriptors_of(server.pid()), 20u);
   testing::internal::GetCapturedStderr();
+}
+
+TEST(ServerLimits, ALimitThatLeavesNoDescriptorsForClientsIsReported) {
+  TemporaryRunDir dir;
+  ChildResult child = run_in_child([&] {
+    rlimit few{.rlim_cur = 24, .rlim_max = 24};
+    setrlimit(RLIMIT_NOFILE, &few);
+    olt_server_options options{.run_dir = dir.path().c_str()};
+    char error[256] = "";
+    olt_server *server = olt_server_create(&options, error);
+    auto handler = [](void *, const olt_request *, olt_answer *) {};
+    int result = olt_server_add(server, 2, handler, nullptr, error);
+    std::fputs(error, stderr);
+    olt_server_destroy(server);
+    return result == -1 ? 0 : 1;
+  });
+  EXPECT_EQ(child.status, 0);
+  EXPECT_EQ(child.errors,
+            "module 2: the limit on open files leaves none for clients; expected a higher one "
+            "(ulimit -n)");
+  EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
 }
 
 TEST(ServerLimits, AsManyDescriptorsAsTheSystemAllows) {
