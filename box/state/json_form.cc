@@ -89,8 +89,18 @@ class JsonWriter {
     text_.append(depth_, ' ');
   }
 
+  /// DEL and the C1 control characters, which command terminals, are escaped, too.
   void quote(std::string_view characters) {
-    text_ += Json(characters).dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string quoted = Json(characters).dump(-1, ' ', false, Json::error_handler_t::replace);
+    for (size_t at = 0; at < quoted.size(); ++at) {
+      bool is_two_bytes = quoted[at] == '\xC2' && static_cast<uint8_t>(quoted[at + 1]) < 0xA0;
+      if (is_two_bytes) ++at;
+      if (is_two_bytes || quoted[at] == '\x7F') {
+        text_ += fmt::format("\\u{:04x}", static_cast<uint8_t>(quoted[at]));
+      } else {
+        text_ += quoted[at];
+      }
+    }
   }
 
   CborReader reader_;

@@ -152,6 +152,16 @@ TEST(Archive, HasAReadableForm) {
   EXPECT_EQ(to_json_text(written(read(from_json_text(kReadable))), Secrets::kShown), kReadable);
 }
 
+TEST(Archive, ItsReadableFormCannotCommandATerminal) {
+  Archive archive;
+  std::string name = "a\x7f\x9b\xa0\xff";
+  archive.text("name", name, 5);
+  const std::string data = archive.take();
+  std::string text = box::to_json_text(data, box::Secrets::kShown);
+  EXPECT_EQ(text, "{\n \"name\": \"a\\u007f\\u009b\xc2\xa0\xc3\xbf\"\n}\n");
+  EXPECT_EQ(box::from_json_text(text), data);
+}
+
 TEST(Archive, MasksSecretsUnlessAskedForThem) {
   std::string masked = to_json_text(written(sample()), Secrets::kMasked);
   EXPECT_EQ(masked.find("pass\\u0000rd"), std::string::npos);
