@@ -5,12 +5,6 @@
 
 namespace olt::box {
 
-namespace {
-
-constexpr size_t kMaxReply = 65'535;
-
-}  // namespace
-
 std::span<const uint8_t> Request::bytes(size_t offset, size_t count) const {
   if (offset > data_.size() || count > data_.size() - offset) throw BadLength();
   return data_.subspan(offset, count);

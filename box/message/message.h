@@ -29,6 +29,9 @@ inline constexpr uint32_t kLogModule = 22;
 inline constexpr uint32_t kRstpModule = 23;
 inline constexpr uint32_t kModules[] = {kMainModule, kOamModule, kLogModule, kRstpModule};
 
+/// Longest reply, in bytes: the platform sends no longer one.
+inline constexpr size_t kMaxReply = 65'535;
+
 /// The bytes of a record, as they are sent.
 template <typename Record>
 std::span<const uint8_t> bytes_of(const Record &record) {

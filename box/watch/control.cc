@@ -3,13 +3,13 @@
 #include <fmt/core.h>
 
 #include "base/bad_input.h"
+#include "box/message/message.h"
 #include "box/state/json_form.h"
 
 namespace olt::box {
 
 namespace {
 
-constexpr size_t kMaxReply = 65'535;
 constexpr size_t kMaxName = 32;
 
 std::string failure(std::string reason) {
