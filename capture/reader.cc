@@ -48,6 +48,15 @@ uint16_t big_endian_half_at(ByteView bytes, size_t offset) {
   return static_cast<uint16_t>(bytes[offset] << 8U | bytes[offset + 1]);
 }
 
+/// What is wrong with a file that begins with this word.
+const char *kind_without_section(uint32_t word) {
+  for (uint32_t pcap : {0xA1B2C3D4U, 0xD4C3B2A1U, 0xA1B23C4DU, 0x4D3CB2A1U})
+    if (word == pcap) return "a pcap file; expected a pcapng file, as 'editcap FILE NEW' makes it";
+  if ((word & 0xFFFFU) == 0x8B1FU)
+    return "a compressed file; expected a pcapng file, as gunzip makes it";
+  return "no pcapng section; expected a capture of libolttrace";
+}
+
 constexpr size_t padded(size_t length) {
   return (length + 3) / 4 * 4;
 }
@@ -142,7 +151,6 @@ std::optional<Packet> Reader::next() {
     }
     if (!foreign_) foreign_ = place_;
   }
-  if (!has_section_) fail("no pcapng section; expected a capture of libolttrace");
   if (foreign_ && !has_packet_) {
     place_ = *foreign_;
     fail("a packet of something else; expected a capture of libolttrace");
@@ -163,7 +171,7 @@ bool Reader::skip(size_t size) {
 
 void Reader::read_whole(uint8_t *buffer, size_t size) {
   size_t count = source_(buffer, size);
-  if (count < size) fail<CutShort>("cut short; expected {} more bytes", size - count);
+  if (count < size) fail<CutShort>("cut short; expected {}", counted(size - count, "more byte"));
 }
 
 /// @return false at the end
@@ -173,10 +181,10 @@ bool Reader::read_block() {
   size_t count = source_(head, sizeof head);
   if (count == 0) return false;
   type_ = count < 4 ? 0 : word_at(head, 0);
-  if (!has_section_ && type_ != kSectionBlock)
-    fail("no pcapng section; expected a capture of libolttrace");
+  if (!has_section_ && type_ != kSectionBlock) fail(kind_without_section(type_));
   if (count < sizeof head && type_ == kPaddingBlock) return false;
-  if (count < sizeof head) fail<CutShort>("cut short; expected {} more bytes", sizeof head - count);
+  if (count < sizeof head)
+    fail<CutShort>("cut short; expected {}", counted(sizeof head - count, "more byte"));
   uint32_t length = word_at(head, 4);
   uint8_t magic[4] = {};
   if (type_ == kSectionBlock) {

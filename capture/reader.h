@@ -51,7 +51,8 @@ class Reader {
   /// The name is for error lines.
   Reader(std::string name, Source source);
 
-  /// Nothing at the end. Throws BadInput with the place, CutShort where the last block is cut.
+  /// Nothing at the end, and in an empty file, which a process leaves that is killed while it
+  /// creates it. Throws BadInput with the place, CutShort where the last block is cut.
   std::optional<Packet> next();
 
  private:

@@ -57,12 +57,9 @@ void Writer::add(WrittenExchange exchange, const std::string &program, Bytes &fi
   if (needed > file.capacity()) file.reserve(std::max(needed, 2 * file.capacity()));
   exchange.interface = interface_of(exchange.process, program, file);
   exchange.lost = std::exchange(just_lost_, 0);
-  uint32_t first = packet_size(exchange.request_length);
   size_t at = file.size();
-  file.resize(at + first + packet_size(exchange.reply_length));
+  file.resize(at + packet_size(exchange.request_length) + packet_size(exchange.reply_length));
   put_packets(&file[at], &exchange, with_secrets_);
-  const uint32_t head[] = {kPacketBlock, first};
-  std::memcpy(&file[at], head, sizeof head);
   ++exchanges_;
 }
 

@@ -22,8 +22,9 @@ enum {
   kMaxNames = 1000,        ///< tried until one is free
   kFirstDescriptor = 200,  ///< above those that programs close by number
   kWindow = 131072,
-  kUnit = 4096,      ///< that files grow by
-  kMinPadding = 12,  ///< the smallest block
+  kUnit = 4096,             ///< that files grow by
+  kMinPadding = 12,         ///< the smallest block; one is before each room
+  kLongPadding = 16777216,  ///< longer than any window
   kMinLimit = 1048576,
   kYields = 100,
   kSleeps = 1000  ///< a thread waits so long for another; a sleep is 1 ms
@@ -154,7 +155,7 @@ static bool create(void) {
   file.device = now.st_dev;
   file.inode = now.st_ino;
   file.end = put_section(section, own_program);
-  file.end += put_interface(section + file.end, "platform", NULL);
+  file.end += put_interface(section + file.end, "platform", own_program);
   return put(section, (size_t)file.end, 0);
 }
 
@@ -318,6 +319,7 @@ uint8_t *take_room(uint32_t size, struct exchange *exchange) {
     process = (uint32_t)getpid();
     run = seconds();
   }
+  size += kMinPadding;
   if (!fits(size) && !next_window(size)) {
     unlock();
     return NULL;
@@ -326,18 +328,20 @@ uint8_t *take_room(uint32_t size, struct exchange *exchange) {
   exchange->process = process;
   exchange->number = ++exchanges;
   exchange->lost = __atomic_exchange_n(&lost, 0, __ATOMIC_RELAXED);
-  return window.at;
+  return window.at + kMinPadding;
 }
 
-void commit_room(uint32_t size, uint32_t first_block_type, uint32_t first_block_length) {
-  uint32_t left = (uint32_t)(window.end - window.at) - size;
-  // Two words that belong together change one after the other: the end of the padding, and the
-  // beginning of the packet in its place. Nothing may come between them but these stores.
-  memcpy(window.at + size, (uint32_t[2]){kPaddingBlock, left}, 8);
+void commit_room(uint32_t size) {
+  uint8_t *next = window.at + kMinPadding + size;
+  uint32_t left = (uint32_t)(window.end - next);
+  memcpy(next, (uint32_t[2]){kPaddingBlock, left}, 8);
+  // The process may be killed between any two stores. Both ends of the padding change while it is
+  // longer than the file; then its length is that of the part before the room.
+  store(window.at + 4, kLongPadding);
   store(window.end - 4, left);
-  store(window.at + 4, first_block_length);
-  store(window.at, first_block_type);
-  window.at += size;
+  store(window.at + 8, kMinPadding);
+  store(window.at + 4, kMinPadding);
+  window.at = next;
   unlock();
 }
 

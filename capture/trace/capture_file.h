@@ -1,7 +1,7 @@
 /// The pcapng file of this process. It grows by windows, which are mapped while they fill, so that
 /// an exchange is in the file as soon as it is over, without a system call. What a window does not
 /// hold yet is a block of padding: whenever the process is killed, the file ends with a whole
-/// block.
+/// block, or within padding.
 #ifndef OLT_CAPTURE_TRACE_CAPTURE_FILE_H
 #define OLT_CAPTURE_TRACE_CAPTURE_FILE_H
 
@@ -18,9 +18,8 @@ bool set_up_capture(void);
 /// has. @return the room, at a multiple of 4; null when there is none
 uint8_t *take_room(uint32_t size, struct exchange *exchange);
 
-/// Makes readers see the room, which holds whole blocks except for the first 8 bytes. These are
-/// given here.
-void commit_room(uint32_t size, uint32_t first_block_type, uint32_t first_block_length);
+/// Makes readers see the room, which holds whole blocks: all of them at once.
+void commit_room(uint32_t size);
 
 /// Cuts the padding off the file.
 void end_capture(void);

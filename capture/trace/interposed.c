@@ -72,12 +72,11 @@ static uint32_t own_thread(void) {
 }
 
 static void record(struct exchange *exchange) {
-  uint32_t first = packet_size(exchange->request_length);
-  uint32_t size = first + packet_size(exchange->reply_length);
+  uint32_t size = packet_size(exchange->request_length) + packet_size(exchange->reply_length);
   uint8_t *room = take_room(size, exchange);
   if (room == NULL) return;
   put_packets(room, exchange, with_secrets);
-  commit_room(size, kPacketBlock, first);
+  commit_room(size);
   keep_listing(exchange);
 }
 

@@ -95,7 +95,6 @@ uint32_t put_interface(uint8_t *at, const char *name, const char *description) {
   return end_block(at, put_option(option, 9, "\x09", 1));  // nanoseconds
 }
 
-/// Fills in one packet, except for the first 8 bytes.
 static void put_packet(uint8_t *at, const struct exchange *exchange, uint8_t kind,
                        bool with_secrets) {
   bool is_request = kind == kRequest;
@@ -103,7 +102,9 @@ static void put_packet(uint8_t *at, const struct exchange *exchange, uint8_t kin
   uint32_t length = is_request ? exchange->request_length : exchange->reply_length;
   uint32_t kept = shown(length);
   uint64_t time = exchange->began + (is_request ? 0 : exchange->duration);
-  struct packet packet = {.interface = exchange->interface,
+  struct packet packet = {.block_type = kPacketBlock,
+                          .block_length = packet_size(length),
+                          .interface = exchange->interface,
                           .time_high = (uint32_t)(time >> 32),
                           .time_low = (uint32_t)time,
                           .captured = kBeforeRecord + kept,
@@ -136,19 +137,16 @@ static void put_packet(uint8_t *at, const struct exchange *exchange, uint8_t kin
       packet.header.flags |= kMasked;
     }
   }
-  memcpy(at + 8, &packet.interface, sizeof packet - 8);
+  memcpy(at, &packet, sizeof packet);
   end += kept;
   memset(end, 0, padding_after(kept));
   end += padding_after(kept);
   struct options options = {.flags_code = 2, .flags_length = 4, .flags = is_request ? 2 : 1};
   memcpy(end, &options, sizeof options);
-  uint32_t block = packet_size(length);
-  memcpy(end + sizeof options, &block, sizeof block);
+  memcpy(end + sizeof options, &packet.block_length, sizeof packet.block_length);
 }
 
 void put_packets(uint8_t *at, const struct exchange *exchange, bool with_secrets) {
   put_packet(at, exchange, kRequest, with_secrets);
-  at += packet_size(exchange->request_length);
-  put_words(at, (uint32_t[2]){kPacketBlock, packet_size(exchange->reply_length)}, 2);
-  put_packet(at, exchange, kAnswer, with_secrets);
+  put_packet(at + packet_size(exchange->request_length), exchange, kAnswer, with_secrets);
 }

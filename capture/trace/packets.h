@@ -35,8 +35,7 @@ uint32_t put_interface(uint8_t *at, const char *name, const char *description);
 /// The length of the packet of a record.
 uint32_t packet_size(uint32_t record_length);
 
-/// Writes both packets of an exchange, except for the first 8 bytes: type and length of the first
-/// one.
+/// Writes both packets of an exchange.
 void put_packets(uint8_t *at, const struct exchange *exchange, bool with_secrets);
 
 #ifdef __cplusplus

@@ -137,6 +137,22 @@ TEST(CaptureReader, SkipsPacketsOfSomethingElse) {
             found.error);
 }
 
+/// What a process leaves that is killed while it creates its file.
+TEST(CaptureReader, AnEmptyFileHasNoPackets) {
+  Found found = read_all({});
+  EXPECT_EQ("", found.error);
+  EXPECT_EQ(0U, found.packets.size());
+}
+
+/// What commit_room() of libolttrace leaves at worst: padding that is longer than the file.
+TEST(CaptureReader, PaddingMayBeLongerThanTheFile) {
+  Found found =
+      read_all(kSection + kInterface + packet(1, {}) + packet(2, {}) + block(0x804F4C54, {}) +
+               packet(1, {}) + packet(2, {}) + word(0x804F4C54) + word(16'777'216) + Bytes(400));
+  EXPECT_EQ("", found.error);
+  EXPECT_EQ(4U, found.packets.size());
+}
+
 /// A file that is cut anywhere but between blocks, or within padding, is one error line with the
 /// place of the block; what comes before it is read.
 TEST(CaptureReader, FilesCutAtEveryByte) {
@@ -146,7 +162,7 @@ TEST(CaptureReader, FilesCutAtEveryByte) {
   for (size_t size = 0; size <= kWhole.size(); ++size) {
     Found found = read_all({kWhole.begin(), kWhole.begin() + static_cast<std::ptrdiff_t>(size)});
     EXPECT_EQ(size < second ? 0U : size < padding ? 1U : 2U, found.packets.size()) << size;
-    bool is_whole = size == kSection.size() || size == first || size == second ||
+    bool is_whole = size == 0 || size == kSection.size() || size == first || size == second ||
                     (size >= padding && (size == padding || size >= padding + 4));
     EXPECT_EQ(is_whole, found.error.empty()) << size << ": " << found.error;
     size_t place = size < kSection.size() ? 0
@@ -179,7 +195,13 @@ TEST(CaptureReader, NamesPlaceAndReasonOfDamage) {
   Bytes captured = packet(1, {});
   captured[20] = 200;
   const Case cases[] = {
-      {"empty", {}, "at byte 0: no pcapng section; expected a capture of libolttrace"},
+      {"pcap", hex("4d3cb2a1 02000400") + Bytes(16),
+       "at byte 0: a pcap file; expected a pcapng file, as 'editcap FILE NEW' makes it"},
+      {"big-endian pcap", hex("a1b2c3d4 00020004") + Bytes(16),
+       "at byte 0: a pcap file; expected a pcapng file, as 'editcap FILE NEW' makes it"},
+      {"gzip", hex("1f8b0800 00000000"),
+       "at byte 0: a compressed file; expected a pcapng file, as gunzip makes it"},
+      {"one byte", Bytes(1), "at byte 0: no pcapng section; expected a capture of libolttrace"},
       {"text", text("root:x:0:0:"),
        "at byte 0: no pcapng section; expected a capture of libolttrace"},
       {"zeros", Bytes(100), "at byte 0: no pcapng section; expected a capture of libolttrace"},
