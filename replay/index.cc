@@ -131,9 +131,13 @@ Index::Index(const std::vector<std::string> &paths, Order order) : order_(order)
   open(paths);
   read();
   if (modules_.empty()) {
-    throw BadInput(fmt::format("{}: nothing to serve; expected an exchange that reached a module",
-                               printable(paths[0])));
+    throw BadInput(
+        notes_.empty()
+            ? fmt::format("{}: nothing to serve; expected an exchange that reached a module",
+                          printable(paths[0]))
+            : notes_[0]);
   }
+  for (std::string &cut : notes_) cut += "; serving what is before";
   note_what_is_left_out();
   process_places_.clear();
   last_in_threads_.clear();
@@ -169,7 +173,7 @@ void Index::read() {
       exchanges[file] = inputs[file]->next();
       if (exchanges[file]) order.push({exchanges[file]->any().time, file});
     } catch (const capture::CutShort &cut) {
-      notes_.push_back(fmt::format("{}; serving what is before", cut.what()));
+      notes_.emplace_back(cut.what());
     }
   };
   for (size_t i = 0; i < files_.size(); ++i) {

@@ -55,10 +55,4 @@ std::string PlantedMessages::lines() const {
   return lines;
 }
 
-size_t count_of(std::string_view part, const std::string &text) {
-  size_t count = 0;
-  for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
-  return count;
-}
-
 }  // namespace olt::test

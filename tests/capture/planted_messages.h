@@ -38,8 +38,6 @@ class PlantedMessages {
   size_t planted_ = 0;
 };
 
-size_t count_of(std::string_view part, const std::string &text);
-
 }  // namespace olt::test
 
 #endif

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "tests/cli/program.h"
 #include "tests/support/bytes.h"
+#include "tests/support/capture_bytes.h"
 
 namespace olt::test {
 namespace {
@@ -191,13 +194,41 @@ TEST_F(Show, PrintsWhatComesBeforeTheDamage) {
   Finished shown = show({}, kCapture.substr(0, kCapture.size() - 1));
   EXPECT_EQ(1, shown.status);
   EXPECT_TRUE(holds(shown.output, "#2"));
-  EXPECT_EQ(fmt::format("{}: at byte {}: cut short; expected 1 more bytes\n", path(),
+  EXPECT_EQ(fmt::format("{}: at byte {}: cut short; expected 1 more byte\n", path(),
                         kCapture.size() - 112),
             shown.errors);
   shown = show({}, "no capture");
   EXPECT_EQ("", shown.output);
   EXPECT_EQ(path() + ": at byte 0: no pcapng section; expected a capture of libolttrace\n",
             shown.errors);
+}
+
+/// Where a block is cut, there is one line; exchanges before it are printed.
+TEST_F(Show, CapturesCutAtEveryByte) {
+  const size_t first = kCapture.find("OLT1\x02") - 40 + 116;  // the first answer ends there
+  Folder folder;
+  std::string script;
+  std::vector<std::string> lines;
+  for (size_t left = 0; left < kCapture.size(); ++left) {
+    std::string cut = folder.write(std::to_string(left), kCapture.substr(0, left));
+    script += "show " + cut + '\n';
+    if (auto block = cut_block(kCapture, left))
+      lines.push_back(fmt::format(": {}: at byte {}: ", cut, *block));
+  }
+  Finished shown = Oltctl()({"--keep-going", "-f", folder.write("all", script)});
+  EXPECT_EQ(1, shown.status);
+  std::istringstream errors(shown.errors);
+  for (const std::string &line : lines) {
+    std::string error;
+    std::getline(errors, error);
+    EXPECT_TRUE(holds(error, line)) << error << '\n' << line;
+  }
+  std::string end;
+  std::getline(errors, end);
+  EXPECT_EQ(
+      fmt::format("{}: {} of {} commands failed", folder / "all", lines.size(), kCapture.size()),
+      end);
+  EXPECT_EQ(kCapture.size() - first, count_of("< status 0, 6 bytes", shown.output));
 }
 
 TEST_F(Show, AnswerWithoutRequest) {

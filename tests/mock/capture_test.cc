@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -206,6 +207,25 @@ TEST_F(MockCapture, NothingOfADamagedOneIsAnswered) {
   EXPECT_EQ(taken(), path_ + ": at byte " + std::to_string(capture_head().size() + first.size()) +
                          ": cut short; expected 8 more bytes\n");
   EXPECT_EQ(read_mac(), 0);
+}
+
+/// Where a block is cut, and where no exchange is whole, there is one line and no answer.
+TEST_F(MockCapture, CapturesCutAtEveryByte) {
+  const std::string first = capture_head() + recorded(asked(kGetOltMac), mac(1));
+  const std::string whole = first + recorded(asked(kGetOltMac), mac(2));
+  for (size_t left = 0; left < whole.size(); ++left) {
+    std::string cut = folder_.write("cut", whole.substr(0, left));
+    olt_mock_replay(cut.c_str());
+    std::optional<size_t> block = cut_block(whole, left);
+    std::string report = taken();
+    bool is_served = !block && left >= first.size();
+    EXPECT_EQ(count_of("\n", report), is_served ? 0U : 1U) << left << ": " << report;
+    if (block)
+      EXPECT_TRUE(report.starts_with(cut + ": at byte " + std::to_string(*block) + ": ")) << report;
+    EXPECT_EQ(read_mac(), is_served ? 1 : -1) << left;
+    EXPECT_EQ(taken().empty(), is_served) << left;
+    olt_mock_finish();
+  }
 }
 
 TEST_F(MockCapture, GivesAnExpectationItsReplies) {

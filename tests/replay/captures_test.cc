@@ -1,7 +1,12 @@
 // Captures that lack something, that are no captures, and wrong command lines.
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <optional>
 #include <set>
 
+#include "base/bad_input.h"
+#include "replay/index.h"
 #include "tests/replay/support.h"
 #include "tests/support/page.h"
 #include "tests/support/program.h"
@@ -44,6 +49,35 @@ TEST_F(ReplayTest, ServesWhatIsBeforeABlockThatIsCut) {
   EXPECT_EQ(ask(2), status(kNotRecorded));
 }
 
+/// What is before the block that is cut is served; without an exchange there, nothing is.
+TEST(ReplayedCaptures, CutAtEveryByte) {
+  const RecordedExchange one = {.reply = hex("aa"), .exchange = 1};
+  const RecordedExchange other = {.reply = hex("bb"), .exchange = 2};
+  const std::string first = capture_of(std::vector{one});
+  const std::string whole = capture_of(std::vector{one, other});
+  const Folder folder;
+  for (size_t left = 0; left < whole.size(); ++left) {
+    std::string path = folder.write("cut", whole.substr(0, left));
+    std::optional<size_t> block = cut_block(whole, left);
+    std::string reason = ": nothing to serve; expected an exchange that reached a module";
+    if (block) reason = fmt::format(": at byte {}: cut short; expected ", *block);
+    if (left > 0 && left < 4)
+      reason = ": at byte 0: no pcapng section; expected a capture of libolttrace";
+    try {
+      replay::Index index({path}, replay::Order::kInTurn);
+      EXPECT_GE(left, first.size());
+      EXPECT_EQ(index.size(), 1U);
+      EXPECT_EQ(index.notes().size(), left == first.size() ? 0U : 1U) << left;
+      if (!block) continue;
+      EXPECT_TRUE(index.notes()[0].starts_with(path + reason)) << index.notes()[0];
+      EXPECT_TRUE(index.notes()[0].ends_with("; serving what is before")) << index.notes()[0];
+    } catch (const BadInput &error) {
+      EXPECT_LT(left, first.size());
+      EXPECT_TRUE(std::string(error.what()).starts_with(path + reason)) << error.what();
+    }
+  }
+}
+
 TEST_F(ReplayTest, PutsSeveralCapturesInTheOrderOfTime) {
   std::string first = box_.folder() + "/first";
   write_file(first, capture_of(std::vector<RecordedExchange>{{.reply = hex("03"), .time = 3000},
@@ -61,7 +95,7 @@ TEST_F(ReplayTest, RefusesWhatIsNoCaptureInOneLine) {
   broken_block[60 + 4] = 3;
   std::string never_sent = capture_of(std::vector<RecordedExchange>{{.result = 0x00020000}});
   const std::pair<std::string, std::string> cases[] = {
-      {"", "at byte 0: no pcapng section; expected a capture of libolttrace"},
+      {"", "nothing to serve; expected an exchange that reached a module"},
       {"#!/bin/sh\n", "at byte 0: no pcapng section; expected a capture of libolttrace"},
       {damaged, "at byte 60: no header before the record; expected OLT1 and 64 bytes in all"},
       {broken_block,

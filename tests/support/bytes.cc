@@ -83,4 +83,10 @@ bool holds(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
+size_t count_of(std::string_view part, std::string_view text) {
+  size_t count = 0;
+  for (size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
 }  // namespace olt::test

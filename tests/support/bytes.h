@@ -45,6 +45,8 @@ Bytes slice(std::span<const uint8_t> bytes, size_t begin, size_t end);
 
 /// Whether the part occurs in the text.
 bool holds(std::string_view text, std::string_view part);
+/// How often it does.
+size_t count_of(std::string_view part, std::string_view text);
 
 }  // namespace olt::test
 

@@ -84,4 +84,15 @@ std::string capture_of(std::span<const RecordedExchange> exchanges) {
   return capture;
 }
 
+std::optional<size_t> cut_block(const std::string &capture, size_t left) {
+  size_t place = 0;
+  for (size_t next = 0; next <= left && next < capture.size();) {
+    if (next == left) return std::nullopt;
+    place = next;
+    const auto *length = reinterpret_cast<const uint8_t *>(capture.data()) + next + 4;
+    next += word_at({length, 4}, 0);
+  }
+  return place;
+}
+
 }  // namespace olt::test

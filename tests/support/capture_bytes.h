@@ -3,6 +3,7 @@
 #define OLT_TESTS_SUPPORT_CAPTURE_BYTES_H
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -36,6 +37,10 @@ std::string request_packet(const RecordedExchange &exchange);
 std::string answer_packet(const RecordedExchange &exchange);
 
 std::string capture_of(std::span<const RecordedExchange> exchanges);
+
+/// The place of the block that is cut when only so many bytes of the capture are left; nothing when
+/// they end between two.
+std::optional<size_t> cut_block(const std::string &capture, size_t left);
 
 }  // namespace olt::test
 
