@@ -1,5 +1,7 @@
 #include "capture/exchanges.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 namespace olt::capture {
@@ -30,6 +32,11 @@ std::optional<Exchange> Exchanges::next() {
   Exchange unanswered{std::move(waiting_.begin()->second), std::nullopt};
   waiting_.erase(waiting_.begin());
   return unanswered;
+}
+
+std::string kept_listing_name(const Packet &packet) {
+  return fmt::format("{}-{}-{}-{}.listing", packet.run, packet.process, packet.thread,
+                     packet.exchange);
 }
 
 }  // namespace olt::capture

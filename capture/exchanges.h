@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <string>
 
 #include "capture/reader.h"
 
@@ -29,6 +30,10 @@ class Exchanges {
   Reader &reader_;
   std::map<Packet::Identity, Packet> waiting_;
 };
+
+/// The name under which OLT_CAPTURE_FILES keeps the listing that the exchange's reply names.
+std::string kept_listing_name(const Packet &packet);
+inline constexpr size_t kMaxKeptListing = 4'194'304;
 
 }  // namespace olt::capture
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -32,8 +33,10 @@ using std::chrono::steady_clock;
 constexpr const char *kStandardOutput = "-";
 constexpr const char *kOperationFilter = "operation";
 constexpr const char *kModuleFilter = "module";
-constexpr const char *kCountOption = "--count";
-constexpr const char *kSecondsOption = "--seconds";
+constexpr std::string_view kCountOption = "--count";
+constexpr std::string_view kSecondsOption = "--seconds";
+constexpr CommandOption kOptions[] = {{kCountOption, "N", "ends after so many exchanges"},
+                                      {kSecondsOption, "S", "ends after so many seconds"}};
 constexpr uint32_t kMostSeconds = 86'400;
 /// Between two looks at a capture that had nothing new.
 constexpr std::chrono::milliseconds kBetweenPieces(50);
@@ -103,7 +106,7 @@ class BlockOutput {
   Bytes waiting_;
 };
 
-void set_number(uint32_t &number, const std::string &name, const std::string &value, uint32_t min,
+void set_number(uint32_t &number, std::string_view name, const std::string &value, uint32_t min,
                 uint32_t max) {
   std::optional<uint32_t> given = number_in(value, max);
   if (!given || *given < min) {
@@ -122,13 +125,19 @@ void set_operation(WantedExchanges &wanted, const std::string &name,
   wanted.type = address.message_type;
 }
 
-void set_word(CapturePlan &plan, const std::string &name, const std::string &value,
-              const catalog::Layout &layout) {
+void set_option(CapturePlan &plan, std::string_view name, const std::string &value) {
   if (name == kCountOption) {
     set_number(plan.wanted.count, name, value, 1, UINT32_MAX);
-  } else if (name == kSecondsOption) {
+  } else {
     set_number(plan.seconds.emplace(), name, value, 1, kMostSeconds);
-  } else if (name == kModuleFilter) {
+  }
+}
+
+void set_filter(CapturePlan &plan, const std::string &word, const catalog::Layout &layout) {
+  size_t equals = std::min(word.find('='), word.size());
+  std::string name = word.substr(0, equals);
+  std::string value = word.substr(std::min(equals + 1, word.size()));
+  if (name == kModuleFilter) {
     set_number(plan.wanted.module, name, value, 1, UINT32_MAX);
   } else if (name == kOperationFilter) {
     set_operation(plan.wanted, value, layout);
@@ -139,20 +148,14 @@ void set_word(CapturePlan &plan, const std::string &name, const std::string &val
 }
 
 CapturePlan plan_of(std::span<const std::string> words, const catalog::Layout &layout) {
-  if (words.size() < 2) wrong_usage("capture: no file is given; expected one, or - for a pipe");
   CapturePlan plan;
-  plan.path = words[1];
-  for (size_t i = 2; i < words.size(); ++i) {
-    const std::string &word = words[i];
-    size_t equals = word.find('=');
-    bool is_option = word.starts_with("--");
-    if (equals != std::string::npos) {
-      set_word(plan, word.substr(0, equals), word.substr(equals + 1), layout);
-    } else {
-      set_word(plan, word, is_option && i + 1 < words.size() ? words[i + 1] : "", layout);
-      ++i;
-    }
-  }
+  auto set = [&plan](std::string_view name, const std::string &value) {
+    set_option(plan, name, value);
+  };
+  std::vector<std::string> others = take_options("capture", kOptions, words.subspan(1), set);
+  if (others.empty()) wrong_usage("capture: no file is given; expected one, or - for a pipe");
+  plan.path = others[0];
+  for (size_t i = 1; i < others.size(); ++i) set_filter(plan, others[i], layout);
   const char *secrets = std::getenv("OLT_CAPTURE_SECRETS");
   plan.wanted.with_secrets = secrets != nullptr && std::string_view(secrets) == "1";
   return plan;
@@ -194,8 +197,7 @@ void run_capture(Session &session, std::span<const std::string> words) {
 
 std::vector<std::string> words_of_capture(std::span<const std::string> words) {
   if (words.size() == 1) return {kAnyFile};
-  std::vector<std::string> names = {kCountOption, kSecondsOption};
-  names.push_back(fmt::format("{}=", kModuleFilter));
+  std::vector<std::string> names = {fmt::format("{}=", kModuleFilter)};
   for (const catalog::Family &family : catalog::families()) {
     for (const catalog::Operation &operation : family.operations) {
       if (operation.address.sends())
@@ -206,13 +208,14 @@ std::vector<std::string> words_of_capture(std::span<const std::string> words) {
 }
 
 std::string details_of_capture() {
-  return "  Records the exchanges of all clients of a running box until Ctrl-C, for --count N\n"
-         "  exchanges or for --seconds S. operation=NAME records those with the operation's "
-         "message "
-         "type,\n"
-         "  module=N those with this module. FILE must not exist; - is standard output.\n"
-         "  OLT_CAPTURE_SECRETS=1 keeps secrets.\n"
-         "  Example: capture - | tshark -i -\n";
+  return "  Records the exchanges of all clients of a running box until Ctrl-C. operation=NAME\n"
+         "  records those with the operation's message type, module=N those with this module.\n"
+         "  FILE must not exist; - is standard output. OLT_CAPTURE_SECRETS=1 keeps secrets.\n" +
+         options_text(kOptions) + "  Example: capture - | tshark -i -\n";
+}
+
+std::span<const CommandOption> options_of_capture() {
+  return kOptions;
 }
 
 }  // namespace olt::cli

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/session.h"
+#include "cli/text/command_options.h"
 
 namespace olt::cli {
 
@@ -15,6 +16,7 @@ void run_capture(Session &session, std::span<const std::string> words);
 
 std::vector<std::string> words_of_capture(std::span<const std::string> words);
 std::string details_of_capture();
+std::span<const CommandOption> options_of_capture();
 
 }  // namespace olt::cli
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/text/command_options.h"
+
 namespace olt::cli {
 
 class Session;
@@ -27,6 +29,9 @@ struct Command {
 
   /// More for its help, as lines. Null when there is none.
   std::string (*details)() = nullptr;
+
+  /// Its own options. Null when it has none.
+  std::span<const CommandOption> (*options)() = nullptr;
 };
 
 }  // namespace olt::cli

@@ -141,9 +141,8 @@ Words words_of_walk(Arguments words) {
 
 std::string details_of_walk() {
   return "  Names the readers when it is given none. COLUMN=VALUE keeps the rows that have the\n"
-         "  value; --columns A,B shows these columns, in this order; --sort A,B sorts by them, "
-         "and\n"
-         "  --reverse turns the order round.\n"
+         "  value.\n" +
+         options_text(Query::options()) +
          "  Example: walk onus interface=2 state=up --columns onu,mac --sort mac\n" +
          readers_text();
 }
@@ -391,10 +390,10 @@ constexpr Command kCommands[] = {
      "Has the box refuse a request, answer late or not at all", run_fault, words_of_fault,
      details_of_fault},
     {"walk", "walk [READER] [COLUMN=VALUE...] [OPTION...]", "Prints the rows of a table", run_walk,
-     words_of_walk, details_of_walk},
+     words_of_walk, details_of_walk, Query::options},
     {"watch", "watch OPERATION [ARGUMENT...] [+ OPERATION...] [OPTION...]",
      "Calls operations again and again, and shows what changes", run_watch, words_of_watch,
-     details_of_watch},
+     details_of_watch, options_of_watch},
     {"config", "config export [FILE]\nconfig import FILE\nconfig diff [FILE] FILE",
      "Writes, reads and compares the box's configuration as JSON", run_config, words_of_config,
      details_of_config},
@@ -407,10 +406,11 @@ constexpr Command kCommands[] = {
     {"show", "show FILE [NAME=VALUE...]", "Prints a capture of exchanges", run_show, words_of_show,
      details_of_show},
     {"capture", "capture FILE [NAME=VALUE...] [OPTION...]",
-     "Records the exchanges of a running box", run_capture, words_of_capture, details_of_capture},
+     "Records the exchanges of a running box", run_capture, words_of_capture, details_of_capture,
+     options_of_capture},
     {"compare", "compare FILE [NAME=VALUE...] [OPTION...]",
      "Compares what a capture recorded with what the box answers", run_compare, words_of_compare,
-     details_of_compare},
+     details_of_compare, options_of_compare},
     {"dissector", "dissector [FILE]", "Writes a dissector of captures for Wireshark", run_dissector,
      words_of_dissector, details_of_dissector},
     {"counters", "counters", "Shows what has happened in the box", run_counters},

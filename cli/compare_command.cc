@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <filesystem>
+#include <system_error>
+
 #include "base/text.h"
 #include "cli/command.h"
 #include "cli/compare/compare.h"
@@ -13,13 +16,27 @@ namespace olt::cli {
 
 namespace {
 
-constexpr const char *kIgnore = "--ignore";
-constexpr const char *kAtMost = "--count";
-constexpr const char *kJunit = "--junit";
+constexpr std::string_view kAll = "--all";
+constexpr std::string_view kYes = "--yes";
+constexpr std::string_view kIgnore = "--ignore";
+constexpr std::string_view kFiles = "--files";
+constexpr std::string_view kAtMost = "--count";
+constexpr std::string_view kJunit = "--junit";
+constexpr CommandOption kOptions[] = {
+    {kAll, "", "sends requests that may change the box, too"},
+    {kYes, "", "does not ask before those that cannot be taken back"},
+    {kIgnore, "PATTERN", "leaves out a field, FIELD or OPERATION.FIELD; may be repeated"},
+    {kFiles, "DIR", "compares listings with those that OLT_CAPTURE_FILES kept in DIR"},
+    {kAtMost, "N", "sends at most so many"},
+    {kJunit, "FILE", "writes the result as JUnit XML, too"}};
 
-void set_option(ComparePlan &plan, const catalog::Layout &layout, const std::string &option,
+void set_option(ComparePlan &plan, const catalog::Layout &layout, std::string_view option,
                 const std::string &value) {
-  if (option == kIgnore) {
+  if (option == kAll) {
+    plan.all = true;
+  } else if (option == kYes) {
+    plan.asks = false;
+  } else if (option == kIgnore) {
     plan.ignored.add(value, layout);
   } else if (option == kAtMost) {
     plan.count = number_in(value, UINT32_MAX);
@@ -27,12 +44,16 @@ void set_option(ComparePlan &plan, const catalog::Layout &layout, const std::str
       wrong_usage("compare: {}: '{}' given; expected a number from 1 to {}", kAtMost,
                   printable(value), UINT32_MAX);
     }
-  } else if (option == kJunit) {
+  } else if (option == kFiles) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(value, error)) {
+      wrong_usage("compare: {}: '{}' is no directory; expected that of OLT_CAPTURE_FILES", kFiles,
+                  printable(value));
+    }
+    plan.files = value;
+  } else {
     if (value.empty()) wrong_usage("compare: {}: no file is given; expected one", kJunit);
     plan.junit = value;
-  } else {
-    wrong_usage("compare: there is no option '{}'; expected {}, {} or {}", printable(option),
-                kIgnore, kAtMost, kJunit);
   }
 }
 
@@ -42,23 +63,10 @@ void run_compare(Session &session, std::span<const std::string> words) {
   if (session.format() == Format::kCsv)
     wrong_usage("compare: it has no CSV form; expected --format text or json");
   ComparePlan plan;
-  std::vector<std::string> names;
-  for (size_t i = 1; i < words.size(); ++i) {
-    const std::string &word = words[i];
-    size_t equals = word.find('=');
-    if (!word.starts_with("--")) {
-      names.push_back(word);
-    } else if (word == "--all") {
-      plan.all = true;
-    } else if (word == "--yes") {
-      plan.asks = false;
-    } else if (equals != std::string::npos) {
-      set_option(plan, session.layout(), word.substr(0, equals), word.substr(equals + 1));
-    } else {
-      set_option(plan, session.layout(), word, i + 1 < words.size() ? words[i + 1] : "");
-      ++i;
-    }
-  }
+  auto set = [&](std::string_view name, const std::string &value) {
+    set_option(plan, session.layout(), name, value);
+  };
+  std::vector<std::string> names = take_options("compare", kOptions, words.subspan(1), set);
   if (names.empty()) wrong_usage("compare: no file is given; expected a capture");
   plan.path = names[0];
   plan.selected = selected_exchanges("compare", std::span(names).subspan(1), session.layout());
@@ -75,11 +83,12 @@ std::string details_of_compare() {
          "when\n"
          "  something differs, with 2 when it cannot compare. Requests that may change the box "
          "are\n"
-         "  sent only with --all. Filters are those of show.\n"
-         "    --ignore PATTERN  leaves out a field, FIELD or OPERATION.FIELD; may be repeated\n"
-         "    --count N         sends at most so many\n"
-         "    --junit FILE      writes the result as JUnit XML, too\n"
-         "  Example: compare 1234.pcapng module=2 --ignore '*.seconds'\n";
+         "  sent only with --all. Filters are those of show.\n" +
+         options_text(kOptions) + "  Example: compare 1234.pcapng module=2 --ignore '*.seconds'\n";
+}
+
+std::span<const CommandOption> options_of_compare() {
+  return kOptions;
 }
 
 }  // namespace olt::cli

@@ -107,19 +107,25 @@ Completion path_of(std::string_view value, std::string_view before) {
   return completion;
 }
 
-/// What an option or the value of one may become; nothing when the word is neither.
-/// @param before the words before it; options and their values are removed
-std::optional<Completion> complete_option(std::span<const OptionName> options, Words &before,
-                                          std::string_view word) {
+/// The words that are neither options nor values of them.
+Words without_options(std::span<const OptionName> options, std::span<const std::string> words) {
   Words operands;
-  for (size_t i = 0; i < before.size(); ++i) {
-    bool is_option = before[i].size() > 1 && before[i].starts_with('-');
-    if (!is_option) operands.push_back(before[i]);
-    if (value_of(options, before[i]).empty()) continue;
-    if (i + 1 == before.size()) return path_of(value_of(options, before[i]), "");
-    ++i;
+  for (size_t i = 0; i < words.size(); ++i) {
+    bool is_option = words[i].size() > 1 && words[i].starts_with('-');
+    if (!is_option) operands.push_back(words[i]);
+    if (!value_of(options, words[i]).empty()) ++i;
   }
-  before = std::move(operands);
+  return operands;
+}
+
+/// What an option or the value of one may become; nothing when the word is neither.
+/// @param before the words before it
+std::optional<Completion> complete_option(std::span<const OptionName> options,
+                                          std::span<const std::string> before,
+                                          std::string_view word) {
+  bool is_value = false;
+  for (const std::string &one : before) is_value = !is_value && !value_of(options, one).empty();
+  if (is_value) return path_of(value_of(options, before.back()), "");
   if (!word.starts_with('-')) return std::nullopt;
   size_t equals = word.find('=');
   if (equals != std::string_view::npos) {
@@ -133,6 +139,18 @@ std::optional<Completion> complete_option(std::span<const OptionName> options, W
   return completion;
 }
 
+/// Those of the command that the words begin with.
+std::vector<OptionName> own_options(std::span<const Command> commands,
+                                    std::span<const std::string> words) {
+  std::vector<OptionName> names;
+  for (const Command &command : commands) {
+    if (words.empty() || words[0] != command.name || command.options == nullptr) continue;
+    for (const CommandOption &option : command.options())
+      names.push_back({std::string(option.name), std::string(option.value)});
+  }
+  return names;
+}
+
 std::vector<OptionName> server_options(std::span<const serving::Option> options) {
   std::vector<OptionName> names;
   for (const serving::Option &option : options) {
@@ -143,7 +161,8 @@ std::vector<OptionName> server_options(std::span<const serving::Option> options)
 }
 
 /// Completes the command line of a program that serves modules; oltreplay takes captures, too.
-Completion complete_server(std::string_view program, Words before, std::string_view word) {
+Completion complete_server(std::string_view program, std::span<const std::string> before,
+                           std::string_view word) {
   bool is_replay = program == "oltreplay";
   std::span<const serving::Option> options = box::option::kAll;
   if (is_replay) options = replay::option::kAll;
@@ -204,8 +223,14 @@ Completion complete_word(std::span<const Command> commands, std::span<const std:
   if (!before.empty() && word.substr(value).starts_with('@')) {
     return path_of("FILE", word.substr(0, value + 1));
   }
+  std::vector<OptionName> options = own_options(commands, before);
+  Words operands(before.begin(), before.end());
+  if (!options.empty()) {
+    if (auto completion = complete_option(options, before, word)) return *completion;
+    operands = without_options(options, before);
+  }
   Completion completion;
-  completion.words = next_words(commands, before, layout);
+  completion.words = next_words(commands, operands, layout);
   if (completion.words == Words{kAnyFile}) return path_of("FILE", "");
   select(completion.words, word);
   return completion;
@@ -232,10 +257,18 @@ std::string completion_answer(std::string_view line) {
   std::string program = std::filesystem::path(before[0]).filename();
   before.erase(before.begin());
   if (program == "oltbox" || program == "oltreplay")
-    return answer(complete_server(program, std::move(before), word), Layout::box());
+    return answer(complete_server(program, before, word), Layout::box());
   std::shared_ptr<const Layout> layout = layout_for(before);
-  std::optional<Completion> completion = complete_option(option_names(), before, word);
-  if (!completion) completion = complete_word(commands(), before, word, *layout);
+  std::vector<OptionName> options = option_names();
+  for (OptionName &own : own_options(commands(), without_options(options, before))) {
+    bool is_known = std::any_of(options.begin(), options.end(), [&own](const OptionName &option) {
+      return option.name == own.name;
+    });
+    if (!is_known) options.push_back(std::move(own));
+  }
+  std::optional<Completion> completion = complete_option(options, before, word);
+  if (!completion)
+    completion = complete_word(commands(), without_options(options, before), word, *layout);
   return answer(completion.value_or(Completion()), *layout);
 }
 

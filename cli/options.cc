@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "cli/commands.h"
 #include "cli/layout/layouts.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
@@ -60,14 +61,10 @@ std::string run_dir(const std::string &box) {
   return directory != nullptr ? directory : "";
 }
 
-/// Commands that read their own options.
-bool has_options(const std::string &command) {
-  return command == "capture" || command == "compare" || command == "walk" || command == "watch";
-}
-
 std::vector<std::string> words_of(const CLI::App &app) {
   std::vector<std::string> words = app.remaining();
-  if (!words.empty() && has_options(words[0])) return words;
+  const Command *command = words.empty() ? nullptr : find_command(words[0]);
+  if (command != nullptr && command->options != nullptr) return words;
   for (const std::string &word : words) {
     if (word.size() > 1 && word.starts_with('-')) {
       wrong_usage(

@@ -19,8 +19,11 @@ namespace olt::cli {
 
 namespace {
 
-constexpr const char *kEvery = "--every";
-constexpr const char *kCount = "--count";
+constexpr std::string_view kEvery = "--every";
+constexpr std::string_view kCount = "--count";
+constexpr CommandOption kOptions[] = {
+    {kEvery, "SECONDS", "from the start of one round to that of the next; 2 when left out"},
+    {kCount, "N", "ends after so many rounds"}};
 constexpr const char *kNextOperation = "+";
 constexpr uint32_t kLongestPause = 86'400;
 constexpr size_t kDecimals = 3;
@@ -43,7 +46,7 @@ std::optional<std::chrono::milliseconds> seconds_in(const std::string &text) {
   return time;
 }
 
-void set_option(WatchPlan &plan, const std::string &option, const std::string &value) {
+void set_option(WatchPlan &plan, std::string_view option, const std::string &value) {
   if (option == kEvery) {
     std::optional<std::chrono::milliseconds> every = seconds_in(value);
     if (!every) {
@@ -51,15 +54,12 @@ void set_option(WatchPlan &plan, const std::string &option, const std::string &v
                   printable(value), kLongestPause);
     }
     plan.every = *every;
-  } else if (option == kCount) {
+  } else {
     plan.rounds = number_in(value, UINT32_MAX);
     if (plan.rounds.value_or(0) == 0) {
       wrong_usage("watch: {}: '{}' given; expected a number from 1 to {}", kCount, printable(value),
                   UINT32_MAX);
     }
-  } else {
-    wrong_usage("watch: there is no option '{}'; expected {} or {}", printable(option), kEvery,
-                kCount);
   }
 }
 
@@ -88,19 +88,15 @@ void run_watch(Session &session, std::span<const std::string> words) {
     wrong_usage("watch: it has no CSV form; expected --format text or json");
   }
   WatchPlan plan;
+  auto set = [&plan](std::string_view name, const std::string &value) {
+    set_option(plan, name, value);
+  };
   std::vector<std::vector<std::string>> lines(1);
-  for (size_t i = 1; i < words.size(); ++i) {
-    const std::string &word = words[i];
-    size_t equals = word.find('=');
+  for (const std::string &word : take_options("watch", kOptions, words.subspan(1), set)) {
     if (word == kNextOperation) {
       lines.emplace_back();
-    } else if (!word.starts_with("--")) {
-      lines.back().push_back(word);
-    } else if (equals != std::string::npos) {
-      set_option(plan, word.substr(0, equals), word.substr(equals + 1));
     } else {
-      set_option(plan, word, i + 1 < words.size() ? words[i + 1] : "");
-      ++i;
+      lines.back().push_back(word);
     }
   }
   for (const std::vector<std::string> &line : lines) add_item(plan, session, line);
@@ -118,11 +114,17 @@ std::vector<std::string> words_of_watch(std::span<const std::string> words) {
 }
 
 std::string details_of_watch() {
-  return "  Calls them every 2 seconds, or --every SECONDS, until Ctrl-C or for --count N rounds.\n"
-         "  At a terminal each round replaces the last one; lines that changed begin with *, and\n"
-         "  counters are shown per second. Otherwise, and with --json, it prints a JSON object a\n"
-         "  call. A + stands before each further operation.\n"
+  return "  Calls them every 2 seconds until Ctrl-C. At a terminal each round replaces the last "
+         "one;\n"
+         "  lines that changed begin with *, and counters are shown per second. Otherwise, and "
+         "with\n"
+         "  --json, it prints a JSON object a call. A + stands before each further operation.\n" +
+         options_text(kOptions) +
          "  Example: watch get_port_link_state 1 1 + get_port_link_state 1 2 --count 1\n";
+}
+
+std::span<const CommandOption> options_of_watch() {
+  return kOptions;
 }
 
 }  // namespace olt::cli

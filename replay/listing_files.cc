@@ -13,6 +13,7 @@
 
 #include "base/bad_input.h"
 #include "base/text.h"
+#include "capture/exchanges.h"
 #include "catalog/message_fields.h"
 #include "catalog/senders.h"
 #include "cli/text/file.h"
@@ -27,7 +28,6 @@ using catalog::Operation;
 namespace {
 
 constexpr size_t kMaxWritten = 1024;
-constexpr size_t kMaxListing = 4 << 20;
 constexpr size_t kMaxTotal = 64 << 20;
 
 template <typename... Args>
@@ -87,11 +87,9 @@ void ListingFiles::provide(const Packet &request, Packet &answer) {
     fail("{}: has {} bytes; expected at most {}: a shorter run directory", printable(served),
          served.size(), field->width);
   }
-  std::filesystem::path kept =
-      kept_ / fmt::format("{}-{}-{}-{}.listing", request.run, request.process, request.thread,
-                          request.exchange);
+  std::filesystem::path kept = kept_ / capture::kept_listing_name(request);
   std::error_code error;
-  std::string content = cli::read_file(kept, kMaxListing, error);
+  std::string content = cli::read_file(kept, capture::kMaxKeptListing, error);
   if (error) fail("{}: cannot be read: {}", printable(kept.string()), error.message());
   write(name, content);
   std::fill_n(place, field->width, uint8_t{0});

@@ -6,12 +6,14 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <utility>
 
 #include "base/bad_input.h"
 #include "base/text.h"
 #include "catalog/message_fields.h"
 #include "cli/box/end_signals.h"
 #include "cli/call/exchanges.h"
+#include "cli/compare/listings.h"
 #include "cli/output/listing_reader.h"
 #include "cli/text/error.h"
 #include "cli/text/file.h"
@@ -113,7 +115,24 @@ void Compare::check(const ComparePlan &plan) {
   }
 }
 
-std::vector<FieldDifference> Compare::ask_box(const Recorded &recorded) {
+/// Nothing differs where the listing was not kept.
+std::vector<FieldDifference> Compare::compare_listing(const std::filesystem::path &kept,
+                                                      const std::string &now) {
+  std::error_code error;
+  std::string recorded = read_file(kept, capture::kMaxKeptListing, error);
+  bool is_kept = error != std::errc::no_such_file_or_directory;
+  report_.count_listing(is_kept);
+  if (!is_kept) return {};
+  if (error) {
+    throw BadInput(
+        fmt::format("{}: cannot be read: {}", printable(kept.string()), error.message()));
+  }
+  return listing_differences(recorded, now);
+}
+
+/// @param files where listings were kept; empty: they are not compared
+std::vector<FieldDifference> Compare::ask_box(const Recorded &recorded,
+                                              const std::filesystem::path &files) {
   const Packet &answer = *recorded.exchange.answer;
   const Operation *operation = recorded.operations.empty() ? nullptr : recorded.operations.front();
   std::optional<ExchangesOf> traced;
@@ -130,14 +149,21 @@ std::vector<FieldDifference> Compare::ask_box(const Recorded &recorded) {
   };
   std::string name = name_in(now.reply);
   if (name.empty()) return differences;
+  std::string recorded_name = name_in(answer.record);
+  std::string text;
   try {
-    read_listing(box_.listing_dir(), name);
+    text = read_listing(box_.listing_dir(), name);
   } catch (const Error &) {
-    std::string recorded_name = name_in(answer.record);
     differences.push_back({listing->name,
                            0,
                            {printable(recorded_name), recorded_name},
                            {printable(name) + ", which cannot be read", nullptr}});
+    return differences;
+  }
+  if (files.empty() || recorded_name.empty()) return differences;
+  for (FieldDifference &difference :
+       compare_listing(files / capture::kept_listing_name(answer), text)) {
+    differences.push_back(std::move(difference));
   }
   return differences;
 }
@@ -153,7 +179,7 @@ void Compare::run(const ComparePlan &plan) {
              counted(report_.sent(), "exchange"));
       }
       if (skip) return report_.skip(recorded, *skip);
-      std::vector<FieldDifference> differences = ask_box(recorded);
+      std::vector<FieldDifference> differences = ask_box(recorded, plan.files);
       std::erase_if(differences, [&](const FieldDifference &difference) {
         return plan.ignored.cover(recorded.name, difference.field);
       });

@@ -2,6 +2,7 @@
 #ifndef OLT_CLI_COMPARE_COMPARE_H
 #define OLT_CLI_COMPARE_COMPARE_H
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,9 +21,10 @@ struct ComparePlan {
   SelectedExchanges selected;
   std::optional<uint32_t> count;  ///< exchanges that are sent at most
   FieldPatterns ignored;
-  std::string junit;  ///< a file; empty for none
-  bool all = false;   ///< requests that change the box, too
-  bool asks = true;   ///< before requests that cannot be taken back
+  std::string junit;            ///< a file; empty for none
+  std::filesystem::path files;  ///< where listings were kept; empty: they are not compared
+  bool all = false;             ///< requests that change the box, too
+  bool asks = true;             ///< before requests that cannot be taken back
 };
 
 class Compare {
@@ -37,7 +39,10 @@ class Compare {
   template <typename Function>
   void each_recorded(const ComparePlan &plan, Function function);
   void check(const ComparePlan &plan);
-  std::vector<FieldDifference> ask_box(const Recorded &recorded);
+  std::vector<FieldDifference> ask_box(const Recorded &recorded,
+                                       const std::filesystem::path &files);
+  std::vector<FieldDifference> compare_listing(const std::filesystem::path &kept,
+                                               const std::string &now);
 
   Access &box_;
   const catalog::Layout &layout_;

@@ -185,7 +185,16 @@ Bytes unmasked(const capture::Packet &recorded, ByteView now) {
 
 }  // namespace
 
+ComparedValue compared_text(const std::optional<std::string> &text) {
+  if (!text) return {kNothing, nullptr};
+  return {text->empty() ? kEmptyText : printable(*text), *text};
+}
+
 void FieldPatterns::add(const std::string &pattern, const Layout &layout) {
+  if (pattern.find(kListingPrefix) != std::string::npos) {
+    patterns_.push_back(pattern);
+    return;
+  }
   for (const catalog::Family &family : layout.families()) {
     for (const Operation &operation : family.operations) {
       if (!operation.address.sends() || !covers_any(pattern, operation)) continue;

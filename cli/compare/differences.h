@@ -23,12 +23,16 @@ inline constexpr const char *kTransport = "transport";       ///< how the exchan
 inline constexpr const char *kStatus = "status";             ///< the module's
 inline constexpr const char *kReply = "reply";               ///< bytes that no field has
 inline constexpr const char *kReplyLength = "reply_length";  ///< where no field shows it
+inline constexpr const char *kListingPrefix = "listing.";    ///< before what a listing has
 
 /// One side of a difference.
 struct ComparedValue {
   std::string text;
   nlohmann::ordered_json json;
 };
+
+/// Of what is not there for nothing.
+ComparedValue compared_text(const std::optional<std::string> &text);
 
 struct FieldDifference {
   std::string field;  ///< one in a list as "vlans.first"
@@ -47,7 +51,7 @@ struct Answer {
 /// Patterns with * ? and [...], each for the name of a field, or for OPERATION.FIELD.
 class FieldPatterns {
  public:
-  /// Throws Error when it stands for no field of the layout.
+  /// Throws Error when it stands for no field of the layout, and does not name one of a listing.
   void add(const std::string &pattern, const catalog::Layout &layout);
   bool cover(std::string_view operation, const std::string &field) const;
 

@@ -65,23 +65,12 @@ ordered_json json_of(const FieldDifference &difference) {
 }
 
 std::string json_of(const Recorded &recorded, const std::vector<FieldDifference> &differences) {
-  const capture::Packet &packet = recorded.exchange.any();
-  ordered_json names = ordered_json::array();
-  for (const catalog::Operation *operation : recorded.operations) names.push_back(operation->name);
   ordered_json list = ordered_json::array();
   for (const FieldDifference &difference : differences) list.push_back(json_of(difference));
-  return json_line({{"version", kJsonVersion},
-                    {"command", "compare"},
-                    {"time", time_text(packet.time)},
-                    {"program", packet.program},
-                    {"run", packet.run},
-                    {"process", packet.process},
-                    {"thread", packet.thread},
-                    {"exchange", packet.exchange},
-                    {"module", packet.module},
-                    {"message_type", packet.message_type},
-                    {"operations", names},
-                    {"differences", list}});
+  ordered_json object = {{"version", kJsonVersion}, {"command", "compare"}};
+  object.update(head_json(recorded.exchange, recorded.operations));
+  object["differences"] = list;
+  return json_line(object);
 }
 
 /// XML takes neither control characters nor bytes that are not UTF-8.
@@ -160,6 +149,8 @@ std::string CompareReport::text() const {
   text += table_text(rows, Rule::kBelowFirst);
   for (size_t i = 0; i < kSkips; ++i)
     if (skips_[i] > 0) text += fmt::format("skipped: {} {}\n", skips_[i], kSkipNames[i].text);
+  if (listings_ + missing_listings_ > 0)
+    text += fmt::format("listings: {} compared, {} not kept\n", listings_, missing_listings_);
   return text;
 }
 
@@ -179,6 +170,7 @@ std::string CompareReport::json() const {
                     {"equal", sent_ - differing_},
                     {"differing", differing_},
                     {"skipped", skipped},
+                    {"listings", {{"compared", listings_}, {"missing", missing_listings_}}},
                     {"by_operation", list}});
 }
 

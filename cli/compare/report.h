@@ -33,6 +33,9 @@ class CompareReport {
   std::string add(const Recorded &recorded, const std::vector<FieldDifference> &differences,
                   bool as_json);
 
+  /// Of an exchange that is sent.
+  void count_listing(bool is_compared) { ++(is_compared ? listings_ : missing_listings_); }
+
   size_t sent() const { return sent_; }
   size_t differing() const { return differing_; }
 
@@ -57,6 +60,8 @@ class CompareReport {
   std::array<size_t, kSkips> skips_{};
   size_t sent_ = 0;
   size_t differing_ = 0;
+  size_t listings_ = 0;          ///< that were compared
+  size_t missing_listings_ = 0;  ///< that were not kept
 };
 
 }  // namespace olt::cli

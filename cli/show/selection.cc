@@ -167,4 +167,20 @@ std::string title_of(const Exchange &exchange, std::span<const Operation *const>
                      packet.thread, packet.exchange, names_of(operations));
 }
 
+nlohmann::ordered_json head_json(const Exchange &exchange,
+                                 std::span<const Operation *const> operations) {
+  const Packet &packet = exchange.any();
+  nlohmann::ordered_json names = nlohmann::ordered_json::array();
+  for (const Operation *operation : operations) names.push_back(operation->name);
+  return {{"time", time_text(packet.time)},
+          {"program", packet.program},
+          {"run", packet.run},
+          {"process", packet.process},
+          {"thread", packet.thread},
+          {"exchange", packet.exchange},
+          {"module", packet.module},
+          {"message_type", packet.message_type},
+          {"operations", names}};
+}
+
 }  // namespace olt::cli

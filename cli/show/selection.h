@@ -2,6 +2,8 @@
 #ifndef OLT_CLI_SHOW_SELECTION_H
 #define OLT_CLI_SHOW_SELECTION_H
 
+#include <nlohmann/json.hpp>
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -44,6 +46,10 @@ std::string time_text(uint64_t nanoseconds);
 /// "2026-01-31T23:59:59.123456789Z front_end 1234/1235 #17 get_olt_mac".
 std::string title_of(const capture::Exchange &exchange,
                      std::span<const catalog::Operation *const> operations);
+
+/// The same as members of an object, with module and message type.
+nlohmann::ordered_json head_json(const capture::Exchange &exchange,
+                                 std::span<const catalog::Operation *const> operations);
 
 }  // namespace olt::cli
 

@@ -106,23 +106,13 @@ std::string json_of(const Exchange &exchange, std::span<const Operation *const> 
   const Packet &packet = exchange.any();
   const std::optional<Packet> &answer = exchange.answer;
   const Operation *operation = operations.empty() ? nullptr : operations.front();
-  ordered_json names = ordered_json::array();
-  for (const Operation *one : operations) names.push_back(one->name);
   auto of_answer = [&answer](auto value) {
     return answer ? ordered_json(value(*answer)) : ordered_json();
   };
-  return json_line(
-      {{"version", kJsonVersion},
-       {"time", time_text(packet.time)},
-       {"program", packet.program},
-       {"run", packet.run},
-       {"process", packet.process},
-       {"thread", packet.thread},
-       {"exchange", packet.exchange},
-       {"lost", packet.lost},
-       {"module", packet.module},
-       {"message_type", packet.message_type},
-       {"operations", names},
+  ordered_json object = {{"version", kJsonVersion}};
+  object.update(head_json(exchange, operations));
+  object.update(
+      {{"lost", packet.lost},
        {"timeout", packet.timeout},
        {"no_reply", packet.no_reply},
        {"masked", packet.is_masked},
@@ -132,6 +122,7 @@ std::string json_of(const Exchange &exchange, std::span<const Operation *const> 
        {"request",
         exchange.request ? record_json(*exchange.request, operation, secrets) : ordered_json()},
        {"reply", answer ? record_json(*answer, operation, secrets) : ordered_json()}});
+  return json_line(object);
 }
 
 }  // namespace

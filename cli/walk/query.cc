@@ -18,11 +18,14 @@ using nlohmann::ordered_json;
 
 namespace {
 
-constexpr const char *kColumns = "--columns";
-constexpr const char *kSort = "--sort";
-constexpr const char *kReverse = "--reverse";
+constexpr std::string_view kColumns = "--columns";
+constexpr std::string_view kSort = "--sort";
+constexpr std::string_view kReverse = "--reverse";
+constexpr CommandOption kOptions[] = {{kColumns, "A,B", "shows these columns, in this order"},
+                                      {kSort, "A,B", "sorts by these columns"},
+                                      {kReverse, "", "turns the order round"}};
 
-std::vector<std::string> names_in(const std::string &option, const std::string &list) {
+std::vector<std::string> names_in(std::string_view option, const std::string &list) {
   std::vector<std::string> names;
   for (Item &item : split_items(list, ',')) names.push_back(std::move(item.text));
   if (names.empty()) wrong_usage("walk: {} is empty; expected names of columns as a,b", option);
@@ -72,26 +75,21 @@ ordered_json sort_key(const NamedValue *value) {
 }  // namespace
 
 Query::Query(std::span<const std::string> words) {
-  for (size_t i = 0; i < words.size(); ++i) {
-    std::string word = words[i];
-    std::optional<std::string> value;
-    if (size_t equals = word.find('='); word.starts_with("--") && equals != std::string::npos) {
-      value = word.substr(equals + 1);
-      word.resize(equals);
-    }
-    if (word == kReverse && !value) {
-      is_reversed_ = true;
-    } else if (word == kColumns || word == kSort) {
-      if (!value && i + 1 < words.size()) value = words[++i];
-      (word == kColumns ? columns_ : sort_) = names_in(word, value.value_or(""));
-    } else if (word.size() > 1 && word.starts_with('-')) {
-      wrong_usage("walk: there is no option '{}'; expected {}, {} or {}", printable(words[i]),
-                  kColumns, kSort, kReverse);
-    } else if (reader_.empty()) {
-      reader_ = word;
-    } else {
-      add_condition(word);
-    }
+  auto set = [this](std::string_view name, const std::string &value) { set_option(name, value); };
+  std::vector<std::string> others = take_options("walk", kOptions, words, set);
+  if (!others.empty()) reader_ = others[0];
+  for (size_t i = 1; i < others.size(); ++i) add_condition(others[i]);
+}
+
+std::span<const CommandOption> Query::options() {
+  return kOptions;
+}
+
+void Query::set_option(std::string_view name, const std::string &value) {
+  if (name == kReverse) {
+    is_reversed_ = true;
+  } else {
+    (name == kColumns ? columns_ : sort_) = names_in(name, value);
   }
 }
 

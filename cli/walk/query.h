@@ -4,14 +4,18 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/output/result.h"
+#include "cli/text/command_options.h"
 
 namespace olt::cli {
 
 class Query {
  public:
+  static std::span<const CommandOption> options();
+
   /// From the words after "walk": a reader, COLUMN=VALUE and options. Throws Error.
   explicit Query(std::span<const std::string> words);
 
@@ -34,6 +38,7 @@ class Query {
     std::string value;
   };
 
+  void set_option(std::string_view name, const std::string &value);
   void add_condition(const std::string &word);
 
   std::string reader_;

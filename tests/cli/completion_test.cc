@@ -65,9 +65,21 @@ TEST(Completion, OffersTheWordsOfACommand) {
   EXPECT_EQ(candidates(Words{"walk", "process_snmp_vlan_id"}, ""), Words{});
   EXPECT_EQ(candidates(Words{"completion"}, ""), (Words{"bash", "zsh", "fish"}));
   EXPECT_EQ(candidates(Words{"counters"}, ""), Words{});
-  EXPECT_EQ(candidates(Words{"capture", "x"}, "-"), (Words{"--count", "--seconds"}));
   EXPECT_EQ(candidates(Words{"capture", "x"}, "operation=get_olt_m"),
             Words{"operation=get_olt_mac"});
+}
+
+TEST(Completion, OffersTheOptionsOfACommand) {
+  EXPECT_EQ(candidates(Words{"capture", "x"}, "-"), (Words{"--count", "--seconds"}));
+  EXPECT_EQ(candidates(Words{"compare", "x"}, "--"),
+            (Words{"--all", "--yes", "--ignore", "--files", "--count", "--junit"}));
+  EXPECT_EQ(candidates(Words{"watch", "get_olt_mac"}, "--"), (Words{"--every", "--count"}));
+  EXPECT_EQ(candidates(Words{"walk", "onus"}, "--"), (Words{"--columns", "--sort", "--reverse"}));
+  EXPECT_EQ(candidates(Words{"counters"}, "-"), Words{});
+  // Words after an option are its value.
+  EXPECT_EQ(candidates(Words{"watch", "--every", "2"}, "get_olt_m"), Words{"get_olt_mac"});
+  EXPECT_EQ(candidates(Words{"watch", "--every"}, "get_olt_m"), Words{});
+  EXPECT_EQ(candidates(Words{"compare", "--all", "x", "--count", "2"}, "mod"), Words{"module="});
 }
 
 TEST(Completion, OffersNamedValues) {
@@ -96,6 +108,10 @@ TEST(Completion, OffersPaths) {
               "entries=@");
   expect_path(completion(Words{"add_authallowed_mac", "1", "1"}, "@si"), kFiles, "@");
   expect_path(completion(Words{"config", "import", "a"}, ""), Completion::Kind::kWords, "");
+  expect_path(completion(Words{"compare", "--ignore", "x"}, "si"), kFiles, "");
+  expect_path(completion(Words{"compare", "a", "--junit"}, "si"), kFiles, "");
+  expect_path(completion(Words{"compare", "a"}, "--junit=si"), kFiles, "--junit=");
+  expect_path(completion(Words{"compare", "a", "--files"}, ""), Completion::Kind::kDirectories, "");
 }
 
 /// The words that completion_answer() offers, without their summaries.
@@ -123,6 +139,12 @@ TEST(Completion, AnswersShells) {
   EXPECT_EQ(completion_answer("/usr/bin/oltbox --run-dir "), "directories \n");
   EXPECT_EQ(completion_answer("oltbox --fr"), "words\n--fresh\n");
   EXPECT_EQ(completion_answer("oltbox --fresh get"), "words\n");
+  EXPECT_EQ(completion_answer("oltctl --box x compare a --fi"), "words\n--file\n--files\n");
+  EXPECT_EQ(completion_answer("oltctl compare a --files "), "directories \n");
+  EXPECT_EQ(completion_answer("oltctl compare --ignore mac "), "files \n");
+  EXPECT_EQ(completion_answer("oltctl compare a --al"), "words\n--all\n");
+  EXPECT_EQ(completion_answer("oltctl watch get_olt_mac --ev"), "words\n--every\n");
+  EXPECT_EQ(completion_answer("oltctl get_olt_mac --ev"), "words\n");
   EXPECT_EQ(completion_answer("oltreplay --files "), "directories \n");
   EXPECT_EQ(completion_answer("oltreplay --st"), "words\n--strict\n");
   EXPECT_EQ(completion_answer("oltreplay --strict /tmp/a"), "files \n");
@@ -153,6 +175,24 @@ TEST(Completion, OffersTheOptionsThatThereAre) {
   EXPECT_EQ(of_replay.size(), 12U);
   EXPECT_EQ(std::set<std::string>(of_replay.begin(), of_replay.end()),
             options_in(run({OLTREPLAY, "--help"}, {}).output));
+}
+
+TEST(Completion, OffersTheOptionsThatTheHelpOfACommandNames) {
+  Words all = answered("oltctl -");
+  for (const char *command : {"capture", "compare", "walk", "watch"}) {
+    std::set<std::string> own;
+    for (const std::string &option : candidates(Words{command, "x"}, "--")) own.insert(option);
+    std::string helped;
+    std::istringstream lines(run({OLTCTL, "help", command}).output);
+    for (std::string line; std::getline(lines, line);)
+      if (line.starts_with("    --")) helped += line.substr(0, line.find(' ', 4)) + '\n';
+    EXPECT_EQ(own, options_in(helped)) << command;
+    std::set<std::string> expected(all.begin(), all.end());
+    expected.insert(own.begin(), own.end());
+    Words offered = answered(std::string("oltctl ") + command + " x -");
+    EXPECT_EQ(offered.size(), expected.size());
+    EXPECT_EQ(std::set<std::string>(offered.begin(), offered.end()), expected);
+  }
 }
 
 /// A shell in which oltctl is found.
@@ -214,6 +254,12 @@ TEST_F(BashCompletion, CompletesFilesAndOptions) {
   EXPECT_TRUE(bash_.shows("entries=@topology-file.json "));
   bash_.type("\x15oltbox --adopt --topo\t");
   EXPECT_TRUE(bash_.shows("--topology "));
+  bash_.type("\x15oltctl compare topo\t");
+  EXPECT_TRUE(bash_.shows("topology-file.json"));
+  bash_.type("--ju\t");
+  EXPECT_TRUE(bash_.shows("--junit "));
+  bash_.type("\x15oltctl watch get_olt_mac --ev\t");
+  EXPECT_TRUE(bash_.shows("--every "));
 }
 
 TEST_F(BashCompletion, IsLoadedByThePackagedFile) {
@@ -250,6 +296,10 @@ TEST_F(ZshCompletion, CompletesOperationsArgumentsAndValues) {
   EXPECT_TRUE(zsh_.shows("entries=@topology-file.json")) << zsh_.transcript();
   zsh_.type("\x15oltbox --ado\t");
   EXPECT_TRUE(zsh_.shows("--adopt")) << zsh_.transcript();
+  zsh_.type("\x15oltctl compare topo\t--ju\t");
+  EXPECT_TRUE(zsh_.shows("--junit")) << zsh_.transcript();
+  zsh_.type("\x15oltctl watch get_olt_mac --ev\t");
+  EXPECT_TRUE(zsh_.shows("--every")) << zsh_.transcript();
 }
 
 TEST_F(ZshCompletion, IsLoadedByThePackagedFile) {
@@ -287,6 +337,8 @@ TEST_F(FishCompletion, CompletesOperationsArgumentsAndValues) {
             Words{"entries=@topology-file.json"});
   EXPECT_EQ(offered(load_, "oltctl --tra"), Words{"--trace"});
   EXPECT_EQ(offered(load_, "oltbox --ado"), Words{"--adopt"});
+  EXPECT_EQ(offered(load_, "oltctl compare topology-file.json --ju"), Words{"--junit"});
+  EXPECT_EQ(offered(load_, "oltctl watch get_olt_mac --ev"), Words{"--every"});
 }
 
 TEST_F(FishCompletion, IsLoadedByThePackagedFile) {

@@ -60,6 +60,7 @@ void RunningBox::start_program(const std::string &program,
 }
 
 int RunningBox::end(int signal) {
+  if (pid_ <= 0) throw std::logic_error("RunningBox: there is no process to end");
   kill(pid_, signal);
   int status = wait_for(pid_);
   pid_ = -1;

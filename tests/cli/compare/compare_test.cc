@@ -115,7 +115,8 @@ TEST_F(CompareCommand, PrintsJson) {
       R"("item":null,"recorded":"02:00:00:00:00:02","now":"02:00:00:00:00:01"}]})"
       "\n"
       R"({"version":1,"command":"compare","equal":2,"differing":1,)"
-      R"("skipped":{"changing":0,"masked":0,"cut":0,"incomplete":0},"by_operation":[)"
+      R"("skipped":{"changing":0,"masked":0,"cut":0,"incomplete":0},)"
+      R"("listings":{"compared":0,"missing":0},"by_operation":[)"
       R"({"operation":"get_olt_mac","exchanges":2,"equal":1,"differing":1,"skipped":0},)"
       R"({"operation":"get_olt_support_oam","exchanges":1,"equal":1,"differing":0,"skipped":0}]})"
       "\n");
@@ -308,7 +309,12 @@ TEST_F(CompareCommand, RefusesWhatItCannotUse) {
       {{"--count", "0"}, "compare: --count: '0' given; expected a number from 1 to 4294967295\n"},
       {{"--junit"}, "compare: --junit: no file is given; expected one\n"},
       {{"--every", "2"},
-       "compare: there is no option '--every'; expected --ignore, --count or --junit\n"},
+       "compare: there is no option '--every'; expected --all, --yes, --ignore, --files, --count "
+       "or "
+       "--junit\n"},
+      {{"--files", "/nowhere"},
+       "compare: --files: '/nowhere' is no directory; expected that of OLT_CAPTURE_FILES\n"},
+      {{"--files"}, "compare: --files: '' is no directory; expected that of OLT_CAPTURE_FILES\n"},
       {{"modul=2"},
        "compare: 'modul=2' given; expected operation=VALUE, module=VALUE, status=VALUE, "
        "from=VALUE, to=VALUE\n"},
@@ -346,6 +352,37 @@ TEST_F(CompareCommand, SendsNothingOfADamagedCapture) {
             true);
 }
 
+/// Where a block is cut, and where nothing is left to send, each is one line, and nothing is sent.
+TEST_F(CompareCommand, CapturesCutAtEveryByte) {
+  const std::string first = capture_head() + recorded(message(1, 12), kMac);
+  const std::string whole = first + recorded(message(2, 12), kMac);
+  const size_t half = first.size() + request_packet(message(2, 12)).size();
+  std::string script;
+  std::vector<std::string> lines;
+  for (size_t left = 0; left < whole.size(); ++left) {
+    std::string cut = oltctl_.folder().write("cut" + std::to_string(left), whole.substr(0, left));
+    script += "compare " + cut + '\n';
+    if (left == first.size() || left == half) continue;
+    std::optional<size_t> block = cut_block(whole, left);
+    lines.push_back(cut + (block ? fmt::format(": at byte {}: ", *block)
+                                 : std::string(": holds no exchange that can be sent; ")));
+  }
+  Finished ran = oltctl_({"--json", "--keep-going", "-f", oltctl_.folder().write("all", script)});
+  EXPECT_EQ(ran.status, 1);
+  std::istringstream errors(ran.errors);
+  for (const std::string &line : lines) {
+    std::string error;
+    std::getline(errors, error);
+    EXPECT_TRUE(holds(error, ": " + line)) << error << '\n' << line;
+  }
+  std::string end;
+  std::getline(errors, end);
+  EXPECT_EQ(end, fmt::format("{}: {} of {} commands failed", oltctl_.folder() / "all", lines.size(),
+                             whole.size()));
+  EXPECT_EQ(count_of("\n", ran.output), 2U);
+  EXPECT_EQ(count_of(R"("equal":1,"differing":0)", ran.output), 4U) << ran.output;
+}
+
 TEST_F(CompareCommand, NeedsABox) {
   Finished compared = compare(kOneDifference, {}, {"--box", oltctl_.folder() / "nowhere"});
   EXPECT_TRUE(holds(compared.errors, "nowhere is away: ")) << compared.errors;
@@ -362,6 +399,89 @@ TEST_F(CompareCommand, ListingsAreEqualWhenBothCanBeRead) {
             std::string(kPlace) +
                 "#1 get_system_basicinfofile\n"
                 "  name: '' → basicinfo-00000002.txt\n");
+}
+
+/// One exchange of get_vlan_all, and what is kept of its listing.
+class CompareListing : public CompareCommand {
+ protected:
+  CompareListing() {
+    std::string reply(80, '\0');
+    reply.replace(48, 17, "vlan-00000777.txt");
+    std::string request(80, '\0');
+    request[0] = 3;  // all
+    capture_ = capture_head() + recorded(message(7, 23, request), reply);
+  }
+
+  void keep(const std::string &listing) { kept_.write("1000-1234-1235-7.listing", listing); }
+
+  Finished compare_listings(Words words) {
+    words.insert(words.end(), {"--files", kept_.path()});
+    return compare(capture_, words);
+  }
+
+  Folder kept_;
+  std::string capture_;
+};
+
+const std::string kDefaultVlans =
+    "VLANs of olt\n"
+    "============\n"
+    "\n"
+    "1 VLAN\n"
+    "VLAN  Tagged ports  Untagged ports  Description\n"
+    "----  ------------  --------------  -----------\n"
+    "1     -             1/1-4           default\n";
+
+TEST_F(CompareListing, OfTheBoxEqualsTheKeptOne) {
+  keep(kDefaultVlans);
+  Finished compared = compare_listings({});
+  EXPECT_EQ(compared.output,
+            "operation     exchanges  equal  differing  skipped\n"
+            "------------  ---------  -----  ---------  -------\n"
+            "get_vlan_all  1          1      0          0\n"
+            "all           1          1      0          0\n"
+            "listings: 1 compared, 0 not kept\n");
+  EXPECT_EQ(compared.errors, "");
+  EXPECT_EQ(compared.status, 0);
+}
+
+TEST_F(CompareListing, DiffersInNamedCellsWhichCanBeIgnored) {
+  std::string kept = kDefaultVlans + "10    1/2           -               uplink\n";
+  kept.replace(kept.find("1 VLAN"), 6, "2 VLANs");
+  keep(kept);
+  Finished compared = compare_listings({});
+  EXPECT_EQ(compared.output.substr(0, compared.output.find("\noperation  ")),
+            std::string(kPlace) +
+                "#7 get_vlan_all\n"
+                "  listing.heading of item 1: 2 VLANs → 1 VLAN\n"
+                "  listing.10: 10  1/2  -  uplink → none\n");
+  EXPECT_EQ(compared.status, 1);
+  EXPECT_EQ(compare_listings({"--ignore", "listing.heading"}).status, 1);
+  for (const char *pattern : {"listing.*", "get_vlan_all.listing.*", "get_*.listing.[1h]*"}) {
+    compared = compare_listings({"--ignore", pattern});
+    EXPECT_EQ(compared.status, 0) << pattern << '\n' << compared.output << compared.errors;
+  }
+  EXPECT_EQ(compare(capture_).status, 0);  // without --files
+}
+
+TEST_F(CompareListing, DiffersByLinesWhereItIsNotUnderstood) {
+  keep("# header\n" + kDefaultVlans);
+  Finished compared = compare_listings({"--json"});
+  ordered_json difference =
+      ordered_json::parse(compared.output.substr(0, compared.output.find('\n')))["differences"];
+  EXPECT_EQ(difference.dump(),
+            R"([{"field":"listing.line","item":1,"recorded":"# header","now":null}])");
+}
+
+TEST_F(CompareListing, IsCountedWhenItWasNotKept) {
+  Finished compared = compare_listings({});
+  EXPECT_TRUE(holds(compared.output, "\nlistings: 0 compared, 1 not kept\n")) << compared.output;
+  EXPECT_EQ(compared.status, 0);
+  std::string path = kept_ / "1000-1234-1235-7.listing";
+  std::filesystem::create_directory(path);
+  compared = compare_listings({});
+  EXPECT_EQ(compared.errors, path + ": cannot be read: Is a directory\n");
+  EXPECT_EQ(compared.status, 2);
 }
 
 TEST_F(CompareCommand, AsksBeforeWhatCannotBeTakenBack) {
@@ -577,10 +697,12 @@ class CompareRecording : public testing::Test {
     Words environment = private_environment(folder_);
     environment.insert(environment.end(),
                        {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + folder_ / "%p.pcapng",
-                        "OLT_CAPTURE_SECRETS=1"});
-    Finished recording = run({OLTCTL, "--fresh", "--topology", folder_.write("box", kTopology),
-                              "-f", folder_.write("script", script(""))},
-                             environment);
+                        "OLT_CAPTURE_SECRETS=1", "OLT_CAPTURE_FILES=" + kept_.path(),
+                        "OLT_RUN_DIR=" + folder_ / "oltmgmt/embedded/listings"});
+    Finished recording =
+        run({OLTCTL, "--box", "embedded", "--fresh", "--topology", folder_.write("box", kTopology),
+             "-f", folder_.write("script", script(""))},
+            environment);
     EXPECT_EQ(recording.status, 0) << recording.errors;
     for (const auto &entry : std::filesystem::directory_iterator(folder_.path()))
       if (entry.path().extension() == ".pcapng") capture_ = entry.path();
@@ -593,15 +715,24 @@ class CompareRecording : public testing::Test {
   }
 
   Folder folder_;
+  Folder kept_;
   std::string capture_;
 };
 
+/// In listings, times and counters differ, and what the processes take.
 TEST_F(CompareRecording, OfEveryOperationEqualsAnotherBoxOfTheSameState) {
   Terminal box({OLTBOX, "--run-dir", folder_ / "run", "--state-dir", folder_ / "state",
                 "--topology", folder_ / "box"},
                private_environment(folder_));
   ASSERT_TRUE(box.shows("serving modules")) << box.transcript();
-  Finished compared = compare({"--box", folder_ / "run", "--json"});
+  Words words = {"--box", folder_ / "run", "--json", "--files", kept_.path()};
+  for (const char *pattern :
+       {"listing.*.Age in s", "listing.*.Up for in s", "listing.*.Since", "listing.Since",
+        "listing.Uptime", "get_statics_file_by_interface.listing.*",
+        "get_system_loginfofile.listing.*", "show_memory_info.listing.*"}) {
+    words.insert(words.end(), {"--ignore", pattern});
+  }
+  Finished compared = compare(words);
   EXPECT_EQ(compared.errors, "");
   EXPECT_EQ(compared.status, 0);
   ASSERT_TRUE(holds(compared.output, "\n")) << compared.output;
@@ -609,6 +740,7 @@ TEST_F(CompareRecording, OfEveryOperationEqualsAnotherBoxOfTheSameState) {
   EXPECT_EQ(summary["differing"], 0);
   EXPECT_EQ(summary["skipped"].dump(), R"({"changing":0,"masked":0,"cut":0,"incomplete":0})");
   EXPECT_EQ(summary["by_operation"].size(), 176U);
+  EXPECT_EQ(summary["listings"].dump(), R"({"compared":30,"missing":0})");
   std::set<std::string> names;
   for (const ordered_json &row : summary["by_operation"]) names.insert(row["operation"]);
   std::set<std::string> expected;
