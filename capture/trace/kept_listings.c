@@ -16,7 +16,6 @@
 enum { kFolder = 200 };
 
 static char destination[kFolder];  // empty: nothing is kept
-static char origin[kFolder];
 static bool complained;
 
 /// The host platform's; null on a box.
@@ -33,18 +32,24 @@ void set_up_kept_listings(void) {
     destination[0] = 0;
     complain("OLT_CAPTURE_FILES", "not a path; expected an absolute one of at most 199 bytes");
   }
+}
+
+/// The folder of listings; empty when it is not known. The program may choose it at run time.
+static void find_origin(char *path) {
+  path[0] = 0;
   if (olt_run_dir == NULL)
-    set(origin, "OLT_RUN_DIR");
-  else if (olt_run_dir(origin, sizeof origin) != 0)
-    origin[0] = 0;
+    set(path, "OLT_RUN_DIR");
+  else if (olt_run_dir(path, kFolder) != 0)
+    path[0] = 0;
 }
 
 void keep_listing(const struct exchange *exchange) {
   const char *name = destination[0] != 0 ? listing_in(exchange) : NULL;
   if (name == NULL) return;
-  char listing[kFolder + kListingName + 2], path[kKeptPath];
+  char origin[kFolder], listing[kFolder + kListingName + 2], path[kKeptPath];
   int state = 0;
   pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+  find_origin(origin);
   bool is_path = name[0] == '/';
   snprintf(listing, sizeof listing, "%s%s%.32s", is_path ? "" : origin, is_path ? "" : "/", name);
   name_kept_listing(exchange, destination, path);

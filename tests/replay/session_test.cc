@@ -50,7 +50,8 @@ class Session : public testing::TestWithParam<const char *> {
 
   Finished recorded(const std::string &script) {
     return oltctl(script, {"LD_PRELOAD=" LIBOLTTRACE, "OLT_CAPTURE=" + captures_ / "%p",
-                           "OLT_CAPTURE_SECRETS=1", "OLT_CAPTURE_FILES=" + kept_.path()});
+                           "OLT_CAPTURE_SECRETS=1", "OLT_CAPTURE_FILES=" + kept_.path(),
+                           "OLT_RUN_DIR=/nowhere"});  // --box comes before it
   }
 
   Lines captures() const {
