@@ -40,11 +40,12 @@ std::optional<Cell> cell_after(const Table &table, std::span<const uint32_t> nam
   return Cell{column, {name.begin() + 1, name.end()}};
 }
 
-Key name_of(const Table &table, const Cell &cell) {
+Key name_of(const Table &table, size_t column, const Key &key) {
   Key name;
+  name.reserve(key.size() + 2);
   if (!table.is_scalar) name.push_back(kEntry);
-  name.push_back(table.columns[cell.column].arc);
-  name.insert(name.end(), cell.key.begin(), cell.key.end());
+  name.push_back(table.columns[column].arc);
+  name.insert(name.end(), key.begin(), key.end());
   return name;
 }
 

@@ -27,7 +27,7 @@ std::optional<Cell> cell_named(const Table &table, std::span<const uint32_t> nam
 std::optional<Cell> cell_after(const Table &table, std::span<const uint32_t> name);
 
 /// The name of the cell below the table's own object identifier.
-Key name_of(const Table &table, const Cell &cell);
+Key name_of(const Table &table, size_t column, const Key &key);
 
 }  // namespace olt::agent
 

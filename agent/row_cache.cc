@@ -20,26 +20,34 @@ bool RowCache::Entry::answers(const Table &asked, Selection how, const Key &name
                               uint64_t named_hash) const {
   if (table != &asked) return false;
   if (selection == how && hash == named_hash && key == named) return true;
-  return how == Selection::kThis && row_hash == named_hash && answer.outcome == Outcome::kFound &&
-         answer.row.key == named;
+  return how == Selection::kThis && row_hash == named_hash &&
+         found.answer->outcome == Outcome::kFound && found.answer->row.key == named;
 }
 
-std::optional<Answer> RowCache::find(const Table &table, Selection selection, const Key &key,
-                                     Clock::time_point now) {
+std::optional<RowCache::Found> RowCache::find(const Table &table, Selection selection,
+                                              const Key &key, Clock::time_point now) {
   const uint64_t hash = hash_of(key);
   std::lock_guard guard(mutex_);
   for (size_t i = 1; i <= entries_.size(); ++i) {
-    const Entry &entry = entries_[(end_ + kRows - i) % kRows];
-    if (now - entry.read > kAge) break;  // all others are older
-    if (entry.answers(table, selection, key, hash)) return entry.answer;
+    Entry &entry = entries_[(end_ + kRows - i) % kRows];
+    if (now - entry.found.read > kAge) break;  // all others are older
+    if (!entry.answers(table, selection, key, hash)) continue;
+    Found found = entry.found;
+    entry.found.walk = nullptr;
+    return found;
   }
   return std::nullopt;
 }
 
 void RowCache::add(const Table &table, Selection selection, const Key &key, const Answer &answer,
-                   Clock::time_point now) {
+                   Clock::time_point now, std::shared_ptr<Walk> walk) {
   if (answer.outcome == Outcome::kFailed) return;
-  Entry entry{&table, selection, key, answer, now, hash_of(key), hash_of(answer.row.key)};
+  Entry entry{.table = &table,
+              .selection = selection,
+              .key = key,
+              .found = {std::make_shared<const Answer>(answer), now, std::move(walk)},
+              .hash = hash_of(key),
+              .row_hash = hash_of(answer.row.key)};
   std::lock_guard guard(mutex_);
   if (entries_.size() < kRows) {
     entries_.push_back(std::move(entry));

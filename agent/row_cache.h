@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -12,18 +13,27 @@
 
 namespace olt::agent {
 
+struct Walk;
+
 /// For any thread. Failures are not kept; that there is no row is.
 class RowCache {
  public:
   using Clock = std::chrono::steady_clock;
 
-  static constexpr size_t kRows = 256;
+  static constexpr size_t kRows = 512;
   static constexpr std::chrono::seconds kAge{1};
 
-  std::optional<Answer> find(const Table &table, Selection selection, const Key &key,
-                             Clock::time_point now = Clock::now());
+  struct Found {
+    std::shared_ptr<const Answer> answer;
+    Clock::time_point read;
+    /// The walk that was added with the answer, for the first who finds it: it is to go on.
+    std::shared_ptr<Walk> walk;
+  };
+
+  std::optional<Found> find(const Table &table, Selection selection, const Key &key,
+                            Clock::time_point now = Clock::now());
   void add(const Table &table, Selection selection, const Key &key, const Answer &answer,
-           Clock::time_point now = Clock::now());
+           Clock::time_point now = Clock::now(), std::shared_ptr<Walk> walk = nullptr);
   /// Must follow every write, also one of unknown outcome.
   void drop_all();
 
@@ -32,8 +42,7 @@ class RowCache {
     const Table *table = nullptr;
     Selection selection{};
     Key key;
-    Answer answer;
-    Clock::time_point read;
+    Found found;
     uint64_t hash = 0;      ///< of the key
     uint64_t row_hash = 0;  ///< of the key of the row
 

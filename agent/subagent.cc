@@ -44,6 +44,7 @@ constexpr timeval kDeadline{0, 700'000};
 /// After the deadline, until a module counts as lost. One that is only slow has then answered.
 constexpr timeval kGrace{2, 300'000};
 constexpr int kSecondsBetweenPings = 1;
+constexpr timeval kReconnectInterval{0, 100'000};
 /// Of a registration in front of snmpd's own, which have 127.
 constexpr int kPriorityOverHost = 100;
 constexpr const char *kOldValue = "old value";
@@ -138,6 +139,8 @@ class Subagent::Session {
     for (const Table &table : tables_) register_table(table);
     register_metrics();
     init_snmp(kName);  // connects, if the master is there
+    // Later attempts fail without a word.
+    netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_NO_CONNECTION_WARNINGS, 1);
     watch(done_.descriptor(), on_done);
     watch(signals_.get(), on_signal);
     if (options_.pace.count() > 0) {
@@ -151,7 +154,10 @@ class Subagent::Session {
 
   int run(const std::function<bool()> &may_end) {
     while (true) {
-      while (signal_ == 0) agent_check_and_process(1);
+      while (signal_ == 0) {
+        agent_check_and_process(1);
+        count_reads();
+      }
       if (signal_ != SIGHUP || may_end()) break;
       signal_ = 0;
     }
@@ -303,7 +309,24 @@ class Subagent::Session {
   static int on_session_lost(int /*major*/, int /*minor*/, void * /*server*/, void *session) {
     static_cast<Session *>(session)->is_connected_ = false;
     ++static_cast<Session *>(session)->metrics_.sessions_lost;
+    snmp_alarm_register_hr({0, 0}, 0, hasten_reconnection, nullptr);
     return 0;
+  }
+
+  /// The alarm that net-snmp registers right after this one tries to reconnect. It would do so each
+  /// second, as pings are sent: its interval has no fractions.
+  static void hasten_reconnection(unsigned alarm, void * /*unused*/) {
+    // New alarms are at the end of the list.
+    snmp_alarm *attempt = sa_find_next();
+    while (attempt != nullptr && attempt->clientreg != alarm + 1) attempt = attempt->next;
+    if (attempt == nullptr || attempt->clientarg != nullptr) return;
+    attempt->t = kReconnectInterval;
+    snmp_alarm_reset(attempt->clientreg);
+  }
+
+  void count_reads() {
+    metrics_.reads = 0;
+    for (const auto &[number, module] : modules_) metrics_.reads += module.worker->reads();
   }
 
   // Notifications.
@@ -337,9 +360,8 @@ class Subagent::Session {
     if (std::optional<Change> change = poller_.take(task)) {
       const Column &column = change->table->columns[change->column];
       Oid name = change->table->oid(options_.root);
-      for (uint32_t arc : name_of(*change->table, {change->column, change->row.key})) {
-        name.push_back(arc);
-      }
+      const Key below = name_of(*change->table, change->column, change->row.key);
+      name.insert(name.end(), below.begin(), below.end());
       notify(change->event, name, asn_type(column.type),
              value_of(column, change->row.record).number);
     }
@@ -435,16 +457,13 @@ class Subagent::Session {
     }
     if (!cell) return;
     add(request, info, {one, cell->column, is_passed_over},
-        {.table = of.table, .selection = Selection::kNext, .key = cell->key});
+        {.table = of.table, .selection = Selection::kNext, .key = std::move(cell->key)});
   }
 
   /// What follows the table's own name.
   static Key suffix(const Registration &of, const netsnmp_variable_list &variable) {
-    Key key;
-    for (size_t i = of.name.size(); i < variable.name_length; ++i) {
-      key.push_back(static_cast<uint32_t>(variable.name[i]));
-    }
-    return key;
+    if (variable.name_length < of.name.size()) return {};
+    return {variable.name + of.name.size(), variable.name + variable.name_length};
   }
 
   void add(Request &request, netsnmp_agent_request_info *info, Item item, Task task) {
@@ -461,7 +480,8 @@ class Subagent::Session {
   /// Takes the variable as far as the cache allows. @return whether it is answered
   bool advance(const Registration &of, netsnmp_agent_request_info *info, Item &item, Task &task) {
     while (auto known = cache_.find(*of.table, task.selection, task.key)) {
-      if (apply(of, info, item, task, *known)) return true;
+      if (known->walk != nullptr) of.module->worker->follow(std::move(known->walk));
+      if (apply(of, info, item, task, *known->answer)) return true;
     }
     return false;
   }
@@ -474,7 +494,8 @@ class Subagent::Session {
       netsnmp_variable_list *variable = item.request->requestvb;
       if (task.selection == Selection::kNext) {
         std::vector<oid> name = of.name;
-        for (uint32_t arc : name_of(*of.table, {item.column, answer.row.key})) name.push_back(arc);
+        const Key below = name_of(*of.table, item.column, answer.row.key);
+        name.insert(name.end(), below.begin(), below.end());
         snmp_set_var_objid(variable, name.data(), name.size());
       }
       set_value(variable, column, value_of(column, answer.row.record));
@@ -553,8 +574,6 @@ class Subagent::Session {
       Module &module =
           job == poll_ ? *polled_ : *std::static_pointer_cast<Request>(job)->of->module;
       get_unstuck(module);
-      metrics_.reads = 0;
-      for (const auto &[number, one] : modules_) metrics_.reads += one.worker->reads();
       if (job == poll_) {
         finish_poll();
         continue;

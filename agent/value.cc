@@ -54,25 +54,27 @@ Value value_of(const Column &column, ByteView record) {
     size_t bytes = record.size() - std::min<size_t>(record.size(), field.offset);
     return {static_cast<int64_t>(bytes / field.record_size)};
   }
-  Bytes bytes(field.width);
-  for (size_t i = 0; i < bytes.size() && field.offset + i < record.size(); ++i) {
-    bytes[i] = record[field.offset + i];
+  ByteView bytes = record.subspan(std::min<size_t>(field.offset, record.size()));
+  Bytes padded;
+  if (bytes.size() < field.width) {
+    padded.assign(bytes.begin(), bytes.end());
+    padded.resize(field.width);
+    bytes = padded;
   }
+  bytes = bytes.first(field.width);
   switch (column.type) {
     case SmiType::kInteger32:
     case SmiType::kUnsigned32:
     case SmiType::kEnumeration:
       return {number_of(column, bytes)};
-    case SmiType::kText: {
-      ByteView text(bytes);
-      return {0, {text.begin(), std::find(text.begin(), text.end(), 0)}};
-    }
+    case SmiType::kText:
+      return {0, {bytes.begin(), std::find(bytes.begin(), bytes.end(), 0)}};
     case SmiType::kPortList:
       return {0, with_bits_reversed(bytes)};
     case SmiType::kVlanIds:
       return {0, ids_in(bytes)};
     default:
-      return {0, std::move(bytes)};
+      return {0, {bytes.begin(), bytes.end()}};
   }
 }
 

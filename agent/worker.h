@@ -29,6 +29,25 @@ struct Task {
   Answer answer{};
 };
 
+/// A manager that asks for one row after the other. Its next rows are read before it asks for them,
+/// in batches: when it gets to the first row of one, the next one is read.
+struct Walk {
+  using Clock = RowCache::Clock;
+
+  static constexpr unsigned kLongestBatch = 16;
+
+  const Table *table;
+  Key last;  ///< the row read last
+  Clock::time_point begun{};
+  unsigned batch = 1;
+  unsigned left = 0;       ///< rows of the batch that are to be read
+  bool is_marked = false;  ///< a row in the cache calls for the next batch
+
+  /// The next batch is longer or shorter than the one before, so that the manager asks for its rows
+  /// while the cache still has them. @return false when it is too slow for that
+  bool begin_batch(Clock::time_point now);
+};
+
 /// Tasks that are answered together. Whoever submits one does not touch it until it is done.
 struct Job {
   Job() = default;
@@ -67,13 +86,20 @@ class Worker {
   ~Worker();
 
   void submit(std::shared_ptr<Job> job);
+  /// Reads the next batch of the walk, a row at a time and after all jobs.
+  void follow(std::shared_ptr<Walk> walk);
   bool is_idle() const;
   /// Rows read from the module.
   uint32_t reads() const { return reads_; }
 
  private:
   void run();
+  void perform(Job &job);
   void perform(Task &task);
+  Answer read(const Table &table, Selection selection, const Key &key,
+              const std::shared_ptr<Walk> &walk = nullptr);
+  /// Reads one row. @return whether the batch goes on
+  bool read_ahead(const std::shared_ptr<Walk> &walk);
 
   const RowReader &reader_;
   RowCache &cache_;
@@ -81,6 +107,7 @@ class Worker {
   mutable std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::shared_ptr<Job>> jobs_;
+  std::deque<std::shared_ptr<Walk>> walks_;
   bool is_busy_ = false;
   bool is_ending_ = false;
   std::atomic<uint32_t> reads_{0};

@@ -59,8 +59,8 @@ TEST(Cell, AfterAnyNameIsLookedForWhereItCanBe) {
 }
 
 TEST(Cell, HasTheNameThatItIsFoundBy) {
-  EXPECT_EQ(agent::name_of(two_columns(false), {1, {7, 8}}), (Key{1, 14, 7, 8}));
-  EXPECT_EQ(agent::name_of(two_columns(true), {0, {0}}), (Key{10, 0}));
+  EXPECT_EQ(agent::name_of(two_columns(false), 1, {7, 8}), (Key{1, 14, 7, 8}));
+  EXPECT_EQ(agent::name_of(two_columns(true), 0, {0}), (Key{10, 0}));
 }
 
 }  // namespace

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <memory>
+
+#include "agent/worker.h"
 
 namespace olt::test {
 
@@ -24,7 +27,8 @@ TEST(RowCache, AnswersForTheKeyAndForTheRowFound) {
   cache.add(table, Selection::kNext, {1, 1}, {Outcome::kFound, {{1, 2}, {42}}}, kNow);
   auto next = cache.find(table, Selection::kNext, {1, 1}, kNow);
   ASSERT_TRUE(next);
-  EXPECT_EQ(next->row.record, Bytes{42});
+  EXPECT_EQ(next->answer->row.record, Bytes{42});
+  EXPECT_EQ(next->read, kNow);
   EXPECT_TRUE(cache.find(table, Selection::kThis, {1, 2}, kNow));
   EXPECT_FALSE(cache.find(table, Selection::kThis, {1, 1}, kNow));
   EXPECT_FALSE(cache.find(table, Selection::kNext, {1, 2}, kNow));
@@ -38,7 +42,7 @@ TEST(RowCache, KeepsThatThereIsNoRowButNoFailure) {
   cache.add(table, Selection::kNext, {8}, {Outcome::kFailed}, kNow);
   auto none = cache.find(table, Selection::kNext, {9}, kNow);
   ASSERT_TRUE(none);
-  EXPECT_EQ(none->outcome, Outcome::kNone);
+  EXPECT_EQ(none->answer->outcome, Outcome::kNone);
   EXPECT_FALSE(cache.find(table, Selection::kNext, {8}, kNow));
 }
 
@@ -55,12 +59,24 @@ TEST(RowCache, ForgetsAfterASecondAndAfterAWrite) {
 TEST(RowCache, KeepsTheLastRows) {
   RowCache cache;
   Table table;
-  for (uint32_t i = 1; i <= 300; ++i) {
+  for (uint32_t i = 1; i <= 600; ++i) {
     cache.add(table, Selection::kThis, {i}, {Outcome::kFound, {{i}, {}}}, kNow);
   }
-  EXPECT_FALSE(cache.find(table, Selection::kThis, {44}, kNow));
-  EXPECT_TRUE(cache.find(table, Selection::kThis, {45}, kNow));
-  EXPECT_TRUE(cache.find(table, Selection::kThis, {300}, kNow));
+  EXPECT_FALSE(cache.find(table, Selection::kThis, {88}, kNow));
+  EXPECT_TRUE(cache.find(table, Selection::kThis, {89}, kNow));
+  EXPECT_TRUE(cache.find(table, Selection::kThis, {600}, kNow));
+}
+
+TEST(RowCache, HandsAWalkToTheFirstWhoFindsItsRow) {
+  RowCache cache;
+  Table table;
+  auto walk = std::make_shared<agent::Walk>();
+  cache.add(table, Selection::kNext, {1}, {Outcome::kFound, {{2}, {}}}, kNow, walk);
+  auto first = cache.find(table, Selection::kNext, {1}, kNow);
+  auto second = cache.find(table, Selection::kNext, {1}, kNow);
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(first->walk, walk);
+  EXPECT_EQ(second->walk, nullptr);
 }
 
 }  // namespace
