@@ -79,7 +79,7 @@ void set_value(netsnmp_variable_list *variable, const Column &column, const Valu
 /// The value that a manager wants to set; its type must be the column's.
 Value value_in(const netsnmp_variable_list &variable, const Column &column) {
   if (column.type == SmiType::kUnsigned32) {
-    return {static_cast<int64_t>(*variable.val.integer & UINT32_MAX)};
+    return {static_cast<uint32_t>(*variable.val.integer)};
   }
   if (is_number(column.type)) return {*variable.val.integer};
   return {0, {variable.val.string, variable.val.string + variable.val_len}};
@@ -144,8 +144,8 @@ class Subagent::Session {
     watch(done_.descriptor(), on_done);
     watch(signals_.get(), on_signal);
     if (options_.pace.count() > 0) {
-      timeval pace{options_.pace.count() / 1000, options_.pace.count() % 1000 * 1000};
-      snmp_alarm_register_hr(pace, SA_REPEAT, on_turn, this);
+      auto pace = static_cast<long>(options_.pace.count());
+      snmp_alarm_register_hr({pace / 1000, pace % 1000 * 1000}, SA_REPEAT, on_turn, this);
     }
   }
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Provides what the library is built and tested with for 32-bit little-endian MIPS, as links in
 # build/target-sysroots:
-#   gnu     packages for the GNU C library: GoogleTest and what the programs are made with
+#   gnu     packages for the GNU C library: GoogleTest and what the programs are made with, net-snmp too
 #   musl    musl, and a file with which the compiler uses it
 #   uclibc  uClibc-ng, built from its sources, and a file with which the compiler uses it
 # usage: scripts/target_sysroots.sh
@@ -19,10 +19,15 @@ links=build/target-sysroots
 # will lie at $1.
 
 make_gnu() {
+  # From libsnmp-dev on, net-snmp and what its headers and its two libraries need.
   download_packages libasio-dev libcli11-dev nlohmann-json3-dev libfmt-dev libfmt9 \
-    libedit-dev libedit2 libbsd0 libmd0 libtinfo6 libgtest-dev libgmock-dev
+    libedit-dev libedit2 libbsd0 libmd0 libtinfo6 libgtest-dev libgmock-dev \
+    libsnmp-dev libsnmp40 libssl-dev libssl3 libperl5.36 libcrypt1 libwrap0 libnsl2 libtirpc3 \
+    libgssapi-krb5-2 libkrb5-3 libk5crypto3 libkrb5support0 libkeyutils1 libcom-err2
   local package
   for package in *.deb; do dpkg -x "$package" sysroot; done
+  # The compiler looks in one folder for headers.
+  cp -a sysroot/usr/include/mipsel-linux-gnu/. sysroot/usr/include/
 }
 
 make_musl() {

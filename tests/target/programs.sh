@@ -3,31 +3,17 @@
 # process and reads the listing that the box writes.
 # usage: programs.sh OLTBOX OLTCTL EMULATOR [EMULATOR_ARGUMENT...]
 set -euo pipefail
+# shellcheck source=tests/target/servers.sh
+. "$(dirname "$0")/servers.sh"
 
 oltbox=$1
 oltctl=$2
 emulate=("${@:3}")
-folder=$(mktemp -d)
-export OLT_RUN_DIR=$folder/run
 
-"${emulate[@]}" "$oltbox" --state-dir "$folder/state" >"$folder/output" &
-box=$!
-
-finish() {
-  [ -z "$box" ] || ! kill -0 "$box" 2>/dev/null || kill -KILL "$box"
-  rm -rf "$folder"
-}
-trap finish EXIT
-
-for ((i = 0; i < 300; i++)); do
-  ! grep -q '^oltbox: serving' "$folder/output" || break
-  kill -0 "$box" || exit 1
-  sleep 0.1
-done
-
+serve box '^oltbox: serving' "${emulate[@]}" "$oltbox" --state-dir "$folder/state"
 "${emulate[@]}" "$oltctl" add_vlan_list vlans=10,20-22
 "${emulate[@]}" "$oltctl" get_vlan_all >"$folder/listing"
-diff -u - "$folder/listing" <<'END'
+diff -u - "$folder/listing" <<'TEXT'
 name = vlan-00000001.txt
 VLANs of olt
 ============
@@ -40,9 +26,5 @@ VLAN  Tagged ports  Untagged ports  Description
 20    -             -               -
 21    -             -               -
 22    -             -               -
-END
-
-# On SIGTERM, the box ends with exit status 0.
-kill "$box"
-wait "$box"
-box=
+TEXT
+end box
