@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
 # The SNMP agent on the target, under emulation, between an oltbox there and this machine's snmpd: what
-# managers read, set and are notified of. All sockets are Unix ones.
-# usage: agent.sh OLTBOX OLTSNMP MIB_MODULE SNMPD SNMPTRAPD EMULATOR [EMULATOR_ARGUMENT...]
+# managers read, set and are notified of. All sockets are Unix ones. Then the agent over a platform library
+# of its own.
+# usage: agent.sh OLTBOX OLTSNMP OLTSNMP_ON_SKELETON MIB_MODULE SNMPD SNMPTRAPD EMULATOR [EMULATOR_ARGUMENT...]
 set -euo pipefail
 # shellcheck source=tests/target/servers.sh
 . "$(dirname "$0")/servers.sh"
 
 oltbox=$1
 oltsnmp=$2
-mib_module=$3
-snmpd=$4
-snmptrapd=$5
-emulate=("${@:6}")
+on_skeleton=$3
+mib_module=$4
+snmpd=$5
+snmptrapd=$6
+emulate=("${@:7}")
 root=.1.3.6.1.4.1.32473
 
 mkdir "$folder/persistent"
@@ -85,5 +87,13 @@ wait_for grep -q "OID: $root.0.5	$root.1.75.1.26.1.3 = INTEGER: 0" "$folder/trap
 
 end agent
 end box
+
+serve agent 'AgentX subagent connected' \
+  "${emulate[@]}" "$on_skeleton" --agentx "$folder/agentx" --pace 0
+wait_for has_read 0
+diff -u - <(snmp snmpget .1.12.10.0) <<TEXT
+$root.1.12.10.0 "02 00 5E 10 20 30 "
+TEXT
+end agent
 end snmpd
 end traps.txt

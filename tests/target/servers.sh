@@ -12,7 +12,7 @@ serve() { # NAME TEXT COMMAND [ARGUMENT...]
   servers[$1]=$!
   for ((i = 0; i < 300; i++)); do
     ! grep -q "$2" "$folder/$1" || return 0
-    kill -0 "${servers[$1]}" || break
+    kill -0 "${servers[$1]}" 2>/dev/null || break
     sleep 0.1
   done
   echo "${0##*/}: $1 does not say '$2'" >&2
@@ -28,7 +28,7 @@ end() { # NAME
 }
 
 finish() {
-  [ ${#servers[@]} -eq 0 ] || kill -KILL "${servers[@]}"
+  [ ${#servers[@]} -eq 0 ] || kill -KILL "${servers[@]}" 2>/dev/null || true
   rm -rf "$folder"
 }
 trap finish EXIT
