@@ -203,12 +203,12 @@ static void store(void *at, uint32_t word) {
 /// in between, the file ends within it.
 static bool pad(uint64_t end) {
   uint32_t left = (uint32_t)(window.end - window.at);
-  uint32_t block[2] = {kPaddingBlock, (uint32_t)(end - file.end) + left};
+  uint32_t length = (uint32_t)(end - file.end) + left;
   if (left > 0)
-    store(window.at + 4, block[1]);
-  else if (!put(block, sizeof block, file.end))
+    store(window.at + 4, length);
+  else if (!put((uint32_t[3]){kPaddingBlock, length, length}, kMinPadding, file.end))
     return false;
-  return put(&block[1], 4, end - 4);
+  return put(&length, 4, end - 4);
 }
 
 /// Takes the space on the disk: writing to a mapped page must not fail.
