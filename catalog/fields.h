@@ -126,6 +126,8 @@ concept WordsOnly = requires {
 template <typename Record>
 inline constexpr FieldKind kFormOf = WordsOnly<Record> ? FieldKind::kNumbers : FieldKind::kBytes;
 template <>
+inline constexpr FieldKind kFormOf<olt_link_dba> = FieldKind::kNumbers;
+template <>
 inline constexpr FieldKind kFormOf<olt_mac> = FieldKind::kMac;
 template <>
 inline constexpr FieldKind kFormOf<olt_ont_target> = FieldKind::kOnt;

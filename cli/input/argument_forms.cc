@@ -1,10 +1,13 @@
 #include "cli/input/argument_forms.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
+#include <optional>
 #include <system_error>
 #include <vector>
 
+#include "box/wire/records.h"
 #include "cli/text/field_forms.h"
 #include "cli/text/file.h"
 #include "cli/text/list_text.h"
@@ -89,12 +92,17 @@ Bytes said(const Field &whole, std::string_view text) {
   return bytes;
 }
 
+/// Whether the text is a list or a text in JSON.
+bool is_json(std::string_view text) {
+  return text.starts_with('[') || text.starts_with('"');
+}
+
 void read_value(Call &call, size_t place, std::string_view text) {
   Field whole = argument_at(call, place).whole();
   const FieldForm &form = form_of(whole.kind);
   if (form.fits != nullptr && text.starts_with('@')) {
     call.set_bytes(place, 0, of_size(whole.width, file(text.substr(1))));
-  } else if (form.fits == nullptr || form.fits(text)) {
+  } else if (form.fits == nullptr || is_json(text) || form.fits(text)) {
     call.set_bytes(place, 0, said(whole, text));
   } else if (text.find(':') == std::string_view::npos) {
     call.set_bytes(place, 0, of_size(whole.width, parse_hex(text)));
@@ -145,6 +153,46 @@ std::vector<Item> items(std::string_view text, char separator) {
   return split_lines({reinterpret_cast<const char *>(content.data()), content.size()});
 }
 
+/// Records as results and traces show them: objects in JSON, or fields in braces.
+std::optional<Bytes> records_in(std::string_view text, const Argument &argument) {
+  bool is_list = text.starts_with("[{") || text.starts_with('{');
+  if (!is_list || argument.fields.empty()) return std::nullopt;
+  return parse_field({.name = argument.name,
+                      .offset = 0,
+                      .width = Field::kToTheEnd,
+                      .kind = FieldKind::kRecords,
+                      .record_size = argument.size,
+                      .record = argument.fields},
+                     text);
+}
+
+/// Numbers in JSON as they are typed.
+std::string_view without_brackets(std::string_view text) {
+  bool is_list = text.starts_with('[') && text.ends_with(']');
+  return is_list ? text.substr(1, text.size() - 2) : text;
+}
+
+/// A record as an item: "10-20:uplink".
+Item vlan_item(ByteView record, size_t number) {
+  box::DescribedVlan vlan{};
+  std::memcpy(&vlan, record.data(), record.size());
+  std::string text = fmt::to_string(vlan.first);
+  if (vlan.last != 0) text += fmt::format("-{}", vlan.last);
+  std::string description = text_in(as_bytes({vlan.description, sizeof vlan.description}));
+  if (!description.empty()) text += fmt::format(":{}", description);
+  return {fmt::format("item {}", number), text};
+}
+
+std::vector<Item> vlan_items(std::string_view text, const Argument &argument) {
+  std::optional<Bytes> records = records_in(text, argument);
+  if (!records) return items(without_brackets(text), ',');
+  std::vector<Item> all;
+  for (ByteView rest = *records; !rest.empty(); rest = rest.subspan(argument.size)) {
+    all.push_back(vlan_item(rest.first(argument.size), all.size() + 1));
+  }
+  return all;
+}
+
 std::string example_vlans(const Argument &argument) {
   return argument.described_bytes() == 0 ? "10,20-25" : "10:uplink,20-25:users";
 }
@@ -158,12 +206,12 @@ std::string expected_vlans(const Argument &argument) {
 }
 
 void read_vlan_list(Call &call, size_t place, std::string_view text) {
-  uint32_t description = argument_at(call, place).described_bytes();
-  call.set_vlans(place, read_vlans(items(text, ','), description));
+  const Argument &argument = argument_at(call, place);
+  call.set_vlans(place, read_vlans(vlan_items(text, argument), argument.described_bytes()));
 }
 
 void read_ids(Call &call, size_t place, std::string_view text) {
-  std::vector<uint16_t> ids = read_vlan_ids(items(text, ','));
+  std::vector<uint16_t> ids = read_vlan_ids(items(without_brackets(text), ','));
   const auto *bytes = reinterpret_cast<const uint8_t *>(ids.data());
   call.set_stream(place, {bytes, bytes + ids.size() * sizeof ids[0]});
 }
@@ -193,7 +241,9 @@ std::string example_entries(const Argument &argument) {
 }
 
 void read_entry_list(Call &call, size_t place, std::string_view text) {
-  call.set_stream(place, read_entries(items(text, ';'), argument_at(call, place)));
+  const Argument &argument = argument_at(call, place);
+  std::optional<Bytes> records = records_in(text, argument);
+  call.set_stream(place, records ? *records : read_entries(items(text, ';'), argument));
 }
 
 constexpr ArgumentForm kForms[] = {

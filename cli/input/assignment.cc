@@ -53,14 +53,28 @@ bool has_field(const Argument &argument, std::string_view name) {
                      [name](const Field &field) { return field.name == name; });
 }
 
-/// The targets that a name fits: the argument of that name alone, else every field of that name. A
-/// record with a field of its own name is meant as a whole when a file is given.
-std::vector<Target> targets(const Operation &operation, std::string_view name, bool is_file) {
+/// Whether only a record as a whole can have the value: a file, or an object in JSON.
+bool is_of_record(std::string_view value) {
+  return value.starts_with('@') || is_object(value);
+}
+
+/// Whether a field of the record's own name begins an ONT, which is given as a whole.
+bool begins_ont(const Argument &argument, std::string_view name) {
+  if (argument.form != catalog::FieldKind::kOnt) return false;
+  const Field &first = argument.fields.front();
+  return first.name == name && first.kind == catalog::FieldKind::kOnt;
+}
+
+/// The targets that a name fits: the argument of that name alone, else every field of that name.
+/// Where a record has a field of its own name, the name means the field.
+std::vector<Target> targets(const Operation &operation, std::string_view name,
+                            std::string_view value) {
   std::vector<Target> found;
   for (size_t place = 0; place < operation.argument_count; ++place) {
     const Argument &argument = operation.arguments()[place];
     if (!argument.takes_value()) continue;
-    bool is_whole = argument.name == name && (is_file || !has_field(argument, name));
+    bool is_whole = argument.name == name && (is_of_record(value) || !has_field(argument, name) ||
+                                              begins_ont(argument, name));
     if (is_whole) return {{place, nullptr}};
     for (const Field &field : argument.own_fields()) {
       if (field.name == name || fmt::format("{}.{}", argument.name, field.name) == name) {
@@ -83,8 +97,8 @@ void refuse_field_of_item(const Operation &operation, std::string_view name) {
   }
 }
 
-Target resolve(const Operation &operation, std::string_view name, bool is_file) {
-  std::vector<Target> found = targets(operation, name, is_file);
+Target resolve(const Operation &operation, std::string_view name, std::string_view value) {
+  std::vector<Target> found = targets(operation, name, value);
   if (found.empty()) refuse_field_of_item(operation, name);
   if (found.empty()) {
     wrong_usage("{}: there is no argument '{}'; expected: {}", operation.name, name,
@@ -138,6 +152,10 @@ size_t slash_of_interface(std::string_view word) {
 
 }  // namespace
 
+bool is_object(std::string_view value) {
+  return value.starts_with("{\"");
+}
+
 size_t next_place(const Operation &operation, std::span<const Assignment> taken) {
   for (size_t place = 0; place < operation.argument_count; ++place) {
     if (operation.arguments()[place].is_input() && !is_taken(taken, place)) return place;
@@ -152,7 +170,7 @@ std::vector<Assignment> assign(const Operation &operation, std::span<const std::
     std::string_view name = name_in(value);
     if (!name.empty()) value.remove_prefix(name.size() + 1);
     Target target = name.empty() ? next_in_order(operation, assignments, words[i])
-                                 : resolve(operation, name, value.starts_with('@'));
+                                 : resolve(operation, name, value);
     for (const Assignment &other : assignments) {
       if (other.place == target.place && other.field == target.field) {
         wrong_usage("{}: {} is given twice; expected once", operation.name,

@@ -29,6 +29,9 @@ struct Assignment {
 std::vector<Assignment> assign(const catalog::Operation &operation,
                                std::span<const std::string> words);
 
+/// Whether a value is an object in JSON, not records in braces.
+bool is_object(std::string_view value);
+
 /// The argument that the next word without a name goes to; the number of arguments without any.
 size_t next_place(const catalog::Operation &operation, std::span<const Assignment> taken);
 

@@ -184,6 +184,45 @@ TEST(Records, AreTakenFieldByField) {
             "takes_record: debug_op is given twice; expected once");
 }
 
+TEST(Records, AreTakenAsJson) {
+  EXPECT_EQ(record_of({R"({"debug_op":"write","debug_value":7})"}), "010000000000000007000000");
+  EXPECT_EQ(record_of({R"(record={"debug_value":7})", "debug_op=5"}), "050000000000000007000000");
+  EXPECT_EQ(record_of({"\"01020304 05060708 090a0b0c\""}), "0102030405060708090a0b0c");
+  EXPECT_EQ(error_for(kRecord, {R"({"debug_op":"write","size":7})"}),
+            "takes_record: record: there is no field 'size'; expected: debug_op, reserved_04, "
+            "debug_value");
+  EXPECT_EQ(error_for(kRecord, {R"({"debug_op":"wriet"})"}),
+            "takes_record: debug_op: 'wriet' given; expected read, write, or a number");
+  EXPECT_EQ(error_for(kRecord, {R"({"debug_op":)"}),
+            "takes_record: record: is no object in JSON; expected one with the record's fields");
+}
+
+TEST(Records, ThatHaveAFieldOfTheirNameAreTakenAsJson) {
+  Call call(*olt::catalog::find("set_rstp_port_config"));
+  Words words = {R"(port={"slot":1,"port":2,"edge":"yes"})"};
+  read_arguments(call, words);
+  EXPECT_EQ(to_hex(call.bytes(0).first(16)), "01000000020000000000000000000100");
+}
+
+TEST(Records, KeepASecretThatIsMasked) {
+  Call call(*olt::catalog::find("set_snmp_param"));
+  Words words = {R"({"read_community":"********","trap_community":"abc"})"};
+  read_arguments(call, words);
+  EXPECT_FALSE(call.is_given(0, 0, 32));
+  EXPECT_FALSE(call.is_given(0, 32, 32));
+  EXPECT_TRUE(call.is_given(0, 64, 32));
+}
+
+TEST(Lists, InJsonAreChecked) {
+  const auto &add = *olt::catalog::find("add_vlan_list");
+  EXPECT_TRUE(error_for(add, {R"([{"first":10},{"first":5,"last":4}])"})
+                  .starts_with("add_vlan_list: vlans: item 2: '5-4' ends before it begins; "));
+  EXPECT_TRUE(error_for(add, {R"([{"first":0}])"})
+                  .starts_with("add_vlan_list: vlans: item 1: '0' is not a VLAN id; "));
+  EXPECT_TRUE(error_for(add, {R"([{"id":7}])"})
+                  .starts_with("add_vlan_list: vlans: there is no field 'id'; "));
+}
+
 TEST(Records, OfOneCallAreToldApart) {
   Call call(kTwoRecords);
   Words words = {"one.debug_op=1", "other.debug_value=2"};

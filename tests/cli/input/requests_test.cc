@@ -165,6 +165,23 @@ TEST_F(Requests, CarryWhatFollowsATarget) {
   EXPECT_EQ(request_of({"set_ont_fax", "1/2/3", "0102"}), "141 " + kOnt + zeros(72) + "0102");
 }
 
+TEST_F(Requests, TakeListsAsTheyAreShown) {
+  for (const char *list : {"10,20-25", R"([{"first":10,"last":0},{"first":20,"last":25}])",
+                           "{first=10 last=0} {first=20 last=25}"}) {
+    EXPECT_EQ(request_of({"add_vlan_list", list}), "19 0a00000014001900") << list;
+  }
+  EXPECT_EQ(request_of({"add_muticastvlan_list", "[10,20]"}), "149 0a00000014000000");
+  EXPECT_EQ(request_of({"add_vlan_descr_list", R"([{"first":10,"description":"a, b"}])"}),
+            "21 0a000000612c2062" + zeros(28));
+  EXPECT_EQ(request_of({"add_ont_port_muticastvlan", "1/2/3:4", "[10,20]"}).substr(4 + 2 * 88),
+            "0a001400");
+  EXPECT_EQ(request_of(
+                {"add_authallowed_mac", "1/2",
+                 R"([{"mac":"02:00:00:00:00:01","loid":"site} 17"},{"loid":"b","password":"p"}])"}),
+            "112 0100000002000000" + zeros(72) + "0200000000010000736974657d203137" + zeros(28) +
+                zeros(8) + "62" + zeros(23) + "70" + zeros(11));
+}
+
 TEST_F(Requests, CarryEntries) {
   std::string one = "020000000001" + zeros(38);
   std::string other = zeros(8) + "73697465" + zeros(20) + "7077" + zeros(10);

@@ -2,6 +2,7 @@
 // embedded box under a layout of one's own, and the command that shows layouts.
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstring>
@@ -217,6 +218,24 @@ TEST_F(AcmesModule, IsReadByItsOwnFields) {
       oltctl({"--json", "get_system_network"}).output,
       R"("outputs":{"network":{"mode":"fixed","address":"192.0.2.1","power":-1.25,"key":"********",)"
       R"("routes":[{"to":"0.0.0.0","hops":0},{"to":"0.0.0.0","hops":0}]}})"));
+}
+
+TEST_F(AcmesModule, TakesWhatItShows) {
+  acme_.network[0] = 1;
+  for (size_t i = 2; i < 28; ++i) acme_.network[i] = static_cast<uint8_t>(i + 0x40);
+  std::vector<uint8_t> before = acme_.network;
+  std::string shown = oltctl({"--json", "--show-secrets", "get_system_network"}).output;
+  std::string object = nlohmann::ordered_json::parse(shown)["outputs"]["network"].dump();
+  Finished set = oltctl({"set_system_ipaddress", "network=" + object});
+  EXPECT_EQ(set.status, 0) << set.errors;
+  EXPECT_EQ(acme_.network, before);
+}
+
+TEST_F(AcmesModule, TakesAnOntWhoseRecordHasAFieldOfItsName) {
+  Finished read = oltctl({"--trace", "process_onu_portdownrate", "ont=1/2/3:4"});
+  EXPECT_TRUE(holds(read.errors, "  0000  01 00 00 00 02 00 00 00 03 00 00 00 01 00 00 00"))
+      << read.errors;
+  EXPECT_TRUE(holds(read.errors, "  0010  04 00 00 00 ")) << read.errors;
 }
 
 TEST_F(AcmesModule, HasStatusesOfItsOwn) {
