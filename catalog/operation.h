@@ -65,12 +65,16 @@ struct Field {
   std::span<const ValueName> values{};  ///< of numbers and flags that have names
   const char *unit = nullptr;           ///< of a number: "kbit/s"
   std::span<const Field> record{};      ///< the fields of each of kRecords
+  bool brief = false;                   ///< of kRecords: only fields that have content are shown
 
   /// Whether it is a secret, or a record or list in which one is.
   constexpr bool holds_secret() const {
     return secret || std::any_of(record.begin(), record.end(),
                                  [](const Field &inner) { return inner.holds_secret(); });
   }
+
+  /// Whether it says what the record holds or is about.
+  constexpr bool has_content() const { return role != Role::kReserved && role != Role::kSelector; }
 
   /// Bytes that a text in the field may have.
   constexpr uint32_t longest_text() const { return kind == FieldKind::kText ? width - 1 : width; }

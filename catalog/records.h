@@ -406,6 +406,13 @@ inline constexpr Field kGlobalInfoFields[] = {
     records<box::GlobalInfoPart>("parts", sizeof(box::GlobalInfoHead), kGlobalInfoPartFields),
 };
 
+/// Connections that are kept, with what was last done to them.
+inline constexpr auto kKeptConnectionFields = [] {
+  auto fields = std::to_array(kWanConnectionFields);
+  fields[0].role = Role::kPlain;
+  return fields;
+}();
+
 /// A head, and what its last word counts.
 inline constexpr Field kWanInfoFields[] = {
     OLT_FIELD(box::WanInfoHead, slot),
@@ -416,7 +423,7 @@ inline constexpr Field kWanInfoFields[] = {
     OLT_FIELD(box::WanInfoHead, record_size),
     reserved(OLT_FIELD(box::WanInfoHead, reserved_18)),
     OLT_FIELD(box::WanInfoHead, length),
-    records<box::WanConnection>("connections", sizeof(box::WanInfoHead), kWanConnectionFields),
+    records<box::WanConnection>("connections", sizeof(box::WanInfoHead), kKeptConnectionFields),
 };
 
 inline constexpr Field kIadInfoFields[] = {
@@ -481,8 +488,8 @@ inline constexpr std::span<const Field> kFieldsOf<olt_uni_port_info> = kUniPortI
 
 /// A target in which a limit comes back.
 inline constexpr Field kGroupLimitFields[] = {
-    row_name(OLT_FIELD(box::GroupLimitTarget, target)),
-    row_name(OLT_FIELD(box::GroupLimitTarget, target_kind)),
+    row_name(of_kind(FieldKind::kOnt, OLT_FIELD(box::GroupLimitTarget, target))),
+    selector(named(kRows, OLT_FIELD(box::GroupLimitTarget, target_kind))),
     OLT_FIELD(box::GroupLimitTarget, port),
     named(kNoLimit, OLT_FIELD(box::GroupLimitTarget, group_limit)),
     reserved(OLT_FIELD(box::GroupLimitTarget, reserved_18)),

@@ -7,7 +7,6 @@ namespace olt::cli {
 using catalog::Argument;
 using catalog::Field;
 using catalog::FieldKind;
-using catalog::Role;
 
 namespace {
 
@@ -17,6 +16,7 @@ NamedValue value_of(Field field, ByteView record, const Detail &detail) {
   if (field.width == Field::kToTheEnd) {
     field.width = static_cast<uint32_t>(record.size() - field.offset);
   }
+  field.brief = !detail.all;
   ByteView bytes = record.subspan(field.offset, field.width);
   return {detail.raw ? without_meaning(field) : field,
           {bytes.begin(), bytes.end()},
@@ -24,7 +24,7 @@ NamedValue value_of(Field field, ByteView record, const Detail &detail) {
 }
 
 bool is_shown(const Field &field, const Detail &detail) {
-  return detail.all || (field.role != Role::kReserved && field.role != Role::kSelector);
+  return detail.all || field.has_content();
 }
 
 /// A block shorter than its head is shown as it is.

@@ -773,6 +773,7 @@ std::string text_of_records(const Field &field, ByteView bytes) {
   ByteView rest = each_record(field, bytes, [&](ByteView record) {
     std::vector<std::string> words;
     for (const Field &inner : field.record) {
+      if (field.brief && !inner.has_content()) continue;
       ByteView value = bytes_of_field(inner, record);
       words.push_back(fmt::format("{}={}", inner.name,
                                   inner.kind == FieldKind::kBytes
@@ -790,6 +791,7 @@ ordered_json json_of_records(const Field &field, ByteView bytes) {
   ByteView rest = each_record(field, bytes, [&](ByteView record) {
     ordered_json object = ordered_json::object();
     for (const Field &inner : field.record) {
+      if (field.brief && !inner.has_content()) continue;
       object[inner.name] = form_of(inner.kind).json(inner, bytes_of_field(inner, record));
     }
     records.push_back(std::move(object));

@@ -116,6 +116,38 @@ TEST(Format, WritesRecordsOfWordsByFieldWhereTheyHaveSome) {
             "selector = next\nprofile = b\nchannels = 7\nfirst = 0\n");
 }
 
+constexpr Field kItem[] = {{"step", 0, 1, FieldKind::kNumber, olt::catalog::Role::kSelector},
+                           {"reserved_01", 1, 1, FieldKind::kBytes, olt::catalog::Role::kReserved},
+                           {"size", 2, 2, FieldKind::kNumber}};
+constexpr Field kItems[] = {{.name = "items",
+                             .offset = 0,
+                             .width = 8,
+                             .kind = FieldKind::kRecords,
+                             .record_size = 4,
+                             .record = kItem},
+                            {"rest", 8, 52, FieldKind::kBytes, olt::catalog::Role::kReserved}};
+int32_t reads_items(olt_auth_row *items) {
+  items->words[0] = 0x00070102;
+  return 0;
+}
+constexpr auto kReadsItems =
+    OLT_OPERATION(reads_items, 1, "", {olt::catalog::laid_out("items", kItems, "items")});
+
+TEST(Format, RecordsInRecordsAreShownWithoutWhatIsReservedOrSelects) {
+  Call call(kReadsItems);
+  int32_t result = call.make();
+  EXPECT_EQ(make_text_formatter()->result(olt::cli::result_of(call, result, {})),
+            "items = {size=7} {size=0}\n");
+  std::string json = make_json_formatter()->result(olt::cli::result_of(call, result, {}));
+  EXPECT_EQ(nlohmann::ordered_json::parse(json)["outputs"].dump(),
+            R"({"items":{"items":[{"size":7},{"size":0}]}})");
+  EXPECT_TRUE(
+      text_of(call, result)
+          .starts_with(
+              "items = {step=2 reserved_01=01 size=7} {step=0 reserved_01=00 size=0}\nrest = "))
+      << text_of(call, result);
+}
+
 TEST(Format, WritesALinePerOutput) {
   Call call(kAllKinds);
   int32_t result = call.make();
