@@ -1,6 +1,8 @@
 #include "catalog/catalog.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -41,12 +43,14 @@ constexpr Family kFamilies[] = {
     {"SNMP tables of the OLT", kSnmpOltTables},
 };
 
-constexpr Module kModules[] = {
-    {Address::kMain, "main"},
-    {kOamModule, "oam"},
-    {kLogModule, "log"},
-    {kRstpModule, "rstp"},
-};
+constexpr auto kModules = [] {
+  std::array<Module, std::size(kModuleNames)> modules{};
+  std::transform(std::begin(kModuleNames), std::end(kModuleNames), modules.begin(),
+                 [](const ValueName &module) {
+                   return Module{static_cast<uint8_t>(module.value), module.name};
+                 });
+  return modules;
+}();
 
 /// Each place once.
 class WireSecrets {

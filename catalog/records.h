@@ -104,7 +104,7 @@ inline constexpr Field kRstpPortFields[] = {
     row_name(OLT_FIELD(box::RstpPort, port)),
     named(kOffOn, OLT_FIELD(box::RstpPort, rstp_state)),
     OLT_FIELD(box::RstpPort, priority),
-    OLT_FIELD(box::RstpPort, path_cost),
+    named(kPathCosts, OLT_FIELD(box::RstpPort, path_cost)),
     named(kNoYes, OLT_FIELD(box::RstpPort, edge)),
     named(kNoYes, OLT_FIELD(box::RstpPort, point_to_point)),
     reserved(OLT_FIELD(box::RstpPort, reserved_10)),

@@ -12,6 +12,7 @@ namespace olt::catalog {
 inline constexpr uint32_t kUserText = 31;
 inline constexpr uint8_t kOamModule = 18;
 inline constexpr uint8_t kLogModule = 22;
+inline constexpr Mark kModule = named(kModuleNames, such_as("main", "module"));
 
 inline constexpr Operation kSystemControl[] = {
     OLT_OPERATION(do_set_ukernel_inserver, 5, "Sets the micro-kernel in-service state"),
@@ -92,9 +93,9 @@ inline constexpr Operation kSystemInformation[] = {
 
 inline constexpr Operation kLogAndDebug[] = {
     OLT_OPERATION(set_debug_enable, {2, Address::kNamedByCaller},
-                  "Sets the debug switches of one module", {such_as("2", "module"), "value"}),
+                  "Sets the debug switches of one module", {kModule, "value"}),
     OLT_OPERATION(show_memory_info, {3, Address::kNamedByCaller},
-                  "Lists one module's use of memory", {such_as("2", "module"), "name"}, {},
+                  "Lists one module's use of memory", {kModule, "name"}, {},
                   from_record<box::ListingName>()),
     OLT_OPERATION(get_olt_support_oam, {4, kOamModule}, "Reads which OAM the OLT supports",
                   {"value"}),
@@ -107,7 +108,7 @@ inline constexpr Operation kLogAndDebug[] = {
         "Writes (debug_op not 0) or reads a debug value of the switch", {in_out("value")}, {},
         only_if_zero("debug_op", from_record<olt_switch_debug>({{"value", "debug_value"}}))),
     OLT_OPERATION(get_system_loginfofile, {81, kLogModule}, "Lists a log",
-                  {"name", named(kAllModules, "value")}, {}, from_record<box::ListingName>()),
+                  {"name", named(kLogModules, "value")}, {}, from_record<box::ListingName>()),
     OLT_OPERATION(set_system_logfilesize, {82, kLogModule, Address::kMain},
                   "Sets the size of the log files", {in_unit("KiB", "value")}),
     OLT_OPERATION(set_system_loglevel, {83, kLogModule, Address::kMain},

@@ -20,7 +20,9 @@ inline constexpr ValueName kUpdateProgress[] = {
 inline constexpr ValueName kLogLevels[] = {{0, "emergency"}, {1, "alert"},   {2, "critical"},
                                            {3, "error"},     {4, "warning"}, {5, "notice"},
                                            {6, "info"},      {7, "debug"}};
-inline constexpr ValueName kAllModules[] = {{0, "all"}};
+inline constexpr ValueName kModuleNames[] = {{2, "main"}, {18, "oam"}, {22, "log"}, {23, "rstp"}};
+inline constexpr ValueName kLogModules[] = {
+    {0, "all"}, {2, "main"}, {18, "oam"}, {22, "log"}, {23, "rstp"}};
 inline constexpr ValueName kAllVlans[] = {{0, "all"}};
 
 inline constexpr ValueName kDuplex[] = {{0, "none"}, {1, "half"}, {2, "full"}};
@@ -28,6 +30,7 @@ inline constexpr ValueName kMacOperations[] = {{1, "add"}, {2, "delete"}};
 inline constexpr ValueName kVlanQueries[] = {
     {0, "port"}, {1, "list"}, {2, "description"}, {3, "all"}};
 inline constexpr ValueName kRstpVersions[] = {{0, "stp"}, {2, "rstp"}};
+inline constexpr ValueName kPathCosts[] = {{0, "auto"}};
 inline constexpr ValueName kRstpRoles[] = {{0, "disabled"}, {2, "designated"}};
 inline constexpr ValueName kRstpStates[] = {
     {0, "down"}, {1, "discarding"}, {2, "learning"}, {3, "forwarding"}};

@@ -212,7 +212,7 @@ TEST(Manual, SaysWhatComesBack) {
             "  Lists one module's use of memory.\n"
             "\n"
             "Arguments:\n"
-            "  module          a number from 0 to 255\n"
+            "  module          main, oam, log, rstp, or a number from 0 to 255\n"
             "\n"
             "Results:\n"
             "  name            the name of a listing, followed by its text\n"
@@ -220,7 +220,7 @@ TEST(Manual, SaysWhatComesBack) {
             "Sends message type 3 to the module that the first argument names.\n"
             "\n"
             "Example:\n"
-            "  oltctl show_memory_info module=2\n");
+            "  oltctl show_memory_info module=main\n");
   EXPECT_EQ(help_text("do_handle_epon_updatestream"),
             "do_handle_epon_updatestream request\n"
             "  Sends a piece of an OLT firmware update.\n"

@@ -121,8 +121,10 @@ TEST(Setters, WordsAreNoWiderThanTheirPlaceInTheRequest) {
                         "set_debug_enable module 255", "show_memory_info module 255",
                         "write_oam_type pending 255"}));
   Oltctl oltctl;
-  EXPECT_EQ(oltctl({"set_debug_enable", "258", "1"}).errors,
-            "set_debug_enable: module: '258' is too large; expected a number from 0 to 255\n");
+  EXPECT_EQ(
+      oltctl({"set_debug_enable", "258", "1"}).errors,
+      "set_debug_enable: module: '258' is too large; expected main, oam, log, rstp, or a number "
+      "from 0 to 255\n");
   EXPECT_EQ(oltctl({"set_debug_enable", "2", "0xffffffff"}).status, 0);
 }
 
