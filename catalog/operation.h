@@ -188,7 +188,7 @@ constexpr Address within(uint8_t seconds, Address address) {
 /// What results mean. 0 is always success; other results are the transport's and the module's
 /// unless they are named here.
 struct Outcome {
-  const char *minus_one = "the request could not be built";
+  const char *minus_one = nullptr;
   const char *minus_two = nullptr;
   const char *count = nullptr;  ///< results above 0 are success, too, and count this
 };

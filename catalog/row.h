@@ -288,7 +288,9 @@ struct Binding<Function> {
   }
 };
 
-/// The row, with an outcome other than the common one.
+inline constexpr Outcome kNotBuilt{"the request could not be built"};
+
+/// The row, with what its results mean.
 constexpr Operation with(Outcome outcome, Operation operation) {
   operation.outcome = outcome;
   return operation;

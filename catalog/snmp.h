@@ -39,11 +39,12 @@ inline constexpr Operation kSnmpOnuTables[] = {
                   {in_out(kUniPort), "rates"}),
     OLT_OPERATION(process_onu_portvlanmode, 98, "Reads a UNI port's VLAN mode, with its target",
                   {in_out(kUniPort), "mode"}),
-    OLT_OPERATION(
-        process_onu_portstrip, 99, "Reads a UNI port's multicast stripping",
-        {in_out(kUniPort), in_out("strip")},
-        Composition(kOntStripFields, sizeof(box::OntTarget) + sizeof(box::UniStripRow::strip),
-                    Origin::kAny, {})),
+    with(kNotBuilt,
+         OLT_OPERATION(
+             process_onu_portstrip, 99, "Reads a UNI port's multicast stripping",
+             {in_out(kUniPort), in_out("strip")},
+             Composition(kOntStripFields, sizeof(box::OntTarget) + sizeof(box::UniStripRow::strip),
+                         Origin::kAny, {}))),
     OLT_OPERATION(process_onu_portmuticastvlan, 100, "Reads a UNI port's multicast VLANs",
                   {in_out(kUniPort), "vlans"}),
     OLT_OPERATION(process_onu_portmuticastmaxgroup, 101,

@@ -14,16 +14,17 @@ inline constexpr uint32_t kVlanDescription = sizeof(olt_vlan_node::vlan_descr);
 inline constexpr uint32_t kDescription = 63;
 
 inline constexpr Operation kVlanTables[] = {
-    OLT_OPERATION(add_vlan_list, 19, "Adds VLANs", {"vlans"}),
+    with(kNotBuilt, OLT_OPERATION(add_vlan_list, 19, "Adds VLANs", {"vlans"})),
     after("add_vlan_list vlans=10,20-25",
-          OLT_OPERATION(delete_vlan_list, 20, "Deletes VLANs", {"vlans"})),
+          with(kNotBuilt, OLT_OPERATION(delete_vlan_list, 20, "Deletes VLANs", {"vlans"}))),
     after("add_vlan_list vlans=10,20-25",
-          OLT_OPERATION(
-              add_vlan_descr_list, 21, "Adds descriptions of VLANs",
-              {laid_out("described_vlan", kDescribedVlanFields,
-                        sized(sizeof(box::DescribedVlan), up_to(kVlanDescription, "vlans")))})),
+          with(kNotBuilt, OLT_OPERATION(add_vlan_descr_list, 21, "Adds descriptions of VLANs",
+                                        {laid_out("described_vlan", kDescribedVlanFields,
+                                                  sized(sizeof(box::DescribedVlan),
+                                                        up_to(kVlanDescription, "vlans")))}))),
     after("add_vlan_list vlans=10,20-25\nadd_vlan_descr_list vlans=10:uplink",
-          OLT_OPERATION(delete_vlan_descr_list, 22, "Deletes descriptions of VLANs", {"vlans"})),
+          with(kNotBuilt, OLT_OPERATION(delete_vlan_descr_list, 22, "Deletes descriptions of VLANs",
+                                        {"vlans"}))),
     OLT_OPERATION(get_vlan_interface_file_byinteface, 23, "Lists the VLANs of an OLT port",
                   {"slot", "port", "name"}, in_record<box::VlanQuery>({constant(0, "kind")})),
     OLT_OPERATION(get_vlan_information_file_bylist, 23, "Lists some VLANs", {"vlans", "name"},
@@ -149,9 +150,10 @@ inline constexpr Operation kRstp[] = {
 };
 
 inline constexpr Operation kIgmpProxy[] = {
-    OLT_OPERATION(add_muticastvlan_list, 149, "Adds multicast VLANs", {"vlans"}),
+    with(kNotBuilt, OLT_OPERATION(add_muticastvlan_list, 149, "Adds multicast VLANs", {"vlans"})),
     after("add_muticastvlan_list vlans=10,20-25",
-          OLT_OPERATION(delete_muticastvlan_list, 150, "Deletes multicast VLANs", {"vlans"})),
+          with(kNotBuilt,
+               OLT_OPERATION(delete_muticastvlan_list, 150, "Deletes multicast VLANs", {"vlans"}))),
     OLT_OPERATION(get_igmpproxy_config, within(20, 151), "Reads the IGMP proxy settings",
                   {"config"}),
     example(

@@ -187,7 +187,7 @@ ordered_json operation_json(const Operation &operation, const Layout &layout) {
           {"modules", modules_of(address)},
           {"timeout", if_sent(address.timeout)},
           {"outcome",
-           {{"minus_one", operation.outcome.minus_one},
+           {{"minus_one", or_null(operation.outcome.minus_one)},
             {"minus_two", or_null(operation.outcome.minus_two)},
             {"count", or_null(operation.outcome.count)}}},
           {"reads_before", or_null(operation.present.getter)},

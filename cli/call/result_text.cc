@@ -46,7 +46,8 @@ ResultParts take_apart(int32_t result) {
 std::string describe_result(const catalog::Operation &operation, int32_t result, int32_t reason,
                             const Layout &layout) {
   if (reason != result) return with_reason(result, reason_of_exchange(reason, layout));
-  if (result == kNotBuilt) return with_reason(result, operation.outcome.minus_one);
+  const char *minus_one = operation.outcome.minus_one;
+  if (result == kNotBuilt && minus_one != nullptr) return with_reason(result, minus_one);
   if (operation.address.sends()) return with_reason(result, reason_of_exchange(result, layout));
   bool is_named = result == -2 && operation.outcome.minus_two != nullptr;
   return with_reason(result, is_named ? operation.outcome.minus_two : "the device failed");
