@@ -60,6 +60,10 @@ std::string holder_of_lock(const Descriptor &directory) {
   return "another box";
 }
 
+/// Names of a file that is being written, and of the one that it replaces.
+constexpr char kNew[] = ".new";
+constexpr char kOld[] = ".old";
+
 /// Far more than any state takes.
 constexpr size_t kMaxFile = size_t{1} << 30;
 
@@ -108,16 +112,15 @@ void rename_within(int directory, const std::string &from, const std::string &to
 /// Renames the file and syncs the directory. Keeps a link to the old file until the sync is done,
 /// to restore it on failure.
 void put_durably(int directory, const std::string &from, const std::string &to) {
-  const std::string old = ".old";
-  unlinkat(directory, old.c_str(), 0);
-  bool existed = linkat(directory, to.c_str(), directory, old.c_str(), 0) == 0;
+  unlinkat(directory, kOld, 0);
+  bool existed = linkat(directory, to.c_str(), directory, kOld, 0) == 0;
   if (!existed && errno != ENOENT) fail(to);
   try {
     rename_within(directory, from, to);
     if (fsync(directory) != 0) {
       int error = errno;
       if (existed) {
-        renameat(directory, old.c_str(), directory, to.c_str());
+        renameat(directory, kOld, directory, to.c_str());
       } else {
         unlinkat(directory, to.c_str(), 0);
       }
@@ -125,10 +128,10 @@ void put_durably(int directory, const std::string &from, const std::string &to) 
       fail(to);
     }
   } catch (...) {
-    unlinkat(directory, old.c_str(), 0);
+    unlinkat(directory, kOld, 0);
     throw;
   }
-  unlinkat(directory, old.c_str(), 0);
+  unlinkat(directory, kOld, 0);
 }
 
 }  // namespace
@@ -151,17 +154,16 @@ std::string read_file(const std::filesystem::path &path) {
 void replace_file(const Descriptor &directory, const std::string &name, std::string_view content,
                   const Placement &placement) {
   // A directory has one writer, so a file found here was left over by a killed process.
-  const std::string temporary = ".new";
-  unlinkat(directory.get(), temporary.c_str(), 0);
+  unlinkat(directory.get(), kNew, 0);
   try {
-    fill(directory.get(), temporary, content, placement);
+    fill(directory.get(), kNew, content, placement);
     if (placement.durable == Durable::kYes) {
-      put_durably(directory.get(), temporary, name);
+      put_durably(directory.get(), kNew, name);
     } else {
-      rename_within(directory.get(), temporary, name);
+      rename_within(directory.get(), kNew, name);
     }
   } catch (...) {
-    unlinkat(directory.get(), temporary.c_str(), 0);
+    unlinkat(directory.get(), kNew, 0);
     throw;
   }
 }
@@ -178,6 +180,8 @@ StateDirectory::StateDirectory(std::filesystem::path path, std::chrono::millisec
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
+  // A killed process may have left them behind, with all secrets.
+  for (const char *name : {kNew, kOld}) unlinkat(directory_.get(), name, 0);
 }
 
 std::optional<std::string> StateDirectory::read(const std::string &name) const {

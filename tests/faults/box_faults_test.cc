@@ -333,7 +333,8 @@ TEST(Faults, OfAStart) {
   };
   faults::run({.scenario = scenario,
                .allocations = false,
-               .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat", "read"},
+               .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat", "read",
+                         "unlinkat"},
                .lasting = false});
 }
 
@@ -356,9 +357,10 @@ TEST(Faults, OfAStartThatCreatesItsDirectories) {
     box.end();
     return reached;
   };
-  faults::run({.scenario = scenario,
-               .allocations = false,
-               .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat"}});
+  faults::run(
+      {.scenario = scenario,
+       .allocations = false,
+       .calls = {"close", "fchmod", "flock", "fstat", "mkdirat", "open", "openat", "unlinkat"}});
 }
 
 TEST(Faults, OfAFreshStart) {

@@ -105,6 +105,8 @@ TEST(Storage, IsOldOrNewAndWholeWheneverTheBoxIsKilled) {
     close(begun[1]);
 
     box.restart();
+    for (const char *left_over : {".new", ".old"})
+      ASSERT_FALSE(std::filesystem::exists(box.options.state_dir / left_over));
     Bytes network = box.reply(kGetNetwork, Bytes(kNetworkSize));
     uint8_t pattern = network[0];
     ASSERT_TRUE(pattern == 0x11 || pattern == 0x22) << int{pattern};
