@@ -106,6 +106,7 @@ class SwitchVlan final : public Family {
       archive.number("vlan", vlan, {1, kLastVlan});
       if (!state_.vlans[vlan]) archive.refuse("vlan", "a VLAN of the table");
       archive.text("text", text, sizeof(DescribedVlan::description));
+      if (text.find('\0') != std::string::npos) archive.refuse("text", "a text without zeros");
     };
     archive.list(
         "descriptions", kLastVlan,

@@ -51,6 +51,9 @@ class SystemUsers final : public Family {
         archive.refuse("name", "a name, each once");
       }
       archive.text("password", user.password, kMaxUserText);
+      if (user.password.find('\0') != std::string::npos) {
+        archive.refuse("password", "a text without zeros");
+      }
       archive.number("level_a", user.level_a);
       archive.number("level_b", user.level_b);
     });

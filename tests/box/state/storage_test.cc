@@ -369,6 +369,11 @@ TEST(Storage, ValuesAreCheckedAsOnTheWire) {
   EXPECT_EQ(
       complaint_about("\"planted-secret\"", "\"planted-secret-that-is-longer-than-any-password\""),
       kUsers + "/1/password: is not as it should be; expected a text of at most 31 bytes");
+  EXPECT_EQ(complaint_about("\"planted-secret\"", "\"planted-\\u0000secret\""),
+            kUsers + "/1/password: is not as it should be; expected a text without zeros");
+  EXPECT_EQ(complaint_about("\"default\"", "\"de\\u0000fault\""),
+            "/configuration/switch-vlan/descriptions/0/text: is \"de\\x00fault\"; expected a text "
+            "without zeros");
   std::string user = R"({"name": "x", "password": "planted-secret", "level_a": 0, "level_b": 0},)";
   std::string users;
   for (int i = 0; i < 31; ++i) {
