@@ -1,6 +1,9 @@
 #include "base/descriptor.h"
 
 #include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 namespace olt {
 
@@ -10,10 +13,10 @@ Descriptor above_standard_streams(Descriptor descriptor) {
 }
 
 void fill_standard_streams() {
-  int number = 0;
-  do number = open("/dev/null", O_RDWR);
-  while (number >= 0 && number <= STDERR_FILENO);
-  if (number >= 0) close(number);
+  for (int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(number, F_GETFD) >= 0 || errno != EBADF) continue;
+    open("/dev/null", number == STDERR_FILENO ? O_WRONLY : O_RDONLY);  // as the lowest free number
+  }
 }
 
 }  // namespace olt

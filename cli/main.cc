@@ -6,6 +6,7 @@
 #include <optional>
 #include <string_view>
 
+#include "base/descriptor.h"
 #include "cli/box/end_signals.h"
 #include "cli/commands.h"
 #include "cli/completion.h"
@@ -27,9 +28,9 @@ void report(const Error &error) {
   static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
 }
 
-void keep(Session &session) {
+void keep(Session &session, void (Session::*step)()) {
   try {
-    session.close_for_good();
+    (session.*step)();
   } catch (const Error &error) {
     report(error);
   }
@@ -59,11 +60,11 @@ void run(Session &session, const Options &options) {
 void run(const Options &options) {
   Session session(options);
   std::optional<EndSignals> signals;  // the shell has its own
-  if (!is_shell(options)) signals.emplace([&session] { keep(session); });
+  if (!is_shell(options)) signals.emplace([&session] { keep(session, &Session::close_for_good); });
   try {
     run(session, options);
   } catch (...) {
-    session.close();  // what earlier commands set is kept
+    keep(session, &Session::close);  // what earlier commands set
     throw;
   }
   session.close();
@@ -72,8 +73,11 @@ void run(const Options &options) {
 }  // namespace
 
 int main(int argc, char **argv) {
-  // A reader that goes away must not end the program before the embedded box is kept.
+  olt::fill_standard_streams();
+  // A reader that goes away, or a limit on the size of files, must not end the program before the
+  // embedded box is kept.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   try {
     if (argc == 3 && std::string_view(argv[1]) == "__complete") {
       olt::cli::print(olt::cli::completion_answer(argv[2]));

@@ -45,7 +45,7 @@ pid_t start(const std::string &command, int input) {
   sigset_t defaults;
   sigemptyset(&none);
   sigemptyset(&defaults);
-  for (int signal : {SIGINT, SIGPIPE, SIGTERM, SIGHUP}) sigaddset(&defaults, signal);
+  for (int signal : {SIGINT, SIGPIPE, SIGXFSZ, SIGTERM, SIGHUP}) sigaddset(&defaults, signal);
   posix_spawnattr_init(&attributes);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
   posix_spawnattr_setsigmask(&attributes, &none);

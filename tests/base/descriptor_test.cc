@@ -43,6 +43,7 @@ TEST(Descriptor, StandardStreamsCanBeFilled) {
               fill_standard_streams();
               for (int number : {0, 1, 2}) {
                 if (fcntl(number, F_GETFD) != 0) return 1;
+                if (write(number, "", 1) != (number == 2 ? 1 : -1)) return 2;
               }
               return 0;
             }),

@@ -123,6 +123,17 @@ TEST_F(CaptureCommand, EndsWholeWithCtrlC) {
             operations_in("one.pcapng"));
 }
 
+TEST_F(CaptureCommand, KeepsItsLinesOutOfTheFileWhenStandardErrorIsClosed) {
+  std::string path = file("box.pcapng");
+  pid_t child = start({"bash", "-c", "exec 2>&-; exec \"$@\"", "bash", OLTCTL, "--box", run_dir(),
+                       "capture", path, "--count", "1"},
+                      "output");
+  EXPECT_TRUE(holds_in_time("box.pcapng", "oltbox"));
+  EXPECT_EQ(oltctl({"get_olt_mac"}).status, 0);
+  EXPECT_EQ(wait_for(child), 0);
+  EXPECT_FALSE(holds(read_file(path), "capture: "));
+}
+
 TEST_F(CaptureCommand, KeepsWhatItsFiltersTake) {
   pid_t one = capture({file("one.pcapng"), "operation=get_olt_mac", "--seconds=86400"});
   pid_t other = capture({file("other.pcapng"), "module=18"});

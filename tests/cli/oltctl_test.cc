@@ -434,8 +434,34 @@ TEST(OltctlRun, EndsQuietlyWhenNobodyReadsAndKeepsWhatWasSet) {
   EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).output, "level_a = 3\nlevel_b = 4\n");
 }
 
+// bash counts in units of 1024 bytes.
+TEST(OltctlRun, AFileSizeLimitFailsTheCallAndKeepsTheOldState) {
+  Oltctl oltctl;
+  ASSERT_EQ(oltctl({"add_user_level", "kept", "pw", "3", "4"}).status, 0);
+  auto limited = [&oltctl](const std::string &words) {
+    return run({"bash", "-c", "ulimit -f 1; exec " OLTCTL " " + words},
+               private_environment(oltctl.folder()));
+  };
+  std::string line = "oltctl: the embedded box cannot keep its state: " + oltctl.folder().path() +
+                     "/oltmgmt/embedded/.new: File too large\n";
+  Finished changed = limited("add_user_level lost pw 3 4");
+  EXPECT_EQ(changed.status, 1);
+  EXPECT_EQ(changed.errors, line);
+  Finished saved = limited("save_system_config");
+  EXPECT_EQ(saved.status, 1);
+  EXPECT_TRUE(
+      saved.errors.starts_with(line + "save_system_config failed: result 8 (0x00000008): status 8"))
+      << saved.errors;
+  EXPECT_EQ(oltctl({"get_user_level", "kept", "pw"}).status, 0);
+  EXPECT_EQ(oltctl({"get_user_level", "lost", "pw"}).status, 1);
+}
+
 TEST(OltctlRun, OutputThatCannotBeWrittenIsAFailure) {
   Oltctl oltctl;
+  Finished closed =
+      run({"sh", "-c", OLTCTL " get_olt_mac >&-"}, private_environment(oltctl.folder()));
+  EXPECT_EQ(closed.status, 1);
+  EXPECT_EQ(closed.errors, "oltctl: cannot write the output: Bad file descriptor\n");
   for (const char *arguments : {"get_olt_mac", "list", "help", "--help", "--version"}) {
     Finished full = run({"sh", "-c", std::string(OLTCTL) + " " + arguments + " >/dev/full"},
                         private_environment(oltctl.folder()));
