@@ -89,6 +89,8 @@ void ListingFiles::provide(const Packet &request, Packet &answer) {
   }
   std::filesystem::path kept = kept_ / capture::kept_listing_name(request);
   std::error_code error;
+  if (std::filesystem::exists(kept, error) && !std::filesystem::is_regular_file(kept, error))
+    fail("{}: is no regular file; expected a kept listing", printable(kept.string()));
   std::string content = cli::read_file(kept, capture::kMaxKeptListing, error);
   if (error) fail("{}: cannot be read: {}", printable(kept.string()), error.message());
   write(name, content);

@@ -119,14 +119,14 @@ void Compare::check(const ComparePlan &plan) {
 std::vector<FieldDifference> Compare::compare_listing(const std::filesystem::path &kept,
                                                       const std::string &now) {
   std::error_code error;
-  std::string recorded = read_file(kept, capture::kMaxKeptListing, error);
-  bool is_kept = error != std::errc::no_such_file_or_directory;
+  bool is_kept = std::filesystem::exists(kept, error);
   report_.count_listing(is_kept);
   if (!is_kept) return {};
-  if (error) {
-    throw BadInput(
-        fmt::format("{}: cannot be read: {}", printable(kept.string()), error.message()));
-  }
+  std::string place = printable(kept.string());
+  if (!std::filesystem::is_regular_file(kept, error))
+    throw BadInput(fmt::format("{}: is no regular file; expected a kept listing", place));
+  std::string recorded = read_file(kept, capture::kMaxKeptListing, error);
+  if (error) throw BadInput(fmt::format("{}: cannot be read: {}", place, error.message()));
   return listing_differences(recorded, now);
 }
 

@@ -98,12 +98,13 @@ TEST_F(ReplayedListings, ThatCannotBeServedAreOneLineAndAStatus) {
   keep(8, "second\n");
   keep(9, "third\n");
   keep(10, std::string((4 << 20) + 1, 'x'));
+  ASSERT_EQ(mkfifo((kept_ / "1000-1234-1234-11.listing").c_str(), 0600), 0);
   std::filesystem::create_directory(box_.run_dir());
   std::filesystem::permissions(box_.run_dir(), std::filesystem::perms::owner_all);
   write_file(in_run_dir("theirs.txt"), "mine\n");
   serve_with_files({listing("missing.txt", 7), listing("theirs.txt", 8), listing("module-2", 9),
-                    listing("long.txt", 10)});
-  for (int i = 0; i < 4; ++i) EXPECT_EQ(ask(23, Bytes(80)), status(kNoListing));
+                    listing("long.txt", 10), listing("pipe.txt", 11)});
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(ask(23, Bytes(80)), status(kNoListing));
   std::string kept = kept_.path() + "/1000-1234-1234-";
   EXPECT_EQ(errors(), "oltreplay: " + kept +
                           "7.listing: cannot be read: No such file or directory\n"
@@ -112,7 +113,10 @@ TEST_F(ReplayedListings, ThatCannotBeServedAreOneLineAndAStatus) {
                           ": cannot be created: File exists\n"
                           "oltreplay: module-2: expected the name of a listing\n"
                           "oltreplay: " +
-                          kept + "10.listing: cannot be read: File too large\n");
+                          kept +
+                          "10.listing: cannot be read: File too large\n"
+                          "oltreplay: " +
+                          kept + "11.listing: is no regular file; expected a kept listing\n");
   EXPECT_EQ(read_file(in_run_dir("theirs.txt")), "mine\n");
   end();
   EXPECT_EQ(read_file(in_run_dir("theirs.txt")), "mine\n");

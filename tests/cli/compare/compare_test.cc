@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -477,11 +478,20 @@ TEST_F(CompareListing, IsCountedWhenItWasNotKept) {
   Finished compared = compare_listings({});
   EXPECT_TRUE(holds(compared.output, "\nlistings: 0 compared, 1 not kept\n")) << compared.output;
   EXPECT_EQ(compared.status, 0);
+}
+
+/// Neither a directory nor a pipe, which nobody may ever write to.
+TEST_F(CompareListing, IsARegularFile) {
   std::string path = kept_ / "1000-1234-1235-7.listing";
-  std::filesystem::create_directory(path);
-  compared = compare_listings({});
-  EXPECT_EQ(compared.errors, path + ": cannot be read: Is a directory\n");
-  EXPECT_EQ(compared.status, 2);
+  const auto make = {+[](const char *name) { return mkdir(name, 0700); },
+                     +[](const char *name) { return mkfifo(name, 0600); }};
+  for (auto *create : make) {
+    ASSERT_EQ(create(path.c_str()), 0);
+    Finished compared = compare_listings({});
+    EXPECT_EQ(compared.errors, path + ": is no regular file; expected a kept listing\n");
+    EXPECT_EQ(compared.status, 2);
+    std::filesystem::remove(path);
+  }
 }
 
 TEST_F(CompareCommand, AsksBeforeWhatCannotBeTakenBack) {
