@@ -16,7 +16,7 @@
 #include "platform/olthost.h"
 #include "serving/options.h"
 
-namespace CLI {  // NOLINT(readability-identifier-naming): a library's
+namespace CLI {  // NOLINT(readability-identifier-naming): a name of CLI11
 class App;
 }  // namespace CLI
 
