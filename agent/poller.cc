@@ -41,7 +41,7 @@ Poller::Poller(const std::vector<Table> &tables, const catalog::Layout &layout,
       tables, "oltOnuState", "oltOnuSeconds",
       by_label(tables, "oltOnuState",
                {{"up", Event::kOnuUp}, {"away", Event::kOnuAway}, {"blocked", Event::kOnuBlocked}}),
-      8);
+      16);
   watch(tables, "oltBasicPortLinkState", "",
         by_label(tables, "oltBasicPortLinkState",
                  {{"up", Event::kPortUp}, {"down", Event::kPortDown}}),
@@ -52,6 +52,7 @@ Poller::Poller(const std::vector<Table> &tables, const catalog::Layout &layout,
            {layout.olt_update()->failed, Event::kUpdateEnded}},
           1);
   }
+  watch_other_modules(tables);
 }
 
 void Poller::watch(const std::vector<Table> &tables, const char *column, const char *seconds,
@@ -64,11 +65,28 @@ void Poller::watch(const std::vector<Table> &tables, const char *column, const c
   }
 }
 
+void Poller::watch_other_modules(const std::vector<Table> &tables) {
+  for (const Table &table : tables) {
+    const uint8_t module = table.reader->address.module;
+    bool is_watched = std::any_of(cursors_.begin(), cursors_.end(), [module](const Cursor &cursor) {
+      return cursor.table->reader->address.module == module;
+    });
+    if (is_watched) continue;
+    turns_.push_back(cursors_.size());
+    cursors_.push_back({.table = &table});
+  }
+}
+
 std::optional<Task> Poller::next(Clock::time_point now) {
   if (is_waiting_ || cursors_.empty() || now - last_ < pace_) return std::nullopt;
   is_waiting_ = true;
   last_ = now;
   const Cursor &cursor = cursors_[turns_[turn_]];
+  if (cursor.events.empty()) {
+    // Any row will do, whether or not there is one.
+    Key row(cursor.table->index_length(), cursor.table->is_scalar ? 0 : 1);
+    return Task{.table = cursor.table, .key = std::move(row), .is_fresh = true};
+  }
   return Task{
       .table = cursor.table, .selection = Selection::kNext, .key = cursor.at, .is_fresh = true};
 }
@@ -77,7 +95,7 @@ std::optional<Change> Poller::take(const Task &task) {
   is_waiting_ = false;
   Cursor &cursor = cursors_[turns_[turn_]];
   turn_ = (turn_ + 1) % turns_.size();
-  if (task.answer.outcome == Outcome::kFailed) return std::nullopt;
+  if (task.answer.outcome == Outcome::kFailed || cursor.events.empty()) return std::nullopt;
   if (task.answer.outcome == Outcome::kNone) {
     cursor.is_compared = true;
     cursor.at.clear();

@@ -1,5 +1,6 @@
 /// Finds what managers are notified of: reads one row after the other, again and again, and
-/// compares each with what it was.
+/// compares each with what it was. Of modules without such rows it asks for something, too, so that
+/// their loss is noticed.
 #ifndef OLT_AGENT_POLLER_H
 #define OLT_AGENT_POLLER_H
 
@@ -49,7 +50,7 @@ class Poller {
     Clock::time_point read;
   };
 
-  /// A table that is watched.
+  /// A table that is watched; without events, only for the answers of its module.
   struct Cursor {
     const Table *table = nullptr;
     size_t column = 0;
@@ -63,6 +64,7 @@ class Poller {
 
   void watch(const std::vector<Table> &tables, const char *column, const char *seconds,
              const std::map<int64_t, Event> &events, unsigned share);
+  void watch_other_modules(const std::vector<Table> &tables);
   std::optional<Change> compare(Cursor &cursor, const Row &row);
 
   std::vector<Cursor> cursors_;

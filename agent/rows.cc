@@ -75,6 +75,10 @@ Bytes copied(ByteView bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
+uint8_t module_of(const catalog::Operation &operation) {
+  return operation.address.module;
+}
+
 }  // namespace
 
 Answer RowReader::read(const Table &table, Selection selection, const Key &key) const {
@@ -101,8 +105,8 @@ Answer RowReader::scalars(const Table &table, Selection selection, const Key &ke
   if (selection == Selection::kThis ? key != only : key >= only) return {Outcome::kNone};
   if (table.counts_rows) return count_rows(table);
   Call call(*table.reader);
-  if (int32_t result = call.make()) return not_read(result);
-  return {Outcome::kFound, {only, copied(call.bytes(table.record))}};
+  if (int32_t result = call.make()) return not_read(*table.reader, result);
+  return {Outcome::kFound, {only, copied(call.bytes(table.record))}, 0, module_of(*table.reader)};
 }
 
 /// A reader that returns the same row again ends the count, too.
@@ -113,14 +117,14 @@ Answer RowReader::count_rows(const Table &table) const {
   while (true) {
     int32_t result = call.make();
     if (result == end_of_table_) break;
-    if (result != 0) return not_read(result);
+    if (result != 0) return not_read(*table.reader, result);
     Bytes row = copied(call.bytes(table.record));
     if (row == last) break;
     last = std::move(row);
     ++count;
   }
   const auto *word = reinterpret_cast<const uint8_t *>(&count);
-  return {Outcome::kFound, {{0}, {word, word + sizeof count}}};
+  return {Outcome::kFound, {{0}, {word, word + sizeof count}}, 0, module_of(*table.reader)};
 }
 
 Answer RowReader::select(const Table &table, Selection selection, const Key &key) const {
@@ -132,25 +136,27 @@ Answer RowReader::select(const Table &table, Selection selection, const Key &key
   }
   int32_t result = call.make();
   if (result == kNotSent && table.stepper != nullptr) return {Outcome::kNone};
-  if (result != 0) return not_read(result);
+  if (result != 0) return not_read(*table.reader, result);
+  const uint8_t module = module_of(*table.reader);
   size_t naming = table.reader->arguments()[0].is_output() ? 0 : table.record;
   Row row{named_row(table, call.bytes(naming), Place::kReader), copied(call.bytes(table.record))};
   if (selection == Selection::kThis) {
-    if (row.key != key) return {Outcome::kNone};
+    if (row.key != key) return {Outcome::kNone, {}, 0, module};
   } else if (row.key <= key) {
-    return {Outcome::kFailed};  // a walk would never end
+    return {Outcome::kFailed, {}, 0, module};  // a walk would never end
   }
-  return {Outcome::kFound, std::move(row)};
+  return {Outcome::kFound, std::move(row), 0, module};
 }
 
 Answer RowReader::step(const Table &table, const Key &key) const {
   Call call(*table.stepper);
   name_row(call, table, completed(table, key), Place::kStepper);
   call.set_word(0, table.selector_offset, selection_.next_row);
-  if (int32_t result = call.make()) return not_read(result);
+  if (int32_t result = call.make()) return not_read(*table.stepper, result);
   Row row{named_row(table, call.bytes(0), Place::kStepper), {}};
-  if (row.key <= key) return {Outcome::kFailed};
-  return {Outcome::kFound, std::move(row)};
+  const uint8_t module = module_of(*table.stepper);
+  if (row.key <= key) return {Outcome::kFailed, {}, 0, module};
+  return {Outcome::kFound, std::move(row), 0, module};
 }
 
 Answer RowReader::write(const Table &table, const Column &column, const Key &key,
@@ -165,12 +171,17 @@ Answer RowReader::write(const Table &table, const Column &column, const Key &key
   // The record may be the argument that names the row: it does so itself.
   call.set_bytes(column.setter_argument, 0, ByteView(record).subspan(column.setter_offset));
   if (table.stepper == nullptr) call.set_word(0, table.selector_offset, selection_.this_row);
-  if (int32_t result = call.make()) return {Outcome::kFailed, {}, result};
+  if (int32_t result = call.make()) {
+    return {Outcome::kFailed, {}, result, module_of(*column.setter)};
+  }
   return present;
 }
 
-Answer RowReader::not_read(int32_t result) const {
-  return {result == end_of_table_ ? Outcome::kNone : Outcome::kFailed, {}, result};
+Answer RowReader::not_read(const catalog::Operation &operation, int32_t result) const {
+  return {result == end_of_table_ ? Outcome::kNone : Outcome::kFailed,
+          {},
+          result,
+          result == kNotSent ? uint8_t{0} : module_of(operation)};
 }
 
 }  // namespace olt::agent

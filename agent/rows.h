@@ -30,12 +30,9 @@ struct Answer {
   Outcome outcome = Outcome::kFailed;
   Row row{};           ///< when found
   int32_t result = 0;  ///< of the operation that failed
+  uint8_t module = 0;  ///< asked last; 0: none, since that there is no row may be known without
 
-  /// Whether a module said so. That there is no row may be known without asking one.
-  bool is_of_module() const {
-    return outcome == Outcome::kFound || (outcome == Outcome::kNone && result != 0);
-  }
-  /// Whether no module answered, as opposed to one that refused.
+  /// Whether the module did not answer, as opposed to one that refused.
   bool is_lost() const {
     return (static_cast<uint32_t>(result) & 0xffff0000U) != 0 && result != -1;
   }
@@ -58,7 +55,7 @@ class RowReader {
   Answer count_rows(const Table &table) const;
   Answer select(const Table &table, Selection selection, const Key &key) const;
   Answer step(const Table &table, const Key &key) const;
-  Answer not_read(int32_t result) const;
+  Answer not_read(const catalog::Operation &operation, int32_t result) const;
 
   std::optional<uint16_t> end_of_table_;
   catalog::RowSelection selection_;

@@ -195,6 +195,11 @@ class Subagent::Session {
     bool is_passed_over;
   };
 
+  struct Poll : Job {
+    Module *module = nullptr;
+    unsigned alarm = 0;
+  };
+
   struct Request : Job {
     Registration *of = nullptr;
     std::vector<Item> items;  ///< one for each task
@@ -340,23 +345,32 @@ class Subagent::Session {
   void poll() {
     std::optional<Task> task = poller_.next(Poller::Clock::now());
     if (!task) return;
-    polled_ = &modules_[task->table->reader->address.module];
-    poll_ = std::make_shared<Job>();
+    Module &module = modules_[task->table->reader->address.module];
+    if (module.is_stuck) {
+      poller_.take({});
+      return;
+    }
+    poll_ = std::make_shared<Poll>();
+    poll_->module = &module;
     poll_->tasks.push_back(std::move(*task));
-    poll_alarm_ = snmp_alarm_register_hr(kDeadline, 0, on_poll_deadline, this);
-    polled_->worker->submit(poll_);
+    poll_->alarm = snmp_alarm_register_hr(kDeadline, 0, on_poll_deadline, this);
+    module.worker->submit(poll_);
   }
 
+  /// The other modules are not kept waiting.
   static void on_poll_deadline(unsigned /*alarm*/, void *session) {
     auto *self = static_cast<Session *>(session);
-    self->poll_alarm_ = 0;
-    get_stuck(*self->polled_);
+    self->poll_->alarm = 0;
+    get_stuck(*self->poll_->module);
+    self->poller_.take({});
+    self->poll_ = nullptr;
   }
 
-  void finish_poll() {
-    if (poll_alarm_ != 0) snmp_alarm_unregister(poll_alarm_);
-    const Task &task = poll_->tasks.front();
-    note_answer(*polled_, task);
+  void finish(const Poll &poll) {
+    if (poll.alarm != 0) snmp_alarm_unregister(poll.alarm);
+    const Task &task = poll.tasks.front();
+    note_answer(task);
+    if (&poll != poll_.get()) return;  // too late
     if (std::optional<Change> change = poller_.take(task)) {
       const Column &column = change->table->columns[change->column];
       Oid name = change->table->oid(options_.root);
@@ -571,15 +585,14 @@ class Subagent::Session {
 
   void finish() {
     for (const std::shared_ptr<Job> &job : done_.take()) {
-      Module &module =
-          job == poll_ ? *polled_ : *std::static_pointer_cast<Request>(job)->of->module;
-      get_unstuck(module);
-      if (job == poll_) {
-        finish_poll();
+      if (auto poll = std::dynamic_pointer_cast<Poll>(job)) {
+        get_unstuck(*poll->module);
+        finish(*poll);
         continue;
       }
       auto request = std::static_pointer_cast<Request>(job);
-      for (const Task &task : request->tasks) note_answer(module, task);
+      get_unstuck(*request->of->module);
+      for (const Task &task : request->tasks) note_answer(task);
       if (!request->is_answered && is_valid(*request)) {
         complete(request);
       } else {
@@ -609,13 +622,10 @@ class Subagent::Session {
   }
 
   /// An answer from the cache says nothing about the module.
-  void note_answer(Module &module, const Task &task) {
+  void note_answer(const Task &task) {
     if (!task.was_called) return;
-    if (task.answer.is_of_module()) {
-      note(module, true);
-    } else if (task.answer.is_lost()) {
-      note(module, false);
-    }
+    auto asked = modules_.find(task.answer.module);
+    if (asked != modules_.end()) note(asked->second, !task.answer.is_lost());
   }
 
   /// Notes whether the module is there.
@@ -739,9 +749,7 @@ class Subagent::Session {
   std::set<std::shared_ptr<Request>> live_;  ///< delegated, and not done
   bool is_connected_ = false;
   Poller poller_;
-  std::shared_ptr<Job> poll_;  ///< while its answer is out
-  Module *polled_ = nullptr;
-  unsigned poll_alarm_ = 0;
+  std::shared_ptr<Poll> poll_;  ///< while its answer is out
   Metrics metrics_;
   int signal_ = 0;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -79,6 +80,30 @@ TEST_F(PollerOfOnus, ExpectsOtherTimesOfModulesThatStartedAnew) {
   poller_.forget_times();
   now_ += 5s;
   EXPECT_EQ(round({{1, 2}}), Events{});
+}
+
+TEST(PollerOfAllModules, AsksEachForSomething) {
+  const std::vector<Table> tables = agent::enterprise_tables(Layout::box());
+  Poller poller(tables, Layout::box(), 10ms);
+  Poller::Clock::time_point now{1000s};
+  std::map<std::string, unsigned> asked;
+  for (int turn = 0; turn < 20; ++turn) {
+    auto task = poller.next(now += 10ms);
+    ASSERT_TRUE(task);
+    ++asked[task->table->name];
+    if (task->table->name == "oltOam") {
+      EXPECT_EQ(task->key, agent::Key{0});
+    }
+    if (task->table->name == "oltRstpState") {
+      EXPECT_EQ(task->selection, agent::Selection::kThis) << "asks no other module";
+      EXPECT_EQ(task->key, (agent::Key{1, 1}));
+    }
+    task->answer = {Outcome::kFound, {{1, 1}, Bytes(200)}};
+    EXPECT_FALSE(poller.take(*task));
+  }
+  const std::map<std::string, unsigned> expected = {
+      {"oltOnu", 16}, {"oltBasicPort", 1}, {"oltUpdate", 1}, {"oltOam", 1}, {"oltRstpState", 1}};
+  EXPECT_EQ(asked, expected);
 }
 
 TEST_F(PollerOfOnus, KeepsItsPace) {

@@ -35,7 +35,7 @@ std::shared_ptr<Job> done(DoneQueue &queue) {
   return queue.take().front();
 }
 
-TEST(Worker, SaysWhichAnswersAreOfTheModule) {
+TEST(Worker, SaysWhichModuleAnAnswerIsOf) {
   Folder nobody;
   ASSERT_EQ(setenv("OLT_RUN_DIR", nobody.path().c_str(), 1), 0);
   const std::vector<Table> tables = agent::enterprise_tables(catalog::Layout::box());
@@ -56,7 +56,8 @@ TEST(Worker, SaysWhichAnswersAreOfTheModule) {
   EXPECT_TRUE(job->tasks[1].answer.is_lost());
   EXPECT_TRUE(job->tasks[1].was_called);
   EXPECT_EQ(job->tasks[2].answer.outcome, Outcome::kNone);
-  EXPECT_FALSE(job->tasks[2].answer.is_of_module());
+  EXPECT_EQ(job->tasks[1].answer.module, 18);
+  EXPECT_EQ(job->tasks[2].answer.module, 0);
 }
 
 /// Rows {1} to {100}.
@@ -125,7 +126,7 @@ TEST_F(WorkerThatReads, ReadsAheadOfAWalkAndEachRowOnce) {
 }
 
 TEST_F(WorkerThatReads, ReadsNothingAheadOfSingleRequests) {
-  for (uint32_t row : {7, 30, 52}) EXPECT_EQ(next({row}).row.key, agent::Key{row + 1});
+  for (uint32_t row : {7U, 30U, 52U}) EXPECT_EQ(next({row}).row.key, agent::Key{row + 1});
   EXPECT_EQ(reads(), 3u);
 }
 
