@@ -113,17 +113,6 @@ std::vector<Table> all_tables(const catalog::Layout &layout) {
   return tables;
 }
 
-/// What the agent counts of itself, in the order of agent_scalars().
-struct Metrics {
-  u_long reads = 0;
-  u_long requests = 0;
-  u_long delegated = 0;
-  u_long deadlines = 0;
-  u_long refused = 0;
-  u_long late = 0;
-  u_long sessions_lost = 0;
-};
-
 }  // namespace
 
 class Subagent::Session {
@@ -171,6 +160,17 @@ class Subagent::Session {
   }
 
  private:
+  /// What the agent counts of itself, in the order of agent_scalars().
+  struct Metrics {
+    u_long reads = 0;
+    u_long requests = 0;
+    u_long delegated = 0;
+    u_long deadlines = 0;
+    u_long refused = 0;
+    u_long late = 0;
+    u_long sessions_lost = 0;
+  };
+
   struct Module {
     uint8_t number = 0;
     std::unique_ptr<Worker> worker;
