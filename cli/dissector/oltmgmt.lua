@@ -11,9 +11,15 @@ local olt = Proto("olt", "OLT Management Exchange in a capture")
 local kMagic = "OLT1"
 local kRequest, kAnswer = 1, 2
 local kHeadSize = 64
--- The header: magic, kind, flags, size; run, process, thread, exchange; module, type, time-out,
--- length; result, status, reserved, duration in two words, lost.
-local kHeadLayout = "<c4BBI2I4I4I4I4I4I4I4I4I4I2I2I4I4I4"
+-- The header: magic, kind, flags, size; run, process, thread and exchange, which identify the
+-- exchange; module, type, time-out, length; result, status, reserved, duration in two words, lost.
+local kHeadLayout = "<c4BBI2c16I4I4I4I4I4I2I2I4I4I4"
+
+-- Methods that each packet calls. Looking one up costs as much as adding a field.
+local add, add_le, set_text = TreeItem.add, TreeItem.add_le, TreeItem.set_text
+local set_generated, set_hidden = TreeItem.set_generated, TreeItem.set_hidden
+local is_referenced = TreeItem.referenced
+local length_of, raw_of, uint_in = Tvb.len, Tvb.raw, TvbRange.le_uint
 
 -- What every packet has.
 local head = {
@@ -40,6 +46,14 @@ local head = {
   reply = ProtoField.bytes("oltmgmt.reply", "Reply"),
   rest = ProtoField.bytes("oltmgmt.rest", "Bytes that the catalog does not name"),
 }
+
+-- The numbers that each header has, and where.
+local head_numbers = {
+  {head.run, 8}, {head.process, 12}, {head.thread, 16}, {head.exchange, 20}, {head.module, 24},
+  {head.type, 28}, {head.timeout, 32}, {head.record_length, 36},
+}
+head_numbers.fields = {}
+for i, number in ipairs(head_numbers) do head_numbers.fields[i] = number[1] end
 
 local expert_infos = {
   transport_failure = ProtoExpert.new("oltmgmt.transport_failure", "The exchange failed",
@@ -126,13 +140,11 @@ local function names_in(values)
   return forms[key]
 end
 
+local kRecords = {" record", " records"}
+
 local function with_unit(unit)
   forms[unit] = forms[unit] or {" " .. unit}
   return base.DEC + base.UNIT_STRING, forms[unit]
-end
-
-local function text_in(range)
-  return (range:string(ENC_UTF_8):match("^[^\0]*"))
 end
 
 -- "1,2,5-8"
@@ -159,9 +171,14 @@ local function duration_text(seconds)
   return text
 end
 
-local function words_in(range, width)
-  local words = {}
-  for at = 0, range:len() - width, width do words[#words + 1] = range(at, width):le_uint() end
+-- Numbers of that size, at most 4 bytes. Bytes of a string cost less than ranges of the packet.
+local function words_in(tvb, at, width, size)
+  local raw, words = raw_of(tvb, at, width), {}
+  for i = 1, width - size + 1, size do
+    local first, second, third, fourth = raw:byte(i, i + size - 1)
+    words[#words + 1] = first + 256 * (second or 0) + 65536 * (third or 0) +
+                        16777216 * (fourth or 0)
+  end
   return words
 end
 
@@ -173,13 +190,21 @@ local function has_bits(bits, mask)
   return true
 end
 
--- A list: the number of its items, with the items below it. place() has an item's range.
-local function list_adder(field, text, items_of, place)
-  local count, item = make_below(field, "count", "number"), make_own(field, "number")
-  return {count, item}, function(tree, range)
-    local items = items_of(range)
-    local branch = tree:add(count, range, #items):set_text(field.name .. ": " .. text(items))
-    for i, value in ipairs(items) do branch:add(item, place(range, i), value) end
+-- An adder has the Wireshark fields of a field of the catalog, and a function that adds them to a
+-- tree: of the tree, the packet, the place, the width and whether the packet is masked. It returns
+-- the field's item.
+
+-- A list: the number of its items, with the items below it. Each has so many bytes, or is one of
+-- the field's bits.
+local function list_adder(field, text, items_of, size)
+  local count, own = make_below(field, "count", "number"), make_own(field, "number")
+  return {count, own}, function(tree, tvb, at, width)
+    local items = items_of(tvb, at, width)
+    local branch = add(tree, count, tvb(at, width), #items)
+    set_text(branch, field.name .. ": " .. text(items))
+    for i = 1, #items do
+      add(branch, own, size and tvb(at + size * (i - 1), size) or tvb(at, width), items[i])
+    end
     return branch
   end
 end
@@ -189,24 +214,28 @@ local function words_adder(field, names, text)
   local own = make_own(field, "text")
   local fields = {own}
   for _, name in ipairs(names) do fields[#fields + 1] = make_below(field, name, "number") end
-  return fields, function(tree, range)
-    local branch = tree:add(own, range, text(words_in(range, 4)))
-    for i = 2, #fields do branch:add_le(fields[i], range(4 * (i - 2), 4)) end
+  return fields, function(tree, tvb, at, width)
+    local branch = add(tree, own, tvb(at, width), text(words_in(tvb, at, width, 4)))
+    for i = 2, #fields do add_le(branch, fields[i], tvb(at + 4 * (i - 2), 4)) end
     return branch
   end
 end
 
 local adder_of  -- defined below; records use it for their fields
+local add_field
 
 local function text_adder(field)
   local own = make_own(field, "text")
-  return {own}, function(tree, range) return tree:add(own, range, text_in(range)) end
+  return {own}, function(tree, tvb, at, width)
+    local range = tvb(at, width)
+    return add(tree, own, range, (range:string(ENC_UTF_8):match("^[^\0]*")))
+  end
 end
 
 local function plain_adder(type)
   return function(field)
     local own = make_own(field, type)
-    return {own}, function(tree, range) return tree:add(own, range) end
+    return {own}, function(tree, tvb, at, width) return add(tree, own, tvb(at, width)) end
   end
 end
 
@@ -223,15 +252,15 @@ local function number_adder(field)
     own = make_own(field, "number", base.DEC)
   end
   if not field.values then
-    return {own}, function(tree, range) return tree:add_le(own, range) end
+    return {own}, function(tree, tvb, at, width) return add_le(tree, own, tvb(at, width)) end
   end
   local name = make_below(field, "name", "text")
-  return {own, name}, function(tree, range)
-    local item = tree:add_le(own, range)
-    local text = names[range:le_uint()]
+  return {own, name}, function(tree, tvb, at, width)
+    local range = tvb(at, width)
+    local item, text = add_le(tree, own, range), names[uint_in(range)]
     if text then
       if not is_enumeration then item:append_text(" (" .. text .. ")") end
-      item:add(name, range, text):set_hidden()
+      set_hidden(add(item, name, range, text))
     end
     return item
   end
@@ -249,8 +278,9 @@ local kAdders = {
   signed = function(field)
     local scale = 10 ^ field.decimals
     local own = field.decimals > 0 and make_own(field, "decimal") or make_own(field, "signed")
-    return {own}, function(tree, range)
-      local item = tree:add(own, range, range:le_int() / scale)
+    return {own}, function(tree, tvb, at, width)
+      local range = tvb(at, width)
+      local item = add(tree, own, range, range:le_int() / scale)
       return field.unit and item:append_text(" " .. field.unit) or item
     end
   end,
@@ -258,13 +288,14 @@ local kAdders = {
   flags = function(field)
     local own = make_own(field, "number", base.HEX)
     local name = make_below(field, "name", "text")
-    return {own, name}, function(tree, range)
-      local bits = range:le_uint()
-      local item, names = tree:add_le(own, range), {}
+    return {own, name}, function(tree, tvb, at, width)
+      local range = tvb(at, width)
+      local bits = uint_in(range)
+      local item, names = add_le(tree, own, range), {}
       for _, value in ipairs(field.values) do
         if value[1] ~= 0 and has_bits(bits, value[1]) then
           names[#names + 1] = value[2]
-          item:add(name, range, value[2])
+          add(item, name, range, value[2])
         end
       end
       return item:append_text(" (" .. (names[1] and table.concat(names, ",") or "none") .. ")")
@@ -273,40 +304,39 @@ local kAdders = {
 
   duration = function(field)
     local own = make_own(field, "number", with_unit("s"))
-    return {own}, function(tree, range)
-      local item, seconds = tree:add_le(own, range), range:le_uint()
+    return {own}, function(tree, tvb, at, width)
+      local range = tvb(at, width)
+      local item, seconds = add_le(tree, own, range), uint_in(range)
       return seconds < 60 and item or item:append_text(" (" .. duration_text(seconds) .. ")")
     end
   end,
 
   ports = function(field)
-    local function ports_in(range)
-      local bits, ports = range:le_uint(), {}
-      for port = 1, 8 * range:len() do
+    local function ports_in(tvb, at, width)
+      local bits, ports = uint_in(tvb(at, width)), {}
+      for port = 1, 8 * width do
         if bits % 2 == 1 then ports[#ports + 1] = port end
         bits = math.floor(bits / 2)
       end
       return ports
     end
-    return list_adder(field, ranges_text, ports_in, function(range) return range end)
+    return list_adder(field, ranges_text, ports_in)
   end,
 
   numbers = function(field)
     local unit = field.unit and " " .. field.unit or ""
     return list_adder(field, function(words) return table.concat(words, ",") .. unit end,
-                      function(range) return words_in(range, 4) end,
-                      function(range, i) return range(4 * (i - 1), 4) end)
+                      function(tvb, at, width) return words_in(tvb, at, width, 4) end, 4)
   end,
 
   -- All up to the last that is not 0.
   vlans = function(field)
-    local function vlans_in(range)
-      local vlans = words_in(range, 2)
+    local function vlans_in(tvb, at, width)
+      local vlans = words_in(tvb, at, width, 2)
       while vlans[#vlans] == 0 do vlans[#vlans] = nil end
       return vlans
     end
-    return list_adder(field, ranges_text, vlans_in,
-                      function(range, i) return range(2 * (i - 1), 2) end)
+    return list_adder(field, ranges_text, vlans_in, 2)
   end,
 
   interface = function(field)
@@ -319,39 +349,38 @@ local kAdders = {
     if field.width >= 20 then names = {"slot", "interface", "onu", "kind", "port"} end
     return words_adder(field, names, function(words)
       local port = words[5] and words[5] ~= 0 and ":" .. words[5] or ""
-      return words[1] .. "/" .. words[2] .. "/" .. words[3] .. port
+      return string.format("%d/%d/%d%s", words[1], words[2], words[3], port)
     end)
   end,
 
   version = function(field)
     local own = make_own(field, "text")
-    return {own}, function(tree, range)
-      return tree:add(own, range, table.concat(words_in(range, 1), "."))
+    return {own}, function(tree, tvb, at, width)
+      return add(tree, own, tvb(at, width), table.concat(words_in(tvb, at, width, 1), "."))
     end
   end,
 
   records = function(field)
-    local count = make_below(field, "count", "number")
+    local count = make_below(field, "count", "number", base.DEC + base.UNIT_STRING, kRecords)
     local record = make_below(field, "record", "none")
     local inner, fields = {}, {count, record}
     for i, place in ipairs(field.record) do
       inner[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
       for _, one in ipairs(inner[i].adder.fields) do fields[#fields + 1] = one end
     end
-    return fields, function(tree, range, is_masked)
-      local records = math.floor(range:len() / field.record_size)
-      local branch = tree:add(count, range, records)
-      branch:set_text(string.format("%s: %d record%s", field.name, records,
-                                    records == 1 and "" or "s"))
+    return fields, function(tree, tvb, at, width, is_masked)
+      local size = field.record_size
+      local records = math.floor(width / size)
+      local branch = add(tree, count, tvb(at, width), records)
       for i = 1, records do
-        local part = range((i - 1) * field.record_size, field.record_size)
-        local twig = branch:add(record, part):set_text(field.name .. " " .. i)
-        for _, one in ipairs(inner) do
-          one.adder.add(twig, part(one.offset, one.width), is_masked)
+        local twig = set_text(add(branch, record, tvb(at, size)), field.name .. " " .. i)
+        for j = 1, #inner do
+          add_field(inner[j].adder, twig, tvb, at + inner[j].offset, inner[j].width, is_masked)
         end
+        at = at + size
       end
-      local rest = range:len() % field.record_size
-      if rest > 0 then branch:add(head.rest, range(range:len() - rest, rest)) end
+      local rest = width % size
+      if rest > 0 then add(branch, head.rest, tvb(at, rest)) end
       return branch
     end
   end,
@@ -359,21 +388,21 @@ local kAdders = {
 
 local adders = {}  -- by field
 
--- What adds a field to a tree: its Wireshark fields, and a function of tree, range and whether
--- the packet is masked.
 function adder_of(field)
   if not adders[field] then
     local is_wide = field.kind == "number" and field.width > 4
     local kind = (field.is_reserved or is_wide) and "bytes" or field.kind
-    local fields, add = kAdders[kind](field)
-    adders[field] = {fields = fields, add = function(tree, range, is_masked)
-      local item = add(tree, range, is_masked)
-      if is_masked and range:raw():match("^%*%*+$") then
-        item:set_text(field.name .. ": ********")
-      end
-    end}
+    local fields, add_item = kAdders[kind](field)
+    adders[field] = {name = field.name, fields = fields, add = add_item}
   end
   return adders[field]
+end
+
+function add_field(adder, tree, tvb, at, width, is_masked)
+  local item = adder.add(tree, tvb, at, width, is_masked)
+  if is_masked and raw_of(tvb, at, width):match("^%*%*+$") then
+    item:set_text(adder.name .. ": ********")
+  end
 end
 
 local messages = {}
@@ -397,8 +426,24 @@ for _, operation in ipairs(catalog.operations) do
   prepare(operation.request)
   prepare(operation.reply)
   operation.is_for_any_module = next(operation.modules) == nil
-  by_type[operation.type] = by_type[operation.type] or {}
+  by_type[operation.type] = by_type[operation.type] or {sets = {}}
   table.insert(by_type[operation.type], operation)
+end
+
+-- Those operations of one message type whose bits are set, with their texts; made once.
+local function set_of(all, bits)
+  if not all.sets[bits] then
+    local set, names = {}, {}
+    for i, operation in ipairs(all) do
+      if has_bits(bits, 2 ^ (i - 1)) then
+        set[#set + 1], names[#names + 1] = operation, operation.name
+      end
+    end
+    set.name = set[1] and table.concat(names, " or ") or "message type " .. all[1].type
+    set.ok = set.name .. ": ok"
+    all.sets[bits] = set
+  end
+  return all.sets[bits]
 end
 
 -- Where several fields have one filter, Wireshark looks up names of values in the first of them.
@@ -415,9 +460,8 @@ oltmgmt.experts = expert_infos
 
 -- Links between requests and answers; filled in the first pass over the capture.
 local pending        -- the request's frame, by what identifies the exchange
-local request_of     -- the request's frame, by the answer's
-local answer_of      -- the answer's frame, by the request's
-local operations_of  -- by the request's frame, unless they are all of the message type
+local other_of       -- the answer's frame by the request's, and the other way round
+local operations_of  -- by the request's frame, if the message type has several
 
 -- What filters and columns ask for, by field, adder and message. It is found out again when frames
 -- do not follow each other, since a new pass may ask for something else.
@@ -425,12 +469,12 @@ local asked, last_frame, root_of_frame
 local own_dissector
 
 function oltmgmt.init()
-  pending, request_of, answer_of, operations_of = {}, {}, {}, {}
+  pending, other_of, operations_of = {}, {}, {}
   asked = nil
   own_dissector = Dissector.get("oltmgmt")
 end
 
-local everything = {}
+local everything = {[head_numbers] = true}
 for _, field in pairs(head) do everything[field] = true end
 for _, adder in pairs(adders) do everything[adder] = true end
 for _, message in ipairs(messages) do everything[message] = true end
@@ -438,7 +482,7 @@ for _, message in ipairs(messages) do everything[message] = true end
 local function asks_for(cache, key)
   local is_asked = false
   for _, field in ipairs(type(key) == "table" and key.fields or {key}) do
-    is_asked = is_asked or root_of_frame:referenced(field)
+    is_asked = is_asked or is_referenced(root_of_frame, field)
   end
   cache[key] = is_asked
   return is_asked
@@ -458,7 +502,7 @@ local function is_sent_by(operation, tvb, p)
   for _, constant in ipairs(request.constants) do
     local from = p.head_size + constant[1]
     local have = math.min(#constant[2], p.have - from)
-    if have > 0 and tvb:raw(from, have) ~= constant[2]:sub(1, have) then return false end
+    if have > 0 and raw_of(tvb, from, have) ~= constant[2]:sub(1, have) then return false end
   end
   return true
 end
@@ -468,29 +512,31 @@ local function may_make(operation, tvb, p)
          (p.kind == kAnswer or is_sent_by(operation, tvb, p))
 end
 
-local none = {}
-
 -- The operations that may have made the exchange. Constants in the request tell those of one
 -- message type apart; an answer has the operations of its request.
 local function operations_for(tvb, p)
-  local all = by_type[p.type] or none
-  if p.kind == kAnswer and request_of[p.frame] then
-    return operations_of[request_of[p.frame]] or all
+  local all = by_type[p.type]
+  if not all then
+    local name = "message type " .. p.type
+    return {name = name, ok = name .. ": ok"}
   end
-  local count = 0
-  for i = 1, #all do count = count + (may_make(all[i], tvb, p) and 1 or 0) end
-  if count == #all then return all end
-  local found = {}
-  for i = 1, #all do found[#found + 1] = may_make(all[i], tvb, p) and all[i] or nil end
-  if p.kind == kRequest then operations_of[p.frame] = found end
-  return found
+  local request = p.kind == kAnswer and other_of[p.frame]
+  if request and operations_of[request] then return operations_of[request] end
+  local bits = 0
+  for i = 1, #all do
+    if request or may_make(all[i], tvb, p) then bits = bits + 2 ^ (i - 1) end
+  end
+  local set = set_of(all, bits)
+  if p.kind == kRequest and #set < #all then operations_of[p.frame] = set end
+  return set
 end
 
 local function link(p)
   if p.kind == kRequest then
     pending[p.identity] = p.frame
   elseif pending[p.identity] then
-    request_of[p.frame], answer_of[pending[p.identity]] = pending[p.identity], p.frame
+    local request = pending[p.identity]
+    other_of[request], other_of[p.frame] = p.frame, request
     pending[p.identity] = nil
   end
 end
@@ -506,34 +552,32 @@ local function failure_of(p)
 end
 
 local function add_head(tree, tvb, p, wants)
-  for _, operation in ipairs(wants[head.operation] and p.operations or none) do
-    tree:add(head.operation, tvb(28, 4), operation.name):set_generated()
+  if wants[head.operation] then
+    for i = 1, #p.operations do
+      set_generated(add(tree, head.operation, tvb(28, 4), p.operations[i].name))
+    end
   end
-  if wants[head.run] then tree:add_le(head.run, tvb(8, 4)) end
-  if wants[head.process] then tree:add_le(head.process, tvb(12, 4)) end
-  if wants[head.thread] then tree:add_le(head.thread, tvb(16, 4)) end
-  if wants[head.exchange] then tree:add_le(head.exchange, tvb(20, 4)) end
-  if wants[head.module] then tree:add_le(head.module, tvb(24, 4)) end
-  if wants[head.type] then tree:add_le(head.type, tvb(28, 4)) end
-  if wants[head.timeout] then tree:add_le(head.timeout, tvb(32, 4)) end
-  if wants[head.record_length] then tree:add_le(head.record_length, tvb(36, 4)) end
-  if p.no_reply and wants[head.no_reply] then tree:add(head.no_reply, tvb(5, 1)) end
-  local answer, request = answer_of[p.frame], request_of[p.frame]
-  if answer and wants[head.answer_in] then
-    tree:add(head.answer_in, tvb(20, 4), answer):set_generated()
-  elseif request and wants[head.request_in] then
-    tree:add(head.request_in, tvb(20, 4), request):set_generated()
+  if wants[head_numbers] then
+    for i = 1, #head_numbers do
+      local number = head_numbers[i]
+      if wants[number[1]] then add_le(tree, number[1], tvb(number[2], 4)) end
+    end
+  end
+  if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
+  local link_in = p.kind == kRequest and head.answer_in or head.request_in
+  if other_of[p.frame] and wants[link_in] then
+    set_generated(add(tree, link_in, tvb(20, 4), other_of[p.frame]))
   end
   if p.kind == kRequest then return end
-  if wants[head.result] then tree:add_le(head.result, tvb(40, 4)) end
-  if p.result == 0 and wants[head.status] then tree:add_le(head.status, tvb(44, 2)) end
+  if wants[head.result] then add_le(tree, head.result, tvb(40, 4)) end
+  if p.result == 0 and wants[head.status] then add_le(tree, head.status, tvb(44, 2)) end
   if p.failure and wants[head.failed] then
-    tree:add(head.failed, tvb(40, 6), p.failure):set_generated()
+    set_generated(add(tree, head.failed, tvb(40, 6), p.failure))
   end
   if wants[head.time] then
     local nanoseconds = p.high * 4294967296 + p.low
     local seconds = math.floor(nanoseconds / 1e9)
-    tree:add(head.time, tvb(48, 8), NSTime(seconds % 2147483648, nanoseconds - seconds * 1e9))
+    add(tree, head.time, tvb(48, 8), NSTime(seconds % 2147483648, nanoseconds - seconds * 1e9))
   end
 end
 
@@ -550,36 +594,30 @@ end
 
 local function add_record(tree, tvb, p, wants)
   if not p.has_record and p.length == 0 then return end
-  local field = p.kind == kRequest and head.request or head.reply
-  if not (wants[field] or p.message and wants[p.message] or wants[head.rest]) then return end
-  local have = math.min(p.have, p.head_size + p.length)
-  local record, size = tvb(p.head_size, have - p.head_size), have - p.head_size
+  local field, message = p.kind == kRequest and head.request or head.reply, p.message
+  if not (wants[field] or message and wants[message] or wants[head.rest]) then return end
+  local from, size = p.head_size, math.min(p.have - p.head_size, p.length)
   if wants[field] then
-    tree = tree:add(field, record)
-    tree:set_text(string.format("%s: %d byte%s", p.kind == kRequest and "Request" or "Reply",
-                                p.length, p.length == 1 and "" or "s"))
+    tree = add(tree, field, tvb(from, size))
+    if size == 0 then set_text(tree, p.kind == kRequest and "Request: none" or "Reply: none") end
   end
-  if not p.message then return end
-  local to, is_masked = 0, p.is_masked
-  for _, row in ipairs(p.message.rows) do
-    local width = row.width or size - row.offset
-    if width <= 0 or row.offset + width > size then return end
-    to = row.offset + width
-    if wants[row.adder] then row.adder.add(tree, record(row.offset, width), is_masked) end
+  if not message then return end
+  local to = 0
+  for i = 1, #message.rows do
+    local row = message.rows[i]
+    local offset = row.offset
+    local width = row.width or size - offset
+    if width <= 0 or offset + width > size then return end
+    to = offset + width
+    if wants[row.adder] then add_field(row.adder, tree, tvb, from + offset, width, p.is_masked) end
   end
-  if to < size and wants[head.rest] then tree:add(head.rest, record(to, size - to)) end
-end
-
-local function names_of(p)
-  local name = p.operations[1] and p.operations[1].name or "message type " .. p.type
-  for i = 2, #p.operations do name = name .. " or " .. p.operations[i].name end
-  return name
+  if to < size and wants[head.rest] then add(tree, head.rest, tvb(from + to, size - to)) end
 end
 
 local function add_malformed(tvb, info, root)
-  local is_cut = tvb:len() < math.min(tvb:reported_len(), kHeadSize)
+  local is_cut = length_of(tvb) < math.min(tvb:reported_len(), kHeadSize)
   info.cols.info = is_cut and "cut within the header" or "not an exchange of version 1"
-  root:add(oltmgmt, tvb()):add_proto_expert_info(
+  add(root, oltmgmt, tvb()):add_proto_expert_info(
     is_cut and expert_infos.cut or expert_infos.malformed)
 end
 
@@ -588,13 +626,11 @@ local packet = {}
 
 -- Fills in the header; false when there is none.
 local function read_head(p, tvb, frame)
-  p.frame, p.have = frame, tvb:len()
+  p.frame, p.have = frame, length_of(tvb)
   if p.have < kHeadSize then return false end
-  local raw = tvb:raw(0, kHeadSize)
   local magic, flags, _
-  magic, p.kind, flags, p.head_size, _, _, _, _, p.module, p.type, _, p.length, p.result, p.status,
-    _, p.low, p.high, p.lost = Struct.unpack(kHeadLayout, raw)
-  p.identity = raw:sub(9, 24)
+  magic, p.kind, flags, p.head_size, p.identity, p.module, p.type, _, p.length, p.result, p.status,
+    _, p.low, p.high, p.lost = Struct.unpack(kHeadLayout, raw_of(tvb, 0, kHeadSize))
   p.no_reply, p.is_masked = flags % 2 == 1, flags % 4 >= 2
   return magic == kMagic and (p.kind == kRequest or p.kind == kAnswer) and
          p.head_size >= kHeadSize and
@@ -602,8 +638,8 @@ local function read_head(p, tvb, frame)
 end
 
 local function dissect(tvb, info, root)
-  info.cols.protocol = "OLT"
-  local p = packet
+  local columns, p = info.cols, packet
+  columns.protocol = "OLT"
   if not read_head(p, tvb, info.number) then
     add_malformed(tvb, info, root)
     return p.have
@@ -612,15 +648,15 @@ local function dissect(tvb, info, root)
   if not is_visited then link(p) end
   p.operations = operations_for(tvb, p)
   p.failure = failure_of(p)
-  local name = names_of(p)
-  info.cols.info = is_request and name or name .. ": " .. (p.failure or "ok")
+  local name = p.operations.name
+  columns.info = is_request and name or p.failure and name .. ": " .. p.failure or p.operations.ok
 
   local operation = p.operations[1]
   p.message = operation and (is_request and operation.request or operation.reply)
   p.has_record = is_request or not (p.failure or p.no_reply)
   p.is_short = p.has_record and p.message and p.length < p.message.length
   p.is_cut = p.have - p.head_size < p.length
-  p.is_unanswered = is_request and is_visited and not answer_of[p.frame]
+  p.is_unanswered = is_request and is_visited and not other_of[p.frame]
   local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.is_masked or
                    p.lost > 0 or not operation
   local wants, is_visible = everything, root.visible
@@ -629,7 +665,7 @@ local function dissect(tvb, info, root)
     if not wants[own_dissector] and not is_noted then return p.have end
   end
 
-  local tree = root:add(oltmgmt, tvb())
+  local tree = add(root, oltmgmt, tvb())
   if is_visible then tree:append_text((is_request and ", request: " or ", answer: ") .. name) end
   if is_noted then add_expert_infos(tree, p) end
   add_head(tree, tvb, p, wants)
