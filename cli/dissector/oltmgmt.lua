@@ -33,7 +33,7 @@ local head = {
   timeout = ProtoField.uint32("oltmgmt.timeout", "Time-out", base.DEC + base.UNIT_STRING, {" s"}),
   record_length = ProtoField.uint32("oltmgmt.record_length", "Record length", base.DEC +
                                     base.UNIT_STRING, {" byte", " bytes"}),
-  no_reply = ProtoField.none("oltmgmt.no_reply", "No reply wanted"),
+  no_reply = ProtoField.bool("oltmgmt.no_reply", "No reply wanted", 8, nil, 0x01),
   result = ProtoField.uint32("oltmgmt.result", "Result", base.HEX, catalog.results),
   status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC,
                              next(catalog.statuses) and catalog.statuses or nil),
@@ -127,6 +127,16 @@ local function make_below(field, suffix, type, ...)
   return make(type, before .. field.name .. "." .. suffix, field.name .. " " .. suffix, ...)
 end
 
+-- The VLANs in a list, and the first and the last one of a range, are found as "vlan", too.
+local function make_vlan()
+  return make("number", filter_of("vlan", "number"), "vlan", base.DEC)
+end
+
+local function is_end_of_range(field)
+  return (field.name == "first" or field.name == "last") and field.kind == "number" and
+         field.width <= 4
+end
+
 -- One table for all fields that have the same names of values, or the same unit.
 local forms = {}
 
@@ -198,12 +208,15 @@ end
 -- the field's bits.
 local function list_adder(field, text, items_of, size)
   local count, own = make_below(field, "count", "number"), make_own(field, "number")
-  return {count, own}, function(tree, tvb, at, width)
+  local vlan = field.kind == "vlans" and make_vlan() or nil
+  return {count, own, vlan}, function(tree, tvb, at, width)
     local items = items_of(tvb, at, width)
     local branch = add(tree, count, tvb(at, width), #items)
     set_text(branch, field.name .. ": " .. text(items))
     for i = 1, #items do
-      add(branch, own, size and tvb(at + size * (i - 1), size) or tvb(at, width), items[i])
+      local range = size and tvb(at + size * (i - 1), size) or tvb(at, width)
+      add(branch, own, range, items[i])
+      if vlan then set_hidden(add(branch, vlan, range, items[i])) end
     end
     return branch
   end
@@ -367,6 +380,10 @@ local kAdders = {
     for i, place in ipairs(field.record) do
       inner[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
       for _, one in ipairs(inner[i].adder.fields) do fields[#fields + 1] = one end
+      if field.name == "vlans" and is_end_of_range(place[2]) then
+        inner[i].vlan = make_vlan()
+        fields[#fields + 1] = inner[i].vlan
+      end
     end
     return fields, function(tree, tvb, at, width, is_masked)
       local size = field.record_size
@@ -375,7 +392,13 @@ local kAdders = {
       for i = 1, records do
         local twig = set_text(add(branch, record, tvb(at, size)), field.name .. " " .. i)
         for j = 1, #inner do
-          add_field(inner[j].adder, twig, tvb, at + inner[j].offset, inner[j].width, is_masked)
+          local one = inner[j]
+          local from = at + one.offset
+          add_field(one.adder, twig, tvb, from, one.width, is_masked)
+          -- The last one of a range of one is 0.
+          if one.vlan and uint_in(tvb(from, one.width)) > 0 then
+            set_hidden(add_le(twig, one.vlan, tvb(from, one.width)))
+          end
         end
         at = at + size
       end
@@ -639,7 +662,7 @@ end
 
 local function dissect(tvb, info, root)
   local columns, p = info.cols, packet
-  columns.protocol = "OLT"
+  columns.protocol = "OLTMGMT"
   if not read_head(p, tvb, info.number) then
     add_malformed(tvb, info, root)
     return p.have

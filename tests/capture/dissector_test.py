@@ -197,8 +197,10 @@ def expected_items(field, data, at):
         items = words(4 if kind == "numbers" else 2)
         while kind == "vlans" and items and little(items[-1][0]) == 0:
             items.pop()
+        names = [own, "vlan"] if kind == "vlans" else [own]
         return [item(count, str(len(items))),
-                *[item(own, str(little(word)), word, place) for word, place in items]]
+                *[item(name, str(little(word)), word, place)
+                  for word, place in items for name in names]]
     if kind == "ports":
         ports = [port + 1 for port in range(8 * len(data)) if little(data) >> port & 1]
         return [item(count, str(len(ports))), *[item(own, str(port)) for port in ports]]
@@ -210,7 +212,10 @@ def expected_items(field, data, at):
         items.append(item(filter_of(field, "record"), "", one, at + start))
         for inner in field["record"]["fields"]:
             part = one[inner["offset"]:inner["offset"] + inner["width"]]
-            items += expected_items(inner, part, at + start + inner["offset"])
+            shown = expected_items(inner, part, at + start + inner["offset"])
+            items += shown
+            if field["name"] == "vlans" and inner["name"] in ("first", "last") and little(part):
+                items.append(("vlan", *shown[0][1:]))
     if len(data) % size:
         rest = len(data) - len(data) % size
         items.append(item("rest", data[rest:].hex(":"), data[rest:], at + rest))
@@ -308,6 +313,16 @@ class EveryOperation(unittest.TestCase):
         self.assertEqual([0, len(parts) - 1],
                          counts(path, ["_ws.lua.error && oltmgmt.slot", "oltmgmt"]))
         self.assertEqual([0], counts(path, ["_ws.lua.error"]))
+        code, output, errors = tshark("-X", "lua_script:" + SCRIPT, "-r", path, "-T", "json", "-J",
+                                      "oltmgmt _ws.lua")
+        self.assertEqual((0, ""), (code, errors))
+        self.assertEqual(len(parts) - 1, len(json.loads(output)))
+        self.assertNotIn("Lua Error", output)
+        code, output, errors = tshark(
+            "-X", "lua_script:" + SCRIPT, "-r", path, "-o", 'gui.column.format:"VLAN",'
+            '"%Cus:oltmgmt.vlan","Name","%Cus:oltmgmt.state.name","Error","%Cus:_ws.lua.error"')
+        self.assertEqual((0, ""), (code, errors))
+        self.assertNotIn("Lua Error", output)
 
     def test_layouts_without_meanings_raise_no_error(self):
         code, output, errors = tshark("-X", "lua_script:" + script("--layout", "none"), "-r",
@@ -377,6 +392,7 @@ FILTERS = [
     ("oltmgmt.reply", 8),
     ("oltmgmt.request_in", 19),
     ("oltmgmt.no_reply && oltmgmt.request", 9),
+    ("oltmgmt.no_reply == 1", 18),
     ("oltmgmt.status == 0", 15),
     ("oltmgmt.status != 0", 3),
     ('oltmgmt.status == "not found"', 2),
@@ -398,6 +414,10 @@ FILTERS = [
     ("oltmgmt.first == 100", 2),
     ("oltmgmt.first in {15 .. 150}", 3),
     ("oltmgmt.vlans.record", 3),
+    ("oltmgmt.vlan == 100", 2),
+    ("oltmgmt.vlan in {200 .. 210}", 1),
+    ("oltmgmt.vlan == 22", 1),
+    ("oltmgmt.vlan == 0", 0),
     ("oltmgmt.vlans == 22", 1),
     ("oltmgmt.vlans.count == 7", 1),
     ("oltmgmt.vlans.count == 2", 2),
@@ -421,6 +441,12 @@ FILTERS = [
     ('oltmgmt.loid contains "site"', 1),
     ('oltmgmt.loid matches "^onu-"', 1),
     ("oltmgmt.slot == 1 && oltmgmt.port == 1", 3),
+    ("any oltmgmt.port == 1 && oltmgmt.slot & 1", 3),
+    ("!(oltmgmt.operation == get_olt_mac)", 30),
+    ("oltmgmt.mac[5] == 01", 3),
+    ("len(oltmgmt.reply) == 6", 2),
+    ("upper(oltmgmt.loid) contains SITE", 1),
+    ("oltmgmt.exchange > 3 and oltmgmt.exchange < 6", 4),
     ("oltmgmt.port > 50", 1),
     ('oltmgmt.user_password contains "***"', 1),
     ("oltmgmt.entries.count == 2", 1),
@@ -460,8 +486,8 @@ OF_LAYOUT = {
     "features.name": ["dba", "both"], "tagged.count": ["3"], "tagged": ["1", "2", "16"],
     "uplink": ["1/2"], "uplink.slot": ["1"], "uplink.port": ["2"], "software": ["1.2.3"],
     "onu": ["4/5/6"], "onu.slot": ["4"], "onu.interface": ["5"], "onu.onu": ["6"],
-    "ids.count": ["3"], "ids": ["10", "20", "21"], "counters.count": ["2"],
-    "counters": ["7", "4294967295"], "lease": ["90061"], "temperature": ["-40"],
+    "ids.count": ["3"], "ids": ["10", "20", "21"], "vlan": ["10", "20", "21"],
+    "counters.count": ["2"], "counters": ["7", "4294967295"], "lease": ["90061"], "temperature": ["-40"],
     "field.module": ["77"], "module": ["2"], "Place": ["Zürich"],
 }
 
@@ -488,12 +514,13 @@ class Session(unittest.TestCase):
 
     def test_a_filter_alone_takes_the_same_packets(self):
         for one, expected in (
-                ("oltmgmt.vlans == 22", [["33", "OLT", "add_ont_port_muticastvlan"]]),
+                ("oltmgmt.vlans == 22", [["33", "OLTMGMT", "add_ont_port_muticastvlan"]]),
                 ("oltmgmt.refused", [
-                    ["8", "OLT", "get_olt_mac: refused, status 5: exists already"],
-                    ["22", "OLT", "set_port_enable: refused, status 4: not found"],
-                    ["26", "OLT", "process_trunk_vlan: refused, status 4: not found"]]),
-                ('oltmgmt.state.name == "up"', [["28", "OLT", "process_snmp_onubasicinfo: ok"]])):
+                    ["8", "OLTMGMT", "get_olt_mac: refused, status 5: exists already"],
+                    ["22", "OLTMGMT", "set_port_enable: refused, status 4: not found"],
+                    ["26", "OLTMGMT", "process_trunk_vlan: refused, status 4: not found"]]),
+                ('oltmgmt.state.name == "up"', [
+                    ["28", "OLTMGMT", "process_snmp_onubasicinfo: ok"]])):
             code, output, errors = tshark(
                 "-X", "lua_script:" + SCRIPT, "-r", self.capture, "-Y", one, "-o",
                 'gui.column.format:"No.","%m","Protocol","%p","Info","%i"')
@@ -534,7 +561,7 @@ class Session(unittest.TestCase):
         self.assertEqual((0, b"", b""), (done.returncode, done.stdout, done.stderr))
         code, output, errors = tshark("-r", self.capture, "-c", "1", home=home)
         self.assertEqual((0, ""), (code, errors))
-        self.assertIn(" OLT 76 get_olt_mac\n", output)
+        self.assertIn(" OLTMGMT 76 get_olt_mac\n", output)
         _, _, errors = tshark("-X", "lua_script:" + SCRIPT, "-r", self.capture, "-c", "1",
                               home=home)
         self.assertIn("oltmgmt.lua is loaded twice; expected one copy", errors)
