@@ -75,8 +75,7 @@ class Server {
   Server(const Server &) = delete;
   Server &operator=(const Server &) = delete;
   ~Server() {
-    kill(child_, SIGKILL);
-    wait_for(child_);
+    if (child_ > 0) end_child(child_, SIGKILL);
   }
 
  private:

@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -89,9 +88,7 @@ RunningAgent::RunningAgent() : port_(free_port()), trap_port_(free_port()) {
 
 RunningAgent::~RunningAgent() {
   for (pid_t child : {agent_, snmpd_, snmptrapd_}) {
-    if (child <= 0) continue;
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    if (child > 0) end_child(child, SIGKILL);
   }
 }
 
@@ -119,9 +116,7 @@ void RunningAgent::start_snmpd() {
 }
 
 void RunningAgent::kill_snmpd() {
-  kill(snmpd_, SIGKILL);
-  wait_for(snmpd_);
-  snmpd_ = -1;
+  end_child(snmpd_, SIGKILL);
 }
 
 void RunningAgent::start_agent(const std::vector<std::string> &options) {
@@ -137,10 +132,7 @@ void RunningAgent::start_agent(const std::vector<std::string> &options) {
 }
 
 int RunningAgent::end_agent(int signal) {
-  kill(agent_, signal);
-  int status = wait_for(agent_);
-  agent_ = -1;
-  return status;
+  return end_child(agent_, signal);
 }
 
 std::string RunningAgent::log() const {

@@ -75,10 +75,7 @@ class Daemon {
 
   pid_t pid() const { return pid_; }
 
-  int kill(int signal) {
-    ::kill(pid_, signal);
-    return wait();
-  }
+  int kill(int signal) { return end_child(pid_, signal); }
 
   int run(const std::vector<std::string> &options) {
     launch(options);

@@ -26,10 +26,7 @@ Terminal::Terminal(const std::vector<std::string> &command,
 }
 
 Terminal::~Terminal() {
-  if (pid_ > 0) {
-    kill(pid_, SIGKILL);
-    wait_for(pid_);
-  }
+  if (pid_ > 0) end_child(pid_, SIGKILL);
   close(terminal_);
 }
 

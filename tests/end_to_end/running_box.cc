@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <string.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -30,8 +29,7 @@ RunningBox::RunningBox() : run_dir_(folder_ / "run") {
 }
 
 RunningBox::~RunningBox() {
-  if (pid_ > 0) kill(pid_, SIGKILL);
-  if (pid_ > 0) waitpid(pid_, nullptr, 0);
+  if (pid_ > 0) end(SIGKILL);
 }
 
 void RunningBox::start(const std::vector<std::string> &options) {
@@ -60,11 +58,7 @@ void RunningBox::start_program(const std::string &program,
 }
 
 int RunningBox::end(int signal) {
-  if (pid_ <= 0) throw std::logic_error("RunningBox: there is no process to end");
-  kill(pid_, signal);
-  int status = wait_for(pid_);
-  pid_ = -1;
-  return status;
+  return end_child(pid_, signal);
 }
 
 std::string RunningBox::listing(const char (&name)[32]) const {

@@ -65,12 +65,7 @@ class BoxProcess {
 
   std::string run_dir() const { return folder / "run"; }
 
-  int end(int signal) {
-    kill(pid_, signal);
-    int status = olt::test::wait_for(pid_);
-    pid_ = -1;
-    return status;
-  }
+  int end(int signal) { return olt::test::end_child(pid_, signal); }
 
   /// A connection to module 2; not open when there is none.
   Descriptor connected() const {

@@ -8,7 +8,9 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <stdexcept>
 #include <system_error>
+#include <utility>
 
 namespace olt::test {
 
@@ -81,6 +83,12 @@ int wait_for(pid_t child) {
     if (errno != EINTR) fail("waitpid");
   }
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int end_child(pid_t &child, int signal) {
+  if (child <= 0) throw std::logic_error("no child; expected one to end");
+  kill(child, signal);
+  return wait_for(std::exchange(child, -1));
 }
 
 Finished run(const std::vector<std::string> &command, const std::vector<std::string> &environment,

@@ -23,6 +23,10 @@ struct Finished {
 /// Waits for the end of a child. @return as Finished::status.
 int wait_for(pid_t child);
 
+/// Sends a signal to a child, waits for its end, and sets its identifier to -1. Throws when there
+/// is none: the signal would go to all processes. @return as Finished::status.
+int end_child(pid_t &child, int signal);
+
 /// Runs a program to its end. The input must fit into a pipe.
 Finished run(const std::vector<std::string> &command,
              const std::vector<std::string> &environment = {}, const std::string &input = "");
