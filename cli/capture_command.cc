@@ -35,8 +35,8 @@ constexpr const char *kOperationFilter = "operation";
 constexpr const char *kModuleFilter = "module";
 constexpr std::string_view kCountOption = "--count";
 constexpr std::string_view kSecondsOption = "--seconds";
-constexpr CommandOption kOptions[] = {{kCountOption, "N", "ends after so many exchanges"},
-                                      {kSecondsOption, "S", "ends after so many seconds"}};
+constexpr CommandOption kCaptureOptions[] = {{kCountOption, "N", "ends after so many exchanges"},
+                                             {kSecondsOption, "S", "ends after so many seconds"}};
 constexpr uint32_t kMostSeconds = 86'400;
 /// Between two looks at a capture that had nothing new.
 constexpr std::chrono::milliseconds kBetweenPieces(50);
@@ -152,7 +152,7 @@ CapturePlan plan_of(std::span<const std::string> words, const catalog::Layout &l
   auto set = [&plan](std::string_view name, const std::string &value) {
     set_option(plan, name, value);
   };
-  std::vector<std::string> others = take_options("capture", kOptions, words.subspan(1), set);
+  std::vector<std::string> others = take_options("capture", kCaptureOptions, words.subspan(1), set);
   if (others.empty()) wrong_usage("capture: no file is given; expected one, or - for a pipe");
   plan.path = others[0];
   for (size_t i = 1; i < others.size(); ++i) set_filter(plan, others[i], layout);
@@ -211,11 +211,11 @@ std::string details_of_capture() {
   return "  Records the exchanges of all clients of a running box until Ctrl-C. operation=NAME\n"
          "  records those with the operation's message type, module=N those with this module.\n"
          "  FILE must not exist; - is standard output. OLT_CAPTURE_SECRETS=1 keeps secrets.\n" +
-         options_text(kOptions) + "  Example: capture - | tshark -i -\n";
+         options_text(kCaptureOptions) + "  Example: capture - | tshark -i -\n";
 }
 
 std::span<const CommandOption> options_of_capture() {
-  return kOptions;
+  return kCaptureOptions;
 }
 
 }  // namespace olt::cli

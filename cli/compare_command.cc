@@ -22,7 +22,7 @@ constexpr std::string_view kIgnore = "--ignore";
 constexpr std::string_view kFiles = "--files";
 constexpr std::string_view kAtMost = "--count";
 constexpr std::string_view kJunit = "--junit";
-constexpr CommandOption kOptions[] = {
+constexpr CommandOption kCompareOptions[] = {
     {kAll, "", "sends requests that may change the box, too"},
     {kYes, "", "does not ask before those that cannot be taken back"},
     {kIgnore, "PATTERN", "leaves out a field, FIELD or OPERATION.FIELD; may be repeated"},
@@ -66,7 +66,7 @@ void run_compare(Session &session, std::span<const std::string> words) {
   auto set = [&](std::string_view name, const std::string &value) {
     set_option(plan, session.layout(), name, value);
   };
-  std::vector<std::string> names = take_options("compare", kOptions, words.subspan(1), set);
+  std::vector<std::string> names = take_options("compare", kCompareOptions, words.subspan(1), set);
   if (names.empty()) wrong_usage("compare: no file is given; expected a capture");
   plan.path = names[0];
   plan.selected = selected_exchanges("compare", std::span(names).subspan(1), session.layout());
@@ -84,11 +84,12 @@ std::string details_of_compare() {
          "  something differs, with 2 when it cannot compare. Requests that may change the box "
          "are\n"
          "  sent only with --all. Filters are those of show.\n" +
-         options_text(kOptions) + "  Example: compare 1234.pcapng module=2 --ignore '*.seconds'\n";
+         options_text(kCompareOptions) +
+         "  Example: compare 1234.pcapng module=2 --ignore '*.seconds'\n";
 }
 
 std::span<const CommandOption> options_of_compare() {
-  return kOptions;
+  return kCompareOptions;
 }
 
 }  // namespace olt::cli

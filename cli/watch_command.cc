@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::string_view kEvery = "--every";
 constexpr std::string_view kCount = "--count";
-constexpr CommandOption kOptions[] = {
+constexpr CommandOption kWatchOptions[] = {
     {kEvery, "SECONDS", "from the start of one round to that of the next; 2 when left out"},
     {kCount, "N", "ends after so many rounds"}};
 constexpr const char *kNextOperation = "+";
@@ -92,7 +92,7 @@ void run_watch(Session &session, std::span<const std::string> words) {
     set_option(plan, name, value);
   };
   std::vector<std::vector<std::string>> lines(1);
-  for (const std::string &word : take_options("watch", kOptions, words.subspan(1), set)) {
+  for (const std::string &word : take_options("watch", kWatchOptions, words.subspan(1), set)) {
     if (word == kNextOperation) {
       lines.emplace_back();
     } else {
@@ -119,12 +119,12 @@ std::string details_of_watch() {
          "  lines that changed begin with *, and counters are shown per second. Otherwise, and "
          "with\n"
          "  --json, it prints a JSON object a call. A + stands before each further operation.\n" +
-         options_text(kOptions) +
+         options_text(kWatchOptions) +
          "  Example: watch get_port_link_state 1 1 + get_port_link_state 1 2 --count 1\n";
 }
 
 std::span<const CommandOption> options_of_watch() {
-  return kOptions;
+  return kWatchOptions;
 }
 
 }  // namespace olt::cli

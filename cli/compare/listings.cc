@@ -14,12 +14,12 @@ namespace olt::cli {
 
 namespace {
 
-using Rows = std::vector<TableRow>;
-using Lines = std::vector<std::string>;
+using ListingRows = std::vector<TableRow>;
+using ListingLines = std::vector<std::string>;
 
 /// The one at this place, or null.
 template <typename Item>
-const Item *at(const std::vector<Item> &items, size_t place) {
+const Item *item_at(const std::vector<Item> &items, size_t place) {
   return place < items.size() ? &items[place] : nullptr;
 }
 
@@ -35,7 +35,7 @@ std::optional<std::string> line_of(const TableRow *row) {
 }
 
 /// The rows by their first cell; nothing when two have the same.
-std::optional<std::map<std::string, const TableRow *>> by_first_cell(const Rows &rows) {
+std::optional<std::map<std::string, const TableRow *>> by_first_cell(const ListingRows &rows) {
   std::map<std::string, const TableRow *> found;
   for (const TableRow &row : rows)
     if (row.empty() || !found.emplace(row[0], &row).second) return std::nullopt;
@@ -47,11 +47,11 @@ class ListingDifferences {
   void compare(const ListingContent &recorded, const ListingContent &now) {
     add("title", 0, recorded.title, now.title);
     for (size_t i = 0; i < std::max(recorded.sections.size(), now.sections.size()); ++i)
-      compare_sections(at(recorded.sections, i), at(now.sections, i), i + 1);
+      compare_sections(item_at(recorded.sections, i), item_at(now.sections, i), i + 1);
   }
 
   /// What has been inserted or removed in one place makes no other lines different.
-  void compare(const Lines &recorded, const Lines &now) {
+  void compare(const ListingLines &recorded, const ListingLines &now) {
     auto [first, first_now] =
         std::mismatch(recorded.begin(), recorded.end(), now.begin(), now.end());
     auto last = std::mismatch(recorded.rbegin(), std::make_reverse_iterator(first), now.rbegin(),
@@ -75,8 +75,8 @@ class ListingDifferences {
     add("heading", item, recorded == nullptr ? Text() : recorded->heading,
         now == nullptr ? Text() : now->heading);
     if (recorded == nullptr || now == nullptr) return;
-    Rows before = recorded->table;
-    Rows after = now->table;
+    ListingRows before = recorded->table;
+    ListingRows after = now->table;
     TableRow names;
     bool has_names = recorded->rule != Rule::kNone && now->rule != Rule::kNone;
     if (has_names) {
@@ -87,12 +87,13 @@ class ListingDifferences {
     }
     if (!compare_by_first_cell(before, after, names)) {
       for (size_t i = 0; i < std::max(before.size(), after.size()); ++i)
-        compare_rows(at(before, i), at(after, i), names, "", i + 1);
+        compare_rows(item_at(before, i), item_at(after, i), names, "", i + 1);
     }
   }
 
   /// @return false when rows cannot be found again so
-  bool compare_by_first_cell(const Rows &recorded, const Rows &now, const TableRow &names) {
+  bool compare_by_first_cell(const ListingRows &recorded, const ListingRows &now,
+                             const TableRow &names) {
     auto before = by_first_cell(recorded);
     auto after = by_first_cell(now);
     if (!before || !after) return false;
@@ -132,8 +133,8 @@ class ListingDifferences {
   std::vector<FieldDifference> differences_;
 };
 
-Lines lines_of(const std::string &text) {
-  Lines lines;
+ListingLines text_lines(const std::string &text) {
+  ListingLines lines;
   for (size_t begin = 0; begin < text.size();) {
     size_t end = std::min(text.find('\n', begin), text.size());
     lines.push_back(text.substr(begin, end - begin));
@@ -152,7 +153,7 @@ std::vector<FieldDifference> listing_differences(const std::string &recorded,
   if (before && after) {
     differences.compare(*before, *after);
   } else {
-    differences.compare(lines_of(recorded), lines_of(now));
+    differences.compare(text_lines(recorded), text_lines(now));
   }
   return differences.take();
 }

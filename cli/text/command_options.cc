@@ -11,7 +11,7 @@ namespace olt::cli {
 
 namespace {
 
-std::string names_of(std::span<const CommandOption> options) {
+std::string names_in_order(std::span<const CommandOption> options) {
   std::string names;
   for (size_t i = 0; i < options.size(); ++i) {
     if (i > 0) names += i + 1 == options.size() ? " or " : ", ";
@@ -40,7 +40,7 @@ std::vector<std::string> take_options(
                                [name](const CommandOption &one) { return one.name == name; });
     if (option == options.end() || (has_value && option->value.empty())) {
       wrong_usage("{}: there is no option '{}'; expected {}", command, printable(word),
-                  names_of(options));
+                  names_in_order(options));
     }
     bool is_next = !has_value && !option->value.empty() && i + 1 < words.size();
     if (is_next) ++i;

@@ -21,9 +21,9 @@ namespace {
 constexpr std::string_view kColumns = "--columns";
 constexpr std::string_view kSort = "--sort";
 constexpr std::string_view kReverse = "--reverse";
-constexpr CommandOption kOptions[] = {{kColumns, "A,B", "shows these columns, in this order"},
-                                      {kSort, "A,B", "sorts by these columns"},
-                                      {kReverse, "", "turns the order round"}};
+constexpr CommandOption kWalkOptions[] = {{kColumns, "A,B", "shows these columns, in this order"},
+                                          {kSort, "A,B", "sorts by these columns"},
+                                          {kReverse, "", "turns the order round"}};
 
 std::vector<std::string> names_in(std::string_view option, const std::string &list) {
   std::vector<std::string> names;
@@ -76,13 +76,13 @@ ordered_json sort_key(const NamedValue *value) {
 
 Query::Query(std::span<const std::string> words) {
   auto set = [this](std::string_view name, const std::string &value) { set_option(name, value); };
-  std::vector<std::string> others = take_options("walk", kOptions, words, set);
+  std::vector<std::string> others = take_options("walk", kWalkOptions, words, set);
   if (!others.empty()) reader_ = others[0];
   for (size_t i = 1; i < others.size(); ++i) add_condition(others[i]);
 }
 
 std::span<const CommandOption> Query::options() {
-  return kOptions;
+  return kWalkOptions;
 }
 
 void Query::set_option(std::string_view name, const std::string &value) {
