@@ -198,6 +198,7 @@ int run(int argc, char **argv) {
 int main(int argc, char **argv) {
   try {
     olt::fill_standard_streams();
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));  // a limit on files fails the write alone
     return run(argc, argv);
   } catch (const CLI::ParseError &error) {
     report(line_of(error));

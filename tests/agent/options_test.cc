@@ -93,6 +93,15 @@ TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {
   }
 }
 
+// bash counts in units of 1024 bytes.
+TEST(Oltsnmp, AFileSizeLimitIsAFailure) {
+  Folder folder;
+  Finished limited =
+      run({"bash", "-c", "ulimit -f 1; exec " OLTSNMP " --mib >" + (folder / "module")});
+  EXPECT_EQ(limited.status, 1);
+  EXPECT_EQ(limited.errors, "oltsnmp: cannot write the output\n");
+}
+
 TEST(Oltsnmp, ChecksAConfigurationFile) {
   Folder folder;
   const std::string file = folder.write(
