@@ -34,7 +34,7 @@ class Descriptor {
 /// cannot end up in the file. Not open, with errno set, on failure.
 Descriptor above_standard_streams(Descriptor descriptor);
 
-/// Opens /dev/null as each standard stream that is closed.
+/// Opens /dev/null as each standard stream that is closed; writing to standard output fails still.
 void fill_standard_streams();
 
 }  // namespace olt

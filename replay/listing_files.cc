@@ -27,8 +27,8 @@ using catalog::Operation;
 
 namespace {
 
-constexpr size_t kMaxWritten = 1024;
 constexpr size_t kMaxTotal = 64 << 20;
+constexpr size_t kMaxWritten = 1024;
 
 template <typename... Args>
 [[noreturn]] void fail(fmt::format_string<Args...> line, Args &&...args) {
@@ -123,7 +123,7 @@ void ListingFiles::write(const std::string &name, const std::string &content) {
   total_ += content.size();
 }
 
-void ListingFiles::remove(std::deque<Written>::iterator file) {
+void ListingFiles::remove(const std::deque<Written>::const_iterator &file) {
   unlink((run_dir_ / file->name).c_str());
   total_ -= file->length;
   written_.erase(file);

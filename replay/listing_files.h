@@ -45,7 +45,7 @@ class ListingFiles {
   };
 
   void write(const std::string &name, const std::string &content);
-  void remove(std::deque<Written>::iterator file);
+  void remove(const std::deque<Written>::const_iterator &file);
 
   const std::filesystem::path kept_;
   const std::filesystem::path run_dir_;  ///< absolute
