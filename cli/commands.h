@@ -38,9 +38,6 @@ std::string shell_help_text();
 nlohmann::ordered_json help_json(const std::string &name,
                                  const catalog::Layout &layout = catalog::Layout::box());
 
-/// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
-nlohmann::ordered_json help_json(const std::string &name);
-
 /// The commands as --help shows them.
 std::string command_summaries();
 
