@@ -18,6 +18,7 @@
 
 #include "agent/mib.h"
 #include "agent/objects.h"
+#include "agent/oltsnmp_options.h"
 #include "agent/subagent.h"
 #include "base/bad_input.h"
 #include "base/descriptor.h"
@@ -34,6 +35,8 @@ using olt::BadInput;
 using olt::printable;
 using olt::agent::Subagent;
 using olt::agent::SubagentOptions;
+using olt::serving::Option;
+namespace option = olt::agent::option;
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
@@ -43,7 +46,7 @@ struct Arguments {
   SubagentOptions subagent{.socket = "unix:/var/agentx/master"};
   std::string root{olt::agent::kDefaultRoot};
   std::string box;
-  std::string layout_name{"box"};
+  std::string layout_name;
   std::shared_ptr<const olt::catalog::Layout> layout;
   bool check = false;
   bool prints_mib = false;
@@ -65,7 +68,7 @@ std::string socket_of(const std::string &text) {
 
 std::shared_ptr<const olt::catalog::Layout> layout_of(const std::string &name) {
   try {
-    return olt::cli::layout_named(name);
+    return olt::cli::layout_named(olt::cli::layout_in_use(name));
   } catch (const olt::cli::Error &error) {
     throw BadInput(fmt::format("oltsnmp: {}", error.what()));
   }
@@ -81,42 +84,28 @@ Arguments parse(int argc, char **argv) {
       "the configuration file again.",
       "oltsnmp");
   app.footer("Exit status: 0 done, 1 failed, 2 wrong usage.");
-  app.set_help_flag("--help", "show this help");
-  app.set_version_flag("--version", std::string("oltsnmp ") + OLTMGMT_VERSION, "show the version");
-  app.set_config("--config", "", "options from a file, as OPTION=VALUE in a line")
-      ->type_name("FILE");
+  app.set_help_flag(option::kHelp.name, option::kHelp.summary);
+  app.set_version_flag(option::kVersion.name, std::string("oltsnmp ") + OLTMGMT_VERSION,
+                       option::kVersion.summary);
+  app.set_config(option::kConfig.name, "", option::kConfig.summary)
+      ->type_name(option::kConfig.value);
   app.allow_config_extras(CLI::config_extras_mode::error);
-  app.add_option("--agentx", arguments.subagent.socket,
-                 "the master agent's AgentX socket; default unix:/var/agentx/master")
-      ->type_name("SOCKET");
-  app.add_option("--box", arguments.box,
-                 "the run directory of the modules; default: the one that OLT_RUN_DIR names")
-      ->type_name("DIR");
-  app.add_option("--root", arguments.root,
-                 "the object identifier above all objects; default 1.3.6.1.4.1.32473")
-      ->type_name("OID");
-  app.add_option("--layout", arguments.layout_name,
-                 "what the modules' bytes mean: a layout's name or file; default box")
-      ->type_name("LAYOUT");
-  app.add_option("--context", arguments.subagent.context,
-                 "the SNMP context of all objects; default: the one without a name")
-      ->type_name("NAME");
-  app.add_flag(
-      "--open-interfaces", arguments.subagent.is_host_replaced,
-      "show the OLT's interfaces instead of the host's; default: in the context olt, beside them");
-  app.add_flag("--writable", arguments.subagent.is_writable,
-               "let managers set what can be set; default: read-only");
-  app.add_option(
-         "--pace", pace,
-         "milliseconds between the exchanges that look for changes to notify managers of, 10 "
-         "to 1000; 0: no notifications; default 20")
-      ->type_name("MS")
-      ->check(CLI::Range(0, 1000));
-  app.add_flag("--check", arguments.check, "check the options and the configuration file, and end")
-      ->configurable(false);
-  app.add_flag("--mib", arguments.prints_mib,
-               "print the MIB module of the root and the layout, and end")
-      ->configurable(false);
+  auto add = [&app](const Option &option, auto &value) {
+    return app.add_option(option.name, value, option.summary)->type_name(option.value);
+  };
+  auto add_flag = [&app](const Option &option, bool &flag) {
+    return app.add_flag(option.name, flag, option.summary);
+  };
+  add(option::kAgentx, arguments.subagent.socket);
+  add(option::kBox, arguments.box);
+  add(option::kRoot, arguments.root);
+  add(option::kLayout, arguments.layout_name);
+  add(option::kContext, arguments.subagent.context);
+  add_flag(option::kOpenInterfaces, arguments.subagent.is_host_replaced);
+  add_flag(option::kWritable, arguments.subagent.is_writable);
+  add(option::kPace, pace)->check(CLI::Range(0, 1000));
+  add_flag(option::kCheck, arguments.check)->configurable(false);
+  add_flag(option::kMib, arguments.prints_mib)->configurable(false);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success &request) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <utility>
 
+#include "agent/oltsnmp_options.h"
 #include "box/oltbox_options.h"
 #include "catalog/catalog.h"
 #include "cli/commands.h"
@@ -103,7 +104,7 @@ Completion path_of(std::string_view value, std::string_view before) {
   Completion completion;
   completion.before = before;
   if (value == "DIR") completion.kind = Completion::Kind::kDirectories;
-  if (value == "FILE") completion.kind = Completion::Kind::kFiles;
+  if (value == "FILE" || value == "SOCKET") completion.kind = Completion::Kind::kFiles;
   return completion;
 }
 
@@ -151,7 +152,7 @@ std::vector<OptionName> own_options(std::span<const Command> commands,
   return names;
 }
 
-std::vector<OptionName> server_options(std::span<const serving::Option> options) {
+std::vector<OptionName> names_of(std::span<const serving::Option> options) {
   std::vector<OptionName> names;
   for (const serving::Option &option : options) {
     std::string_view all = option.name;
@@ -160,13 +161,14 @@ std::vector<OptionName> server_options(std::span<const serving::Option> options)
   return names;
 }
 
-/// Completes the command line of a program that serves modules; oltreplay takes captures, too.
-Completion complete_server(std::string_view program, std::span<const std::string> before,
-                           std::string_view word) {
+/// Completes the command line of a program that takes options alone; oltreplay takes captures, too.
+Completion complete_program(std::string_view program, std::span<const std::string> before,
+                            std::string_view word) {
   bool is_replay = program == "oltreplay";
   std::span<const serving::Option> options = box::option::kAll;
   if (is_replay) options = replay::option::kAll;
-  std::optional<Completion> completion = complete_option(server_options(options), before, word);
+  if (program == "oltsnmp") options = agent::option::kAll;
+  std::optional<Completion> completion = complete_option(names_of(options), before, word);
   if (!completion && is_replay) completion = path_of("FILE", "");
   return completion.value_or(Completion());
 }
@@ -256,8 +258,8 @@ std::string completion_answer(std::string_view line) {
   before.pop_back();
   std::string program = std::filesystem::path(before[0]).filename();
   before.erase(before.begin());
-  if (program == "oltbox" || program == "oltreplay")
-    return answer(complete_server(program, before, word), Layout::box());
+  if (program == "oltbox" || program == "oltreplay" || program == "oltsnmp")
+    return answer(complete_program(program, before, word), Layout::box());
   std::shared_ptr<const Layout> layout = layout_for(before);
   std::vector<OptionName> options = option_names();
   for (OptionName &own : own_options(commands(), without_options(options, before))) {

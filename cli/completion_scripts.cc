@@ -8,7 +8,7 @@ namespace olt::cli {
 namespace {
 
 constexpr const char *kBash =
-    R"(# Completion of oltctl, oltbox and oltreplay, printed by: oltctl completion bash
+    R"(# Completion of oltctl, oltbox, oltreplay and oltsnmp, printed by: oltctl completion bash
 _oltctl() {
   local line=${COMP_LINE:0:COMP_POINT} answer=() entry path i
   local word=${line##*[[:blank:]]}
@@ -32,11 +32,11 @@ _oltctl() {
   esac
   for i in "${!COMPREPLY[@]}"; do COMPREPLY[i]=${COMPREPLY[i]#"$kept"}; done
 }
-complete -F _oltctl oltctl oltbox oltreplay
+complete -F _oltctl oltctl oltbox oltreplay oltsnmp
 )";
 
 constexpr const char *kZsh =
-    R"(# Completion of oltctl, oltbox and oltreplay, printed by: oltctl completion zsh
+    R"(# Completion of oltctl, oltbox, oltreplay and oltsnmp, printed by: oltctl completion zsh
 _oltctl() {
   local line="${(j: :)words[1,CURRENT-1]} $PREFIX" entry word summary
   local -a answer names values
@@ -64,11 +64,11 @@ _oltctl() {
       ;;
   esac
 }
-compdef _oltctl oltctl oltbox oltreplay
+compdef _oltctl oltctl oltbox oltreplay oltsnmp
 )";
 
 constexpr const char *kFish =
-    R"(# Completion of oltctl, oltbox and oltreplay, printed by: oltctl completion fish
+    R"(# Completion of oltctl, oltbox, oltreplay and oltsnmp, printed by: oltctl completion fish
 function __oltctl_complete
   set -l answer (oltctl __complete (commandline -cp | string collect) 2>/dev/null)
   set -l kind (string split -m 1 ' ' -- $answer[1])
@@ -85,6 +85,7 @@ end
 complete -c oltctl -f -a '(__oltctl_complete)'
 complete -c oltbox -f -a '(__oltctl_complete)'
 complete -c oltreplay -f -a '(__oltctl_complete)'
+complete -c oltsnmp -f -a '(__oltctl_complete)'
 )";
 
 }  // namespace

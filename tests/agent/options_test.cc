@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <regex>
 #include <string>
 #include <utility>
@@ -29,16 +31,19 @@ TEST(Oltsnmp, SaysWhatItIs) {
   }
 }
 
-TEST(Oltsnmp, HasTheOptionsOfItsDocument) {
+TEST(Oltsnmp, HasTheOptionsOfItsDocumentAndItsCompletion) {
   const std::string page = read_file(OLT_DOCS "/snmp.md");
+  const std::string offered = run({OLTCTL, "__complete", "oltsnmp -"}).output;
   const std::string help = oltsnmp({"--help"}).output;
-  const std::regex option(R"(\n  (--[a-z]+))");
+  const std::regex option(R"(\n  (--[a-z-]+))");
   size_t count = 0;
   for (std::sregex_iterator one(help.begin(), help.end(), option), end; one != end; ++one) {
     EXPECT_NE(page.find("`" + (*one)[1].str()), std::string::npos) << (*one)[1];
+    EXPECT_NE(offered.find("\n" + (*one)[1].str() + "\n"), std::string::npos) << (*one)[1];
     ++count;
   }
   EXPECT_EQ(count, 13u);
+  EXPECT_EQ(std::count(offered.begin(), offered.end(), '\n'), 1 + 13);
 }
 
 TEST(Oltsnmp, PrintsTheMibOfARootAndALayout) {
@@ -61,6 +66,32 @@ TEST(Oltsnmp, PrintsTheMibOfARootAndALayout) {
   EXPECT_EQ(refused.errors,
             "oltsnmp: --root 1.3.6.1.2.1: no place for a MIB module; expected one below "
             "1.3.6.1.4.1 or 1.3.6.1.3\n");
+}
+
+/// By its name, in a folder of layouts, in this order: option, file, environment.
+TEST(Oltsnmp, TakesTheLayoutThatTheEnvironmentNames) {
+  Folder home;
+  std::filesystem::create_directories(home / ".config/oltmgmt/layouts.d");
+  home.write(".config/oltmgmt/layouts.d/acme.json",
+             R"({"version": 1, "name": "acme", "base": "box", "records": {
+                "olt_snmp_systeminfo": [{"name": "rack", "offset": 0, "width": 4,
+                                         "kind": "number"}]}})");
+  const std::string file = home.write("configuration", "layout=acme\n");
+  const std::vector<std::string> at_home = {"HOME=" + home.path()};
+  const std::vector<std::string> named = {"HOME=" + home.path(), "OLT_LAYOUT=acme"};
+  auto has_rack = [](const std::vector<std::string> &options,
+                     const std::vector<std::string> &environment) {
+    std::vector<std::string> command = {OLTSNMP, "--mib"};
+    command.insert(command.end(), options.begin(), options.end());
+    Finished printed = run(command, environment);
+    EXPECT_EQ(printed.status, 0) << printed.errors;
+    return printed.output.find("oltSystemRack") != std::string::npos;
+  };
+  EXPECT_FALSE(has_rack({}, at_home));
+  EXPECT_TRUE(has_rack({"--layout", "acme"}, at_home));
+  EXPECT_TRUE(has_rack({"--config", file}, at_home));
+  EXPECT_TRUE(has_rack({}, named));
+  EXPECT_FALSE(has_rack({"--layout", "box"}, named));
 }
 
 TEST(Oltsnmp, SaysInOneLineWhatIsWrong) {

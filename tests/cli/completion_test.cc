@@ -148,6 +148,11 @@ TEST(Completion, AnswersShells) {
   EXPECT_EQ(completion_answer("oltreplay --files "), "directories \n");
   EXPECT_EQ(completion_answer("oltreplay --st"), "words\n--strict\n");
   EXPECT_EQ(completion_answer("oltreplay --strict /tmp/a"), "files \n");
+  EXPECT_EQ(completion_answer("oltsnmp --agentx "), "files \n");
+  EXPECT_EQ(completion_answer("oltsnmp --config=/etc"), "files --config=\n");
+  EXPECT_EQ(completion_answer("oltsnmp --box /tmp"), "directories \n");
+  EXPECT_EQ(completion_answer("oltsnmp --writable --pa"), "words\n--pace\n");
+  EXPECT_EQ(completion_answer("oltsnmp get"), "words\n");
 }
 
 /// An option with two names is "--one,--other".
@@ -260,6 +265,8 @@ TEST_F(BashCompletion, CompletesFilesAndOptions) {
   EXPECT_TRUE(bash_.shows("--junit "));
   bash_.type("\x15oltctl watch get_olt_mac --ev\t");
   EXPECT_TRUE(bash_.shows("--every "));
+  bash_.type("\x15oltsnmp --open\t");
+  EXPECT_TRUE(bash_.shows("--open-interfaces "));
 }
 
 TEST_F(BashCompletion, IsLoadedByThePackagedFile) {
@@ -300,6 +307,8 @@ TEST_F(ZshCompletion, CompletesOperationsArgumentsAndValues) {
   EXPECT_TRUE(zsh_.shows("--junit")) << zsh_.transcript();
   zsh_.type("\x15oltctl watch get_olt_mac --ev\t");
   EXPECT_TRUE(zsh_.shows("--every")) << zsh_.transcript();
+  zsh_.type("\x15oltsnmp --open\t");
+  EXPECT_TRUE(zsh_.shows("--open-interfaces")) << zsh_.transcript();
 }
 
 TEST_F(ZshCompletion, IsLoadedByThePackagedFile) {
@@ -339,6 +348,7 @@ TEST_F(FishCompletion, CompletesOperationsArgumentsAndValues) {
   EXPECT_EQ(offered(load_, "oltbox --ado"), Words{"--adopt"});
   EXPECT_EQ(offered(load_, "oltctl compare topology-file.json --ju"), Words{"--junit"});
   EXPECT_EQ(offered(load_, "oltctl watch get_olt_mac --ev"), Words{"--every"});
+  EXPECT_EQ(offered(load_, "oltsnmp --open"), Words{"--open-interfaces"});
 }
 
 TEST_F(FishCompletion, IsLoadedByThePackagedFile) {
