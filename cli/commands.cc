@@ -515,14 +515,6 @@ ordered_json help_json(const std::string &name, const Layout &layout) {
   return object;
 }
 
-ordered_json help_json(const std::string &name) {
-  if (name.empty()) return commands_json();
-  ordered_json object = {{"version", kJsonVersion}};
-  const Command *command = find_command(name);
-  object.update(command != nullptr ? json_of(*command) : operation_json(operation_named(name)));
-  return object;
-}
-
 std::string command_summaries() {
   std::string text;
   for (const Command &command : kCommands) {

@@ -35,8 +35,7 @@ std::string help_text(const std::string &name,
 std::string shell_help_text();
 
 /// The same as data: an operation's object as in catalog_json(), a command's, or all commands'.
-nlohmann::ordered_json help_json(const std::string &name,
-                                 const catalog::Layout &layout = catalog::Layout::box());
+nlohmann::ordered_json help_json(const std::string &name, const catalog::Layout &layout);
 
 /// The commands as --help shows them.
 std::string command_summaries();
