@@ -45,7 +45,7 @@ Poller::Poller(const std::vector<Table> &tables, const catalog::Layout &layout,
   watch(tables, "oltBasicPortLinkState", "",
         by_label(tables, "oltBasicPortLinkState",
                  {{"up", Event::kPortUp}, {"down", Event::kPortDown}}),
-        1);
+        2);
   if (layout.olt_update()) {
     watch(tables, "oltUpdateProgress", "",
           {{layout.olt_update()->complete, Event::kUpdateEnded},

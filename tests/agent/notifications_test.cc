@@ -29,8 +29,9 @@ class Notifications : public testing::Test {
     running_.start_box(onus_per_interface);
     running_.start_snmpd();
     running_.start_agent({"--pace", "10"});
-    // Of ten exchanges, eight are for ONUs; a round ends with one that finds no more.
-    const unsigned round = (2 * onus_per_interface + 1) * 10 / 8 + 20;
+    // Of 21 exchanges, 16 are for ONUs and two for the four ports; a round ends with one that finds
+    // no more.
+    const unsigned round = std::max((2 * onus_per_interface + 1) * 21 / 16, 5U * 21 / 2) + 21;
     while (std::stoul(running_.get(".2.1.0")) < round) std::this_thread::sleep_for(100ms);
   }
 
