@@ -15,7 +15,7 @@ namespace olt::platform {
 
 namespace {
 
-enum class Target { kUnknown, kStandardError, kSyslog };
+enum class Target { kUnknown, kStandardError, kSyslog, kNone };
 
 // Longer lines are cut. Nothing is allocated here, since lines also report that memory ran out.
 constexpr size_t kLineLimit = 2048;
@@ -36,7 +36,8 @@ void write_line(int level, const char *tag, int line, const char *message) {
 Target choose_target() {
   const char *choice = environment("OLT_LOG");
   if (choice == nullptr || std::strcmp(choice, "stderr") == 0) return Target::kStandardError;
-  return std::strcmp(choice, "syslog") == 0 ? Target::kSyslog : Target::kUnknown;
+  if (std::strcmp(choice, "syslog") == 0) return Target::kSyslog;
+  return std::strcmp(choice, "none") == 0 ? Target::kNone : Target::kUnknown;
 }
 
 // Decided by the first line of the process. No lock: a fork at any moment must leave it usable.
@@ -48,7 +49,7 @@ Target target() {
   Target usable = choice == Target::kUnknown ? Target::kStandardError : choice;
   if (decided.compare_exchange_strong(now, usable) && choice == Target::kUnknown) {
     std::string message = std::string("OLT_LOG is \"") + environment("OLT_LOG") +
-                          "\"; expected stderr or syslog; using stderr";
+                          "\"; expected stderr, syslog or none; using stderr";
     write_line(kWarningLevel, "log_log", __LINE__, message.c_str());
   }
   return decided.load();
@@ -71,10 +72,14 @@ void log_log(int level, const char *tag, int line, const char *message) {
   using namespace olt::platform;
   tag = tag != nullptr ? tag : "?";
   message = message != nullptr ? message : "";
-  if (target() == Target::kSyslog) {
-    syslog(std::clamp(level, LOG_EMERG, LOG_DEBUG), "oltmgmt[%d] %s:%d: %s", level, tag, line,
-           message);
-  } else {
-    write_line(level, tag, line, message);
+  switch (target()) {
+    case Target::kSyslog:
+      syslog(std::clamp(level, LOG_EMERG, LOG_DEBUG), "oltmgmt[%d] %s:%d: %s", level, tag, line,
+             message);
+      break;
+    case Target::kNone:
+      break;
+    default:
+      write_line(level, tag, line, message);
   }
 }

@@ -8,7 +8,7 @@
 ///   OLT_RUN_DIR       run directory; default $XDG_RUNTIME_DIR/oltmgmt, else /run/oltmgmt
 ///   OLT_GROUP         a group whose members are accepted as peers, by name or number
 ///   OLT_ALLOC_DEBUG   1: ___MALLOC checks tags, double releases and overruns, and reports at exit
-///   OLT_LOG           stderr (default) or syslog: where log_log writes
+///   OLT_LOG           stderr (default), syslog or none: where log_log writes
 #ifndef OLTHOST_H
 #define OLTHOST_H
 

@@ -74,6 +74,10 @@ TEST(Log, WritesToTheSystemLogOnRequest) {
             "syslog 3 oltmgmt[3] add_ont_description:212: less of momery\n");
 }
 
+TEST(Log, WritesNothingOnRequest) {
+  EXPECT_EQ(log_with("none", log_one), "");
+}
+
 TEST(Log, KeepsTheLevelInTheRangeOfTheSystemLog) {
   EXPECT_EQ(log_with("syslog",
                      [] {
@@ -88,7 +92,7 @@ TEST(Log, ABadTargetIsReportedOnceAndStandardErrorUsed) {
     log_one();
     log_one();
   });
-  EXPECT_NE(errors.find("OLT_LOG is \"printer\"; expected stderr or syslog; using stderr\n"),
+  EXPECT_NE(errors.find("OLT_LOG is \"printer\"; expected stderr, syslog or none; using stderr\n"),
             std::string::npos)
       << errors;
   EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 3) << errors;
