@@ -59,13 +59,13 @@ struct Field {
   Role role = Role::kPlain;
   bool secret = false;
   bool required = false;                ///< empty, it is not known
+  bool brief = false;                   ///< of kRecords: only fields that have content are shown
   uint8_t decimals = 0;                 ///< digits of a number after the point
   uint32_t max = UINT32_MAX;            ///< the largest number that is taken
   uint32_t record_size = 0;             ///< bytes of each of kRecords
   std::span<const ValueName> values{};  ///< of numbers and flags that have names
   const char *unit = nullptr;           ///< of a number: "kbit/s"
   std::span<const Field> record{};      ///< the fields of each of kRecords
-  bool brief = false;                   ///< of kRecords: only fields that have content are shown
 
   /// Whether it is a secret, or a record or list in which one is.
   constexpr bool holds_secret() const {
