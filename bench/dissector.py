@@ -1,101 +1,155 @@
 #!/usr/bin/env python3
-"""Measures the dissector in tshark: packets a second on a capture, repeated until it is long.
+"""Measures the dissector in tshark: packets a second in long captures.
 
-usage: bench/dissector.py OLTCTL CAPTURE [PACKETS [RUNS]]
+usage: bench/dissector.py BUILD [PACKETS [RUNS]]
 
-Prints the median of the runs, in thousands of packets a second: of processor time without that of
-the start, and of time as the clock shows it.
+Records three captures with the programs of BUILD, repeats their packets until there are PACKETS
+(1000000), and prints the median of RUNS (3): thousands of packets for each second of processor
+time, without that of the start. The floor is a dissector that adds one item to each packet.
 """
 import os
+import pathlib
 import resource
 import statistics
 import struct
 import subprocess
 import sys
 import tempfile
-import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "tests" / "capture"))
+sys.dont_write_bytecode = True
+from pcapng import packets_of
 
 HEADER_AT = 28 + 12  # of a packet's block
 
+# Some 120 bytes a packet.
+SMALL = """\
+get_olt_mac
+get_vlan_all
+set_port_enable --zero slot=1 port=1 port_enable=on
+set_port_enable --zero slot=0 port=99 port_enable=on
+get_user_level admin admin
+add_user_level someone hidden-word 1 2
+add_authallowed_mac_loid iface_a=1 iface_b=1 \
+entries='mac=02:00:00:00:00:01 loid=site-17 password=secret;\
+mac=00:11:22:33:44:55 loid=site-18 password=other'
+"""
+
+# Many records in a message, and pieces of a firmware update.
+LARGE = """\
+add_vlan_list vlans=%s
+add_authallowed_mac_loid iface_a=1 iface_b=1 entries='%s'
+""" % (",".join("%d-%d" % (vlan, vlan + 1) for vlan in range(100, 196, 3)),
+       ";".join("mac=02:00:00:00:00:%02x loid=site-%d password=secret" % (i, i)
+                for i in range(16))) + "".join(
+    "do_handle_epon_updatestream request=%s\n" % struct.pack("<II4096x", 3 * 4096, i * 4096).hex()
+    for i in range(3))
+
+FLOOR = """\
+local olt = Proto("olt", "One item")
+function olt.dissector(tvb, info, root)
+  root:add(olt, tvb())
+  return tvb:len()
+end
+"""
+
 WAYS = [
-    ("listing", []),
+    ("list", []),
     ("filter by operation", ["-Y", 'oltmgmt.operation == "get_olt_mac"']),
     ("filter by field", ["-Y", "oltmgmt.vlan == 100"]),
-    ("filter that all fit, statistics", ["-q", "-z", "io,stat,0,oltmgmt.time"]),
+    ("statistics of answers", ["-q", "-z", "io,stat,0,oltmgmt.time"]),
     ("two passes, filter by link", ["-2", "-q", "-z", "io,stat,0,oltmgmt.answer_in"]),
     ("three fields", ["-T", "fields", "-e", "oltmgmt.operation", "-e", "oltmgmt.time", "-e",
                       "oltmgmt.vlan"]),
-    ("JSON", ["-T", "json", "-J", "oltmgmt"]),
+    ("JSON of oltmgmt", ["-T", "json", "-J", "oltmgmt"]),
+    ("JSON of all layers", ["-T", "json"]),
     ("all as text", ["-V"]),
+]
+FLOORS = [
+    ("floor of a filter", ["-Y", "frame.number == 0"]),
+    ("floor of JSON, one layer", ["-T", "json", "-J", "olt"]),
+    ("floor of JSON, all layers", ["-T", "json"]),
 ]
 
 
-def blocks_of(path):
-    with open(path, "rb") as capture:
-        data = capture.read()
-    at = 0
-    while at + 12 <= len(data):
-        kind, length = struct.unpack_from("<II", data, at)
-        if length > len(data) - at:
-            return
-        yield kind, data[at:at + length]
-        at += length
+def record(build, folder, name, command, text):
+    """Returns the beginning of the capture and its packets."""
+    folder = os.path.join(folder, name)
+    os.mkdir(folder)
+    capture = os.path.join(folder, "%p.pcapng")
+    recorder = os.path.join(os.path.abspath(build), "capture", "libolttrace.so")
+    # Some commands fail, as they do in the field.
+    subprocess.run([os.path.join(build, *command[0].split("/")), *command[1:]], input=text.encode(),
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False,
+                   env={**os.environ, "XDG_STATE_HOME": folder, "OLT_CAPTURE": capture,
+                        "LD_PRELOAD": recorder})
+    captures = list(pathlib.Path(folder).glob("*.pcapng"))
+    if len(captures) != 1:
+        sys.exit("bench/dissector.py: %s: no capture; expected a build with its tests" % build)
+    return packets_of(captures[0])
 
 
-def repeat(source, target, count):
+def repeat(head, packets, target, count):
     """Writes that many packets; each repetition is a run of its own, a second later."""
-    head, packets = b"", []
-    for kind, block in blocks_of(source):
-        if kind == 6:
-            packets.append(block)
-        elif kind in (0x0A0D0D0A, 1):
-            head += block
-    if not packets:
-        sys.exit("bench/dissector.py: %s: no packets; expected a capture of libolttrace" % source)
     with open(target, "wb") as out:
         out.write(head)
-        written = 0
-        while written < count:
-            second = written // len(packets)
-            for block in packets[:count - written]:
-                block = bytearray(block)
-                high, low = struct.unpack_from("<II", block, 12)
-                at = (high << 32) + low + second * 10**9
-                struct.pack_into("<II", block, 12, at >> 32, at & 0xFFFFFFFF)
-                run = struct.unpack_from("<I", block, HEADER_AT + 8)[0]
-                struct.pack_into("<I", block, HEADER_AT + 8, run + second)
-                out.write(block)
-                written += 1
+        for i in range(count):
+            second, place = divmod(i, len(packets))
+            block = bytearray(packets[place])
+            high, low = struct.unpack_from("<II", block, 12)
+            at = (high << 32) + low + second * 10**9
+            struct.pack_into("<II", block, 12, at >> 32, at & 0xFFFFFFFF)
+            run = struct.unpack_from("<I", block, HEADER_AT + 8)[0]
+            struct.pack_into("<I", block, HEADER_AT + 8, run + second)
+            out.write(block)
 
 
-def run(script, capture, options):
-    """Processor time and time, in seconds."""
-    before, start = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
+def time_of(script, capture, options):
+    """Processor time in seconds."""
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
     subprocess.run(["tshark", "-X", "lua_script:" + script, "-r", capture, *options], check=True,
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    elapsed, after = time.monotonic() - start, resource.getrusage(resource.RUSAGE_CHILDREN)
-    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, elapsed
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
+def measure(script, ways, captures, packets, runs):
+    for name, options in ways:
+        row = "%-28s" % name
+        for capture, short in captures:
+            start = statistics.median(time_of(script, short, options) for _ in range(runs))
+            whole = statistics.median(time_of(script, capture, options) for _ in range(runs))
+            row += " %8.1f" % (packets / 1e3 / (whole - start))
+        print(row, flush=True)
 
 
 def main():
-    if not 3 <= len(sys.argv) <= 5:
+    if not 2 <= len(sys.argv) <= 4:
         sys.exit(__doc__)
-    oltctl, source = sys.argv[1:3]
-    packets, runs = (int(one) for one in (sys.argv[3:] + ["1000000", "3"][len(sys.argv) - 3:]))
+    build = sys.argv[1]
+    packets, runs = (int(one) for one in (sys.argv[2:] + ["1000000", "3"][len(sys.argv) - 2:]))
     with tempfile.TemporaryDirectory() as folder:
-        script, capture, short = (os.path.join(folder, name)
-                                  for name in ("oltmgmt.lua", "long.pcapng", "short.pcapng"))
-        subprocess.run([oltctl, "dissector", script], check=True)
-        repeat(source, capture, packets)
-        repeat(source, short, 2)
-        print("%d packets, %d MB" % (packets, os.path.getsize(capture) // 10**6))
-        print("%-33s %10s %10s" % ("thousands of packets a second", "processor", "clock"))
-        for name, options in WAYS:
-            start = statistics.median(run(script, short, options)[0] for _ in range(runs))
-            times = [run(script, capture, options) for _ in range(runs)]
-            print("%-33s %10.0f %10.0f" % (
-                name, packets / 1e3 / (statistics.median(one for one, _ in times) - start),
-                packets / 1e3 / statistics.median(one for _, one in times)), flush=True)
+        script, floor = os.path.join(folder, "oltmgmt.lua"), os.path.join(folder, "floor.lua")
+        subprocess.run([os.path.join(build, "cli", "oltctl"), "dissector", script], check=True)
+        pathlib.Path(floor).write_text(FLOOR, encoding="ascii")
+        session = ["cli/oltctl", "--yes", "--keep-going", "-f", "-"]
+        sources = [record(build, folder, "small", session, SMALL),
+                   record(build, folder, "large", session, LARGE),
+                   record(build, folder, "every", ["tests/capture/every_operation"], "")]
+        del sources[2][1][-2:]  # an exchange of 128 KiB that no operation makes
+        captures = []
+        for head, blocks in sources:
+            paths = [os.path.join(folder, "%d-%s.pcapng" % (len(captures), length))
+                     for length in ("long", "short")]
+            repeat(head, blocks, paths[0], packets)
+            repeat(head, blocks, paths[1], 2)
+            captures.append(paths)
+        print("%-28s %8s %8s %8s" % ("thousands of packets", "small", "large", "every"))
+        print("%-28s" % "bytes a packet" + "".join(
+            " %8d" % (sum(struct.unpack_from("<I", block, 20)[0] for block in blocks) / len(blocks))
+            for _, blocks in sources))
+        measure(script, WAYS, captures, packets, runs)
+        measure(floor, FLOORS, captures, packets, runs)
 
 
 if __name__ == "__main__":

@@ -201,7 +201,7 @@ local function has_bits(bits, mask)
 end
 
 -- An adder has the Wireshark fields of a field of the catalog, and a function that adds them to a
--- tree: of the tree, the packet, the place, the width and whether the packet is masked. It returns
+-- tree: of the tree, the packet, the place, the width and what is known of the packet. It returns
 -- the field's item.
 
 -- A list: the number of its items, with the items below it. Each has so many bytes, or is one of
@@ -385,18 +385,21 @@ local kAdders = {
         fields[#fields + 1] = inner[i].vlan
       end
     end
-    return fields, function(tree, tvb, at, width, is_masked)
-      local size = field.record_size
+    return fields, function(tree, tvb, at, width, p)
+      local size, wants = field.record_size, p.wants
       local records = math.floor(width / size)
       local branch = add(tree, count, tvb(at, width), records)
       for i = 1, records do
-        local twig = set_text(add(branch, record, tvb(at, size)), field.name .. " " .. i)
+        local twig = branch
+        if wants[record] then
+          twig = set_text(add(branch, record, tvb(at, size)), field.name .. " " .. i)
+        end
         for j = 1, #inner do
           local one = inner[j]
           local from = at + one.offset
-          add_field(one.adder, twig, tvb, from, one.width, is_masked)
+          if wants[one.adder] then add_field(one.adder, twig, tvb, from, one.width, p) end
           -- The last one of a range of one is 0.
-          if one.vlan and uint_in(tvb(from, one.width)) > 0 then
+          if one.vlan and wants[one.vlan] and uint_in(tvb(from, one.width)) > 0 then
             set_hidden(add_le(twig, one.vlan, tvb(from, one.width)))
           end
         end
@@ -421,14 +424,12 @@ function adder_of(field)
   return adders[field]
 end
 
-function add_field(adder, tree, tvb, at, width, is_masked)
-  local item = adder.add(tree, tvb, at, width, is_masked)
-  if is_masked and raw_of(tvb, at, width):match("^%*%*+$") then
+function add_field(adder, tree, tvb, at, width, p)
+  local item = adder.add(tree, tvb, at, width, p)
+  if p.is_masked and raw_of(tvb, at, width):match("^%*%*+$") then
     item:set_text(adder.name .. ": ********")
   end
 end
-
-local messages = {}
 
 -- The rows of a message, in the order of their offsets, and the Wireshark fields of all of them.
 local function prepare(message)
@@ -441,7 +442,6 @@ local function prepare(message)
     for _, field in ipairs(adder.fields) do fields[#fields + 1] = field end
   end
   message.fields = fields
-  messages[#messages + 1] = message
 end
 
 local by_type = {}
@@ -497,10 +497,10 @@ function oltmgmt.init()
   own_dissector = Dissector.get("oltmgmt")
 end
 
-local everything = {[head_numbers] = true}
-for _, field in pairs(head) do everything[field] = true end
-for _, adder in pairs(adders) do everything[adder] = true end
-for _, message in ipairs(messages) do everything[message] = true end
+local everything = setmetatable({}, {__index = function(cache, key)
+  cache[key] = true
+  return true
+end})
 
 local function asks_for(cache, key)
   local is_asked = false
@@ -632,7 +632,7 @@ local function add_record(tree, tvb, p, wants)
     local width = row.width or size - offset
     if width <= 0 or offset + width > size then return end
     to = offset + width
-    if wants[row.adder] then add_field(row.adder, tree, tvb, from + offset, width, p.is_masked) end
+    if wants[row.adder] then add_field(row.adder, tree, tvb, from + offset, width, p) end
   end
   if to < size and wants[head.rest] then add(tree, head.rest, tvb(from + to, size - to)) end
 end
@@ -688,6 +688,7 @@ local function dissect(tvb, info, root)
     if not wants[own_dissector] and not is_noted then return p.have end
   end
 
+  p.wants = wants
   local tree = add(root, oltmgmt, tvb())
   if is_visible then tree:append_text((is_request and ", request: " or ", answer: ") .. name) end
   if is_noted then add_expert_infos(tree, p) end

@@ -12,6 +12,9 @@ import sys
 import tempfile
 import unittest
 
+sys.dont_write_bytecode = True
+from pcapng import packet_in, packets_of
+
 ARGUMENTS = None
 FOLDER = None
 
@@ -73,30 +76,6 @@ def tshark(*arguments, home=None):
     lines = text(done.stderr).splitlines(keepends=True)
     errors = "".join(line for line in lines if "Running as user" not in line)
     return done.returncode, text(done.stdout), errors
-
-
-def blocks_of(path):
-    with open(path, "rb") as capture:
-        data = capture.read()
-    at = 0
-    while at + 12 <= len(data):
-        kind, length = struct.unpack_from("<II", data, at)
-        if length > len(data) - at:
-            break
-        yield kind, data[at:at + length]
-        at += length
-
-
-def packets_of(path):
-    """The packets with their tags, and what stands before the first of them."""
-    head, packets = b"", []
-    for kind, block in blocks_of(path):
-        if kind == 6:
-            captured = struct.unpack_from("<I", block, 20)[0]
-            packets.append(block[28:28 + captured])
-        elif not packets:
-            head += block
-    return head, packets
 
 
 def block_of(packet, milliseconds, length=None):
@@ -229,7 +208,7 @@ class EveryOperation(unittest.TestCase):
     def setUpClass(cls):
         output, cls.capture = record("every", [ARGUMENTS.every_operation])
         cls.names = output.split()
-        cls.packets = packets_of(cls.capture)[1]
+        cls.packets = [packet_in(block) for block in packets_of(cls.capture)[1]]
         cls.layers = dissected(cls.capture, SCRIPT)
         catalog = json.loads(run([ARGUMENTS.oltctl, "--json", "list"]).stdout)
         cls.operations = {one["name"]: one for one in catalog["operations"]}
@@ -536,7 +515,8 @@ class Session(unittest.TestCase):
 
     def test_links_and_losses(self):
         """Without the last answer, and with three exchanges lost before the second one."""
-        head, packets = packets_of(self.capture)
+        head, blocks = packets_of(self.capture)
+        packets = [packet_in(block) for block in blocks]
         packets[2] = packets[2][:HEADER_AT + 56] + b"\3" + packets[2][HEADER_AT + 57:]
         blocks = [block_of(packet, i) for i, packet in enumerate(packets[:-1])]
         path = write("links.pcapng", head + b"".join(blocks))
@@ -548,7 +528,7 @@ class Session(unittest.TestCase):
         path = os.path.join(FOLDER, "cut.pcapng")
         done = run(["editcap", "-s", "100", self.capture, path])
         self.assertEqual(0, done.returncode, text(done.stderr))
-        longer = sum(len(packet) > 100 for packet in packets_of(self.capture)[1])
+        longer = sum(len(packet_in(block)) > 100 for block in packets_of(self.capture)[1])
         self.assertEqual([0, longer, longer, 38], counts(path, [
             "_ws.lua.error", "oltmgmt.cut", "frame.cap_len < frame.len", "oltmgmt.operation ||"
             " oltmgmt.unknown"]))
