@@ -56,8 +56,7 @@ TEST(FieldForms, SayWhatIsWrong) {
   EXPECT_EQ(error_of(field(FieldKind::kNumber, 4), "-1"), "'-1' given");
   EXPECT_EQ(error_of(field(FieldKind::kNumber, 2), "65536"), "'65536' is too large");
   EXPECT_EQ(error_of(field(FieldKind::kNumbers, 4), "1,2"), "2 numbers given");
-  EXPECT_EQ(error_of(field(FieldKind::kMac, 6), "0200000001"),
-            "'0200000001' is not a MAC address");
+  EXPECT_EQ(error_of(field(FieldKind::kMac, 6), "0200000001"), "'0200000001' is not a MAC address");
   EXPECT_EQ(error_of(field(FieldKind::kOnt, 12), "1/2/3:4"), "a UNI port is not taken here");
   EXPECT_EQ(error_of(field(FieldKind::kOnt, 88), "1/2"), "'1/2' given");
   EXPECT_EQ(error_of(field(FieldKind::kBytes, 2), "0a"), "1 byte given");
@@ -232,8 +231,9 @@ TEST(FieldForms, TextsInRecordsMayHoldAnyCharacter) {
   Field parts = field(FieldKind::kRecords, Field::kToTheEnd);
   parts.record = kTitled;
   parts.record_size = 9;
-  EXPECT_EQ(text(parts, "617d206227220000"
-                        "07"),
+  EXPECT_EQ(text(parts,
+                 "617d206227220000"
+                 "07"),
             R"({'title=a} b'\''"' size=7})");
   EXPECT_EQ(hex(parts, R"({title='a} b'\''"' size=7})"), "617d20622722000007");
   EXPECT_EQ(hex(parts, R"({title="a}" size=7} {size=8})"), "617d00000000000007000000000000000008");
