@@ -220,8 +220,8 @@ TEST_F(MockCapture, CapturesCutAtEveryByte) {
     std::string report = taken();
     bool is_served = !block && left >= first.size();
     EXPECT_EQ(count_of("\n", report), is_served ? 0U : 1U) << left << ": " << report;
-    if (block)
-      EXPECT_TRUE(report.starts_with(cut + ": at byte " + std::to_string(*block) + ": ")) << report;
+    const std::string place = block ? cut + ": at byte " + std::to_string(*block) + ": " : "";
+    EXPECT_TRUE(report.starts_with(place)) << report;
     EXPECT_EQ(read_mac(), is_served ? 1 : -1) << left;
     EXPECT_EQ(taken().empty(), is_served) << left;
     olt_mock_finish();

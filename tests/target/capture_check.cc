@@ -204,12 +204,12 @@ void check_section() {
   char program[256] = "";
   const ssize_t length = readlink("/proc/self/exe", program, sizeof program - 1);
   expect("section: option", 4, half_at(block + 24));
-  const size_t named = half_at(block + 26);
+  const uint32_t named = half_at(block + 26);
   expect("section: program", 1, named > 0 && length > static_cast<ssize_t>(named));
   expect("section: program", 0, memcmp(block + 28, program + length - named, named));
   expect("section: whole name", '/', program[static_cast<size_t>(length) - named - 1]);
   const uint8_t *interface = block + word_at(block + 4);
-  const size_t end = 32 + (named + 3) / 4 * 4;
+  const uint32_t end = 32 + (named + 3) / 4 * 4;
   expect("interface: type", 1, word_at(interface));
   expect("interface: length", end + 16, word_at(interface + 4));
   expect("interface", 0, memcmp(interface + 8, "\xfc\0\0\0\0\0\0\0\2\0\x08\0platform\3\0", 22));
