@@ -292,8 +292,10 @@ TEST_F(MockMistakes, InFieldsAreReported) {
             "set_debug_enable: value is given twice\n");
   EXPECT_EQ(of_expectation("set_debug_enable", "value=x"),
             "set_debug_enable: value: 'x' given; expected a number\n");
-  EXPECT_EQ(of_expectation("set_debug_enable", "module=x"),
-            "set_debug_enable: module: 'x' given; expected a number from 0 to 255\n");
+  EXPECT_EQ(
+      of_expectation("set_debug_enable", "module=x"),
+      "set_debug_enable: module: 'x' given; expected main, oam, log, rstp, or a number from 0 to "
+      "255\n");
   EXPECT_EQ(of_expectation("set_debug_enable", "value='1"),
             "set_debug_enable: the line ends too early; expected a closing '\n");
   EXPECT_EQ(of_expectation("process_snmp_onubasicinfo", "mac=02:00:00:00:00:01"),
