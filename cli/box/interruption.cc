@@ -21,18 +21,18 @@ constexpr timespec kBetweenAttempts = {0, 2'000'000};
 constexpr int kAttempts = 5000;
 
 /// Duplicates of the sockets of each module. The platform closes its own without notice.
-struct Kept {
+struct Duplicate {
   volatile std::sig_atomic_t module = 0;
   volatile std::sig_atomic_t socket = -1;
 };
-Kept kept[16];
+Duplicate duplicates[16];
 
 volatile std::sig_atomic_t enabled = 0;
 volatile std::sig_atomic_t interrupted = 0;
 
 void keep(uint32_t module, int socket) {
   auto number = static_cast<std::sig_atomic_t>(module);
-  for (Kept &one : kept) {
+  for (Duplicate &one : duplicates) {
     if (one.socket >= 0 && one.module != number) continue;
     int before = one.socket;
     one.socket = -1;
@@ -56,7 +56,7 @@ bool exchanges_are_interruptible() {
 void interrupt_exchanges() {
   interrupted = 1;
   int error = errno;
-  for (const Kept &one : kept) {
+  for (const Duplicate &one : duplicates) {
     if (one.socket >= 0) shutdown(one.socket, SHUT_RDWR);
   }
   errno = error;

@@ -54,13 +54,14 @@ serve traps.txt 'NET-SNMP version' "$snmptrapd" -f -Lo -On "unix:$folder/traps"
 serve snmpd 'NET-SNMP version' "$snmpd" -f -Lo -I -smux
 serve agent 'AgentX subagent connected' \
   "${emulate[@]}" "$oltsnmp" --agentx "$folder/agentx" --writable --pace 10
-# The first round of polling is what later ones are compared with: 4 ONUs, ports and modules.
+# The first round of polling is what later ones are compared with. Of 21 exchanges, two are for the
+# four ports, and the round ends with one that finds no more.
 has_read() { # ROWS
   local count
   count=$(snmp snmpget .2.1.0 2>&1)
   [[ $count =~ \ ([0-9]+)$ ]] && [ "${BASH_REMATCH[1]}" -ge "$1" ]
 }
-wait_for has_read 27
+wait_for has_read 75
 
 # A number beyond those of 31 bits; a port that goes down.
 snmp snmpset .1.97.1.10.1.1.1.1 u 4294967295 >/dev/null
