@@ -170,6 +170,7 @@ SmiType type_of(const Field &field) {
       return SmiType::kInteger32;
     case FieldKind::kNumber:
       return is_enumeration(field) ? SmiType::kEnumeration : SmiType::kUnsigned32;
+    case FieldKind::kVlan:
     case FieldKind::kFlags:
     case FieldKind::kDuration:
     case FieldKind::kNumbers:

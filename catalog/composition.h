@@ -66,8 +66,9 @@ struct Composition {
 };
 
 template <typename Record>
-constexpr Composition composition_of(Origin others, std::initializer_list<Placement> placements) {
-  Composition composition{kFieldsOf<Record>, sizeof(Record), others, placements};
+constexpr Composition composition_of(Origin others, std::initializer_list<Placement> placements,
+                                     std::span<const Field> fields = kFieldsOf<Record>) {
+  Composition composition{fields, sizeof(Record), others, placements};
   if (name_of_type<Record>().starts_with("olt_")) composition.record_type = name_of_type<Record>();
   return composition;
 }
@@ -86,8 +87,9 @@ constexpr Composition in_memory(std::initializer_list<Placement> placements = {}
 
 /// A reply in a record of that type, of which the operation copies some fields.
 template <typename Record>
-constexpr Composition from_record(std::initializer_list<Placement> placements = {}) {
-  return composition_of<Record>(Origin::kAny, placements);
+constexpr Composition from_record(std::initializer_list<Placement> placements = {},
+                                  std::span<const Field> fields = kFieldsOf<Record>) {
+  return composition_of<Record>(Origin::kAny, placements, fields);
 }
 
 constexpr Composition only_if_zero(const char *field, Composition reply) {
@@ -280,7 +282,9 @@ constexpr void adopt_meanings(Operation &operation, const Message &message,
     Argument &argument = operation.argument_room[part.argument];
     if (part.origin != Origin::kArgument || argument.form != FieldKind::kNumber) continue;
     for (const Field &field : record) {
-      if (field.offset != part.offset || field.kind != FieldKind::kNumber) continue;
+      bool is_number = field.kind == FieldKind::kNumber || field.kind == FieldKind::kVlan;
+      if (field.offset != part.offset || !is_number) continue;
+      argument.form = field.kind;
       argument.values = field.values;
       argument.unit = field.unit;
     }

@@ -70,6 +70,11 @@ constexpr Field of_kind(FieldKind kind, Field field) {
   return field;
 }
 
+constexpr Field vlan(Field field) {
+  field.kind = FieldKind::kVlan;
+  return field;
+}
+
 constexpr Field named(std::span<const ValueName> values, Field field) {
   field.values = values;
   return field;
@@ -103,6 +108,18 @@ constexpr std::array<Field, count + sizeof...(More)> extended(const Field (&fiel
   std::array<Field, count + sizeof...(More)> all{};
   Field *end = std::copy(fields, fields + count, all.data());
   ((*end++ = more), ...);
+  return all;
+}
+
+/// The fields of a record, with names for the values of one.
+template <size_t count>
+constexpr std::array<Field, count> naming(std::string_view name, std::span<const ValueName> values,
+                                          const Field (&fields)[count]) {
+  std::array<Field, count> all = std::to_array(fields);
+  auto field =
+      std::find_if(all.begin(), all.end(), [name](const Field &f) { return f.name == name; });
+  if (field == all.end()) throw "no such field";
+  field->values = values;
   return all;
 }
 

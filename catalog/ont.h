@@ -15,18 +15,20 @@ inline constexpr uint32_t kProfileName = 32;
 
 inline constexpr Mark kProfile = such_as("basic", up_to(kProfileName, "profile"));
 
+inline constexpr Mark kVoiceLine = laid_out("voice_target", kVoiceTargetFields, "ont");
+
 inline constexpr Operation kOntVoice[] = {
     OLT_OPERATION(show_voip_info, 134, "Lists the voice summary of an ONT", {"ont", "name"}),
     OLT_OPERATION(show_voip_useraccount, 135, "Reads the voice user account of an ONT",
-                  {"ont", "account"}),
+                  {kVoiceLine, "account"}),
     OLT_OPERATION(show_ont_voipline, 137, "Lists the voice lines of an ONT", {"ont", "name"}),
     with(kNotBuilt, OLT_OPERATION(set_voip_linestatus, 138, "Sets the status of a voice line",
-                                  {"ont", named(kOffOn, "line_status")})),
+                                  {kVoiceLine, named(kOffOn, "line_status")})),
     OLT_OPERATION(show_ont_faxmode, 139, "Lists the fax mode of an ONT", {"ont", "name"}),
     OLT_OPERATION(show_ont_sipconfiguration, 140, "Lists the SIP configuration of an ONT",
                   {"ont", "name"}),
     sets("fax_mode", "process_snmpvoip_faxmode",
-         OLT_OPERATION(set_ont_fax, 141, "Sets the fax mode of an ONT", {"ont", "fax_mode"})),
+         OLT_OPERATION(set_ont_fax, 141, "Sets the fax mode of an ONT", {kVoiceLine, "fax_mode"})),
     sets("sip_config", "process_snmp_onusipparaminfo",
          OLT_OPERATION(set_ont_sipconfiguration, 142, "Sets the SIP configuration of an ONT",
                        {"ont", "sip_config"})),
@@ -40,7 +42,7 @@ inline constexpr Operation kOntVoice[] = {
                   "Lists the WAN interface of an ONT's voice service", {"ont", "name"}),
     sets("account", "show_voip_useraccount",
          OLT_OPERATION(set_voip_useraccount, 136, "Sets the voice user account of an ONT",
-                       {"ont", "account"})),
+                       {kVoiceLine, "account"})),
 };
 
 inline constexpr Operation kOntWan[] = {

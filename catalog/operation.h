@@ -18,6 +18,7 @@ enum class FieldKind : uint8_t {
   kPadded,    ///< text that may fill the field, with zeros after it
   kListing,   ///< the name of a listing's file, padded
   kNumber,    ///< without a sign, of 1, 2 or 4 bytes
+  kVlan,      ///< a number that is a VLAN id
   kSigned,    ///< a number with a sign
   kFlags,     ///< a number whose bits have names
   kDuration,  ///< seconds

@@ -83,9 +83,10 @@ inline constexpr Operation kOnuInventory[] = {
                   {"ont", "name"}),
     OLT_OPERATION(getonu_ont_opticalfile, 106, "Lists the optical readings of an ONT",
                   {"ont", "name"}),
-    OLT_OPERATION(get_onu_basic_mac_byindex, 65, "Reads the MAC address of an ONU by its index",
-                  {in_out("ont")}, {},
-                  from_record<olt_ont_target>({{"ont", "mac"}, {"ont", "mac_word"}})),
+    OLT_OPERATION(
+        get_onu_basic_mac_byindex, 65, "Reads the MAC address of an ONU by its index",
+        {laid_out("mac_target", kMacTargetFields, in_out("ont"))}, {},
+        from_record<olt_ont_target>({{"ont", "mac"}, {"ont", "mac_word"}}, kMacTargetFields)),
     OLT_OPERATION(get_onu_basic_feature_f, 38, "Reads the basic feature block of an ONU",
                   {"target_a", "target_b", "target_c", "feature"},
                   in_record<box::OntTarget>({{"target_a", "slot"},

@@ -128,14 +128,14 @@ template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_igmpproxy> = kIgmpProxyFields;
 
 inline constexpr Field kVlanElementFields[] = {
-    OLT_FIELD(box::VlanElement, first),
-    OLT_FIELD(box::VlanElement, last),
+    vlan(OLT_FIELD(box::VlanElement, first)),
+    vlan(named(kSameVlan, OLT_FIELD(box::VlanElement, last))),
 };
 static_assert(fill<box::VlanElement>(kVlanElementFields));
 
 inline constexpr Field kDescribedVlanFields[] = {
-    OLT_FIELD(box::DescribedVlan, first),
-    OLT_FIELD(box::DescribedVlan, last),
+    vlan(OLT_FIELD(box::DescribedVlan, first)),
+    vlan(named(kSameVlan, OLT_FIELD(box::DescribedVlan, last))),
     padded(OLT_FIELD(box::DescribedVlan, description)),
 };
 static_assert(fill<box::DescribedVlan>(kDescribedVlanFields));
@@ -148,7 +148,7 @@ inline constexpr Field kPortMacFields[] = {
     row_name(OLT_FIELD(box::PortMac, slot)),
     row_name(OLT_FIELD(box::PortMac, port)),
     selector(named(kMacOperations, OLT_FIELD(box::PortMac, operation))),
-    OLT_FIELD(box::PortMac, vlan),
+    vlan(OLT_FIELD(box::PortMac, vlan)),
     OLT_FIELD(box::PortMac, mac),
     reserved(OLT_FIELD(box::PortMac, reserved_0e)),
 };
@@ -160,7 +160,7 @@ inline constexpr Field kSystemNetworkFields[] = {
     of_kind(FieldKind::kIpv4, OLT_FIELD(box::SystemNetwork, address)),
     of_kind(FieldKind::kIpv4, OLT_FIELD(box::SystemNetwork, mask)),
     of_kind(FieldKind::kIpv4, OLT_FIELD(box::SystemNetwork, gateway)),
-    OLT_FIELD(box::SystemNetwork, vlan),
+    vlan(OLT_FIELD(box::SystemNetwork, vlan)),
     of_kind(FieldKind::kIpv4, OLT_FIELD(box::SystemNetwork, dns_first)),
     of_kind(FieldKind::kIpv4, OLT_FIELD(box::SystemNetwork, dns_second)),
     padded(OLT_FIELD(box::SystemNetwork, name)),
@@ -230,12 +230,16 @@ inline constexpr Field kOntTargetFields[] = {
     reserved(OLT_FIELD(box::OntTarget, reserved_14)),
     row_name(OLT_FIELD(olt_ont_target, mac)),
     reserved(OLT_FIELD(olt_ont_target, reserved_22)),
-    row_name(named(kUp, OLT_FIELD(olt_ont_target, mac_word))),
+    row_name(OLT_FIELD(olt_ont_target, mac_word)),
     reserved(OLT_FIELD(olt_ont_target, reserved_28)),
 };
 static_assert(fill<olt_ont_target>(kOntTargetFields));
 template <>
 inline constexpr std::span<const Field> kFieldsOf<olt_ont_target> = kOntTargetFields;
+
+/// Only the reader of an ONU's MAC address says whether it is up.
+inline constexpr auto kMacTargetFields = naming("mac_word", kDownUp, kOntTargetFields);
+inline constexpr auto kVoiceTargetFields = naming("part", kVoiceLines, kOntTargetFields);
 
 inline constexpr Field kGlobalParameterFields[] = {
     reserved(OLT_FIELD(olt_global_parameter, reserved_00)),
@@ -502,7 +506,7 @@ static_assert(fill<box::GroupLimitTarget>(kGroupLimitFields));
 
 inline constexpr Field kVlanRowFields[] = {
     selector(named(kRows, OLT_FIELD(box::VlanRow, selector))),
-    row_name(OLT_FIELD(box::VlanRow, vlan)),
+    row_name(vlan(OLT_FIELD(box::VlanRow, vlan))),
     padded(OLT_FIELD(box::VlanRow, description)),
     of_kind(FieldKind::kPorts, OLT_FIELD(box::VlanRow, tagged_ports)),
     of_kind(FieldKind::kPorts, OLT_FIELD(box::VlanRow, untagged_ports)),
@@ -574,7 +578,7 @@ inline constexpr Field kListingRequestFields[] = {
     reserved(OLT_FIELD(box::ListingRequest, reserved_00)),
     row_name(OLT_FIELD(box::ListingRequest, slot)),
     row_name(OLT_FIELD(box::ListingRequest, number)),
-    named(kAllVlans, OLT_FIELD(box::ListingRequest, vlan)),
+    vlan(named(kAllVlans, OLT_FIELD(box::ListingRequest, vlan))),
     reserved(OLT_FIELD(box::ListingRequest, reserved_10)),
 };
 static_assert(fill<box::ListingRequest>(kListingRequestFields));
@@ -645,7 +649,7 @@ inline constexpr Field kBoxTargetFields[] = {
     reserved(OLT_FIELD(box::OntTarget, reserved_14)),
     OLT_FIELD(box::OntTarget, mac),
     reserved(OLT_FIELD(box::OntTarget, reserved_22)),
-    named(kUp, OLT_FIELD(box::OntTarget, mac_word)),
+    OLT_FIELD(box::OntTarget, mac_word),
     OLT_FIELD(box::OntTarget, user_traffic),
 };
 static_assert(fill<box::OntTarget>(kBoxTargetFields));

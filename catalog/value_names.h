@@ -10,8 +10,6 @@ namespace olt::catalog {
 inline constexpr ValueName kOffOn[] = {{0, "off"}, {1, "on"}};
 inline constexpr ValueName kNoYes[] = {{0, "no"}, {1, "yes"}};
 inline constexpr ValueName kDownUp[] = {{0, "down"}, {1, "up"}};
-/// Beside the MAC address of an ONU. Only the reader of the address tells.
-inline constexpr ValueName kUp[] = {{1, "up"}};
 inline constexpr ValueName kReadWrite[] = {{0, "read"}, {1, "write"}};
 inline constexpr ValueName kUserOperations[] = {
     {0, "look-up"}, {1, "add"}, {2, "delete"}, {3, "modify"}};
@@ -24,6 +22,8 @@ inline constexpr ValueName kModuleNames[] = {{2, "main"}, {18, "oam"}, {22, "log
 inline constexpr ValueName kLogModules[] = {
     {0, "all"}, {2, "main"}, {18, "oam"}, {22, "log"}, {23, "rstp"}};
 inline constexpr ValueName kAllVlans[] = {{0, "all"}};
+/// Of the last VLAN id of a range.
+inline constexpr ValueName kSameVlan[] = {{0, "same"}};
 
 inline constexpr ValueName kDuplex[] = {{0, "none"}, {1, "half"}, {2, "full"}};
 inline constexpr ValueName kMacOperations[] = {{1, "add"}, {2, "delete"}};
@@ -44,6 +44,7 @@ inline constexpr ValueName kNoLimit[] = {{0, "no-limit"}};
 inline constexpr ValueName kPartKinds[] = {
     {1, "uni-port"}, {2, "voice-line"}, {3, "wan-connection"}};
 
+inline constexpr ValueName kVoiceLines[] = {{0, "first"}};
 inline constexpr ValueName kVoiceStates[] = {
     {0, "unknown"}, {1, "off"}, {2, "not-registered"}, {3, "registered"}};
 inline constexpr ValueName kWanOperations[] = {{1, "add"}, {2, "change"}, {3, "delete"}};

@@ -46,7 +46,7 @@ std::string input_text(const Argument &argument) {
       fmt::format("  {:<14}  {}", argument.name, form_of(argument).expected(argument));
   if (argument.secret) text += kSecretToo;
   if (argument.may_be_left_out()) {
-    text += argument.form == FieldKind::kNumber ? "; 0 when left out" : "; zeros when left out";
+    text += argument.is_word() ? "; 0 when left out" : "; zeros when left out";
   }
   text += '\n';
   size_t column = field_column(argument.own_fields());

@@ -27,6 +27,7 @@ def holds(field):
         "listing": f"name of a listing, {width} bytes",
         "signed": f"{NUMBERS.get(width)} with a sign",
         "number": NUMBERS.get(width),
+        "vlan": f"VLAN id, a {NUMBERS.get(width)}",
         "flags": f"bits of a {NUMBERS.get(width)}",
         "duration": "seconds, a word",
         "ports": "a bit for each port from 1",

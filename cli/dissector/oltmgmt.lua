@@ -127,14 +127,9 @@ local function make_below(field, suffix, type, ...)
   return make(type, before .. field.name .. "." .. suffix, field.name .. " " .. suffix, ...)
 end
 
--- The VLANs in a list, and the first and the last one of a range, are found as "vlan", too.
+-- The VLANs in a list or in a record within a record are found as "vlan", too.
 local function make_vlan()
   return make("number", filter_of("vlan", "number"), "vlan", base.DEC)
-end
-
-local function is_end_of_range(field)
-  return (field.name == "first" or field.name == "last") and field.kind == "number" and
-         field.width <= 4
 end
 
 -- One table for all fields that have the same names of values, or the same unit.
@@ -284,6 +279,7 @@ local kAdders = {
   padded = text_adder,
   listing = text_adder,
   number = number_adder,
+  vlan = number_adder,
   mac = plain_adder("mac"),
   ipv4 = plain_adder("ipv4"),
   bytes = plain_adder("bytes"),
@@ -380,7 +376,7 @@ local kAdders = {
     for i, place in ipairs(field.record) do
       inner[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
       for _, one in ipairs(inner[i].adder.fields) do fields[#fields + 1] = one end
-      if field.name == "vlans" and is_end_of_range(place[2]) then
+      if place[2].kind == "vlan" then
         inner[i].vlan = make_vlan()
         fields[#fields + 1] = inner[i].vlan
       end

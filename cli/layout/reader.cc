@@ -61,6 +61,7 @@ constexpr KindRule kRules[] = {
     {Width::kMultiple},     // padded
     {Width::kNone},         // listing
     {Width::kWord},         // number
+    {Width::kWord},         // vlan
     {Width::kWord},         // signed
     {Width::kWord},         // flags
     {Width::kWord},         // duration
@@ -329,7 +330,7 @@ void LayoutReader::take_form(const JsonValue &value, Field &field) {
     field.decimals = static_cast<uint8_t>(decimals->number(0, kMaxDecimals));
   }
   if (std::optional<JsonValue> values = value.find("values")) {
-    require_kind(*values, field, {FieldKind::kNumber, FieldKind::kFlags});
+    require_kind(*values, field, {FieldKind::kNumber, FieldKind::kVlan, FieldKind::kFlags});
     field.values = values_in(*values, field);
   }
   if (std::optional<JsonValue> secret = value.find("secret")) field.secret = secret->flag();

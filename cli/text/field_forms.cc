@@ -204,6 +204,14 @@ std::string described_number(const Field &field) {
   return field.values.empty() ? "a number" : names_of(field);
 }
 
+std::string expected_vlan(const Field &field) {
+  return field.values.empty() ? "a VLAN id" : fmt::format("{}, or a VLAN id", names_of(field));
+}
+
+std::string described_vlan(const Field & /*field*/) {
+  return "a VLAN id";
+}
+
 std::string example_number(const Field &field) {
   if (field.values.empty()) return "1";
   return field.role == catalog::Role::kSelector ? field.values.front().name
@@ -846,6 +854,8 @@ constexpr FieldForm kForms[] = {
      parse_text, text_of_text, json_of_text, nullptr},
     {FieldKind::kNumber, "number", "number", expected_number, described_number, example_number,
      parse_number_field, text_of_number, json_of_number, nullptr},
+    {FieldKind::kVlan, "vlan", "number", expected_vlan, described_vlan, example_number,
+     parse_number_field, text_of_number, json_of_number, nullptr},
     {FieldKind::kSigned, "signed", "number", expected_signed, described_number, example_signed,
      parse_signed, text_of_signed, json_of_signed, nullptr},
     {FieldKind::kFlags, "flags", "array", expected_flags, described_flags, example_flags,
@@ -948,6 +958,7 @@ Field without_meaning(Field field) {
   field.unit = nullptr;
   field.decimals = 0;
   switch (field.kind) {
+    case FieldKind::kVlan:
     case FieldKind::kSigned:
     case FieldKind::kFlags:
     case FieldKind::kDuration:

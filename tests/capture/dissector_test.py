@@ -151,7 +151,7 @@ def expected_items(field, data, at):
 
     kind = "bytes" if field["role"] == "reserved" else field["kind"]
     own = filter_of(field)
-    if kind == "number":
+    if kind in ("number", "vlan"):
         names = {one["value"]: one["name"] for one in field["values"]}
         items = [item(own, str(little(data)))]
         if little(data) in names:
@@ -193,7 +193,7 @@ def expected_items(field, data, at):
             part = one[inner["offset"]:inner["offset"] + inner["width"]]
             shown = expected_items(inner, part, at + start + inner["offset"])
             items += shown
-            if field["name"] == "vlans" and inner["name"] in ("first", "last") and little(part):
+            if inner["kind"] == "vlan" and little(part):
                 items.append(("vlan", *shown[0][1:]))
     if len(data) % size:
         rest = len(data) - len(data) % size

@@ -156,7 +156,7 @@ TEST(Manual, ShowsTheShortFormsOfArguments) {
             "    reserved_14     8 bytes as HEX\n"
             "    mac             an address as 02:00:00:00:00:01\n"
             "    reserved_22     2 bytes as HEX\n"
-            "    mac_word        up, or a number\n"
+            "    mac_word        a number\n"
             "    reserved_28     48 bytes as HEX\n"
             "  vlans           VLANs from 1 to 4094 as 10,20-25, or @FILE with one a line\n"
             "\n"

@@ -197,11 +197,12 @@ TEST_F(MockExpectations, ByBytesCompareTheLength) {
   node.vlan_first = 10;
   olt_vlan_list list{.head = &node, .count = 1};
   EXPECT_EQ(add_vlan_list(&list), kUnexpected);
-  EXPECT_EQ(taken(),
-            "unexpected call: add_vlan_list 'vlans={first=10 last=0}'\n"
-            "  nearest expectation: add_vlan_list with the bytes 0a 00 00 00 14 00 19 00\n"
-            "  length: 4 bytes sent; expected 8\n"
-            "  vlans: {first=10 last=0} sent; expected {first=10 last=0} {first=20 last=25}\n");
+  EXPECT_EQ(
+      taken(),
+      "unexpected call: add_vlan_list 'vlans={first=10 last=same}'\n"
+      "  nearest expectation: add_vlan_list with the bytes 0a 00 00 00 14 00 19 00\n"
+      "  length: 4 bytes sent; expected 8\n"
+      "  vlans: {first=10 last=same} sent; expected {first=10 last=same} {first=20 last=25}\n");
   EXPECT_EQ(finish(),
             "not called: add_vlan_list with the bytes 0a 00 00 00 14 00 19 00; expected 1\n");
 }

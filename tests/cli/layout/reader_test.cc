@@ -157,9 +157,10 @@ TEST(LayoutReader, RefusesFieldsThatAreIncomplete) {
 }
 
 TEST(LayoutReader, RefusesFieldsThatAreWrong) {
-  EXPECT_EQ(field_error(R"({"name":"a","offset":0,"kind":"ipv5"})"),
-            "/0/kind: 'ipv5' given; expected text, padded, number, signed, flags, duration, ports, "
-            "numbers, vlans, mac, ipv4, interface, ont, version, records, bytes");
+  EXPECT_EQ(
+      field_error(R"({"name":"a","offset":0,"kind":"ipv5"})"),
+      "/0/kind: 'ipv5' given; expected text, padded, number, vlan, signed, flags, duration, ports, "
+      "numbers, vlans, mac, ipv4, interface, ont, version, records, bytes");
   EXPECT_EQ(field_error(R"({"name":"1a","offset":0,"kind":"mac"})"),
             "/0/name: '1a' given; expected a letter, then at most 30 letters, digits or _");
   EXPECT_EQ(field_error(R"({"name":"reserved_05","offset":4,"kind":"mac"})"),
@@ -223,7 +224,7 @@ TEST(LayoutReader, RefusesValuesThatDoNotFitTheirField) {
             "/0/values/1: '7' given; expected a letter, then at most 30 letters, digits or - _ .");
   EXPECT_EQ(error("flags", R"("1":"none")"), "/0/values/1: 'none' given; expected another name");
   EXPECT_EQ(error("duration", R"("1":"a")"),
-            "/0/values: is not for the kind duration; expected the kind number or flags");
+            "/0/values: is not for the kind duration; expected the kind number or vlan or flags");
 }
 
 TEST(LayoutReader, RefusesRecordsWithinRecordsThatAreWrong) {
@@ -236,9 +237,10 @@ TEST(LayoutReader, RefusesRecordsWithinRecordsThatAreWrong) {
             "/0/record/fields/0: ends at 6; expected an end up to 5, that of the record");
   EXPECT_EQ(error(R"("size":200,)", one),
             "/0: ends at 200; expected an end up to 172, that of the record");
-  EXPECT_EQ(error("", R"({"name":"b","offset":0,"kind":"records"})"),
-            "/0/record/fields/0/kind: 'records' given; expected text, padded, number, signed, "
-            "flags, duration, ports, numbers, vlans, mac, ipv4, interface, ont, version, bytes");
+  EXPECT_EQ(
+      error("", R"({"name":"b","offset":0,"kind":"records"})"),
+      "/0/record/fields/0/kind: 'records' given; expected text, padded, number, vlan, signed, "
+      "flags, duration, ports, numbers, vlans, mac, ipv4, interface, ont, version, bytes");
   EXPECT_EQ(error("", R"({"name":"b","offset":0,"kind":"mac","secret":true})"),
             "/0/record/fields/0/secret: there is no such member; expected name, offset, width, "
             "kind, unit, decimals, values, role");

@@ -109,6 +109,12 @@ TEST(FieldForms, NumbersHaveNamesUnitsAndSigns) {
   EXPECT_EQ(hex(colour(), "7"), "07000000");
   EXPECT_EQ(form_of(FieldKind::kNumber).expected(colour()), "red, green, blue, or a number");
 
+  Field vlan = field(FieldKind::kVlan, 2);
+  EXPECT_EQ(form_of(FieldKind::kVlan).expected(vlan), "a VLAN id");
+  EXPECT_EQ(hex(vlan, "258"), "0201");
+  vlan.values = kColours;
+  EXPECT_EQ(form_of(FieldKind::kVlan).expected(vlan), "red, green, blue, or a VLAN id");
+
   Field rate = field(FieldKind::kNumber, 2);
   rate.unit = "kbit/s";
   EXPECT_EQ(text(rate, "e803"), "1000 kbit/s");
@@ -339,6 +345,7 @@ TEST(FieldForms, WhatIsShownOfEachKindCanBeGivenBack) {
   each(FieldKind::kText, {1, 2, 12});
   each(FieldKind::kPadded, {1, 2, 3, 12});
   each(FieldKind::kNumber, {1, 2, 4});
+  each(FieldKind::kVlan, {1, 2, 4});
   each(FieldKind::kDuration, {1, 2, 4});
   each(FieldKind::kPorts, {1, 2, 4});
   each(FieldKind::kNumbers, {4, 8, 40});
