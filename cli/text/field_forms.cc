@@ -268,18 +268,18 @@ std::string example_signed(const Field & /*field*/) {
   return "-1";
 }
 
-/// JSON has an exponent in small numbers.
-std::string without_exponent(const Field &field, std::string_view text) {
-  std::string plain(text);
-  if (text.find('e') == std::string_view::npos) return plain;
+/// JSON has an exponent in small numbers, and in some others more digits than they need:
+/// -0.021329999999999998 for -0.02133.
+std::string plain_decimal(const Field &field, std::string_view text) {
   ordered_json json = ordered_json::parse(text, nullptr, false);
-  if (json.is_number()) plain = fmt::format("{:.{}f}", json.get<double>(), field.decimals);
-  return ordered_json::parse(plain, nullptr, false) == json ? plain : std::string(text);
+  if (!json.is_number_float()) return std::string(text);
+  std::string plain = fmt::format("{:.{}f}", json.get<double>(), field.decimals);
+  return ordered_json::parse(plain) == json ? plain : std::string(text);
 }
 
 Bytes parse_signed(const Field &field, std::string_view text) {
   if (text.starts_with("0x")) return bytes_of(parse_number(text, largest(field)), field.width);
-  std::string number_text = without_exponent(field, without_unit(field, text));
+  std::string number_text = plain_decimal(field, without_unit(field, text));
   std::string_view digits = number_text;
   bool is_negative = digits.starts_with('-');
   if (is_negative) digits.remove_prefix(1);

@@ -88,14 +88,11 @@ class WorkerThatReads : public testing::Test {
     return job->tasks[0].answer;
   }
 
-  /// Waits until nothing is read ahead.
-  uint32_t reads() const {
-    uint32_t before = 0;
-    do {
-      before = worker_.reads();
-      std::this_thread::sleep_for(20ms);
-    } while (worker_.reads() != before);
-    return before;
+  /// Waits for so many, and a little for more.
+  uint32_t reads(uint32_t expected) const {
+    for (int i = 0; i < 1000 && worker_.reads() < expected; ++i) std::this_thread::sleep_for(10ms);
+    std::this_thread::sleep_for(20ms);
+    return worker_.reads();
   }
 
   Table table_{.rows = std::make_shared<HundredRows>()};
@@ -108,26 +105,26 @@ class WorkerThatReads : public testing::Test {
 
 TEST_F(WorkerThatReads, ReadsAheadOfAWalkAndEachRowOnce) {
   EXPECT_EQ(next({}).row.key, agent::Key{1});
-  EXPECT_EQ(reads(), 1u) << "not yet a walk";
+  EXPECT_EQ(reads(1), 1U) << "not yet a walk";
   EXPECT_EQ(next({1}).row.key, agent::Key{2});
-  EXPECT_EQ(reads(), 4u) << "and rows 3 and 4";
+  EXPECT_EQ(reads(4), 4U) << "and rows 3 and 4";
   EXPECT_EQ(next({2}).row.key, agent::Key{3});
-  EXPECT_EQ(reads(), 8u) << "and rows 5 to 8";
+  EXPECT_EQ(reads(8), 8U) << "and rows 5 to 8";
   EXPECT_EQ(next({3}).row.key, agent::Key{4});
-  EXPECT_EQ(reads(), 8u);
+  EXPECT_EQ(reads(8), 8U);
   for (uint32_t row = 5; row <= 100; ++row) {
     Answer answer = next({row - 1});
     EXPECT_EQ(answer.row.key, agent::Key{row});
     EXPECT_EQ(answer.row.record, Bytes{static_cast<uint8_t>(row)});
   }
   EXPECT_EQ(next({100}).outcome, Outcome::kNone);
-  EXPECT_EQ(reads(), 101u);
+  EXPECT_EQ(reads(101), 101U);
   EXPECT_GT(found_, 0u);
 }
 
 TEST_F(WorkerThatReads, ReadsNothingAheadOfSingleRequests) {
   for (uint32_t row : {7U, 30U, 52U}) EXPECT_EQ(next({row}).row.key, agent::Key{row + 1});
-  EXPECT_EQ(reads(), 3u);
+  EXPECT_EQ(reads(3), 3U);
 }
 
 /// What is read ahead must not expire before the manager asks for it.

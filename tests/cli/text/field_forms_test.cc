@@ -256,6 +256,10 @@ TEST(FieldForms, JsonMayHaveAnExponent) {
   EXPECT_EQ(json(power, "ffffffff"), "-1e-09");
   EXPECT_EQ(hex(power, "-1e-09"), "ffffffff");
   EXPECT_EQ(error_of(power, "1e-10"), "'1e-10' given");
+  power.decimals = 5;
+  EXPECT_EQ(json(power, "abf7ffff"), "-0.021329999999999998");
+  EXPECT_EQ(hex(power, "-0.021329999999999998"), "abf7ffff");
+  EXPECT_EQ(error_of(power, "-0.021331"), "'-0.021331' given");
 }
 
 /// Bytes that the field can have: any, but after the zero of a text only zeros. Half of them have
