@@ -64,7 +64,7 @@ Session::Session(const Options &options)
 const catalog::Layout &Session::layout() {
   if (layout_ == nullptr) {
     layout_ = layout_named(options_.layout);
-    watch_exchanges(options_.trace, catalog::wire_secrets(layout_->families()));
+    if (options_.trace) watch_exchanges(true, catalog::wire_secrets(layout_->families()));
   }
   return *layout_;
 }

@@ -90,8 +90,8 @@ std::string layout_in_use(const std::string &given) {
 }
 
 std::shared_ptr<const Layout> layout_named(const std::string &name) {
-  for (const Layout *layout : {&Layout::box(), &Layout::contract()}) {
-    if (layout->name() == name) return built_in(*layout);
+  for (const auto layout : {Layout::box, Layout::contract}) {
+    if (layout().name() == name) return built_in(layout());
   }
   if (name.find('/') != std::string::npos || name.ends_with(kEnding)) {
     return shared(read_layout(name));
