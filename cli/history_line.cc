@@ -61,6 +61,15 @@ bool may_hold_secret(std::span<const std::string> words, const catalog::Layout &
   return false;
 }
 
+/// Whether a command about an operation names none that exists: what follows may be a secret for
+/// the one that was meant.
+bool misnames_operation(std::span<const std::string> words, const catalog::Layout &layout) {
+  if ((words[0] != "help" && words[0] != "watch") || words.size() < 3) return false;
+  return std::none_of(words.begin() + 1, words.end(), [&layout](const std::string &word) {
+    return layout.find(word) != nullptr || find_command(word) != nullptr;
+  });
+}
+
 std::optional<std::string> operation_line(const Operation &operation,
                                           std::span<const std::string> words) {
   std::vector<std::string> line(words.begin(), words.end());
@@ -82,7 +91,7 @@ std::optional<std::string> operation_line(const Operation &operation,
 std::optional<std::string> history_line(std::span<const std::string> words,
                                         const catalog::Layout &layout) {
   if (find_command(words[0]) != nullptr) {
-    if (may_hold_secret(words, layout)) return std::nullopt;
+    if (may_hold_secret(words, layout) || misnames_operation(words, layout)) return std::nullopt;
     return join_words(words);
   }
   const Operation *operation = layout.find(words[0]);

@@ -43,11 +43,16 @@ TEST(HistoryLine, ForgetsLinesThatMayHideASecret) {
 TEST(HistoryLine, ForgetsCommandsWithASecret) {
   EXPECT_EQ(history_line(Words{"help", "add_user_level", "bob", "password=s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"help", "add_user_level", "bob", "s3cret"}), std::nullopt);
+  EXPECT_EQ(history_line(Words{"help", "add_user_levle", "bob", "s3cret"}), std::nullopt);
+  EXPECT_EQ(history_line(Words{"watch", "get_user_levle", "bob", "s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"list", "password=s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"list", "user.user_password=s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"fault", "add", "type=10", "password=s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"walk", "mac=02:00:00:00:00:01 password=s3cret"}), std::nullopt);
   EXPECT_EQ(history_line(Words{"help", "add_user_level"}), "help add_user_level");
+  EXPECT_EQ(history_line(Words{"help", "add_user_levle"}), "help add_user_levle");
+  EXPECT_EQ(history_line(Words{"watch", "--count", "2", "get_olt_mac"}),
+            "watch --count 2 get_olt_mac");
   EXPECT_EQ(history_line(Words{"list", "password"}), "list password");
   EXPECT_EQ(history_line(Words{"fault", "add", "type=add_user_level", "status=5"}),
             "fault add type=add_user_level status=5");
