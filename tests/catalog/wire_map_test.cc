@@ -14,6 +14,7 @@
 
 #include "catalog/catalog.h"
 #include "oltmgmt.h"
+#include "tests/catalog/caller_memory.h"
 #include "tests/library/byte_pattern.h"
 #include "tests/library/scripted_platform.h"
 
@@ -33,16 +34,11 @@ using olt::catalog::Origin;
 using olt::catalog::Part;
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kGuard = 64;
-constexpr uint8_t kGuardByte = 0xEE;
-
-/// How long the arguments of a call are, and which bytes they have.
+/// How long the arguments of a call and its reply are, and which bytes they have.
 struct Variant {
-  size_t items;        ///< of lists
-  size_t text;         ///< bytes of texts, where they fit
+  Lengths lengths;
   size_t rest;         ///< bytes of a reply after its head
   bool second_digits;  ///< of the bytes' numbers
-  bool reads;          ///< for operations that read or write
 };
 
 /// Byte number n: never 0. The two digits tell it from all others.
@@ -50,36 +46,20 @@ uint8_t numbered(size_t n, bool second_digit) {
   return static_cast<uint8_t>(1 + (second_digit ? n / 255 : n) % 255);
 }
 
-uint32_t vlan_width(const Argument &argument) {
-  return argument.described_bytes() > 0 ? 36 : 4;
-}
-
-/// The caller's memory for one argument.
-struct Memory {
-  Bytes bytes;    ///< what the argument holds, for a list all of its items
-  Bytes guarded;  ///< the same, where the call sees it, with room behind it
-  uint32_t length = 0;
-  void *block = nullptr;
-  std::vector<olt_vlan_node> nodes;
-  olt_vlan_list vlans{};
-};
-
 /// One call, its exchange and what it leaves.
 class Experiment {
  public:
   Experiment(const Operation &operation, const Variant &variant)
-      : operation_(operation), variant_(variant) {
-    for (const Argument &argument : operation.arguments()) add(argument);
-    satisfy_checks();
-    for (size_t i = 0; i < memories_.size(); ++i) expose(i);
-  }
+      : operation_(operation),
+        variant_(variant),
+        memory_(operation, variant.lengths, [this] { return next(); }) {}
 
   void run() {
     Bytes reply = make_reply();
     ScriptedPlatform platform;
     platform.answer({.reply = reply.data(), .reply_length = static_cast<uint16_t>(reply.size())});
     poison_the_stack(variant_.second_digits ? 0x3C : 0xC3);
-    int32_t result = operation_.call(slots_.data());
+    int32_t result = memory_.call();
     EXPECT_EQ(result, 0);
     compare_requests(platform);
     compare_memory(reply);
@@ -91,7 +71,7 @@ class Experiment {
     ScriptedPlatform platform;
     platform.answer({.reply = reply.data(), .reply_length = static_cast<uint16_t>(reply.size())});
     platform.fail_allocation(1, true);
-    return operation_.call(slots_.data());
+    return memory_.call();
   }
 
   /// Offsets of parts that memory fills, whose bytes were not all zero.
@@ -105,87 +85,6 @@ class Experiment {
 
   uint8_t next() { return numbered(++count_, variant_.second_digits); }
 
-  void add(const Argument &argument) {
-    Memory &memory = memories_.emplace_back();
-    size_t size = 0;
-    switch (argument.kind) {
-      case Kind::kValue:
-        size = argument.whole().width;
-        break;
-      case Kind::kStream:
-        size = variant_.items * 100;
-        break;
-      case Kind::kVlans:
-        size = variant_.items * vlan_width(argument);
-        break;
-      case Kind::kIds:
-      case Kind::kEntries:
-        size = variant_.items * argument.size;
-        break;
-      default:
-        break;
-    }
-    for (size_t i = 0; i < size; ++i) memory.bytes.push_back(next());
-    if (argument.form == FieldKind::kText && argument.is_input()) {
-      size_t length = std::min<size_t>(variant_.text, argument.max);
-      std::fill(memory.bytes.begin() + static_cast<ptrdiff_t>(length), memory.bytes.end(), 0);
-    }
-  }
-
-  /// The few values that operations look at.
-  void satisfy_checks() {
-    static const std::set<std::string> kNameAPort = {
-        "get_snmp_olt_port_basic_info", "set_snmp_olt_port_basic_info", "get_snmp_olt_port_status"};
-    if (kNameAPort.contains(operation_.name)) {
-      const uint8_t names[] = {1, 0, 0, 0, 3, 0, 0, 0};
-      std::copy(std::begin(names), std::end(names), memories_[0].bytes.begin());
-    }
-    if (operation_.reply.read_if_zero != nullptr && variant_.reads) {
-      std::fill_n(memories_[0].bytes.begin(), 4, 0);
-    }
-  }
-
-  void expose(size_t place) {
-    const Argument &argument = operation_.arguments()[place];
-    Memory &memory = memories_[place];
-    memory.guarded = memory.bytes;
-    memory.guarded.resize(memory.bytes.size() + kGuard, kGuardByte);
-    switch (argument.kind) {
-      case Kind::kStream:
-        memory.length = static_cast<uint32_t>(memory.bytes.size());
-        slots_.insert(slots_.end(), {memory.guarded.data(), &memory.length});
-        break;
-      case Kind::kBlock:
-        slots_.insert(slots_.end(), {&memory.block, &memory.length});
-        break;
-      case Kind::kHeadedBlock:
-      case Kind::kReplyBlock:
-        slots_.push_back(&memory.block);
-        break;
-      case Kind::kVlans:
-        link(memory, vlan_width(argument));
-        slots_.push_back(&memory.vlans);
-        break;
-      case Kind::kIds:
-      case Kind::kEntries:
-        memory.length = static_cast<uint32_t>(variant_.items);
-        slots_.insert(slots_.end(), {&memory.length, memory.guarded.data()});
-        break;
-      default:
-        slots_.push_back(memory.guarded.data());
-    }
-  }
-
-  static void link(Memory &memory, uint32_t width) {
-    memory.nodes.resize(memory.bytes.size() / width);
-    for (size_t i = 0; i < memory.nodes.size(); ++i) {
-      std::memcpy(&memory.nodes[i].vlan_first, memory.bytes.data() + i * width, width);
-      if (i > 0) memory.nodes[i - 1].next = &memory.nodes[i];
-    }
-    memory.vlans.head = memory.nodes.data();
-    memory.vlans.count = static_cast<int32_t>(memory.nodes.size());
-  }
-
   Bytes make_reply() {
     Bytes reply;
     size_t length = operation_.reply.fixed_length();
@@ -196,14 +95,7 @@ class Experiment {
       length += variant_.rest;
     }
     while (reply.size() < length) reply.push_back(next());
-    for (const Part &part : operation_.reply.parts()) {
-      if (part.is_text) reply[part.offset + std::min<size_t>(variant_.text, part.width - 1)] = 0;
-      if (!part.reaches_the_end()) continue;
-      const Argument &argument = operation_.arguments()[part.argument];
-      if (argument.kind != Kind::kHeadedBlock) continue;
-      auto rest = static_cast<uint32_t>(variant_.rest);
-      std::memcpy(reply.data() + argument.size - sizeof rest, &rest, sizeof rest);
-    }
+    shape_reply(operation_, variant_.lengths.text, reply);
     return reply;
   }
 
@@ -214,7 +106,8 @@ class Experiment {
     }
     const auto &address = operation_.address;
     ASSERT_EQ(exchanges.size(), address.second_module == 0 ? 1U : 2U);
-    EXPECT_EQ(exchanges[0]->module, address.module == 0 ? memories_[0].bytes[0] : address.module);
+    EXPECT_EQ(exchanges[0]->module,
+              address.module == 0 ? memory_.arguments()[0].bytes[0] : address.module);
     EXPECT_EQ(exchanges.back()->module,
               address.second_module == 0 ? exchanges[0]->module : address.second_module);
     for (const Event *exchange : exchanges) {
@@ -230,7 +123,7 @@ class Experiment {
   void compare_request(const Bytes &request) {
     size_t length = operation_.request.fixed_length();
     for (const Part &part : operation_.request.parts()) {
-      if (part.reaches_the_end()) length += memories_[part.argument].bytes.size();
+      if (part.reaches_the_end()) length += memory_.arguments()[part.argument].bytes.size();
     }
     ASSERT_EQ(request.size(), length);
     for (const Part &part : operation_.request.parts()) {
@@ -252,7 +145,7 @@ class Experiment {
   }
 
   void compare_argument(const Part &part, const Bytes &sent) {
-    const Bytes &argument = memories_[part.argument].bytes;
+    const Bytes &argument = memory_.arguments()[part.argument].bytes;
     size_t width = sent.size();
     if (part.is_text) {
       size_t length =
@@ -291,17 +184,17 @@ class Experiment {
 
   void compare_memory(const Bytes &reply) {
     std::vector<Bytes> expected;
-    for (const Memory &memory : memories_) expected.push_back(memory.bytes);
+    for (const ArgumentMemory &memory : memory_.arguments()) expected.push_back(memory.bytes);
     expect_constants(expected);
     for (const Part &part : operation_.reply.parts()) {
       if (is_read() && part.origin == Origin::kArgument) take(part, reply, expected[part.argument]);
     }
-    for (size_t place = 0; place < memories_.size(); ++place) compare(place, expected[place]);
+    for (size_t place = 0; place < expected.size(); ++place) compare(place, expected[place]);
   }
 
   /// Whether the call asks for a reply.
   bool is_read() const {
-    bool reads = operation_.reply.read_if_zero == nullptr || variant_.reads;
+    bool reads = operation_.reply.read_if_zero == nullptr || variant_.lengths.reads;
     return reads && !operation_.reply.parts().empty();
   }
 
@@ -329,7 +222,7 @@ class Experiment {
 
   void compare(size_t place, const Bytes &expected) {
     const Argument &argument = operation_.arguments()[place];
-    const Memory &memory = memories_[place];
+    const ArgumentMemory &memory = memory_.arguments()[place];
     SCOPED_TRACE(argument.name);
     if (memory.block != nullptr) {
       EXPECT_EQ(memory.length, argument.kind == Kind::kBlock ? expected.size() : 0);
@@ -338,25 +231,24 @@ class Experiment {
       return;
     }
     Bytes guarded = expected;
-    guarded.resize(expected.size() + kGuard, kGuardByte);
+    guarded.resize(expected.size() + CallerMemory::kGuard, CallerMemory::kGuardByte);
     EXPECT_EQ(memory.guarded, guarded);
   }
 
   const Operation &operation_;
   const Variant variant_;
   size_t count_ = 0;
-  std::vector<Memory> memories_;
-  std::vector<void *> slots_;
+  CallerMemory memory_;
   bool is_allocated_ = false;  ///< the request that is compared
   std::set<size_t> filled_by_memory_;
 };
 
 constexpr Variant kVariants[] = {
-    {.items = 1, .text = 7, .rest = 40, .second_digits = false, .reads = true},
-    {.items = 1, .text = 7, .rest = 40, .second_digits = true, .reads = true},
-    {.items = 3, .text = 1000, .rest = 300, .second_digits = false, .reads = false},
-    {.items = 3, .text = 1000, .rest = 300, .second_digits = true, .reads = false},
-    {.items = 0, .text = 1, .rest = 0, .second_digits = false, .reads = true},
+    {.lengths = {1, 7, true}, .rest = 40, .second_digits = false},
+    {.lengths = {1, 7, true}, .rest = 40, .second_digits = true},
+    {.lengths = {3, 1000, false}, .rest = 300, .second_digits = false},
+    {.lengths = {3, 1000, false}, .rest = 300, .second_digits = true},
+    {.lengths = {0, 1, true}, .rest = 0, .second_digits = false},
 };
 
 class WireMap : public testing::TestWithParam<const Operation *> {};
@@ -365,7 +257,7 @@ TEST_P(WireMap, AccountsForEveryByte) {
   const Operation &operation = *GetParam();
   std::set<size_t> filled;
   for (const Variant &variant : kVariants) {
-    SCOPED_TRACE("items " + std::to_string(variant.items) + ", digit " +
+    SCOPED_TRACE("items " + std::to_string(variant.lengths.items) + ", digit " +
                  std::to_string(variant.second_digits ? 2 : 1));
     Experiment experiment(operation, variant);
     experiment.run();
