@@ -3,19 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "base/bad_input.h"
+#include "tests/capture/read_packets.h"
 #include "tests/support/bytes.h"
 
 namespace olt::test {
 namespace {
 
 using capture::Packet;
-using capture::Reader;
 
 Bytes operator+(Bytes left, const Bytes &right) {
   left.insert(left.end(), right.begin(), right.end());
@@ -57,30 +54,8 @@ Bytes packet(uint8_t kind, const Bytes &record) {
 const Bytes kWhole =
     kSection + kInterface + packet(1, {}) + packet(2, hex("020000000001")) + kPadding;
 
-struct Found {
-  std::vector<Packet> packets;
-  std::string error;
-};
-
-Found read_all(const Bytes &bytes) {
-  Found found;
-  size_t at = 0;
-  Reader reader("file", [&](uint8_t *buffer, size_t size) {
-    size_t count = std::min(size, bytes.size() - at);
-    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), count, buffer);
-    at += count;
-    return count;
-  });
-  try {
-    while (std::optional<Packet> next = reader.next()) found.packets.push_back(*next);
-  } catch (const BadInput &error) {
-    found.error = error.what();
-  }
-  return found;
-}
-
 TEST(CaptureReader, ReadsBothPacketsOfAnExchange) {
-  Found found = read_all(kWhole);
+  ReadPackets found = read_packets(kWhole);
   EXPECT_EQ("", found.error);
   ASSERT_EQ(2U, found.packets.size());
   const Packet &request = found.packets[0];
@@ -110,8 +85,8 @@ TEST(CaptureReader, TakesWhatOtherToolsAdd) {
   Bytes statistics = block(5, Bytes(16));
   Bytes longer = header(2, 0) + hex("aabbccdd");
   longer[6] = 68;
-  Found found = read_all(kSection + named + statistics + packet(hex(kTags) + longer) + kSection +
-                         kInterface + packet(1, {}));
+  ReadPackets found = read_packets(kSection + named + statistics + packet(hex(kTags) + longer) +
+                                   kSection + kInterface + packet(1, {}));
   EXPECT_EQ("", found.error);
   ASSERT_EQ(2U, found.packets.size());
   EXPECT_EQ(Bytes(), found.packets[0].record);
@@ -119,7 +94,7 @@ TEST(CaptureReader, TakesWhatOtherToolsAdd) {
 
 TEST(CaptureReader, ScalesTimesOfMicroseconds) {
   Bytes microseconds = block(1, hex("fc000000 00000000"));
-  Found found = read_all(kSection + microseconds + packet(1, {}));
+  ReadPackets found = read_packets(kSection + microseconds + packet(1, {}));
   ASSERT_EQ(1U, found.packets.size()) << found.error;
   EXPECT_EQ(1'000'000'002'000U, found.packets[0].time);
 }
@@ -128,27 +103,27 @@ TEST(CaptureReader, SkipsPacketsOfSomethingElse) {
   Bytes ethernet = block(1, hex("01000000 00000000"));
   Bytes foreign = packet(Bytes(60), 1);
   Bytes other_dissector = packet(hex("000c0004 68747470 00000000") + Bytes(8));
-  Found found =
-      read_all(kSection + kInterface + ethernet + foreign + other_dissector + packet(1, {}));
+  ReadPackets found =
+      read_packets(kSection + kInterface + ethernet + foreign + other_dissector + packet(1, {}));
   EXPECT_EQ("", found.error);
   EXPECT_EQ(1U, found.packets.size());
-  found = read_all(kSection + kInterface + ethernet + foreign);
+  found = read_packets(kSection + kInterface + ethernet + foreign);
   EXPECT_EQ("file: at byte 96: a packet of something else; expected a capture of libolttrace",
             found.error);
 }
 
 /// What a process leaves that is killed while it creates its file.
 TEST(CaptureReader, AnEmptyFileHasNoPackets) {
-  Found found = read_all({});
+  ReadPackets found = read_packets({});
   EXPECT_EQ("", found.error);
   EXPECT_EQ(0U, found.packets.size());
 }
 
 /// What commit_room() of libolttrace leaves at worst: padding that is longer than the file.
 TEST(CaptureReader, PaddingMayBeLongerThanTheFile) {
-  Found found =
-      read_all(kSection + kInterface + packet(1, {}) + packet(2, {}) + block(0x804F4C54, {}) +
-               packet(1, {}) + packet(2, {}) + word(0x804F4C54) + word(16'777'216) + Bytes(400));
+  ReadPackets found = read_packets(kSection + kInterface + packet(1, {}) + packet(2, {}) +
+                                   block(0x804F4C54, {}) + packet(1, {}) + packet(2, {}) +
+                                   word(0x804F4C54) + word(16'777'216) + Bytes(400));
   EXPECT_EQ("", found.error);
   EXPECT_EQ(4U, found.packets.size());
 }
@@ -160,7 +135,8 @@ TEST(CaptureReader, FilesCutAtEveryByte) {
   size_t second = first + packet(1, {}).size();
   size_t padding = kWhole.size() - kPadding.size();
   for (size_t size = 0; size <= kWhole.size(); ++size) {
-    Found found = read_all({kWhole.begin(), kWhole.begin() + static_cast<std::ptrdiff_t>(size)});
+    ReadPackets found =
+        read_packets({kWhole.begin(), kWhole.begin() + static_cast<std::ptrdiff_t>(size)});
     EXPECT_EQ(size < second ? 0U : size < padding ? 1U : 2U, found.packets.size()) << size;
     bool is_whole = size == 0 || size == kSection.size() || size == first || size == second ||
                     (size >= padding && (size == padding || size >= padding + 4));
@@ -239,7 +215,7 @@ TEST(CaptureReader, NamesPlaceAndReasonOfDamage) {
        "at byte 76: a record of 4 bytes; expected at most 3"},
   };
   for (const Case &each : cases)
-    EXPECT_EQ("file: " + each.error, read_all(each.bytes).error) << each.what;
+    EXPECT_EQ("file: " + each.error, read_packets(each.bytes).error) << each.what;
 }
 
 }  // namespace

@@ -4,21 +4,17 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "base/bad_input.h"
-#include "capture/reader.h"
 #include "tests/capture/planted_messages.h"
+#include "tests/capture/read_packets.h"
 #include "tests/support/bytes.h"
 
 namespace olt::test {
 namespace {
 
 using capture::Packet;
-using capture::Reader;
 using capture::Writer;
 using capture::WrittenExchange;
 
@@ -34,27 +30,6 @@ WrittenExchange exchange(uint32_t process, uint32_t number) {
           .run = 1000,
           .process = process,
           .number = number};
-}
-
-struct Found {
-  std::vector<Packet> packets;
-  std::string error;
-};
-
-Found read_all(std::span<const uint8_t> bytes) {
-  Found found;
-  Reader reader("file", [&bytes](uint8_t *buffer, size_t size) {
-    size_t count = std::min(size, bytes.size());
-    std::copy_n(bytes.begin(), count, buffer);
-    bytes = bytes.subspan(count);
-    return count;
-  });
-  try {
-    while (std::optional<Packet> next = reader.next()) found.packets.push_back(*next);
-  } catch (const BadInput &error) {
-    found.error = error.what();
-  }
-  return found;
 }
 
 TEST(CaptureWriter, WritesAnInterfaceForEachProcess) {
@@ -105,7 +80,7 @@ TEST(CaptureWriter, BeginsAFileAnew) {
   Bytes second;
   writer.begin(second);
   writer.add(exchange(2, 3), "two", second);
-  Found found = read_all(second);
+  ReadPackets found = read_packets(second);
   EXPECT_EQ("", found.error);
   ASSERT_EQ(2U, found.packets.size());
   EXPECT_EQ("two", found.packets[0].program);
@@ -127,7 +102,7 @@ Bytes capture_of_three() {
 }
 
 TEST(CaptureWriter, IsReadWithTheProgramOfEachProcess) {
-  Found found = read_all(capture_of_three());
+  ReadPackets found = read_packets(capture_of_three());
   EXPECT_EQ("", found.error);
   ASSERT_EQ(6U, found.packets.size());
   EXPECT_EQ("front_end", found.packets[0].program);
@@ -151,7 +126,7 @@ TEST(CaptureWriter, CapturesOfSeveralProcessesCutAtEveryByte) {
   }
   ASSERT_EQ(1U + 1 + 2 + 6, ends.size());
   for (size_t size = 0; size < whole.size(); ++size) {
-    Found found = read_all(std::span(whole).first(size));
+    ReadPackets found = read_packets(std::span(whole).first(size));
     auto after = std::upper_bound(ends.begin(), ends.end(), size);
     auto block = static_cast<size_t>(after - ends.begin()) - 1;
     EXPECT_EQ(packets[block], found.packets.size()) << size;
@@ -172,7 +147,7 @@ TEST(CaptureWriter, CountsWhatDoesNotFitAsLost) {
   writer.add(exchange(1, 4), "one", file, 2000);
   writer.add(exchange(1, 5), "one", file, 2000);
   EXPECT_EQ(3U, writer.exchanges());
-  Found found = read_all(file);
+  ReadPackets found = read_packets(file);
   ASSERT_EQ(6U, found.packets.size()) << found.error;
   EXPECT_EQ(0U, found.packets[0].lost);
   EXPECT_EQ(2U, found.packets[2].lost);
@@ -190,7 +165,7 @@ TEST(CaptureWriter, CutsLongRecords) {
   long_one.request_length = 131'073;
   writer.add(long_one, "one", file);
   EXPECT_LE(file.size(), Writer::max_size(long_one));
-  Found found = read_all(file);
+  ReadPackets found = read_packets(file);
   ASSERT_EQ(2U, found.packets.size()) << found.error;
   EXPECT_EQ(131'072U, found.packets[0].record.size());
   EXPECT_EQ(131'073U, found.packets[0].record_length);
