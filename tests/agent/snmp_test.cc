@@ -623,6 +623,16 @@ TEST_F(Snmp, EndsWhileACallHasNoAnswer) {
   running().start_agent({"--writable"});
 }
 
+/// Of a group that does not exist, the platform would say so for each connection.
+TEST_F(Snmp, KeepsThePlatformsLinesOutOfItsLog) {
+  EXPECT_EQ(running().end_agent(SIGTERM), 0);
+  setenv("OLT_GROUP", "no-such-group", 1);
+  running().start_agent({"--writable"});
+  unsetenv("OLT_GROUP");
+  EXPECT_NE(running().get(".1.70.1.86.1.3"), "");
+  EXPECT_EQ(occurrences("no-such-group"), 0U) << running().log();
+}
+
 TEST_F(Snmp, MemoryStaysBelow32MiB) {
   std::ifstream status("/proc/" + std::to_string(running().agent()) + "/status");
   long kilobytes = 0;
