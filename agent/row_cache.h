@@ -2,12 +2,14 @@
 #ifndef OLT_AGENT_ROW_CACHE_H
 #define OLT_AGENT_ROW_CACHE_H
 
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <vector>
+#include <unordered_map>
 
 #include "agent/rows.h"
 
@@ -39,19 +41,20 @@ class RowCache {
 
  private:
   struct Entry {
-    const Table *table = nullptr;
-    Selection selection{};
+    const Table *table;
+    Selection selection;
     Key key;
     Found found;
-    uint64_t hash = 0;      ///< of the key
-    uint64_t row_hash = 0;  ///< of the key of the row
+    std::array<uint64_t, 2> questions;  ///< hashes; they may be the same
 
-    bool answers(const Table &asked, Selection how, const Key &named, uint64_t named_hash) const;
+    bool answers(const Table &asked, Selection how, const Key &named) const;
   };
 
+  void forget(uint64_t question, const Entry &entry);
+
   std::mutex mutex_;
-  std::vector<Entry> entries_;  ///< a ring in the order of time
-  size_t end_ = 0;              ///< of the newest entry
+  std::deque<Entry> entries_;                          ///< in the order of time
+  std::unordered_map<uint64_t, Entry *> by_question_;  ///< the newest that answers it
 };
 
 }  // namespace olt::agent

@@ -67,6 +67,21 @@ TEST(RowCache, KeepsTheLastRows) {
   EXPECT_TRUE(cache.find(table, Selection::kThis, {600}, kNow));
 }
 
+TEST(RowCache, AnswersAsItWasToldLast) {
+  RowCache cache;
+  Table table;
+  cache.add(table, Selection::kThis, {7}, {Outcome::kFound, {{7}, {1}}}, kNow);
+  cache.add(table, Selection::kNext, {6}, {Outcome::kFound, {{7}, {2}}}, kNow);
+  // With these, the older of the two rows leaves, but not the newer one.
+  for (uint32_t i = 101; i <= 611; ++i)
+    cache.add(table, Selection::kThis, {i}, {Outcome::kNone}, kNow);
+  auto row = cache.find(table, Selection::kThis, {7}, kNow);
+  ASSERT_TRUE(row);
+  EXPECT_EQ(row->answer->row.record, Bytes{2});
+  cache.add(table, Selection::kThis, {612}, {Outcome::kNone}, kNow);
+  EXPECT_FALSE(cache.find(table, Selection::kThis, {7}, kNow));
+}
+
 TEST(RowCache, HandsAWalkToTheFirstWhoFindsItsRow) {
   RowCache cache;
   Table table;
