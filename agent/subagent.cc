@@ -24,6 +24,7 @@
 #include <utility>
 
 #include "agent/cell.h"
+#include "agent/event_loop.h"
 #include "agent/poller.h"
 #include "agent/row_cache.h"
 #include "agent/rows.h"
@@ -130,8 +131,8 @@ class Subagent::Session {
     init_snmp(kName);  // connects, if the master is there
     // Later attempts fail without a word.
     netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_NO_CONNECTION_WARNINGS, 1);
-    watch(done_.descriptor(), on_done);
-    watch(signals_.get(), on_signal);
+    loop_.add(done_.descriptor(), [this] { finish(); });
+    loop_.add(signals_.get(), [this] { take_signal(); });
     if (options_.pace.count() > 0) {
       auto pace = static_cast<long>(options_.pace.count());
       snmp_alarm_register_hr({pace / 1000, pace % 1000 * 1000}, SA_REPEAT, on_turn, this);
@@ -144,7 +145,7 @@ class Subagent::Session {
   int run(const std::function<bool()> &may_end) {
     while (true) {
       while (signal_ == 0) {
-        agent_check_and_process(1);
+        loop_.round();
         count_reads();
       }
       if (signal_ != SIGHUP || may_end()) break;
@@ -232,6 +233,8 @@ class Subagent::Session {
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, 1);
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET,
                           options_.socket.c_str());
+    // A longer one fills with the same table, which net-snmp compares with each variable every time.
+    netsnmp_set_lookup_cache_size(1);
     if (init_agent(kName) != 0) throw Failure("oltsnmp: net-snmp does not start");
     netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL,
                        kSecondsBetweenPings);  // init_agent sets another one
@@ -282,15 +285,7 @@ class Subagent::Session {
     }
   }
 
-  void watch(int descriptor, void (*handler)(int, void *)) {
-    if (register_readfd(descriptor, handler, this) != FD_REGISTERED_OK) {
-      throw Failure("oltsnmp: net-snmp takes no more descriptors");
-    }
-    watched_.push_back(descriptor);
-  }
-
   void disconnect() {
-    for (int descriptor : watched_) unregister_readfd(descriptor);
     // net-snmp would free its argument.
     snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, on_session,
                              this, 1);
@@ -299,10 +294,10 @@ class Subagent::Session {
     snmp_shutdown(kName);
   }
 
-  static void on_signal(int descriptor, void *session) {
+  void take_signal() {
     signalfd_siginfo signal{};
-    if (read(descriptor, &signal, sizeof signal) == sizeof signal) {
-      static_cast<Session *>(session)->signal_ = static_cast<int>(signal.ssi_signo);
+    if (read(signals_.get(), &signal, sizeof signal) == sizeof signal) {
+      signal_ = static_cast<int>(signal.ssi_signo);
     }
   }
 
@@ -579,10 +574,6 @@ class Subagent::Session {
 
   // Answers of the workers.
 
-  static void on_done(int /*descriptor*/, void *session) {
-    static_cast<Session *>(session)->finish();
-  }
-
   void finish() {
     for (const std::shared_ptr<Job> &job : done_.take()) {
       if (auto poll = std::dynamic_pointer_cast<Poll>(job)) {
@@ -743,7 +734,7 @@ class Subagent::Session {
   RowCache cache_;
   DoneQueue done_;
   Descriptor signals_;
-  std::vector<int> watched_;
+  EventLoop loop_;
   std::map<uint8_t, Module> modules_;
   std::list<Registration> registrations_;
   std::set<std::shared_ptr<Request>> live_;  ///< delegated, and not done

@@ -633,6 +633,25 @@ TEST_F(Snmp, KeepsThePlatformsLinesOutOfItsLog) {
   EXPECT_EQ(occurrences("no-such-group"), 0U) << running().log();
 }
 
+TEST_F(Snmp, TakesNoProcessorTimeWhenNobodyAsks) {
+  auto used = [] {
+    // "PID (NAME) STATE ...", with user's and system's ticks at places 14 and 15.
+    std::ifstream stat("/proc/" + std::to_string(running().agent()) + "/stat");
+    std::string word;
+    for (int place = 1; place < 14; ++place) stat >> word;
+    long user = -1;
+    long system = -1;
+    stat >> user >> system;
+    return user + system;
+  };
+  EXPECT_FALSE(running().walk(".1.96").empty());
+  std::this_thread::sleep_for(100ms);
+  const long before = used();
+  EXPECT_GE(before, 0);
+  std::this_thread::sleep_for(1s);
+  EXPECT_LE(used() - before, sysconf(_SC_CLK_TCK) / 20);
+}
+
 TEST_F(Snmp, MemoryStaysBelow32MiB) {
   std::ifstream status("/proc/" + std::to_string(running().agent()) + "/status");
   long kilobytes = 0;
