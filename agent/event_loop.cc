@@ -86,7 +86,7 @@ std::optional<timespec> EventLoop::find_sessions() {
     }
   }
   if (is_endless != 0) return std::nullopt;
-  return timespec{timeout.tv_sec, timeout.tv_usec * 1000};
+  return timespec{timeout.tv_sec, static_cast<long>(timeout.tv_usec) * 1000};
 }
 
 void EventLoop::dispatch() {

@@ -233,7 +233,7 @@ class Subagent::Session {
     netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, 1);
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET,
                           options_.socket.c_str());
-    // A longer one fills with the same table, which net-snmp compares with each variable every time.
+    // A longer one fills with the same table, and net-snmp compares it with each variable again.
     netsnmp_set_lookup_cache_size(1);
     if (init_agent(kName) != 0) throw Failure("oltsnmp: net-snmp does not start");
     netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL,
