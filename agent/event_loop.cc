@@ -10,6 +10,8 @@
 //
 #include <sched.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace olt::agent {
@@ -64,7 +66,10 @@ int EventLoop::wait() {
     ready = poll(polled_.data(), polled_.size(), 0);
   }
   if (ready == 0) ready = block();
-  watch_.end(Watch::Clock::now());
+  bool is_request =
+      std::any_of(polled_.begin() + static_cast<std::ptrdiff_t>(handlers_.size()), polled_.end(),
+                  [](const pollfd &session) { return session.revents != 0; });
+  watch_.end(Watch::Clock::now(), is_request);
   return ready;
 }
 

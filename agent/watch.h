@@ -22,8 +22,10 @@ class Watch {
   void begin(Clock::time_point now) { begun_ = now; }
   /// Whether to look again, rather than to block.
   bool goes_on(Clock::time_point now) const { return is_on_ && now - begun_ <= kLongest; }
-  /// There is something to be done. A short wait makes the next one a watch.
-  void end(Clock::time_point now) { is_on_ = is_useful_ && now - begun_ <= kLongest; }
+  /// There is something to be done. A short wait for a request makes the next wait a watch.
+  void end(Clock::time_point now, bool is_request) {
+    is_on_ = is_useful_ && now - begun_ <= kLongest && (is_on_ || is_request);
+  }
 
  private:
   bool is_useful_;
