@@ -524,6 +524,20 @@ class Session(unittest.TestCase):
             "oltmgmt.answer_in", "oltmgmt.request_in", "oltmgmt.unanswered",
             "oltmgmt.unanswered && frame.number == 37", "oltmgmt.lost && frame.number == 3"], "-2"))
 
+    def test_links_of_exchanges_at_the_same_time(self):
+        """As in merged captures. The fourth exchange has its answer first, which links nothing."""
+        head, blocks = packets_of(self.capture)
+        order = [0, 2, 1, 3, 4, 5, 7, 6, 8, 10, 12, 13, 9, 11]
+        path = write("merged.pcapng", head + b"".join(
+            block_of(packet_in(blocks[place]), i) for i, place in enumerate(order)))
+        code, output, errors = tshark(
+            "-X", "lua_script:" + SCRIPT, "-r", path, "-2", "-T", "fields", "-E", "separator=,", "-e",
+            "oltmgmt.answer_in", "-e", "oltmgmt.request_in", "-e", "oltmgmt.exchange")
+        self.assertEqual((0, ""), (code, errors))
+        self.assertEqual(["3,,1", "4,,2", ",1,1", ",2,2", "6,,3", ",5,3", ",,4", ",,4", "13,,5",
+                          "14,,6", "12,,7", ",11,7", ",9,5", ",10,6"], output.split())
+        self.assertEqual([1], counts(path, ["oltmgmt.unanswered && frame.number == 8"], "-2"))
+
     def test_packets_cut_by_editcap(self):
         path = os.path.join(FOLDER, "cut.pcapng")
         done = run(["editcap", "-s", "100", self.capture, path])
