@@ -602,14 +602,14 @@ local function failure_of(p)
   return string.format("refused, status %d", p.status) .. (text and ": " .. text or "")
 end
 
-local function generated(item, p)
+local function mark_generated(item, p)
   if p.is_visible then set_generated(item) end
 end
 
 local function add_head(tree, tvb, p, wants)
   if wants[head.operation] then
     for i = 1, #p.operations do
-      generated(add(tree, head.operation, p.operations[i].name), p)
+      mark_generated(add(tree, head.operation, p.operations[i].name), p)
     end
   end
   if wants[head_numbers] then
@@ -620,13 +620,11 @@ local function add_head(tree, tvb, p, wants)
   end
   if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
   local link_in = p.kind == kRequest and head.answer_in or head.request_in
-  if p.other and wants[link_in] then generated(add(tree, link_in, p.other), p) end
+  if p.other and wants[link_in] then mark_generated(add(tree, link_in, p.other), p) end
   if p.kind == kRequest then return end
   if wants[head.result] then add(tree, head.result, tvb(40, 4), p.result) end
   if p.result == 0 and wants[head.status] then add(tree, head.status, tvb(44, 2), p.status) end
-  if p.failure and wants[head.failed] then
-    generated(add(tree, head.failed, p.failure), p)
-  end
+  if p.failure and wants[head.failed] then mark_generated(add(tree, head.failed, p.failure), p) end
   if wants[head.time] then
     local nanoseconds = p.high * 4294967296 + p.low
     local seconds = math.floor(nanoseconds / 1e9)
