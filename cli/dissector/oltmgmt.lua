@@ -496,7 +496,7 @@ oltmgmt.experts = expert_infos
 -- Links between requests and answers; filled in the first pass over the capture.
 local pending        -- the request's frame, by what identifies the exchange
 local apart          -- the other frame by either, or false if none; nil if they are neighbors
-local operations_of  -- by the request's frame, if the message type has several
+local left_out       -- by message type and frames: operations that have not sent the request
 local last_linked    -- frame
 
 -- What filters and columns ask for, by field, adder and message. It is found out again when frames
@@ -505,7 +505,7 @@ local asked, last_frame, root_of_frame
 local own_dissector
 
 function oltmgmt.init()
-  pending, apart, operations_of, last_linked = {}, {}, {}, 0
+  pending, apart, left_out, last_linked = {}, {}, {}, 0
   asked = nil
   own_dissector = Dissector.get("oltmgmt")
 end
@@ -548,6 +548,27 @@ local function may_make(operation, record, p)
          (p.kind == kAnswer or is_sent_by(operation, record, p))
 end
 
+-- The place of a frame's bits in a table of left_out. Several frames share a number, since the
+-- collector reads these tables again and again.
+local function place_of(all, frame)
+  local frames = math.max(math.floor(52 / #all), 1)
+  return math.floor(frame / frames), 2 ^ (#all * (frame % frames))
+end
+
+local function leave_out(all, p, bits)
+  local at, unit = place_of(all, p.frame)
+  local numbers = left_out[p.type] or {}
+  left_out[p.type] = numbers
+  numbers[at] = (numbers[at] or 0) + bits * unit
+end
+
+local function left_out_of(all, p, request)
+  local numbers = left_out[p.type]
+  if not numbers then return 0 end
+  local at, unit = place_of(all, request)
+  return math.floor((numbers[at] or 0) / unit) % 2 ^ #all
+end
+
 -- The operations that may have made the exchange. Constants in the request tell those of one
 -- message type apart; an answer has the operations of its request.
 local function operations_for(tvb, p)
@@ -556,18 +577,21 @@ local function operations_for(tvb, p)
     local name = "message type " .. p.type
     return {name = name, ok = name .. ": ok"}
   end
-  local request = p.kind == kAnswer and p.other
-  if request and operations_of[request] then return operations_of[request] end
+  local every = 2 ^ #all - 1
+  if p.kind == kAnswer and p.other then
+    return set_of(all, every - left_out_of(all, p, p.other))
+  end
   local is_read = all.has_constants and p.kind == kRequest and p.have > p.head_size
   local record = is_read and raw_of(tvb, p.head_size) or ""
   local bits, bit = 0, 1
   for i = 1, #all do
-    if request or may_make(all[i], record, p) then bits = bits + bit end
+    if may_make(all[i], record, p) then bits = bits + bit end
     bit = 2 * bit
   end
-  local set = set_of(all, bits)
-  if p.kind == kRequest and #set < #all then operations_of[p.frame] = set end
-  return set
+  if p.is_first_pass and p.kind == kRequest and bits < every then
+    leave_out(all, p, every - bits)
+  end
+  return set_of(all, bits)
 end
 
 local function link(p)
@@ -703,8 +727,9 @@ local function dissect(tvb, info, root)
     add_malformed(tvb, info, root)
     return p.have
   end
-  local is_request, is_first_pass = p.kind == kRequest, p.frame > last_linked
-  if is_first_pass then
+  local is_request = p.kind == kRequest
+  p.is_first_pass = p.frame > last_linked
+  if p.is_first_pass then
     link(p)
     last_linked = p.frame
   end
@@ -719,7 +744,7 @@ local function dissect(tvb, info, root)
   p.has_record = is_request or not (p.failure or p.no_reply)
   p.is_short = p.has_record and p.message and p.length < p.message.length
   p.is_cut = p.have - p.head_size < p.length
-  p.is_unanswered = is_request and not is_first_pass and not p.other
+  p.is_unanswered = is_request and not p.is_first_pass and not p.other
   local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.is_masked or
                    p.lost > 0 or not operation
   local wants = everything
