@@ -1,15 +1,10 @@
 #!/usr/bin/env bash
 # What a cell costs that oltsnmp serves, at 1,024 and at 16,384 rows: ten columns of the table of
-# links, by the tools of net-snmp and its Perl module, under snmpd, with a simulated box.
+# links, by the tools of net-snmp and a client of our own, under snmpd, with a simulated box.
 # Seconds need a quiet machine; the agent's own time and its reads do not.
 # usage: bench/snmp.sh BUILD_DIR [--check]
 #   --check  fails when a goal is missed
 set -euo pipefail
-perl -MSNMP -e 1 2>/dev/null || {
-  echo "snmp.sh: the Perl module SNMP is missing; expected the package libsnmp-perl" >&2
-  exit 2
-}
-
 build=$(realpath "${1:?expected BUILD_DIR [--check]}")
 check=${2:-}
 PATH=$PATH:/usr/sbin
@@ -56,36 +51,8 @@ by_column() { # TOOL OPTION...
   for column in "${columns[@]}"; do snmp "$@" "$root.1.86.1.$column"; done | grep -c "^$root.1.86.1"
 }
 
-# 150 rows in each request, by one process: those of snmpbulkget would take most of the time.
 by_row() {
-  perl - "127.0.0.1:$port" "$root.1.86.1" "${columns[@]}" <<'END'
-use strict;
-use warnings;
-use SNMP;
-
-my ($address, $entry, @columns) = @ARGV;
-my $session = SNMP::Session->new(DestHost => $address, Community => 'olt', Version => 2,
-    UseNumeric => 1, Timeout => 5_000_000, Retries => 0) or die "snmp.sh: no session\n";
-my @from = map { "$entry.$_" } @columns;
-my $cells = 0;
-while (1) {
-  my $got = SNMP::VarList->new(map { [$_] } @from);
-  $session->getbulk(0, 150, $got);
-  die "snmp.sh: $session->{ErrorStr}\n" if $session->{ErrorNum};
-  my @names = map { length $_->[1] ? "$_->[0].$_->[1]" : $_->[0] } @$got;
-  my $rows = 0;
-  while (@names >= @columns) {
-    my @row = splice @names, 0, scalar @columns;
-    # At the end of the table, each of the other columns holds rows of the next one.
-    last unless $row[0] =~ /^\Q$entry.$columns[0].\E/;
-    $rows++;
-    @from = @row;
-  }
-  $cells += $rows * @columns;
-  last if $rows < 150;
-}
-print "$cells\n";
-END
+  "$build/bench/snmp_rows" "127.0.0.1:$port" "$root.1.86.1" "${columns[@]}"
 }
 
 # Of the agent, in microseconds.
