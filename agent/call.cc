@@ -24,6 +24,8 @@ bool may_overrun(const Argument &argument) {
 
 }  // namespace
 
+thread_local std::atomic<uint8_t> *Call::asked_module = nullptr;
+
 Call::Call(const catalog::Operation &operation) : operation_(operation) {
   for (const Argument &argument : operation.arguments()) {
     size_t room = argument.kind == Kind::kValue ? argument.whole().width : 0;
@@ -49,6 +51,7 @@ void Call::set_word(size_t place, size_t offset, uint32_t word) {
 }
 
 int32_t Call::make() {
+  if (asked_module != nullptr) *asked_module = operation_.address.module;
   std::vector<void *> slots;
   for (size_t place = 0; place < values_.size(); ++place) {
     bool is_block = operation_.arguments()[place].kind == Kind::kHeadedBlock;

@@ -2,6 +2,7 @@
 #ifndef OLT_AGENT_CALL_H
 #define OLT_AGENT_CALL_H
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -25,6 +26,9 @@ class Call {
 
   /// @return the operation's result
   int32_t make();
+
+  /// Where the calls of this thread say which module they ask; null: nowhere.
+  static thread_local std::atomic<uint8_t> *asked_module;
 
   ByteView bytes(size_t place) const;
 

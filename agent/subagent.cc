@@ -609,18 +609,27 @@ class Subagent::Session {
     auto *module = static_cast<Module *>(stuck);
     module->alarm = 0;
     // When this thread was held up, the answer may be waiting for it.
-    if (!module->worker->is_idle()) module->session->note(*module, false);
+    if (!module->worker->is_idle()) module->session->note(module->worker->asked_module(), false);
   }
 
   /// An answer from the cache says nothing about the module.
   void note_answer(const Task &task) {
     if (!task.was_called) return;
-    auto asked = modules_.find(task.answer.module);
-    if (asked != modules_.end()) note(asked->second, !task.answer.is_lost());
+    const catalog::Operation *stepper = task.table->stepper;
+    bool is_stepped = stepper != nullptr && task.selection == Selection::kNext &&
+                      task.answer.module == task.table->reader->address.module;
+    // The reader is asked after the stepper has answered.
+    if (is_stepped && stepper->address.module != task.answer.module) {
+      note(stepper->address.module, true);
+    }
+    note(task.answer.module, !task.answer.is_lost());
   }
 
   /// Notes whether the module is there.
-  void note(Module &module, bool is_there) {
+  void note(uint8_t number, bool is_there) {
+    auto asked = modules_.find(number);
+    if (asked == modules_.end()) return;
+    Module &module = asked->second;
     if (module.is_lost != is_there) return;
     module.is_lost = !is_there;
     log_line(is_there ? LOG_NOTICE : LOG_WARNING,

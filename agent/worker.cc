@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include "agent/call.h"
 #include "base/failure.h"
 
 namespace olt::agent {
@@ -63,6 +64,7 @@ bool Worker::is_idle() const {
 }
 
 void Worker::run() {
+  Call::asked_module = &asked_module_;
   std::unique_lock guard(mutex_);
   while (true) {
     changed_.wait(guard, [this] { return is_ending_ || !jobs_.empty() || !walks_.empty(); });

@@ -89,6 +89,8 @@ class Worker {
   /// Reads the next batch of the walk, a row at a time and after all jobs.
   void follow(std::shared_ptr<Walk> walk);
   bool is_idle() const;
+  /// The module that its last call asks: tables may be stepped through by another one.
+  uint8_t asked_module() const { return asked_module_; }
   /// Rows read from the module.
   uint32_t reads() const { return reads_; }
 
@@ -111,6 +113,7 @@ class Worker {
   bool is_busy_ = false;
   bool is_ending_ = false;
   std::atomic<uint32_t> reads_{0};
+  std::atomic<uint8_t> asked_module_{0};
   std::thread thread_;
 };
 

@@ -481,6 +481,20 @@ TEST_F(Snmp, ASilentModuleFailsAloneAndAtOnce) {
   EXPECT_TRUE(running().waits_for("module rstp (23) answers again"));
 }
 
+/// Table 174 is read at module 23, but its rows are found by message type 75 at module 2.
+TEST_F(Snmp, TheModuleThatFindsTheRowsOfATableIsTheSilentOne) {
+  const size_t main = occurrences("module main (2) does not answer");
+  const size_t rstp = occurrences("module rstp (23) does not answer");
+  oltctl({"fault", "add", "type=75", "delay_ms=4000"});
+  Finished next = running().snmp("snmpgetnext", {}, {".1.174.1.18"});
+  EXPECT_NE((next.output + next.errors).find("genError"), std::string::npos) << next.output;
+  oltctl({"fault", "clear"});
+  EXPECT_TRUE(running().waits_for("module main (2) does not answer", main + 1));
+  const size_t back = occurrences("module main (2) answers again");
+  EXPECT_TRUE(running().waits_for("module main (2) answers again", back + 1));
+  EXPECT_EQ(occurrences("module rstp (23) does not answer"), rstp) << running().log();
+}
+
 TEST_F(Snmp, AModuleThatRefusesOrDropsFailsAlone) {
   for (const char *action : {"status=5", "action=drop", "delay_ms=850"}) {
     oltctl({"fault", "add", "type=60", action});
