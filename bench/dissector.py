@@ -128,7 +128,11 @@ def main():
     if len(sys.argv) < 2:
         sys.exit(__doc__)
     build = sys.argv[1]
-    packets, runs = (int(one) for one in (sys.argv[2:4] + ["1000000", "3"][len(sys.argv[2:4]):]))
+    counts = sys.argv[2:4] + ["1000000", "3"][len(sys.argv[2:4]):]
+    if not all(one.isdecimal() and int(one) > 0 for one in counts):
+        sys.exit("bench/dissector.py: '%s' given for PACKETS and RUNS; expected two numbers above 0" %
+                 " ".join(counts))
+    packets, runs = map(int, counts)
     chosen = sys.argv[4:] or [name for name, _ in WAYS + FLOORS]
     unknown = set(chosen) - {name for name, _ in WAYS + FLOORS}
     if unknown:

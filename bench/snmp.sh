@@ -5,7 +5,12 @@
 # usage: bench/snmp.sh BUILD_DIR [--check]
 #   --check  fails when a goal is missed
 set -euo pipefail
+
 build=$(realpath "${1:?expected BUILD_DIR [--check]}")
+[ -x "$build/bench/snmp_rows" ] || {
+  echo "snmp.sh: $build has no bench/snmp_rows; expected a build with OLT_BENCH and OLT_AGENT" >&2
+  exit 2
+}
 check=${2:-}
 PATH=$PATH:/usr/sbin
 root=.1.3.6.1.4.1.32473
