@@ -12,7 +12,6 @@ namespace olt::test {
 namespace {
 
 using namespace std::chrono_literals;
-using agent::Answer;
 using agent::Outcome;
 using agent::RowCache;
 using agent::Selection;

@@ -46,7 +46,7 @@ TEST(Worker, SaysWhichModuleAnAnswerIsOf) {
   cache.add(tables[0], Selection::kThis, {0}, {Outcome::kFound, {{0}, {42}}});
   auto job = std::make_shared<Job>();
   job->tasks.resize(3);
-  for (agent::Task &task : job->tasks) task = {.table = &tables[0], .key = {0}};
+  for (agent::Task &task : job->tasks) task = {.table = tables.data(), .key = {0}};
   job->tasks[1].is_fresh = true;
   job->tasks[2].selection = Selection::kNext;
   worker.submit(job);

@@ -14,7 +14,6 @@
 namespace olt::test {
 namespace {
 
-using capture::Packet;
 using capture::Writer;
 using capture::WrittenExchange;
 

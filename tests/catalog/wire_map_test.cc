@@ -25,10 +25,7 @@ namespace {
 using olt::catalog::Argument;
 using olt::catalog::families;
 using olt::catalog::Family;
-using olt::catalog::FieldKind;
-using olt::catalog::find;
 using olt::catalog::Kind;
-using olt::catalog::Message;
 using olt::catalog::Operation;
 using olt::catalog::Origin;
 using olt::catalog::Part;
