@@ -274,6 +274,7 @@ int listen_at(const std::string &socket_path, int backlog) {
 FakeModule::FakeModule(const std::string &socket_path, std::function<void(int)> script)
     : listener_(listen_at(socket_path, 16)) {
   thread_ = std::thread([this, script = std::move(script)] {
+    started_.count_down();
     for (;;) {
       int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
       if (client < 0) return;
@@ -285,6 +286,7 @@ FakeModule::FakeModule(const std::string &socket_path, std::function<void(int)> 
       close(client);
     }
   });
+  started_.wait();
 }
 
 FakeModule::~FakeModule() {

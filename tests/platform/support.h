@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <latch>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -118,7 +119,9 @@ class ServerProcess {
   pid_t pid_ = -1;
 };
 
-/// A module without olt_server: passes one connection after the other to the script.
+/// A module without olt_server: passes one connection after the other to the script. Its thread
+/// has started when the constructor returns: a child forked while AddressSanitizer's allocator
+/// serves another thread would wait for ever.
 class FakeModule {
  public:
   FakeModule(const std::string &socket_path, std::function<void(int socket)> script);
@@ -132,6 +135,7 @@ class FakeModule {
   mutable std::mutex lock_;
   int connections_ = 0;
   int listener_;
+  std::latch started_{1};
   std::thread thread_;
 };
 
