@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "tests/replay/support.h"
+#include "tests/support/program.h"
 
 namespace olt::test {
 
@@ -112,13 +113,11 @@ TEST_F(ReplayTest, StrictServesSeveralClientsEachTheirOwn) {
         kStrict);
   Meeting first;
   Meeting second;
-  std::thread one([&] {
-    EXPECT_TRUE(in_child([&] {
-      bool fits = ask(12) == reply(hex("a1"));
-      first.arrive();
-      second.wait();
-      return fits && ask(14) == reply(hex("c1")) && ask(15) == reply(hex("c2"));
-    }));
+  pid_t one = start_child([&] {
+    bool fits = ask(12) == reply(hex("a1"));
+    first.arrive();
+    second.wait();
+    return fits && ask(14) == reply(hex("c1")) && ask(15) == reply(hex("c2"));
   });
   EXPECT_TRUE(in_child([&] {
     first.wait();
@@ -126,7 +125,7 @@ TEST_F(ReplayTest, StrictServesSeveralClientsEachTheirOwn) {
     second.arrive();
     return fits && ask(13) == reply(hex("b1")) && ask(15) == reply(hex("b2"));
   }));
-  one.join();
+  EXPECT_EQ(wait_for(one), 0);
   EXPECT_EQ(errors(), "");
   EXPECT_TRUE(
       end().starts_with("oltreplay: answered 6 requests; 0 not recorded, 0 out of order\n"

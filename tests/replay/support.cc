@@ -44,10 +44,14 @@ Answer ask(uint32_t type, Bytes request, uint32_t module, uint32_t timeout, bool
   return answer;
 }
 
-bool in_child(const std::function<bool()> &body) {
+pid_t start_child(const std::function<bool()> &body) {
   pid_t child = fork();
   if (child == 0) _exit(body() ? 0 : 1);
-  return wait_for(child) == 0;
+  return child;
+}
+
+bool in_child(const std::function<bool()> &body) {
+  return wait_for(start_child(body)) == 0;
 }
 
 void ReplayTest::serve(const std::vector<RecordedExchange> &exchanges,

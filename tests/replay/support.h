@@ -3,6 +3,7 @@
 #define OLT_TESTS_REPLAY_SUPPORT_H
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 
 #include <functional>
 #include <string>
@@ -34,6 +35,9 @@ Answer failure(int32_t result);
 
 Answer ask(uint32_t type, Bytes request = {}, uint32_t module = 2, uint32_t timeout = 20,
            bool no_reply = false);
+
+/// Starts a child process; it exits with 0 when the body returned true.
+pid_t start_child(const std::function<bool()> &body);
 
 /// Runs the body in a child process. @return whether it returned true there
 bool in_child(const std::function<bool()> &body);

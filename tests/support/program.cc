@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -15,6 +17,8 @@
 namespace olt::test {
 
 namespace {
+
+constexpr int kNotExecuted = 127;
 
 [[noreturn]] void fail(const char *what) {
   throw std::system_error(errno, std::generic_category(), what);
@@ -68,13 +72,28 @@ void drain(const Pipe &output, const Pipe &errors, Finished &finished) {
 }  // namespace
 
 void execute(const std::vector<std::string> &command, const std::vector<std::string> &environment) {
-  std::vector<char *> arguments;
-  arguments.reserve(command.size() + 1);
-  for (const std::string &word : command) arguments.push_back(const_cast<char *>(word.c_str()));
-  arguments.push_back(nullptr);
-  for (const std::string &variable : environment) putenv(const_cast<char *>(variable.c_str()));
+  // Nothing is allocated: at the fork, another thread may have been in the allocator.
+  constexpr size_t kMost = 1000;
+  std::array<char *, kMost> arguments{};
+  std::array<char *, kMost> variables{};
+  auto is_replaced = [&environment](const char *variable) {
+    return std::ranges::any_of(environment, [variable](const std::string &own) {
+      size_t name = own.find('=') + 1;
+      return own.compare(0, name, variable, std::min(name, std::strlen(variable))) == 0;
+    });
+  };
+  auto own = [](const std::string &text) { return const_cast<char *>(text.c_str()); };
+  if (command.size() >= kMost || environment.size() >= kMost) _exit(kNotExecuted);
+  std::ranges::transform(command, arguments.begin(), own);
+  char **next = std::ranges::transform(environment, variables.begin(), own).out;
+  for (char **inherited = environ; *inherited != nullptr; ++inherited) {
+    if (is_replaced(*inherited)) continue;
+    if (next == &variables.back()) _exit(kNotExecuted);
+    *next++ = *inherited;
+  }
+  environ = variables.data();
   execvp(arguments[0], arguments.data());
-  _exit(127);
+  _exit(kNotExecuted);
 }
 
 int wait_for(pid_t child) {
