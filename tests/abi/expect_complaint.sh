@@ -6,7 +6,7 @@ set -eu
 text=$1
 shift
 status=0
-output=$("$@") || status=$?
+output=$("$@" 2>&1) || status=$?
 echo "$output"
 if [ "$status" -ne 1 ]; then
   echo "expected exit status 1, got $status"
