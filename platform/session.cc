@@ -117,7 +117,7 @@ bool Session::make_room(size_t frame_size) {
 
 void Session::give_way() {
   drop_over_limit();
-  buffer_ = {};
+  buffer_ = std::vector<std::byte>();
   budget_share_.release();
 }
 
@@ -224,7 +224,7 @@ void Session::flush() {
   bool holds_request = watched_.has_value();
   size_t request_length = holds_request ? watched_->request_length : 0;
   answered(outgoing_.data() + kAnswerHeaderSize, outgoing_.size() - kAnswerHeaderSize);
-  outgoing_ = {};
+  outgoing_ = std::vector<std::byte>();
   if (holds_request) consume(kRequestHeaderSize + request_length);
   continue_serving();
 }

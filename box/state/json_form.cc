@@ -20,11 +20,16 @@ using Kind = CborReader::Kind;
 namespace {
 
 constexpr size_t kMaxDepth = 32;
+/// What a large configuration takes as indented text, compared with its archive.
+constexpr size_t kMostTimes = 2;
 
 class JsonWriter {
  public:
   JsonWriter(std::string_view archive, Secrets secrets, bool indented)
-      : reader_(archive), secrets_(secrets), indented_(indented) {}
+      : reader_(archive), secrets_(secrets), indented_(indented) {
+    // Growing would take the memory of two texts. Room that stays empty takes none.
+    text_.reserve(kMostTimes * archive.size());
+  }
 
   std::string write() {
     value(reader_.next());

@@ -24,6 +24,11 @@ uint32_t offset_in(Archive &command) {
   return offset;
 }
 
+/// Assigning an empty text would keep the memory.
+void release(std::string &text) {
+  std::string().swap(text);
+}
+
 /// Throws BadInput unless the command continues the transfer with this number.
 void require_number(Archive &command, std::string_view key, uint32_t number) {
   uint32_t asked = 0;
@@ -65,7 +70,7 @@ void ConfigurationTransfer::send(Archive &command, Archive &reply) {
   reply.number("export", export_.number);
   reply.number("length", length);
   reply.text("piece", piece, kPiece);
-  if (offset + piece.size() == length) export_.text = std::string();
+  if (offset + piece.size() == length) release(export_.text);
 }
 
 void ConfigurationTransfer::begin_import(Archive &command, size_t offset) {
@@ -76,7 +81,7 @@ void ConfigurationTransfer::begin_import(Archive &command, size_t offset) {
   command.flag("adopt", adopts);
   import_length_ = length;
   misfits_ = adopts ? Misfits::kLeaveOut : Misfits::kRefuse;
-  import_.text = std::string();
+  release(import_.text);
   ++import_.number;
 }
 
