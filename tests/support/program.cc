@@ -73,24 +73,29 @@ void drain(const Pipe &output, const Pipe &errors, Finished &finished) {
 
 void execute(const std::vector<std::string> &command, const std::vector<std::string> &environment) {
   // Nothing is allocated: at the fork, another thread may have been in the allocator.
-  constexpr size_t kMost = 1000;
+  constexpr size_t kMost = 32'768;
   std::array<char *, kMost> arguments{};
   std::array<char *, kMost> variables{};
-  auto is_replaced = [&environment](const char *variable) {
-    return std::ranges::any_of(environment, [variable](const std::string &own) {
-      size_t name = own.find('=') + 1;
-      return own.compare(0, name, variable, std::min(name, std::strlen(variable))) == 0;
-    });
+  auto is_set_from = [&environment](size_t first, const char *variable) {
+    return std::any_of(environment.begin() + static_cast<ptrdiff_t>(first), environment.end(),
+                       [variable](const std::string &own) {
+                         size_t name = own.find('=') + 1;
+                         return std::strncmp(own.c_str(), variable, name) == 0;
+                       });
   };
-  auto own = [](const std::string &text) { return const_cast<char *>(text.c_str()); };
-  if (command.size() >= kMost || environment.size() >= kMost) _exit(kNotExecuted);
-  std::ranges::transform(command, arguments.begin(), own);
-  char **next = std::ranges::transform(environment, variables.begin(), own).out;
-  for (char **inherited = environ; *inherited != nullptr; ++inherited) {
-    if (is_replaced(*inherited)) continue;
+  char **next = variables.data();
+  auto add = [&](const char *variable) {
     if (next == &variables.back()) _exit(kNotExecuted);
-    *next++ = *inherited;
-  }
+    *next++ = const_cast<char *>(variable);
+  };
+  if (command.size() >= kMost) _exit(kNotExecuted);
+  std::ranges::transform(command, arguments.begin(),
+                         [](const std::string &word) { return const_cast<char *>(word.c_str()); });
+  // Of several with one name, the last one counts.
+  for (size_t i = 0; i < environment.size(); ++i)
+    if (const char *own = environment[i].c_str(); !is_set_from(i + 1, own)) add(own);
+  for (char **inherited = environ; *inherited != nullptr; ++inherited)
+    if (!is_set_from(0, *inherited)) add(*inherited);
   environ = variables.data();
   execvp(arguments[0], arguments.data());
   _exit(kNotExecuted);
