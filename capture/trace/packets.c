@@ -33,17 +33,10 @@ struct packet {
 };
 _Static_assert(sizeof(struct packet) == 104 && offsetof(struct packet, header) == 40, "no gaps");
 
-struct options {
-  uint16_t flags_code, flags_length;
-  uint32_t flags;
-  uint32_t end;
-};
-
 static const uint8_t kTags[12] = {0, 12, 0, 4, 'o', 'l', 't', 0, 0, 0, 0, 0};
 enum {
   kMaxRecord = 131072,  ///< readers take packets of at most 262,144 bytes
-  kBeforeRecord = sizeof(struct packet) - offsetof(struct packet, tags),
-  kBlockEnd = sizeof(struct options) + sizeof(uint32_t)
+  kBeforeRecord = sizeof(struct packet) - offsetof(struct packet, tags)
 };
 
 static uint32_t shown(uint32_t length) {
@@ -56,7 +49,7 @@ static uint32_t padding_after(uint32_t length) {
 
 uint32_t packet_size(uint32_t record_length) {
   uint32_t length = shown(record_length);
-  return (uint32_t)sizeof(struct packet) + length + padding_after(length) + kBlockEnd;
+  return (uint32_t)sizeof(struct packet) + length + padding_after(length) + 4;
 }
 
 static uint8_t *put_words(uint8_t *at, const uint32_t *words, size_t count) {
@@ -141,9 +134,7 @@ static void put_packet(uint8_t *at, const struct exchange *exchange, uint8_t kin
   end += kept;
   memset(end, 0, padding_after(kept));
   end += padding_after(kept);
-  struct options options = {.flags_code = 2, .flags_length = 4, .flags = is_request ? 2 : 1};
-  memcpy(end, &options, sizeof options);
-  memcpy(end + sizeof options, &packet.block_length, sizeof packet.block_length);
+  memcpy(end, &packet.block_length, sizeof packet.block_length);
 }
 
 void put_packets(uint8_t *at, const struct exchange *exchange, bool with_secrets) {

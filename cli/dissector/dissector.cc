@@ -72,24 +72,31 @@ class Tables {
     }
   }
 
-  const std::string &fields() const { return fields_.lines(); }
-  const std::string &messages() const { return messages_.lines(); }
-  const std::string &operations() const { return operations_; }
+  std::string shared() const { return fields_.lines() + messages_.lines() + modules_.lines(); }
+
+  /// By message type.
+  std::string operations() const {
+    std::string lists;
+    for (const auto &[type, list] : operations_)
+      lists += fmt::format("[{}]={{\n{}}},\n", type, list);
+    return lists;
+  }
 
  private:
   void add(const Operation &operation) {
-    operations_ += fmt::format(
-        "  {{name={}, type={}, modules={{{}}},\n   request={},\n   reply={}}},\n",
-        lua_text(operation.name), operation.address.message_type, modules_of(operation.address),
-        message(operation, operation.request), message(operation, operation.reply));
+    std::string request = message(operation, operation.request);
+    std::string reply = message(operation, operation.reply);
+    operations_[operation.address.message_type] +=
+        fmt::format("  {{name={}{}, request={}, reply={}}},\n", lua_text(operation.name),
+                    modules_of(operation.address), request, reply);
   }
 
-  /// None when any may be asked.
-  static std::string modules_of(const catalog::Address &address) {
+  /// Left out when any may be asked.
+  std::string modules_of(const catalog::Address &address) {
     std::string modules;
     for (uint8_t module : {address.module, address.second_module})
       if (module != catalog::Address::kNone) modules += fmt::format("[{}]=true, ", module);
-    return modules;
+    return modules.empty() ? "" : ", modules=" + modules_.add(modules);
   }
 
   std::string message(const Operation &operation, const Message &message) {
@@ -100,7 +107,8 @@ class Tables {
     std::string fields;
     for (const catalog::MessageField &placed : fields_of(operation, message))
       fields += place(placed.field);
-    return messages_.add(fmt::format("length={}, is_open={}, constants={{{}}}, fields={{{}}}",
+    if (!constants.empty()) constants = fmt::format(", constants={{{}}}", constants);
+    return messages_.add(fmt::format("length={}, is_open={}{}, fields={{{}}}",
                                      message.fixed_length(), is_open, constants, fields));
   }
 
@@ -141,7 +149,8 @@ class Tables {
 
   Shared fields_{"f"};
   Shared messages_{"m"};
-  std::string operations_;
+  Shared modules_{"n"};
+  std::map<uint32_t, std::string> operations_;
 };
 
 std::string modules_table() {
@@ -173,11 +182,11 @@ std::string dissector_of(const Layout &layout) {
   const Tables tables(layout);
   return fmt::format(
       "-- Written by 'oltctl dissector' of version {} from the layout {}.\n\n"
-      "local f, m = {{}}, {{}}\n{}{}"
+      "local f, m, n = {{}}, {{}}, {{}}\n{}"
       "local catalog = {{\nmodules={{{}}},\nresults={{\n{}}},\nstatuses={{\n{}}},\n"
-      "operations={{\n{}}}}}\n\n{}",
-      OLTMGMT_VERSION, layout.name(), tables.fields(), tables.messages(), modules_table(),
-      results_table(), statuses_table(layout), tables.operations(), kCode);
+      "messages=m,\noperations={{\n{}}}}}\n\n{}",
+      OLTMGMT_VERSION, layout.name(), tables.shared(), modules_table(), results_table(),
+      statuses_table(layout), tables.operations(), kCode);
 }
 
 }  // namespace olt::cli

@@ -17,7 +17,8 @@ local kHeadLayout = "<c4BBI2c16I4I4I4I4I4I2I2I4I4I4"
 
 -- Each item and each range makes objects for Lua, which are garbage after the packet. JSON takes a
 -- third less time when they are collected soon and at once, while the processor's cache has them.
-collectgarbage("setpause", 110)
+-- Each time, the collector reads all tables below, so they are few and small.
+collectgarbage("setpause", 120)
 collectgarbage("setstepmul", 1000)
 
 -- Functions that each packet calls. Looking one up costs as much as adding a field.
@@ -56,11 +57,8 @@ local head = {
 
 -- The numbers of 4 bytes that each header has, in their order.
 local kNumbersAt = 8
-local head_numbers = {
-  fields = {head.run, head.process, head.thread, head.exchange, head.module, head.type,
-            head.timeout, head.record_length},
-  layout = "<I4I4I4I4I4I4I4I4",
-}
+local head_numbers = {head.run, head.process, head.thread, head.exchange, head.module, head.type,
+                      head.timeout, head.record_length}
 
 local expert_infos = {
   transport_failure = ProtoExpert.new("oltmgmt.transport_failure", "The exchange failed",
@@ -385,7 +383,7 @@ local kAdders = {
     local inner, fields = {}, {count, record}
     for i, place in ipairs(field.record) do
       inner[i] = {offset = place[1], width = place[2].width, adder = adder_of(place[2])}
-      for _, one in ipairs(inner[i].adder.fields) do fields[#fields + 1] = one end
+      for _, one in ipairs(inner[i].adder) do fields[#fields + 1] = one end
       if place[2].kind == "vlan" then
         inner[i].vlan = make_vlan()
         fields[#fields + 1] = inner[i].vlan
@@ -428,8 +426,9 @@ function adder_of(field)
   if not adders[field] then
     local is_wide = field.kind == "number" and field.width > 4
     local kind = (field.is_reserved or is_wide) and "bytes" or field.kind
-    local fields, add_item = kAdders[kind](field)
-    adders[field] = {name = field.name, fields = fields, add = add_item}
+    local adder, add_item = kAdders[kind](field)
+    adder.name, adder.add = field.name, add_item
+    adders[field] = adder
   end
   return adders[field]
 end
@@ -441,44 +440,41 @@ function add_field(adder, tree, range, p, tvb, at, width)
   end
 end
 
--- The rows of a message, in the order of their offsets, and the Wireshark fields of all of them.
-local function prepare(message)
-  if message.rows then return end  -- operations share messages
-  message.rows = {}
-  local fields = {}
-  for i, place in ipairs(message.fields) do
-    local adder = adder_of(place[2])
-    message.rows[i] = {offset = place[1], width = place[2].width, adder = adder}
-    for _, field in ipairs(adder.fields) do fields[#fields + 1] = field end
+-- The rows of a message, in the order of their offsets: offset, width or false, and adder, one row
+-- after the other.
+for _, message in ipairs(catalog.messages) do
+  local rows = {}
+  for _, place in ipairs(message.fields) do
+    local offset, field = place[1], place[2]
+    rows[#rows + 1], rows[#rows + 2], rows[#rows + 3] = offset, field.width or false, adder_of(field)
   end
-  message.fields = fields
+  message.rows, message.fields = rows, nil
 end
 
-local by_type = {}
-for _, operation in ipairs(catalog.operations) do
-  prepare(operation.request)
-  prepare(operation.reply)
-  operation.is_for_any_module = next(operation.modules) == nil
-  local all = by_type[operation.type] or {sets = {}}
-  by_type[operation.type] = all
-  table.insert(all, operation)
-  all.has_constants = all.has_constants or #operation.request.constants > 0
+for _, all in pairs(catalog.operations) do  -- those of one message type
+  for _, operation in ipairs(all) do
+    if operation.request.constants then all.has_constants = true end
+  end
 end
+
+local sets_of = {}  -- by message type
 
 -- Those operations of one message type whose bits are set, with their texts; made once.
-local function set_of(all, bits)
-  if not all.sets[bits] then
+local function set_of(all, type, bits)
+  local sets = sets_of[type] or {}
+  sets_of[type] = sets
+  if not sets[bits] then
     local set, names = {}, {}
     for i, operation in ipairs(all) do
       if has_bits(bits, 2 ^ (i - 1)) then
         set[#set + 1], names[#names + 1] = operation, operation.name
       end
     end
-    set.name = set[1] and table.concat(names, " or ") or "message type " .. all[1].type
+    set.name = set[1] and table.concat(names, " or ") or "message type " .. type
     set.ok = set.name .. ": ok"
-    all.sets[bits] = set
+    sets[bits] = set
   end
-  return all.sets[bits]
+  return sets[bits]
 end
 
 -- Where several fields have one filter, Wireshark looks up names of values in the first of them.
@@ -517,8 +513,12 @@ end})
 
 local function asks_for(cache, key)
   local is_asked = false
-  for _, field in ipairs(type(key) == "table" and key.fields or {key}) do
-    is_asked = is_asked or is_referenced(root_of_frame, field)
+  if type(key) ~= "table" then
+    is_asked = is_referenced(root_of_frame, key)
+  elseif key.rows then
+    for i = 3, #key.rows, 3 do is_asked = is_asked or cache[key.rows[i]] end
+  else
+    for i = 1, #key do is_asked = is_asked or cache[key[i]] end
   end
   cache[key] = is_asked
   return is_asked
@@ -535,8 +535,8 @@ local function is_sent_by(operation, record, p)
   if p.length < request.length or (p.length > request.length and not request.is_open) then
     return false
   end
-  for i = 1, #request.constants do
-    local offset, bytes = request.constants[i][1], request.constants[i][2]
+  for _, constant in ipairs(request.constants or {}) do
+    local offset, bytes = constant[1], constant[2]
     local have = record:sub(offset + 1, offset + #bytes)
     if have ~= bytes:sub(1, #have) then return false end
   end
@@ -544,7 +544,7 @@ local function is_sent_by(operation, record, p)
 end
 
 local function may_make(operation, record, p)
-  return (operation.modules[p.module] or operation.is_for_any_module) and
+  return (not operation.modules or operation.modules[p.module]) and
          (p.kind == kAnswer or is_sent_by(operation, record, p))
 end
 
@@ -572,14 +572,14 @@ end
 -- The operations that may have made the exchange. Constants in the request tell those of one
 -- message type apart; an answer has the operations of its request.
 local function operations_for(tvb, p)
-  local all = by_type[p.type]
+  local all = catalog.operations[p.type]
   if not all then
     local name = "message type " .. p.type
     return {name = name, ok = name .. ": ok"}
   end
   local every = 2 ^ #all - 1
   if p.kind == kAnswer and p.other then
-    return set_of(all, every - left_out_of(all, p, p.other))
+    return set_of(all, p.type, every - left_out_of(all, p, p.other))
   end
   local is_read = all.has_constants and p.kind == kRequest and p.have > p.head_size
   local record = is_read and raw_of(tvb, p.head_size) or ""
@@ -591,7 +591,7 @@ local function operations_for(tvb, p)
   if p.is_first_pass and p.kind == kRequest and bits < every then
     leave_out(all, p, every - bits)
   end
-  return set_of(all, bits)
+  return set_of(all, p.type, bits)
 end
 
 local function link(p)
@@ -637,9 +637,9 @@ local function add_head(tree, tvb, p, wants)
     end
   end
   if wants[head_numbers] then
-    local numbers = {unpack(head_numbers.layout, raw_of(tvb, kNumbersAt, 4 * #head_numbers.fields))}
-    for i, field in ipairs(head_numbers.fields) do
-      if wants[field] then add(tree, field, tvb(kNumbersAt + 4 * (i - 1), 4), numbers[i]) end
+    for i = 1, #head_numbers do
+      local field = head_numbers[i]
+      if wants[field] then add_le(tree, field, tvb(kNumbersAt + 4 * (i - 1), 4)) end
     end
   end
   if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
@@ -683,15 +683,15 @@ local function add_record(tree, tvb, p, wants)
   end
   if not message then return end
   local to = 0
-  for i = 1, #message.rows do
-    local row = message.rows[i]
-    local offset = row.offset
-    local width = row.width or size - offset
+  local rows = message.rows
+  for i = 1, #rows, 3 do
+    local offset, adder = rows[i], rows[i + 2]
+    local width = rows[i + 1] or size - offset
     if width <= 0 or offset + width > size then return end
     to = offset + width
-    if wants[row.adder] then
+    if wants[adder] then
       local range = width == size and whole or tvb(from + offset, width)
-      add_field(row.adder, tree, range, p, tvb, from + offset, width)
+      add_field(adder, tree, range, p, tvb, from + offset, width)
     end
   end
   if to < size and wants[head.rest] then add(tree, head.rest, tvb(from + to, size - to)) end

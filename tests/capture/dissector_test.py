@@ -389,7 +389,6 @@ FILTERS = [
     ("_ws.expert", 10),
     ("_ws.expert.severity == error", 1),
     ("_ws.lua.error", 0),
-    ("frame.p2p_dir == 0", 19),
     ("oltmgmt.first == 100", 2),
     ("oltmgmt.first in {15 .. 150}", 3),
     ("oltmgmt.vlans.record", 3),

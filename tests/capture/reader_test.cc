@@ -41,10 +41,10 @@ Bytes header(uint8_t kind, uint32_t record_length) {
 }
 
 /// At 1.000000002 s.
-Bytes packet(const Bytes &payload, uint32_t interface = 0) {
+Bytes packet(const Bytes &payload, uint32_t interface = 0, const Bytes &options = {}) {
   auto size = static_cast<uint32_t>(payload.size());
   return block(6, word(interface) + hex("00000000 02ca9a3b") + word(size) + word(size) + payload +
-                      Bytes((4 - size % 4) % 4));
+                      Bytes((4 - size % 4) % 4) + options);
 }
 
 Bytes packet(uint8_t kind, const Bytes &record) {
@@ -85,8 +85,10 @@ TEST(CaptureReader, TakesWhatOtherToolsAdd) {
   Bytes statistics = block(5, Bytes(16));
   Bytes longer = header(2, 0) + hex("aabbccdd");
   longer[6] = 68;
-  ReadPackets found = read_packets(kSection + named + statistics + packet(hex(kTags) + longer) +
-                                   kSection + kInterface + packet(1, {}));
+  Bytes comment_and_flags = hex("0100 0300 61626300 0200 0400 01000000 0000 0000");
+  ReadPackets found = read_packets(kSection + named + statistics +
+                                   packet(hex(kTags) + longer, 0, comment_and_flags) + kSection +
+                                   kInterface + packet(1, {}));
   EXPECT_EQ("", found.error);
   ASSERT_EQ(2U, found.packets.size());
   EXPECT_EQ(Bytes(), found.packets[0].record);

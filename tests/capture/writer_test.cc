@@ -52,18 +52,18 @@ TEST(CaptureWriter, WritesAnInterfaceForEachProcess) {
                   text("front_end/1234"), hex("0000 0300 0900"), text("front_end"),
                   hex("000000 0900 0100 09000000 00000000 44000000"),
                   // the request
-                  hex("06000000 78000000 00000000 00000000 02ca9a3b 4c000000 4c000000"
+                  hex("06000000 6c000000 00000000 00000000 02ca9a3b 4c000000 4c000000"
                       "000c0004 6f6c7400 00000000 4f4c5431 01 00 4000"),
-                  header, Bytes(28), hex("0200 0400 02000000 00000000 78000000"),
+                  header, Bytes(28), hex("6c000000"),
                   // the answer
-                  hex("06000000 80000000 00000000 00000000 8add9a3b 52000000 52000000"
+                  hex("06000000 74000000 00000000 00000000 8add9a3b 52000000 52000000"
                       "000c0004 6f6c7400 00000000 4f4c5431 02 00 4000"),
                   header, hex("06000000 00000000 0000 0000 8813000000000000 00000000 00000000"),
-                  hex("020000000001 0000 0200 0400 01000000 00000000 80000000")}),
+                  hex("020000000001 0000 74000000")}),
             file);
   file.clear();
   writer.add(exchange(1234, 8), "front_end", file);
-  EXPECT_EQ(120U + 128U, file.size()) << "the process has its interface";
+  EXPECT_EQ(108U + 116U, file.size()) << "the process has its interface";
   file.clear();
   writer.add(exchange(1234, 9), "another", file);
   EXPECT_EQ(hex("01000000"), slice(file, 0, 4)) << "the number of the process was used again";
@@ -219,7 +219,7 @@ TEST(CaptureWriter, MasksMoreInABlock) {
   writer.begin(file);
   size_t section = file.size();
   writer.add(exchange(1, 1), "one", file);
-  size_t answer = file.size() - 128;
+  size_t answer = file.size() - 116;
   const catalog::WireSecret secrets[] = {{12, 4, 12}, {13, 0, 6}, {12, 0, 1, 2}};
   Bytes before = file;
   capture::mask_block(std::span(file).first(section), secrets);
@@ -228,7 +228,7 @@ TEST(CaptureWriter, MasksMoreInABlock) {
   expected[answer + 45] = 2;
   for (size_t at : {0U, 2U, 4U, 5U}) expected[answer + 104 + at] = '*';
   EXPECT_EQ(expected, file);
-  capture::mask_block(std::span(file).subspan(answer - 120, 120), secrets);
+  capture::mask_block(std::span(file).subspan(answer - 108, 108), secrets);
   EXPECT_EQ(expected, file) << "a request without a record";
 }
 
@@ -239,7 +239,7 @@ TEST(CaptureWriter, MasksNothingBeyondABlock) {
   writer.add(exchange(1, 1), "one", file);
   const catalog::WireSecret secrets[] = {{12, 0, 1, 2}};
   for (uint8_t byte : {uint8_t{0}, uint8_t{0xFF}}) {
-    Bytes damaged(file.begin() + static_cast<ptrdiff_t>(file.size() - 128), file.end());
+    Bytes damaged(file.begin() + static_cast<ptrdiff_t>(file.size() - 116), file.end());
     std::fill_n(damaged.begin() + 20, 4, byte);
     Bytes before = damaged;
     capture::mask_block(damaged, secrets);

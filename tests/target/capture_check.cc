@@ -250,16 +250,14 @@ void check_exchanges() {
   expect_packet("request: numbers", 0, "\1\0\0\0\2\0\0\0\x0f\0\0\0\x0a\0\0\0\5\0\0\0", 60, 20);
   expect_packet("request: no result", 0, "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 80,
                 24);
-  expect_packet("request: record and end", 0, "abcd\0\0\0\0\2\0\4\0\2\0\0\0\0\0\0\0\x80\0\0\0",
-                kRecordAt, 24);
+  expect_packet("request: record and end", 0, "abcd\0\0\0\0\x74\0\0\0", kRecordAt, 12);
   const uint64_t time = static_cast<uint64_t>(word_at(block + 12)) << 32U | word_at(block + 16);
   const auto began = static_cast<int64_t>(time / 1'000'000'000);
   expect("request: time", 1, began >= before.tv_sec && began <= before.tv_sec + 60);
 
   const uint8_t *answer = capture.bytes + capture.place[1];
   expect_packet("answer: header", 1, "OLT1\2\0\x40\0", 40, 8);
-  expect_packet("answer: record and end", 1, "abcd\0\0\0\0\2\0\4\0\1\0\0\0\0\0\0\0\x80\0\0\0",
-                kRecordAt, 24);
+  expect_packet("answer: record and end", 1, "abcd\0\0\0\0\x74\0\0\0", kRecordAt, 12);
   const uint64_t end = static_cast<uint64_t>(word_at(answer + 12)) << 32U | word_at(answer + 16);
   const uint64_t duration =
       static_cast<uint64_t>(word_at(answer + 92)) << 32U | word_at(answer + 88);
