@@ -49,7 +49,8 @@ static uint32_t padding_after(uint32_t length) {
 
 uint32_t packet_size(uint32_t record_length) {
   uint32_t length = shown(record_length);
-  return (uint32_t)sizeof(struct packet) + length + padding_after(length) + 4;
+  uint32_t length_again = sizeof(uint32_t);
+  return (uint32_t)sizeof(struct packet) + length + padding_after(length) + length_again;
 }
 
 static uint8_t *put_words(uint8_t *at, const uint32_t *words, size_t count) {
