@@ -221,6 +221,7 @@ void Session::flush() {
                        });
     return;
   }
+  hangup_ends_ = false;
   bool holds_request = watched_.has_value();
   size_t request_length = holds_request ? watched_->request_length : 0;
   answered(outgoing_.data() + kAnswerHeaderSize, outgoing_.size() - kAnswerHeaderSize);
@@ -261,11 +262,13 @@ void Session::end_watched(olt_served_end end, const std::byte *reply, size_t len
   watch_.watcher(watch_.context, &exchange);
 }
 
-// A connection is closed when its client leaves, not when the delay of its answer is over.
+// A connection is closed when its client leaves, not when the delay of its answer is over. The wait
+// may last longer than the delay: then the requests that came before the end are served first.
 void Session::await_hangup() {
+  hangup_ends_ = true;
   socket_.async_wait(asio::socket_base::wait_read,
                      [self = shared_from_this()](const std::error_code &error) {
-                       if (!error && self->socket_.is_open() && self->owes_answer_) {
+                       if (!error && self->socket_.is_open() && self->hangup_ends_) {
                          self->notice_hangup();
                        }
                      });

@@ -97,6 +97,7 @@ class Session : public std::enable_shared_from_this<Session> {
   std::vector<std::byte> outgoing_;
   size_t sent_ = 0;
   bool owes_answer_ = false;
+  bool hangup_ends_ = false;  ///< an answer is delayed: a client that leaves is dropped at once
 
   const Watch &watch_;
   const uint64_t connection_;

@@ -252,6 +252,23 @@ TEST_F(Serving, AClientThatVanishesBeforeItsAnswerIsNoticedAtOnce) {
             std::string::npos);
 }
 
+TEST_F(Serving, WhoSendsNoMoreIsServedToTheLastRequestBehindADelayedOne) {
+  RawClient client(dir_.socket(2));
+  Bytes requests;
+  for (const Bytes &one :
+       {request_frame(1, kDelayedEcho, word(1)), request_frame(2, kBusy, word(100)),
+        request_frame(3, kSilence, {}), request_frame(4, kEcho, {})}) {
+    requests.insert(requests.end(), one.begin(), one.end());
+  }
+  ASSERT_TRUE(client.send(requests));
+  EXPECT_EQ(client.receive(20), hex("4f4c4131 01000000 0000 0000 04000000 01000000"));
+  shutdown(client.get(), SHUT_WR);
+  EXPECT_EQ(client.receive(32), hex("4f4c4131 02000000 0000 0000 00000000"
+                                    "4f4c4131 04000000 0000 0000 00000000"));
+  EXPECT_TRUE(client.is_closed());
+  EXPECT_EQ(server_.counters().vanished_clients, 0u);
+}
+
 TEST_F(Serving, AClientThatLeavesInPeaceIsNoEvent) {
   {
     RawClient client(dir_.socket(2));
