@@ -39,9 +39,10 @@ local head = {
   module = ProtoField.uint32("oltmgmt.module", "Module", base.DEC, catalog.modules),
   type = ProtoField.uint32("oltmgmt.type", "Message type"),
   timeout = ProtoField.uint32("oltmgmt.timeout", "Time-out", base.DEC + base.UNIT_STRING, {" s"}),
-  record_length = ProtoField.uint32("oltmgmt.record_length", "Record length", base.DEC +
-                                    base.UNIT_STRING, {" byte", " bytes"}),
   no_reply = ProtoField.bool("oltmgmt.no_reply", "No reply wanted", 8, nil, 0x01),
+  masked = ProtoField.bool("oltmgmt.masked", "Secrets are masked", 8, nil, 0x02),
+  whole_length = ProtoField.uint32("oltmgmt.whole_length", "Length of the whole record", base.DEC +
+                                   base.UNIT_STRING, {" byte", " bytes"}),
   result = ProtoField.uint32("oltmgmt.result", "Result", base.HEX, catalog.results),
   status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC,
                              next(catalog.statuses) and catalog.statuses or nil),
@@ -55,10 +56,9 @@ local head = {
   rest = ProtoField.bytes("oltmgmt.rest", "Bytes that the catalog does not name"),
 }
 
--- The numbers of 4 bytes that each header has, in their order.
+-- The numbers of 4 bytes that each packet shows, in the order of the header.
 local kNumbersAt = 8
-local head_numbers = {head.run, head.process, head.thread, head.exchange, head.module, head.type,
-                      head.timeout, head.record_length}
+local head_numbers = {head.run, head.process, head.thread, head.exchange, head.module, head.type}
 
 local expert_infos = {
   transport_failure = ProtoExpert.new("oltmgmt.transport_failure", "The exchange failed",
@@ -77,8 +77,6 @@ local expert_infos = {
                             expert.group.UNDECODED, expert.severity.NOTE),
   cut = ProtoExpert.new("oltmgmt.cut", "The end of the packet was not captured",
                         expert.group.UNDECODED, expert.severity.NOTE),
-  masked = ProtoExpert.new("oltmgmt.masked", "Secrets are masked", expert.group.SECURITY,
-                           expert.severity.CHAT),
 }
 
 -- The fields of the catalog. All fields of one name have the filter "oltmgmt.NAME". When their
@@ -436,7 +434,7 @@ end
 function add_field(adder, tree, range, p, tvb, at, width)
   local item = adder.add(tree, range, p, tvb, at, width)
   if p.is_masked and raw_of(tvb, at, width):match("^%*%*+$") then
-    item:set_text(adder.name .. ": ********")
+    set_text(item, adder.name .. ": ********")
   end
 end
 
@@ -642,7 +640,12 @@ local function add_head(tree, tvb, p, wants)
       if wants[field] then add_le(tree, field, tvb(kNumbersAt + 4 * (i - 1), 4)) end
     end
   end
-  if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
+  if p.kind == kRequest then
+    if wants[head.timeout] then add_le(tree, head.timeout, tvb(32, 4)) end
+    if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
+  end
+  if p.is_masked and wants[head.masked] then add(tree, head.masked, tvb(5, 1)) end
+  if p.is_cut and wants[head.whole_length] then add_le(tree, head.whole_length, tvb(36, 4)) end
   local link_in = p.kind == kRequest and head.answer_in or head.request_in
   if p.other and wants[link_in] then mark_generated(add(tree, link_in, p.other), p) end
   if p.kind == kRequest then return end
@@ -668,7 +671,6 @@ local function add_expert_infos(tree, p)
   if #p.operations == 0 then note(tree, infos.unknown) end
   if p.is_short then note(tree, infos.short) end
   if p.is_cut then note(tree, infos.cut) end
-  if p.is_masked then note(tree, infos.masked) end
 end
 
 local function add_record(tree, tvb, p, wants)
@@ -745,8 +747,8 @@ local function dissect(tvb, info, root)
   p.is_short = p.has_record and p.message and p.length < p.message.length
   p.is_cut = p.have - p.head_size < p.length
   p.is_unanswered = is_request and not p.is_first_pass and not p.other
-  local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.is_masked or
-                   p.lost > 0 or not operation
+  local is_noted = p.failure or p.is_short or p.is_cut or p.is_unanswered or p.lost > 0 or
+                   not operation
   local wants = everything
   p.is_visible = root.visible
   if not p.is_visible then
