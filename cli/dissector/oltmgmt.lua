@@ -39,10 +39,10 @@ local head = {
   module = ProtoField.uint32("oltmgmt.module", "Module", base.DEC, catalog.modules),
   type = ProtoField.uint32("oltmgmt.type", "Message type"),
   timeout = ProtoField.uint32("oltmgmt.timeout", "Time-out", base.DEC + base.UNIT_STRING, {" s"}),
+  record_length = ProtoField.uint32("oltmgmt.record_length", "Record length", base.DEC +
+                                    base.UNIT_STRING, {" byte", " bytes"}),
   no_reply = ProtoField.bool("oltmgmt.no_reply", "No reply wanted", 8, nil, 0x01),
   masked = ProtoField.bool("oltmgmt.masked", "Secrets are masked", 8, nil, 0x02),
-  whole_length = ProtoField.uint32("oltmgmt.whole_length", "Length of the whole record", base.DEC +
-                                   base.UNIT_STRING, {" byte", " bytes"}),
   result = ProtoField.uint32("oltmgmt.result", "Result", base.HEX, catalog.results),
   status = ProtoField.uint16("oltmgmt.status", "Status", base.DEC,
                              next(catalog.statuses) and catalog.statuses or nil),
@@ -56,9 +56,11 @@ local head = {
   rest = ProtoField.bytes("oltmgmt.rest", "Bytes that the catalog does not name"),
 }
 
--- The numbers of 4 bytes that each packet shows, in the order of the header.
+-- The numbers of 4 bytes that each header has, in their order. Answers show those of the request, too,
+-- so that one filter can ask for them and for the answer: "oltmgmt.timeout > 10 && oltmgmt.failed".
 local kNumbersAt = 8
-local head_numbers = {head.run, head.process, head.thread, head.exchange, head.module, head.type}
+local head_numbers = {head.run, head.process, head.thread, head.exchange, head.module, head.type,
+                      head.timeout, head.record_length}
 
 local expert_infos = {
   transport_failure = ProtoExpert.new("oltmgmt.transport_failure", "The exchange failed",
@@ -640,12 +642,8 @@ local function add_head(tree, tvb, p, wants)
       if wants[field] then add_le(tree, field, tvb(kNumbersAt + 4 * (i - 1), 4)) end
     end
   end
-  if p.kind == kRequest then
-    if wants[head.timeout] then add_le(tree, head.timeout, tvb(32, 4)) end
-    if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
-  end
+  if p.no_reply and wants[head.no_reply] then add(tree, head.no_reply, tvb(5, 1)) end
   if p.is_masked and wants[head.masked] then add(tree, head.masked, tvb(5, 1)) end
-  if p.is_cut and wants[head.whole_length] then add_le(tree, head.whole_length, tvb(36, 4)) end
   local link_in = p.kind == kRequest and head.answer_in or head.request_in
   if p.other and wants[link_in] then mark_generated(add(tree, link_in, p.other), p) end
   if p.kind == kRequest then return end

@@ -22,9 +22,10 @@ HEADER_AT = 12
 RECORD_AT = HEADER_AT + 64
 
 # Filters that the dissector has beside those of the catalog's fields.
-OF_EVERY_PACKET = {"run", "process", "thread", "exchange", "module", "type"}
-OF_THE_REST = {"operation", "timeout", "no_reply", "masked", "whole_length", "request", "reply",
-               "request_in", "answer_in", "result", "status", "failed", "time"}
+OF_EVERY_PACKET = {"run", "process", "thread", "exchange", "module", "type", "timeout",
+                   "record_length"}
+OF_THE_REST = {"operation", "no_reply", "masked", "request", "reply", "request_in", "answer_in",
+               "result", "status", "failed", "time"}
 
 # The names that fields of the catalog do not have alone: the dissector's own, and those of another
 # type than the first field of the name.
@@ -241,11 +242,11 @@ class EveryOperation(unittest.TestCase):
         return len(shown)
 
     def test_shows_the_header(self):
-        of_each = {"run": 8, "process": 12, "thread": 16, "exchange": 20, "module": 24, "type": 28}
+        at = {"run": 8, "process": 12, "thread": 16, "exchange": 20, "module": 24, "type": 28,
+              "timeout": 32, "record_length": 36}
         for i, layer in enumerate(self.layers):
             shown = {name: (raw, place, value) for name, raw, place, _, value in items_in(layer)
                      if name in OF_EVERY_PACKET | OF_THE_REST}
-            at = of_each if i % 2 else {**of_each, "timeout": 32}
             for name, offset in at.items():
                 data = self.packets[i][HEADER_AT + offset:HEADER_AT + offset + 4]
                 self.assertEqual((data.hex(), HEADER_AT + offset, str(little(data))), shown[name])
@@ -255,7 +256,6 @@ class EveryOperation(unittest.TestCase):
                 self.assertIn("request", shown)
                 self.assertFalse({"result", "status", "time", "request_in"} & shown.keys())
                 continue
-            self.assertFalse({"timeout", "no_reply", "request"} & shown.keys())
             duration = little(self.packets[i][HEADER_AT + 48:HEADER_AT + 56])
             self.assertEqual("%d.%09d" % divmod(duration, 10**9), shown["time"][2])
             self.assertEqual(("00000000", HEADER_AT + 40, "0x00000000"), shown["result"])
@@ -266,7 +266,7 @@ class EveryOperation(unittest.TestCase):
         last = len(self.packets) - 1
         self.assertEqual([1, 1, 1, 2], counts(self.capture, [
             "oltmgmt.cut && oltmgmt.unknown && frame.number == %d" % last, "oltmgmt.cut",
-            "oltmgmt.whole_length == 140000", "oltmgmt.unknown && oltmgmt.type == 60000"]))
+            "oltmgmt.record_length == 140000", "oltmgmt.unknown && oltmgmt.type == 60000"]))
 
     def test_damaged_packets_raise_no_error(self):
         """Packets cut at every byte, also as if by a limit of the capture, and damaged ones."""
@@ -365,15 +365,15 @@ FILTERS = [
     ('oltmgmt.module == "rstp"', 2),
     ("oltmgmt.type == 23", 4),
     ("oltmgmt.exchange == 7", 2),
-    ("oltmgmt.run && oltmgmt.process && oltmgmt.thread", 38),
-    ("oltmgmt.timeout", 19),
-    ("oltmgmt.timeout == 10", 18),
-    ("oltmgmt.whole_length", 0),
+    ("oltmgmt.run && oltmgmt.process && oltmgmt.thread && oltmgmt.timeout", 38),
+    ("oltmgmt.timeout == 10 && oltmgmt.failed", 3),
+    ("oltmgmt.record_length == 6", 2),
     ("oltmgmt.request", 19),
     ("oltmgmt.reply", 8),
     ("oltmgmt.request_in", 19),
     ("oltmgmt.no_reply && oltmgmt.request", 9),
-    ("oltmgmt.no_reply == 1", 9),
+    ("oltmgmt.no_reply == 1", 18),
+    ("oltmgmt.no_reply && oltmgmt.failed", 2),
     ("oltmgmt.status == 0", 15),
     ("oltmgmt.status != 0", 3),
     ('oltmgmt.status == "not found"', 2),
@@ -547,9 +547,9 @@ class Session(unittest.TestCase):
         done = run(["editcap", "-s", "100", self.capture, path])
         self.assertEqual(0, done.returncode, text(done.stderr))
         longer = sum(len(packet_in(block)) > 100 for block in packets_of(self.capture)[1])
-        self.assertEqual([0, longer, longer, longer, 38], counts(path, [
-            "_ws.lua.error", "oltmgmt.cut", "oltmgmt.whole_length", "frame.cap_len < frame.len",
-            "oltmgmt.operation || oltmgmt.unknown"]))
+        self.assertEqual([0, longer, longer, 38], counts(path, [
+            "_ws.lua.error", "oltmgmt.cut", "frame.cap_len < frame.len", "oltmgmt.operation ||"
+            " oltmgmt.unknown"]))
 
     def test_loads_from_the_personal_folder(self):
         home = os.path.join(FOLDER, "personal")
