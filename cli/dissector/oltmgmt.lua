@@ -28,6 +28,7 @@ local append_text, note = TreeItem.append_text, TreeItem.add_proto_expert_info
 local is_referenced = TreeItem.referenced
 local length_of, raw_of, uint_in = Tvb.len, Tvb.raw, TvbRange.le_uint
 local unpack = Struct.unpack
+local byte_at, set_byte = ByteArray.get_index, ByteArray.set_index
 
 -- What every packet has.
 local head = {
@@ -452,6 +453,7 @@ for _, message in ipairs(catalog.messages) do
 end
 
 for _, all in pairs(catalog.operations) do  -- those of one message type
+  assert(#all <= 8, "a message type has at most 8 operations, the bits of a byte")
   for _, operation in ipairs(all) do
     if operation.request.constants then all.has_constants = true end
   end
@@ -492,7 +494,7 @@ oltmgmt.experts = expert_infos
 -- Links between requests and answers; filled in the first pass over the capture.
 local pending        -- the request's frame, by what identifies the exchange
 local apart          -- the other frame by either, or false if none; nil if they are neighbors
-local left_out       -- by message type and frames: operations that have not sent the request
+local left_out       -- by message type and block of frames: which operations sent no request
 local last_linked    -- frame
 
 -- What filters and columns ask for, by field, adder and message. It is found out again when frames
@@ -548,25 +550,23 @@ local function may_make(operation, record, p)
          (p.kind == kAnswer or is_sent_by(operation, record, p))
 end
 
--- The place of a frame's bits in a table of left_out. Several frames share a number, since the
--- collector reads these tables again and again.
-local function place_of(all, frame)
-  local frames = math.max(math.floor(52 / #all), 1)
-  return math.floor(frame / frames), 2 ^ (#all * (frame % frames))
+-- A byte for each frame, in blocks, since the collector would read tables again and again.
+local kFramesOfBlock = 4096
+
+local function leave_out(p, bits)
+  local blocks, number = left_out[p.type] or {}, math.floor(p.frame / kFramesOfBlock)
+  left_out[p.type] = blocks
+  if not blocks[number] then
+    blocks[number] = ByteArray.new()
+    blocks[number]:set_size(kFramesOfBlock)
+  end
+  set_byte(blocks[number], p.frame % kFramesOfBlock, bits)
 end
 
-local function leave_out(all, p, bits)
-  local at, unit = place_of(all, p.frame)
-  local numbers = left_out[p.type] or {}
-  left_out[p.type] = numbers
-  numbers[at] = (numbers[at] or 0) + bits * unit
-end
-
-local function left_out_of(all, p, request)
-  local numbers = left_out[p.type]
-  if not numbers then return 0 end
-  local at, unit = place_of(all, request)
-  return math.floor((numbers[at] or 0) / unit) % 2 ^ #all
+local function left_out_of(p, request)
+  local blocks = left_out[p.type]
+  local block = blocks and blocks[math.floor(request / kFramesOfBlock)]
+  return block and byte_at(block, request % kFramesOfBlock) or 0
 end
 
 -- The operations that may have made the exchange. Constants in the request tell those of one
@@ -579,7 +579,7 @@ local function operations_for(tvb, p)
   end
   local every = 2 ^ #all - 1
   if p.kind == kAnswer and p.other then
-    return set_of(all, p.type, every - left_out_of(all, p, p.other))
+    return set_of(all, p.type, every - left_out_of(p, p.other))
   end
   local is_read = all.has_constants and p.kind == kRequest and p.have > p.head_size
   local record = is_read and raw_of(tvb, p.head_size) or ""
@@ -589,7 +589,7 @@ local function operations_for(tvb, p)
     bit = 2 * bit
   end
   if p.is_first_pass and p.kind == kRequest and bits < every then
-    leave_out(all, p, every - bits)
+    leave_out(p, every - bits)
   end
   return set_of(all, p.type, bits)
 end

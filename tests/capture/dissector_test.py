@@ -542,6 +542,27 @@ class Session(unittest.TestCase):
                           "14,,6", "12,,7", ",11,7", ",9,5", ",10,6"], output.split())
         self.assertEqual([1], counts(path, ["oltmgmt.unanswered && frame.number == 8"], "-2"))
 
+    def test_answers_far_from_their_requests(self):
+        """3,000 requests of each of two operations of one message type in turn, then their answers."""
+        head, blocks = packets_of(self.capture)
+        exchanges = []
+        for operation in ("get_vlan_all", "get_vlan_information_file_bylist"):
+            frames = tshark("-X", "lua_script:" + SCRIPT, "-r", self.capture, "-Y",
+                            'oltmgmt.operation == "%s"' % operation, "-T", "fields", "-e",
+                            "frame.number")[1].split()
+            exchanges.append([packet_in(blocks[int(frame) - 1]) for frame in frames])
+        parts = [head]
+        for is_answer in (0, 1):
+            for number in range(6000):
+                packet = exchanges[number % 2][is_answer]
+                parts.append(block_of(packet[:HEADER_AT + 20] + struct.pack("<I", number + 1) +
+                                      packet[HEADER_AT + 24:], len(parts)))
+        path = write("far.pcapng", b"".join(parts))
+        for options in ([], ["-2"]):
+            self.assertEqual([6000, 6000, 6000], counts(path, [
+                "oltmgmt.request_in", 'oltmgmt.operation == "get_vlan_all"',
+                'oltmgmt.operation == "get_vlan_information_file_bylist"'], *options))
+
     def test_packets_cut_by_editcap(self):
         path = os.path.join(FOLDER, "cut.pcapng")
         done = run(["editcap", "-s", "100", self.capture, path])
