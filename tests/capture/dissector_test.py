@@ -558,10 +558,12 @@ class Session(unittest.TestCase):
                 parts.append(block_of(packet[:HEADER_AT + 20] + struct.pack("<I", number + 1) +
                                       packet[HEADER_AT + 24:], len(parts)))
         path = write("far.pcapng", b"".join(parts))
+        first = 'oltmgmt.operation == "get_vlan_all"'
+        second = 'oltmgmt.operation == "get_vlan_information_file_bylist"'
         for options in ([], ["-2"]):
-            self.assertEqual([6000, 6000, 6000], counts(path, [
-                "oltmgmt.request_in", 'oltmgmt.operation == "get_vlan_all"',
-                'oltmgmt.operation == "get_vlan_information_file_bylist"'], *options))
+            self.assertEqual([6000, 6000, 6000, 6000, 6000], counts(path, [
+                "oltmgmt.request_in", first, first + " && oltmgmt.exchange & 1 == 1",
+                second, second + " && oltmgmt.exchange & 1 == 0"], *options))
 
     def test_packets_cut_by_editcap(self):
         path = os.path.join(FOLDER, "cut.pcapng")
